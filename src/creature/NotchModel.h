@@ -1,0 +1,137 @@
+#pragma once
+
+#include <QImage>
+#include <QList>
+#include <QPointF>
+#include <QSizeF>
+#include <QString>
+#include <QUrl>
+#include <functional>
+#include <optional>
+
+#include "creature/Published.h"
+#include "creature/Sky.h"
+#include "creature/Toy.h"
+#include "platform/Clock.h"
+#include "platform/MainLoop.h"
+#include "shelf/Bite.h"
+#include "shelf/HeldTimer.h"
+
+class FileReferences;
+class Preferences;
+
+/// The curve of most changes that the user causes: opening, hiding, picking a toy.
+inline Animation commonSpring() { return Animation::interpolatingSpring(1, 220, 18, 0); }
+
+/// All that the creature knows: its mood, the pointer, the shelf, and what the watchers report. Sensors write it, views
+/// observe it. Lengths are points; screen coordinates have y growing upwards. Main thread only.
+///
+/// The ports must outlive the model.
+class NotchModel : public ObservableObject {
+  public:
+    /// `dataFolder` is where the user's programs keep their data; files that were dropped as data go below it.
+    NotchModel(Clock& clock, MainLoop& loop, Preferences& preferences, FileReferences& files, QString dataFolder);
+
+    Published<std::optional<QImage>> artwork{*this, std::nullopt};  ///< cover of the current track
+    Published<Toy> toy{*this, Toy::critter};
+    Published<QPointF> cursor{*this, {}};      ///< pointer as last shown to the eyes, screen coordinates
+    Published<bool> hovering{*this, false};    ///< the pointer is in the hover zone
+    Published<bool> dragging{*this, false};    ///< the creature is being dragged inside the view
+    Published<QSizeF> dragOffset{*this, {0, 0}};
+    Published<bool> asleep{*this, false};
+    Published<int> boopCount{*this, 0};
+    Published<int> startleCount{*this, 0};
+    Published<int> glanceCount{*this, 0};
+    Published<double> battery{*this, 1.0};  ///< fraction, 0 to 1
+    Published<bool> charging{*this, false};
+    Published<bool> yawning{*this, false};
+    Published<int> worryCount{*this, 0};
+    Published<QList<QUrl>> items{*this, {}, [this] { saveItems(); }};  ///< held files, newest last
+    Published<bool> dropTargeted{*this, false};                        ///< a drag is over the panel
+    Published<bool> dragNear{*this, false};                            ///< a usable drag is close to the notch
+    Published<int> swallowCount{*this, 0};
+    Published<bool> shelfExpanded{*this, false};
+    Published<QList<Bite>> bites{*this, {}, [this] { saveBites(); }};
+    Published<QList<HeldTimer>> timers{*this, {}, [this] { saveTimers(); }};
+    Published<bool> capsOn{*this, false};
+    Published<bool> offline{*this, false};
+    Published<int> lookAroundCount{*this, 0};
+    Published<bool> diskFull{*this, false};
+    Published<int> stretchCount{*this, 0};
+    Published<Date> quietUntil{*this, Date::distantPast()};
+    Published<double> slideX{*this, 0.0};     ///< how far the panel is pushed aside
+    Published<bool> sliding{*this, false};    ///< the user pushes it right now
+    Published<bool> hidden{*this, false, [this] { saveHidden(); }};
+    Published<bool> downloading{*this, false};
+    Published<std::optional<QString>> eventWhisper{*this, std::nullopt};
+    Published<std::optional<QString>> updateAvailable{*this, std::nullopt};  ///< the newer version
+    Published<bool> chewing{*this, false};
+    Published<bool> musicPlaying{*this, false};
+    Published<std::optional<QString>> musicTrack{*this, std::nullopt};
+    Published<Sky> sky{*this, Sky::clearDay};
+    Published<std::optional<double>> tempC{*this, std::nullopt};  ///< degrees Celsius
+    Published<int> agentsWorking{*this, 0};
+    Published<QString> agentProjects{*this, {}};
+    Published<bool> needsYou{*this, false};  ///< an agent waits for the user
+    Published<int> spawnCount{*this, 0};
+    Published<bool> cameraInUse{*this, false};
+    Published<bool> micInUse{*this, false};
+
+    /// Called with a command word by the music buttons.
+    std::function<void(const QString&)> onMusicCommand;
+    /// Brings the terminal of the waiting agent forward; called by notchTapped().
+    std::function<void()> onFocusBlockedTerminal;
+    std::optional<QString> blockedTerminal;  ///< display name of the terminal that holds the waiting agent
+    QSizeF notchSize{185, 32};
+    double centerX = 0;    ///< middle of the notch, screen coordinates
+    double screenTop = 0;  ///< top edge of the notch's screen, screen coordinates
+    Date lastActivity;     ///< when the user last did something that the creature noticed
+
+    bool attending() const { return hovering || dragging || dragNear; }
+    bool hasHeld() const { return heldCount() > 0; }
+    int heldCount() const { return int(items->size() + bites->size() + timers->size()); }
+    /// Tired: the battery is low and not charging, or it is late at night.
+    bool isSleepy() const;
+    /// The user asked for quiet and the time is not over.
+    bool quiet() const;
+    /// Size that the notch shape should have now.
+    double shapeWidth() const;
+    double shapeHeight() const;
+
+    /// Notes that the user is there; wakes a dozing creature.
+    void markActivity();
+    /// Yawns, unless something speaks against it.
+    void yawn();
+    /// The reaction to a tap on the notch.
+    void notchTapped();
+    void pickToy(Toy choice);
+
+    // The shelf. Each assignment to a stored collection saves it; a failure to save is silent.
+    void loadShelf();
+    void loadHeld();
+    /// Holds what is not held yet, pushing out the oldest beyond the limit. Returns how many were new.
+    int addItems(const QList<QUrl>& files);
+    int addBites(const QList<Bite>& newBites);
+    void addTimer(double length);  ///< minutes
+    /// Marks the timers that have come due; true if one rang in this call.
+    bool tickTimers();
+    void removeItem(const QUrl& file);
+    void removeBite(const Bite& bite);
+    void removeTimer(const HeldTimer& timer);
+    void clearDoneTimers();
+    /// Where files that were dropped as data are written; made when missing. A failure to make it shows when writing.
+    QUrl droppedFolder() const;
+
+  private:
+    void saveItems();
+    void saveBites();
+    void saveTimers();
+    void saveHidden();
+
+    Clock& clock_;
+    MainLoop& loop_;
+    Preferences& preferences_;
+    FileReferences& files_;
+    QString dataFolder_;
+    TimerHandle yawnEnd_;
+};

@@ -1,0 +1,98 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <utility>
+
+#include "creature/Signal.h"
+#include "motion/Animation.h"
+#include "platform/MainLoop.h"
+
+/// An object whose Published members announce their changes. Main thread only.
+class ObservableObject {
+  public:
+    ObservableObject() = default;
+    ObservableObject(const ObservableObject&) = delete;
+    ObservableObject& operator=(const ObservableObject&) = delete;
+
+    /// Emitted before any published member is replaced.
+    Signal<> objectWillChange;
+    /// Emitted when the change, or all changes of one withAnimation block, are complete, with the animation they were
+    /// made in; none means that they show at once.
+    Signal<const std::optional<Animation>&> objectDidChange;
+
+    /// Runs `block`; what it writes is seen by the observers as one change made with `animation`. Blocks nest: the
+    /// innermost animation holds for its block.
+    template <class Block>
+    void withAnimation(const Animation& animation, Block&& block) {
+        const Transaction outer = std::exchange(transaction_, Transaction{animation, 0, true});
+        std::forward<Block>(block)();
+        const Transaction inner = std::exchange(transaction_, outer);
+        if (inner.changes > 0) objectDidChange.emit(inner.animation);
+    }
+
+    /// For members and for state outside of them that the views read: brackets one change.
+    void willChange() { objectWillChange.emit(); }
+    void didChange() {
+        if (transaction_.open)
+            ++transaction_.changes;
+        else
+            objectDidChange.emit(std::nullopt);
+    }
+
+  private:
+    struct Transaction {
+        std::optional<Animation> animation;
+        int changes = 0;
+        bool open = false;
+    };
+    Transaction transaction_;
+};
+
+/// A member of an ObservableObject that reads and writes like a plain T. A write announces the new value, replaces the
+/// old one, runs the member's follow-up (saving, say) and reports the change as complete, whether or not it differs.
+template <class T>
+class Published {
+  public:
+    Published(ObservableObject& owner, T initial, std::function<void()> followUp = {})
+        : owner_(owner), value_(std::move(initial)), followUp_(std::move(followUp)) {}
+    Published(const Published&) = delete;
+    Published& operator=(const Published&) = delete;
+
+    const T& get() const { return value_; }
+    operator const T&() const { return value_; }  // NOLINT(google-explicit-constructor): reads look like reads
+    const T* operator->() const { return &value_; }
+
+    Published& operator=(T value) {
+        owner_.willChange();
+        willChange.emit(value);
+        value_ = std::move(value);
+        if (followUp_) followUp_();
+        owner_.didChange();
+        return *this;
+    }
+
+    /// For the event counters, which only ever grow by one.
+    Published& operator++() { return *this = value_ + 1; }
+
+    /// Emitted with the new value before it replaces the old one.
+    Signal<const T&> willChange;
+
+    /// Calls `observer` through the main loop with the present value and with every later one.
+    [[nodiscard]] Subscription deliver(MainLoop& loop, std::function<void(const T&)> observer) {
+        auto shared = std::make_shared<std::function<void(const T&)>>(std::move(observer));
+        auto forward = [&loop, weak = std::weak_ptr(shared)](const T& value) {
+            loop.post([weak, value] {
+                if (const auto alive = weak.lock()) (*alive)(value);
+            });
+        };
+        forward(value_);
+        auto subscription = willChange.subscribe(forward);
+        return std::make_shared<std::pair<decltype(shared), Subscription>>(std::move(shared), std::move(subscription));
+    }
+
+  private:
+    ObservableObject& owner_;
+    T value_;
+    std::function<void()> followUp_;
+};

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+/// Keeps an observer connected for as long as it lives.
+using Subscription = std::shared_ptr<void>;
+
+/// Calls its observers, in the order in which they subscribed. Main thread only.
+template <class... Arguments>
+class Signal {
+  public:
+    using Observer = std::function<void(Arguments...)>;
+
+    [[nodiscard]] Subscription subscribe(Observer observer) {
+        auto slot = std::make_shared<Observer>(std::move(observer));
+        slots_.push_back(slot);
+        return slot;
+    }
+
+    /// An observer may subscribe or unsubscribe others, or itself; a new one is first called the next time.
+    void emit(Arguments... arguments) {
+        std::erase_if(slots_, [](const auto& slot) { return slot.expired(); });
+        const auto slots = slots_;
+        for (const auto& weak : slots) {
+            if (const auto slot = weak.lock()) (*slot)(arguments...);
+        }
+    }
+
+  private:
+    std::vector<std::weak_ptr<Observer>> slots_;
+};

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QPointF>
+#include <functional>
+
+/// Input as it happens anywhere on the desktop, whoever it is meant for; nothing is held back from its receiver. Main
+/// thread only. Points are screen points with y growing upwards.
+///
+/// Moves are sampled at display rate while the pointer moves, and nothing runs while it rests.
+class EventMonitors {
+  public:
+    virtual ~EventMonitors() = default;
+
+    /// Begins to watch. Callbacks that are to be used must have been set.
+    virtual void start() = 0;
+
+    /// Where the pointer is now.
+    virtual QPointF pointerLocation() const = 0;
+    /// Whether Caps Lock is on now.
+    virtual bool capsLock() const = 0;
+
+    std::function<void(QPointF pointer)> onMouseMoved;        ///< no button held
+    std::function<void(QPointF pointer)> onLeftMouseDragged;  ///< the left button held
+    std::function<void(QPointF pointer)> onLeftMouseUp;
+    /// Where the press went to another program, it is reported once that program has let go of the pointer, since before
+    /// that no menu could open.
+    std::function<void(QPointF pointer)> onRightMouseDown;
+    /// Wheel steps; positive is away from the user or to the right.
+    std::function<void(QPointF pointer, QPointF steps)> onScroll;
+    std::function<void(bool capsLock)> onCapsLockChanged;
+};
