@@ -155,7 +155,10 @@ void BehaviourEngine::slidingChanged(bool sliding) {
     if (!sliding && m_.slideX != 0.0) slideHomeTimer_ = loop_.after(kSlideHomeDelay, [this] { slideHome(); });
 }
 
-void BehaviourEngine::cancelSlideHome() { slideHomeTimer_.cancel(); }
+void BehaviourEngine::cancelSlideHome() {
+    slideHomeTimer_.cancel();
+    slideSteps_.cancel();
+}
 
 void BehaviourEngine::slideHome() {
     if (m_.slideX == 0.0) return;
