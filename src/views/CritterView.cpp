@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <limits>
+#include <utility>
 
 #include "views/Colors.h"
 
@@ -39,13 +40,14 @@ void CritterView::disappear() {
 }
 
 void CritterView::update(const std::optional<Animation>& how) {
-    react();
     const double now = clock_.uptime();
     aimLayout(how, now);
     aimEyes(how, now);
     mouth_.aim(mouthState(), how, now);
     shelf_.update(how, now);
     aimGlyph(how, now);
+    // Last, because a reaction updates again with a curve of its own.
+    react();
 }
 
 void CritterView::react() {
