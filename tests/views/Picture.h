@@ -57,6 +57,17 @@ struct PictureFixture : CreatureFixture {
         return found.value_or(QRectF());
     }
 
-    static bool isLight(QColor c) { return c.lightness() > 190; }
+    /// Lets everything that moves come to rest, at a moment when the breath is fully out and the scale 1.
+    void rest(double seconds = 3) {
+        loop.advance(seconds);
+        // The breathing ticks every quarter of a second; one tick falls on such a moment.
+        const double period = 3.4;
+        const double ticks = std::fmod(clock.uptime() - 1000, 0.25);
+        loop.advance(0.25 - ticks);
+        clock.setNow({period * std::ceil(clock.now().seconds / period) - 0.25});
+        loop.advance(0.25);
+    }
+
+    static bool isLight(QColor c) { return c.lightness() > 140; }
     static bool isDark(QColor c) { return c.lightness() < 60; }
 };

@@ -8,15 +8,6 @@
 
 namespace {
 
-/// Lets everything that moves come to rest, at a moment where the breath is fully out (scale 1).
-void settle(PictureFixture& f) {
-    f.loop.advance(3);
-    const double period = 3.4;
-    f.clock.setNow({period * std::ceil(f.clock.now().seconds / period)});
-    f.loop.advance(0);
-    f.m.withAnimation(Animation::easeOut(0.001), [&] { ++f.m.swallowCount; });
-}
-
 TEST(NotchShape, HasFlaresAboveAndRoundCornersOfAtMostHalfTheHeight) {
     const QPainterPath path = notchShape({0, 0, 185, 32}, 26, 9);
     EXPECT_EQ(path.boundingRect(), QRectF(-9, 0, 203, 32));
@@ -29,7 +20,7 @@ TEST(NotchShape, HasFlaresAboveAndRoundCornersOfAtMostHalfTheHeight) {
 
 TEST(Body, HasTheModelsSizeAndOpensWithASpring) {
     PictureFixture f;
-    settle(f);
+    f.rest();
     EXPECT_NEAR(f.body().width(), 185, 1);
     EXPECT_NEAR(f.body().bottom(), 58, 1);
 
@@ -66,7 +57,7 @@ TEST(Body, BreathesInWallTimeAndHoldsItsBreathWhileAttending) {
 
 TEST(Body, BoopSquashesAndWobblesBackEachTime) {
     PictureFixture f;
-    settle(f);
+    f.rest();
     const QSizeF rest = f.root.outline().boundingRect().size();
     const auto squash = [&] {
         const QSizeF now = f.root.outline().boundingRect().size();
@@ -85,13 +76,13 @@ TEST(Body, BoopSquashesAndWobblesBackEachTime) {
 
 TEST(Body, BulgesOnAFullDisk) {
     PictureFixture f;
-    settle(f);
+    f.rest();
     const QSizeF rest = f.root.outline().boundingRect().size();
     f.m.diskFull = true;
     f.loop.advance(0.4);
     EXPECT_NEAR(f.root.outline().boundingRect().width() / rest.width(), 1 + 0.045 / 2, 0.01);
     f.loop.advance(0.41);
-    settle(f);
+    f.rest();
     EXPECT_NEAR(f.root.outline().boundingRect().width() / rest.width(), 1.045, 1e-3);
     EXPECT_NEAR(f.root.outline().boundingRect().height() / rest.height(), 0.985, 1e-3);
 }
@@ -99,7 +90,7 @@ TEST(Body, BulgesOnAFullDisk) {
 TEST(Hidden, ShowsAChevronOnlyUnderThePointer) {
     PictureFixture f;
     f.m.hidden = true;
-    settle(f);
+    f.rest();
     EXPECT_NEAR(f.body().bottom(), 37, 1);
     const QRectF inside(-40, 4, 80, 32);
     const auto notBlack = [](QColor c) { return c.lightness() > 40; };
@@ -114,7 +105,7 @@ TEST(Hidden, ShowsAChevronOnlyUnderThePointer) {
 
 TEST(Confetti, TenSparksFlyApartAndFade) {
     PictureFixture f;
-    settle(f);
+    f.rest();
     const auto colourful = [](QColor c) { return c.saturation() > 90 && c.lightness() > 60; };
     const QRectF everywhere(-170, 0, 340, 120);
     EXPECT_FALSE(f.bounds(f.picture(), everywhere, colourful));
@@ -173,7 +164,7 @@ TEST(Sliding, FollowsThePullWithinLimitsAndSnapsHome) {
 
 TEST(Frames, OnlyWhatChangedIsPaintedAgain) {
     PictureFixture f;
-    settle(f);
+    f.rest();
     DisplayList before;
     f.root.compose(before);
     DisplayList same;
