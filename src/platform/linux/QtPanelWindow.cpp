@@ -1,0 +1,127 @@
+#include "platform/linux/QtPanelWindow.h"
+
+#include <QGuiApplication>
+#include <QMouseEvent>
+
+#include "platform/linux/ScreenCoordinates.h"
+
+namespace {
+std::optional<PanelWindow::Button> portButton(Qt::MouseButton button) {
+    switch (button) {
+        case Qt::LeftButton:
+            return PanelWindow::Button::left;
+        case Qt::RightButton:
+            return PanelWindow::Button::right;
+        case Qt::MiddleButton:
+            return PanelWindow::Button::middle;
+        default:
+            return {};
+    }
+}
+
+QSurfaceFormat translucent() {
+    QSurfaceFormat format;
+    format.setAlphaBufferSize(8);
+    return format;
+}
+}  // namespace
+
+class QtPanelWindow::Surface : public QWindow {
+ public:
+    explicit Surface(QtPanelWindow& panel) : panel_(panel) {
+        setSurfaceType(RasterSurface);
+        setFormat(translucent());
+        setFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::X11BypassWindowManagerHint |
+                 Qt::WindowDoesNotAcceptFocus | Qt::NoDropShadowWindowHint);
+    }
+
+ protected:
+    void exposeEvent(QExposeEvent*) override { panel_.exposed(); }
+    void resizeEvent(QResizeEvent*) override { panel_.exposed(); }
+    void mousePressEvent(QMouseEvent* event) override { panel_.pressed(*event); }
+    void mouseReleaseEvent(QMouseEvent* event) override { panel_.released(*event); }
+    void mouseMoveEvent(QMouseEvent* event) override { panel_.moved(*event); }
+
+ private:
+    QtPanelWindow& panel_;
+};
+
+QtPanelWindow::QtPanelWindow()
+    : window_(std::make_unique<Surface>(*this)), store_(std::make_unique<QBackingStore>(window_.get())) {
+    QObject::connect(window_.get(), &QWindow::screenChanged, window_.get(), [this] {
+        screenChanged();
+        exposed();
+    });
+}
+
+QtPanelWindow::~QtPanelWindow() = default;
+
+void QtPanelWindow::setFrame(const QRectF& frame) {
+    window_->setGeometry(toQt(frame).toRect());
+}
+
+QRectF QtPanelWindow::frame() const {
+    return toModel(QRectF(window_->geometry()));
+}
+
+void QtPanelWindow::orderFrontRegardless() {
+    window_->show();
+    window_->raise();
+}
+
+void QtPanelWindow::setInputRegion(const QRegion& region) {
+    inputRegion_ = region;
+}
+
+double QtPanelWindow::devicePixelRatio() const {
+    return window_->devicePixelRatio();
+}
+
+double QtPanelWindow::refreshRate() const {
+    const QScreen* screen = window_->screen();
+    // Servers without a monitor tell rates such as 0 or 1.
+    return screen && screen->refreshRate() >= 20 ? screen->refreshRate() : 60;
+}
+
+void QtPanelWindow::paint(const QRegion& damage, const std::function<void(QPainter&)>& draw) {
+    if (!window_->isExposed()) return;
+    QRegion area = damage & QRect(QPoint(), window_->size());
+    if (store_->size() != window_->size()) {
+        store_->resize(window_->size());
+        area = QRect(QPoint(), window_->size());  // a resized store is empty
+    }
+    if (area.isEmpty()) return;
+
+    store_->beginPaint(area);
+    {
+        QPainter painter(store_->paintDevice());
+        painter.setClipRegion(area);
+        painter.setCompositionMode(QPainter::CompositionMode_Clear);
+        painter.fillRect(area.boundingRect(), Qt::transparent);
+        painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+        draw(painter);
+    }
+    store_->endPaint();
+    store_->flush(area);
+}
+
+void QtPanelWindow::pressed(QMouseEvent& event) {
+    const auto button = portButton(event.button());
+    if (!button || (!held_ && !inputRegion_.contains(event.position().toPoint()))) return;
+    held_ |= event.button();
+    if (onPress) onPress(*button, event.position(), toModel(event.globalPosition()));
+}
+
+void QtPanelWindow::released(QMouseEvent& event) {
+    if (!held_.testFlag(event.button())) return;
+    held_.setFlag(event.button(), false);
+    if (onRelease) onRelease(*portButton(event.button()), toModel(event.globalPosition()));
+}
+
+void QtPanelWindow::moved(QMouseEvent& event) {
+    if ((event.buttons() & held_) && onDrag) onDrag(toModel(event.globalPosition()));
+}
+
+void QtPanelWindow::exposed() {
+    if (window_->isExposed() && onExpose) onExpose();
+}

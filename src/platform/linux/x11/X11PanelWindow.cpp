@@ -1,0 +1,111 @@
+#include "platform/linux/x11/X11PanelWindow.h"
+
+#include <xcb/shape.h>
+#include <xcb/xinput.h>
+
+#include <QGuiApplication>
+
+namespace {
+/// Requests about the panel go through Qt's connection, in one order with Qt's own.
+xcb_connection_t* qtConnection() {
+    return qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
+}
+
+/// Device pixels of a region in points, rounded outwards.
+std::vector<xcb_rectangle_t> inPixels(const QRegion& region, double ratio) {
+    std::vector<xcb_rectangle_t> result;
+    for (const QRect& points : region) {
+        const QRect pixels = QRectF(QPointF(points.topLeft()) * ratio, QSizeF(points.size()) * ratio).toAlignedRect();
+        result.push_back(
+            {int16_t(pixels.x()), int16_t(pixels.y()), uint16_t(pixels.width()), uint16_t(pixels.height())});
+    }
+    return result;
+}
+
+void setShape(xcb_window_t window, xcb_shape_sk_t kind, const QRegion& region, double ratio) {
+    const auto rectangles = inPixels(region, ratio);
+    xcb_shape_rectangles(qtConnection(), XCB_SHAPE_SO_SET, kind, XCB_CLIP_ORDERING_UNSORTED, window, 0, 0,
+                         uint32_t(rectangles.size()), rectangles.data());
+    xcb_flush(qtConnection());
+}
+}  // namespace
+
+X11PanelWindow::X11PanelWindow(std::shared_ptr<X11Connection> connection, std::shared_ptr<PointerSampler> sampler,
+                               MainLoop& loop)
+    : sampler_(std::move(sampler)),
+      neverShaped_(underXWayland(*connection)),
+      compositor_(connection, [this] { applyOutline(); }) {
+    window().create();
+    ignoreMotion();
+    applyInputRegion();
+    applyOutline();
+    xcb_flush(qtConnection());
+    stacking_ = std::make_unique<StackingGuard>(connection, loop, id(), &X11PanelWindow::ownWindow,
+                                                [this] { window().raise(); });
+}
+
+bool X11PanelWindow::ownWindow(xcb_window_t window) {
+    const xcb_setup_t* setup = xcb_get_setup(qtConnection());
+    return (window & ~setup->resource_id_mask) == setup->resource_id_base;
+}
+
+void X11PanelWindow::ignoreMotion() {
+    // Qt asks for motions in both ways, and the core ones come back when the others are off.
+    const struct {
+        xcb_input_event_mask_t header;
+        uint32_t events;
+    } mask{{XCB_INPUT_DEVICE_ALL_MASTER, 1},
+           XCB_INPUT_XI_EVENT_MASK_BUTTON_PRESS | XCB_INPUT_XI_EVENT_MASK_BUTTON_RELEASE |
+               XCB_INPUT_XI_EVENT_MASK_ENTER | XCB_INPUT_XI_EVENT_MASK_LEAVE};
+    xcb_input_xi_select_events(qtConnection(), id(), 1, &mask.header);
+
+    const auto attributes =
+        awaitReply(qtConnection(), xcb_get_window_attributes, xcb_get_window_attributes_reply, id());
+    if (!attributes) return;
+    const uint32_t core =
+        attributes->your_event_mask & ~uint32_t(XCB_EVENT_MASK_POINTER_MOTION | XCB_EVENT_MASK_BUTTON_MOTION);
+    xcb_change_window_attributes(qtConnection(), id(), XCB_CW_EVENT_MASK, &core);
+}
+
+void X11PanelWindow::setInputRegion(const QRegion& region) {
+    QtPanelWindow::setInputRegion(region);
+    if (region == inputRegion_) return;
+    inputRegion_ = region;
+    applyInputRegion();
+}
+
+void X11PanelWindow::setOutline(const QRegion& outline) {
+    if (outline == outline_) return;
+    outline_ = outline;
+    if (!compositor_.running()) applyOutline();
+}
+
+void X11PanelWindow::applyInputRegion() {
+    setShape(id(), XCB_SHAPE_SK_INPUT, inputRegion_, devicePixelRatio());
+}
+
+void X11PanelWindow::applyOutline() {
+    if (!neverShaped_ && !compositor_.running()) {
+        setShape(id(), XCB_SHAPE_SK_BOUNDING, outline_, devicePixelRatio());
+        return;
+    }
+    xcb_shape_mask(qtConnection(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, id(), 0, 0, XCB_PIXMAP_NONE);
+    xcb_flush(qtConnection());
+}
+
+void X11PanelWindow::screenChanged() {
+    applyInputRegion();
+    applyOutline();
+}
+
+void X11PanelWindow::pressed(QMouseEvent& event) {
+    QtPanelWindow::pressed(event);
+    if (held() && !drags_) drags_ = sampler_->observe([this](const auto& sample) { dragSampled(sample); });
+}
+
+void X11PanelWindow::dragSampled(const PointerSampler::Sample& sample) {
+    if (!sample.buttons)
+        drags_.reset();
+    else if (onDrag)
+        onDrag(sample.pointer);
+}
