@@ -1,7 +1,9 @@
 #pragma once
 
 #include <QList>
+#include <QPoint>
 #include <QString>
+#include <QStringList>
 #include <functional>
 
 /// One row of the popup menu.
