@@ -50,11 +50,13 @@ bool X11PanelWindow::ownWindow(xcb_window_t window) {
 }
 
 void X11PanelWindow::ignoreMotion() {
-    // Qt asks for motions in both ways, and the core ones come back when the others are off.
+    // Qt asks for motions in both ways, and the core ones come back when the others are off. Without touch events the
+    // server turns touches into presses and releases.
     const struct {
         xcb_input_event_mask_t header;
         uint32_t events;
-    } mask{{XCB_INPUT_DEVICE_ALL_MASTER, 1},
+    } mask{{XCB_INPUT_DEVICE_ALL, 1},  // the choice of devices that Qt makes, so that this replaces Qt's
+
            XCB_INPUT_XI_EVENT_MASK_BUTTON_PRESS | XCB_INPUT_XI_EVENT_MASK_BUTTON_RELEASE |
                XCB_INPUT_XI_EVENT_MASK_ENTER | XCB_INPUT_XI_EVENT_MASK_LEAVE};
     xcb_input_xi_select_events(qtConnection(), id(), 1, &mask.header);
@@ -104,7 +106,7 @@ void X11PanelWindow::pressed(QMouseEvent& event) {
 }
 
 void X11PanelWindow::dragSampled(const PointerSampler::Sample& sample) {
-    if (!sample.buttons)
+    if (!sample.buttons || !held())
         drags_.reset();
     else if (onDrag)
         onDrag(sample.pointer);
