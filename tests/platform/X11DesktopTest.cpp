@@ -45,7 +45,7 @@ TEST_F(X11Desktop, ChoosesX11WhereTheUserDidNotChoose) {
     for (const auto& test : cases) {
         const Variable platform("QT_QPA_PLATFORM", test.platform);
         const Variable display("DISPLAY", test.display);
-        choosePlatform();
+        EXPECT_EQ(choosePlatform(), test.platform != test.chosen);
         EXPECT_EQ(qgetenv("QT_QPA_PLATFORM"), test.chosen);
     }
 }

@@ -69,6 +69,11 @@ void X11PanelWindow::ignoreMotion() {
     xcb_change_window_attributes(qtConnection(), id(), XCB_CW_EVENT_MASK, &core);
 }
 
+void X11PanelWindow::orderFrontRegardless() {
+    QtPanelWindow::orderFrontRegardless();
+    window().raise();
+}
+
 void X11PanelWindow::setInputRegion(const QRegion& region) {
     QtPanelWindow::setInputRegion(region);
     if (region == inputRegion_) return;
