@@ -58,9 +58,9 @@ Desktop makeDesktop(MainLoop& loop, BackgroundQueue& queue) {
     return {std::make_unique<QtPanelWindow>(), std::make_unique<PlainMonitors>(), std::make_unique<PlainWorkspace>()};
 }
 
-void choosePlatform() {
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM") && !qEnvironmentVariableIsEmpty("DISPLAY"))
-        qputenv("QT_QPA_PLATFORM", "xcb");
+bool choosePlatform() {
+    if (!qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") || qEnvironmentVariableIsEmpty("DISPLAY")) return false;
+    return qputenv("QT_QPA_PLATFORM", "xcb");
 }
 
 bool displayReachable() {

@@ -20,8 +20,9 @@ struct Desktop {
 Desktop makeDesktop(MainLoop& loop, BackgroundQueue& queue);
 
 /// Prefers X11, through XWayland if need be, where the user has chosen nothing: elsewhere no window can be placed. To
-/// be called before there is a QGuiApplication.
-void choosePlatform();
+/// be called before there is a QGuiApplication. True when it has set QT_QPA_PLATFORM: unset that once the application
+/// exists, so that programs which this one starts make their own choice.
+bool choosePlatform();
 
 /// Whether a QGuiApplication could be made now; it would abort the program where there is no display.
 bool displayReachable();

@@ -66,7 +66,6 @@ QRectF QtPanelWindow::frame() const {
 
 void QtPanelWindow::orderFrontRegardless() {
     window_->show();
-    window_->raise();
 }
 
 void QtPanelWindow::setInputRegion(const QRegion& region) {

@@ -50,11 +50,13 @@ bool X11PanelWindow::ownWindow(xcb_window_t window) {
 }
 
 void X11PanelWindow::ignoreMotion() {
-    // Qt asks for motions in both ways, and the core ones come back when the others are off.
+    // Qt asks for motions in both ways, and the core ones come back when the others are off. Without touch events the
+    // server turns touches into presses and releases.
     const struct {
         xcb_input_event_mask_t header;
         uint32_t events;
-    } mask{{XCB_INPUT_DEVICE_ALL_MASTER, 1},
+    } mask{{XCB_INPUT_DEVICE_ALL, 1},  // the choice of devices that Qt makes, so that this replaces Qt's
+
            XCB_INPUT_XI_EVENT_MASK_BUTTON_PRESS | XCB_INPUT_XI_EVENT_MASK_BUTTON_RELEASE |
                XCB_INPUT_XI_EVENT_MASK_ENTER | XCB_INPUT_XI_EVENT_MASK_LEAVE};
     xcb_input_xi_select_events(qtConnection(), id(), 1, &mask.header);
@@ -65,6 +67,11 @@ void X11PanelWindow::ignoreMotion() {
     const uint32_t core =
         attributes->your_event_mask & ~uint32_t(XCB_EVENT_MASK_POINTER_MOTION | XCB_EVENT_MASK_BUTTON_MOTION);
     xcb_change_window_attributes(qtConnection(), id(), XCB_CW_EVENT_MASK, &core);
+}
+
+void X11PanelWindow::orderFrontRegardless() {
+    QtPanelWindow::orderFrontRegardless();
+    window().raise();
 }
 
 void X11PanelWindow::setInputRegion(const QRegion& region) {
@@ -104,7 +111,7 @@ void X11PanelWindow::pressed(QMouseEvent& event) {
 }
 
 void X11PanelWindow::dragSampled(const PointerSampler::Sample& sample) {
-    if (!sample.buttons)
+    if (!sample.buttons || !held())
         drags_.reset();
     else if (onDrag)
         onDrag(sample.pointer);

@@ -10,12 +10,12 @@
 /// The panel on X11: a window that no window manager touches, on every desktop and over full-screen windows. Clicks
 /// outside its input region go to what lies below. Without a compositor it has the shape of its outline.
 ///
-/// Hardware motion does not wake the program: drags are sampled. Code that starts a drag and drop from the panel needs
-/// the motions themselves and gets them by grabbing the mouse for window().
+/// Hardware motion does not wake the program: drags are sampled.
 class X11PanelWindow : public QtPanelWindow {
  public:
     X11PanelWindow(std::shared_ptr<X11Connection> connection, std::shared_ptr<PointerSampler> sampler, MainLoop& loop);
 
+    void orderFrontRegardless() override;
     void setInputRegion(const QRegion& region) override;
     void setOutline(const QRegion& outline) override;
 

@@ -34,7 +34,7 @@ void X11Workspace::activeWindowChanged() {
 }
 
 QByteArray X11Workspace::applicationOf(xcb_window_t window) {
-    const auto wmClass = connection_->bytes(window, "WM_CLASS", XCB_ATOM_STRING).split('\0');
+    const auto wmClass = connection_->bytes(window, "WM_CLASS", XCB_ATOM_ANY).split('\0');
     if (wmClass.size() > 1 && !wmClass[1].isEmpty()) return "class " + wmClass[1];
     if (const auto pid = connection_->values(window, "_NET_WM_PID", XCB_ATOM_CARDINAL); !pid.empty())
         return "process " + QByteArray::number(pid.front());
@@ -46,7 +46,7 @@ QByteArray X11Workspace::applicationOf(xcb_window_t window) {
 QList<ApplicationWindow> X11Workspace::applicationWindows() {
     QList<ApplicationWindow> result;
     for (const auto window : connection_->values(connection_->root(), "_NET_CLIENT_LIST", XCB_ATOM_WINDOW)) {
-        const auto wmClass = connection_->bytes(window, "WM_CLASS", XCB_ATOM_STRING).split('\0');
+        const auto wmClass = connection_->bytes(window, "WM_CLASS", XCB_ATOM_ANY).split('\0');
         if (wmClass.size() > 1)
             result.append({window, QString::fromLatin1(wmClass[0]), QString::fromLatin1(wmClass[1])});
     }
