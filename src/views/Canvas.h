@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QByteArray>
+#include <QCache>
 #include <QFont>
 #include <QPainter>
 #include <QPainterPath>
@@ -13,6 +15,7 @@
 struct PictureCaches {
     SoftShadows shadows;
     Symbols symbols;
+    QCache<QByteArray, QImage> drawings{8};
 };
 
 /// A size of text in points, as the pictures give it.
@@ -37,7 +40,13 @@ class Canvas {
     void layer(const QRectF& bounds, const QPainterPath& mask, double opacity,
                const std::function<void(Canvas&)>& draw);
 
+    /// Draws `draw` over `bounds`, from a picture kept under `key` and the resolution if there is one. For what looks the
+    /// same in many frames and may be softened a little when it is scaled.
+    void kept(const QByteArray& key, const QRectF& bounds, const std::function<void(Canvas&)>& draw);
+
     void fill(const QPainterPath& path, const QBrush& brush);
+    /// Fills whole device pixels; for what a layer's mask cuts to shape.
+    void cover(const QRectF& rect, const QBrush& brush);
     /// Round caps and a miter limit of 10.
     void stroke(const QPainterPath& path, const QBrush& brush, double width);
     /// The shadow that `shape` casts: blurred by `radius` points, moved by `offset`. The shape itself is not drawn.
@@ -52,6 +61,7 @@ class Canvas {
 
   private:
     double pixelsPerPoint() const;
+    void drawScaled(const QRectF& bounds, const QImage& image);
 
     QPainter& painter_;
     PictureCaches& caches_;

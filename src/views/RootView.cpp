@@ -152,7 +152,12 @@ void RootView::composeBody(DisplayList& list, double now) const {
         const QPainterPath shape = notchShape(rect, radius, kTopRadius);
         canvas.shadow(shape, black(0.55), kShadowRadius, {0, kShadowDrop});
         canvas.fill(shape, Qt::black);
-        canvas.stroke(shape, linearGradient(rect, {0.5, 1}, {0.5, 0}, {{0, white(0.13)}, {1, white(0.02)}}), kRimWidth);
+        const QByteArray key = QByteArray("rim ") + QByteArray::number(rect.width()) + ' ' +
+                               QByteArray::number(rect.height()) + ' ' + QByteArray::number(radius);
+        canvas.kept(key, rect.adjusted(-kTopRadius - 2, -2, kTopRadius + 2, 2), [&](Canvas& sheet) {
+            sheet.stroke(shape, linearGradient(rect, {0.5, 1}, {0.5, 0}, {{0, white(0.13)}, {1, white(0.02)}}),
+                         kRimWidth);
+        });
     });
 }
 

@@ -92,16 +92,18 @@ void QtPanelWindow::paint(const QRegion& damage, const std::function<void(QPaint
     if (area.isEmpty()) return;
 
     store_->beginPaint(area);
-    {
-        QPainter painter(store_->paintDevice());
-        painter.setClipRegion(area);
-        painter.setCompositionMode(QPainter::CompositionMode_Clear);
-        painter.fillRect(area.boundingRect(), Qt::transparent);
-        painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-        draw(painter);
-    }
+    drawInto(*store_->paintDevice(), area, draw);
     store_->endPaint();
     store_->flush(area);
+}
+
+void QtPanelWindow::drawInto(QPaintDevice& device, const QRegion& area, const std::function<void(QPainter&)>& draw) {
+    QPainter painter(&device);
+    painter.setClipRegion(area);
+    painter.setCompositionMode(QPainter::CompositionMode_Clear);
+    painter.fillRect(area.boundingRect(), Qt::transparent);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    draw(painter);
 }
 
 void QtPanelWindow::pressed(QMouseEvent& event) {

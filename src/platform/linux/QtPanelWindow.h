@@ -30,6 +30,8 @@ class QtPanelWindow : public PanelWindow {
     /// drag that begins takes it.
     Qt::MouseButtons held() const { return held_; }
     virtual void pressed(QMouseEvent& event);
+    /// Clears `area` of `device` and draws there, in points.
+    static void drawInto(QPaintDevice& device, const QRegion& area, const std::function<void(QPainter&)>& draw);
     /// The window came to another screen, or its screen's device pixel ratio changed.
     virtual void screenChanged() {}
 
