@@ -22,11 +22,11 @@ int main(int argc, char** argv) {
     }
     QTemporaryFile screens;
     if (filter.find("TwoScreens") != std::string::npos && screens.open()) {
-        // The last one becomes the main one.
+        // The first by name becomes the main one.
         screens.write(R"({"screens": [
-            {"name": "left", "x": 0, "y": 0, "width": 1000, "height": 1080, "dpr": 1,
+            {"name": "B", "x": 0, "y": 0, "width": 1000, "height": 1080, "dpr": 1,
              "logicalDpi": 96, "logicalBaseDpi": 96},
-            {"name": "main", "x": 1000, "y": 200, "width": 800, "height": 600, "dpr": 2,
+            {"name": "A", "x": 1000, "y": 200, "width": 800, "height": 600, "dpr": 2,
              "logicalDpi": 96, "logicalBaseDpi": 96}]})");
         screens.flush();
         platform += ":configfile=" + screens.fileName().toUtf8();
