@@ -57,7 +57,11 @@ class Published {
     Published(ObservableObject& owner, T initial, std::function<void()> followUp = {})
         : owner_(owner), value_(std::move(initial)), followUp_(std::move(followUp)) {}
     Published(const Published&) = delete;
-    Published& operator=(const Published&) = delete;
+    /// Copies the value, as a chain of assignments does; each keeps its own observers.
+    Published& operator=(const Published& other) {
+        if (this != &other) *this = other.value_;
+        return *this;
+    }
 
     const T& get() const { return value_; }
     operator const T&() const { return value_; }  // NOLINT(google-explicit-constructor): reads look like reads

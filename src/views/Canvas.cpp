@@ -1,0 +1,123 @@
+#include "views/Canvas.h"
+
+#include <QFontMetricsF>
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+// A symbol's drawing is a square a little larger than the type size, as symbols stand beside text.
+constexpr double kSymbolBox = 1.25;
+constexpr double kFontPixels = 100;
+
+}  // namespace
+
+Canvas::Canvas(QPainter& painter, PictureCaches& caches, double devicePixelRatio)
+    : painter_(painter), caches_(caches), ratio_(devicePixelRatio) {
+    painter_.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+}
+
+void Canvas::with(const QTransform& transform, double opacity, const std::function<void()>& draw) {
+    if (opacity <= 0) return;
+    painter_.save();
+    painter_.setTransform(transform, true);
+    painter_.setOpacity(painter_.opacity() * std::min(opacity, 1.0));
+    draw();
+    painter_.restore();
+}
+
+void Canvas::clipped(const QPainterPath& clip, const std::function<void()>& draw) {
+    painter_.save();
+    painter_.setClipPath(clip, Qt::IntersectClip);
+    draw();
+    painter_.restore();
+}
+
+void Canvas::layer(const QRectF& bounds, const QPainterPath& mask, double opacity,
+                   const std::function<void(Canvas&)>& draw) {
+    if (opacity <= 0) return;
+    // The sheet lies on the device's pixels, so that laying it down does not soften it.
+    const QTransform toDevice = painter_.deviceTransform();
+    const QRect pixels = toDevice.mapRect(bounds).toAlignedRect();
+    if (pixels.isEmpty()) return;
+    QImage sheet(pixels.size(), QImage::Format_ARGB32_Premultiplied);
+    sheet.fill(Qt::transparent);
+    {
+        QPainter painter(&sheet);
+        painter.setTransform(toDevice * QTransform::fromTranslate(-pixels.x(), -pixels.y()));
+        Canvas canvas(painter, caches_, ratio_);
+        draw(canvas);
+        QPainterPath outside;
+        outside.addRect(bounds.adjusted(-2, -2, 2, 2));
+        painter.setCompositionMode(QPainter::CompositionMode_DestinationOut);
+        painter.fillPath(outside.subtracted(mask), Qt::black);
+    }
+    painter_.save();
+    painter_.setOpacity(painter_.opacity() * std::min(opacity, 1.0));
+    painter_.setTransform(QTransform::fromScale(1 / ratio_, 1 / ratio_));
+    painter_.drawImage(pixels.topLeft(), sheet);
+    painter_.restore();
+}
+
+void Canvas::fill(const QPainterPath& path, const QBrush& brush) { painter_.fillPath(path, brush); }
+
+void Canvas::stroke(const QPainterPath& path, const QBrush& brush, double width) {
+    QPen pen(brush, width, Qt::SolidLine, Qt::RoundCap, Qt::MiterJoin);
+    pen.setMiterLimit(10);
+    painter_.strokePath(path, pen);
+}
+
+void Canvas::shadow(const QPainterPath& shape, const QColor& color, double radius, const QPointF& offset) {
+    if (color.alpha() == 0 || shape.isEmpty()) return;
+    const auto& made = caches_.shadows.shadow(shape, radius, color, ratio_);
+    painter_.drawImage(made.bounds.translated(offset), made.image);
+}
+
+void Canvas::symbol(const QString& name, const QPointF& center, double size, const QColor& color) {
+    const double box = size * kSymbolBox;
+    const QImage image = caches_.symbols.image(name, int(std::ceil(box * pixelsPerPoint())), color);
+    if (image.isNull()) return;
+    painter_.drawImage(QRectF(center.x() - box / 2, center.y() - box / 2, box, box), image);
+}
+
+void Canvas::text(const QString& line, const QPointF& center, const TextStyle& style, const QColor& color) {
+    const QFont face = font(style.face, style.weight);
+    const QFontMetricsF metrics(face);
+    QPainterPath path;
+    // Centred between the line's ascent and descent, as a row of text is laid out.
+    path.addText(-metrics.horizontalAdvance(line) / 2, (metrics.ascent() - metrics.descent()) / 2, face, line);
+    const double scale = style.size / kFontPixels;
+    painter_.save();
+    painter_.translate(center);
+    painter_.scale(scale, scale);
+    painter_.fillPath(path, color);
+    painter_.restore();
+}
+
+double Canvas::textWidth(const QString& line, const TextStyle& style) {
+    return QFontMetricsF(font(style.face, style.weight)).horizontalAdvance(line) * style.size / kFontPixels;
+}
+
+// Rounded up to quarters, so that the small steps of breathing reuse what was rendered.
+double Canvas::pixelsPerPoint() const {
+    const QTransform t = painter_.deviceTransform();
+    return std::max(1.0, std::ceil(std::hypot(t.m11(), t.m12()) * 4 - 0.01) / 4);
+}
+
+QBrush radialGradient(const QRectF& frame, const QPointF& unitCenter, double startRadius, double endRadius,
+                      const Stops& stops) {
+    const QPointF center(frame.left() + unitCenter.x() * frame.width(), frame.top() + unitCenter.y() * frame.height());
+    QRadialGradient gradient(center, endRadius);
+    const double start = std::min(startRadius / endRadius, 0.999);
+    for (const auto& [place, color] : stops) gradient.setColorAt(start + (1 - start) * place, color);
+    return gradient;
+}
+
+QBrush linearGradient(const QRectF& frame, const QPointF& unitFrom, const QPointF& unitTo, const Stops& stops) {
+    const auto at = [&frame](const QPointF& unit) {
+        return QPointF(frame.left() + unit.x() * frame.width(), frame.top() + unit.y() * frame.height());
+    };
+    QLinearGradient gradient(at(unitFrom), at(unitTo));
+    for (const auto& [place, color] : stops) gradient.setColorAt(place, color);
+    return gradient;
+}
