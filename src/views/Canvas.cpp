@@ -78,13 +78,15 @@ void Canvas::stroke(const QPainterPath& path, const QBrush& brush, double width)
     painter_.strokePath(path, pen);
 }
 
-void Canvas::shadow(const QPainterPath& shape, const QColor& color, double radius, const QPointF& offset) {
+void Canvas::shadow(const QPainterPath& shape, const QColor& color, double radius, const QPointF& offset,
+                    const QRectF& hole) {
     if (color.alpha() == 0 || shape.isEmpty()) return;
     const auto& made = caches_.shadows.shadow(shape, radius, color, ratio_);
-    drawScaled(made.bounds.translated(offset), made.image);
+    drawScaled(made.bounds.translated(offset), made.image, hole);
 }
 
-void Canvas::kept(const QByteArray& key, const QRectF& bounds, const std::function<void(Canvas&)>& draw) {
+void Canvas::kept(const QByteArray& key, const QRectF& bounds, const QRectF& hole,
+                  const std::function<void(Canvas&)>& draw) {
     const double scale = pixelsPerPoint();
     const QByteArray fullKey = key + ' ' + QByteArray::number(scale);
     const QImage* image = caches_.drawings.object(fullKey);
@@ -101,25 +103,31 @@ void Canvas::kept(const QByteArray& key, const QRectF& bounds, const std::functi
         caches_.drawings.insert(fullKey, made);
         image = made;
     }
-    drawScaled(QRectF(bounds.topLeft(), QSizeF(size) / scale), *image);
+    drawScaled(QRectF(bounds.topLeft(), QSizeF(size) / scale), *image, hole);
 }
 
 // In bands of few rows: the toolkit hands a scaled picture of more rows to several threads, whose waking costs more than
 // the drawing.
-void Canvas::drawScaled(const QRectF& bounds, const QImage& image) {
+void Canvas::drawScaled(const QRectF& bounds, const QImage& image, const QRectF& hole) {
     constexpr int rows = 64;
-    const QRect pixels = painter_.deviceTransform().mapRect(bounds).toAlignedRect();
-    for (int top = pixels.top(); top <= pixels.bottom(); top += rows) {
-        painter_.save();
-        // Such pictures fade out before their edges; smooth edges would triple the spans.
-        painter_.setRenderHint(QPainter::Antialiasing, false);
-        const QTransform drawing = painter_.transform();
-        painter_.setTransform(QTransform::fromScale(1 / ratio_, 1 / ratio_));
-        painter_.setClipRect(QRect(pixels.left(), top, pixels.width(), rows), Qt::IntersectClip);
-        painter_.setTransform(drawing);
-        painter_.drawImage(bounds, image);
-        painter_.restore();
+    const QTransform toDevice = painter_.deviceTransform();
+    const QTransform drawing = painter_.transform();
+    const QRect inner = hole.isEmpty() ? QRect() : toDevice.mapRect(hole).adjusted(1, 1, -1, -1).toRect();
+    painter_.save();
+    // Such pictures fade out before their edges; smooth edges would triple the spans.
+    painter_.setRenderHint(QPainter::Antialiasing, false);
+    for (const QRect& part : QRegion(toDevice.mapRect(bounds).toAlignedRect()).subtracted(inner)) {
+        for (int top = part.top(); top <= part.bottom(); top += rows) {
+            const QRect band(part.left(), top, part.width(), std::min(rows, part.bottom() + 1 - top));
+            painter_.save();
+            painter_.setTransform(QTransform::fromScale(1 / ratio_, 1 / ratio_));
+            painter_.setClipRect(band, Qt::IntersectClip);
+            painter_.setTransform(drawing);
+            painter_.drawImage(bounds, image);
+            painter_.restore();
+        }
     }
+    painter_.restore();
 }
 
 void Canvas::symbol(const QString& name, const QPointF& center, double size, const QColor& color) {

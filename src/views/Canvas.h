@@ -41,16 +41,19 @@ class Canvas {
                const std::function<void(Canvas&)>& draw);
 
     /// Draws `draw` over `bounds`, from a picture kept under `key` and the resolution if there is one. For what looks the
-    /// same in many frames and may be softened a little when it is scaled.
-    void kept(const QByteArray& key, const QRectF& bounds, const std::function<void(Canvas&)>& draw);
+    /// same in many frames and may be softened a little when it is scaled. It draws nothing inside `hole`.
+    void kept(const QByteArray& key, const QRectF& bounds, const QRectF& hole,
+              const std::function<void(Canvas&)>& draw);
 
     void fill(const QPainterPath& path, const QBrush& brush);
     /// Fills whole device pixels; for what a layer's mask cuts to shape.
     void cover(const QRectF& rect, const QBrush& brush);
     /// Round caps and a miter limit of 10.
     void stroke(const QPainterPath& path, const QBrush& brush, double width);
-    /// The shadow that `shape` casts: blurred by `radius` points, moved by `offset`. The shape itself is not drawn.
-    void shadow(const QPainterPath& shape, const QColor& color, double radius, const QPointF& offset);
+    /// The shadow that `shape` casts: blurred by `radius` points, moved by `offset`. The shape itself is not drawn, nor
+    /// what of the shadow is inside `hole`, where something else will cover it.
+    void shadow(const QPainterPath& shape, const QColor& color, double radius, const QPointF& offset,
+                const QRectF& hole = {});
     /// The symbol `name` centred at `center`, as large as a letter of a font of `size` points would suggest.
     void symbol(const QString& name, const QPointF& center, double size, const QColor& color);
     /// One line of text, centred at `center`.
@@ -61,7 +64,7 @@ class Canvas {
 
   private:
     double pixelsPerPoint() const;
-    void drawScaled(const QRectF& bounds, const QImage& image);
+    void drawScaled(const QRectF& bounds, const QImage& image, const QRectF& hole);
 
     QPainter& painter_;
     PictureCaches& caches_;

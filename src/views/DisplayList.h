@@ -15,8 +15,9 @@ class DisplayList {
     using Draw = std::function<void(Canvas&)>;
 
     /// Adds a piece in the present frame of reference. `id` is unique in the list and stays with the piece from frame to
-    /// frame; `state` holds every number that `draw` depends on besides the transform, the opacity and the clip.
-    void add(int id, const QRectF& bounds, std::vector<double> state, Draw draw);
+    /// frame; `state` holds every number that `draw` depends on besides the transform, the opacity and the clip. Inside
+    /// `solid` the piece has one plain colour, whatever its state: where that stays, nothing has to be painted again.
+    void add(int id, const QRectF& bounds, std::vector<double> state, Draw draw, const QRectF& solid = {});
 
     /// What `compose` adds is transformed by `transform` (first) and faded by `opacity`.
     void with(const QTransform& transform, double opacity, const std::function<void()>& compose);
@@ -42,12 +43,14 @@ class DisplayList {
     struct Piece {
         int id;
         QRect place;  // in the panel, whole points
+        QRect solid;
         QTransform transform;
         double opacity;
         Clip clip;
         std::vector<double> state;
         Draw draw;
         bool looksLike(const Piece& other) const;
+        QRegion changesTo(const Piece& other) const;
     };
 
     std::vector<Piece> pieces_;

@@ -148,17 +148,21 @@ void RootView::composeBody(DisplayList& list, double now) const {
     const double radius = bottomRadius_.at(now);
     const double reach = 1.5 * kShadowRadius;
     const QRectF bounds = rect.adjusted(-kTopRadius - reach, 0, kTopRadius + reach, reach + kShadowDrop);
-    list.add(piece::body, bounds, {rect.width(), rect.height(), radius}, [=](Canvas& canvas) {
+    // The corners' curves keep a quarter of the radius from both sides.
+    const double inset = 2 + 0.25 * radius;
+    const QRectF solid = rect.adjusted(inset, kTopRadius, -inset, -inset);
+    const auto draw = [=](Canvas& canvas) {
         const QPainterPath shape = notchShape(rect, radius, kTopRadius);
-        canvas.shadow(shape, black(0.55), kShadowRadius, {0, kShadowDrop});
+        canvas.shadow(shape, black(0.55), kShadowRadius, {0, kShadowDrop}, solid);
         canvas.fill(shape, Qt::black);
         const QByteArray key = QByteArray("rim ") + QByteArray::number(rect.width()) + ' ' +
                                QByteArray::number(rect.height()) + ' ' + QByteArray::number(radius);
-        canvas.kept(key, rect.adjusted(-kTopRadius - 2, -2, kTopRadius + 2, 2), [&](Canvas& sheet) {
+        canvas.kept(key, rect.adjusted(-kTopRadius - 2, -2, kTopRadius + 2, 2), solid, [&](Canvas& sheet) {
             sheet.stroke(shape, linearGradient(rect, {0.5, 1}, {0.5, 0}, {{0, white(0.13)}, {1, white(0.02)}}),
                          kRimWidth);
         });
-    });
+    };
+    list.add(piece::body, bounds, {rect.width(), rect.height(), radius}, draw, solid);
 }
 
 void RootView::composeChevron(DisplayList& list, double now) const {

@@ -99,10 +99,10 @@ void QtPanelWindow::paint(const QRegion& damage, const std::function<void(QPaint
 
 void QtPanelWindow::drawInto(QPaintDevice& device, const QRegion& area, const std::function<void(QPainter&)>& draw) {
     QPainter painter(&device);
-    painter.setClipRegion(area);
-    painter.setCompositionMode(QPainter::CompositionMode_Clear);
-    painter.fillRect(area.boundingRect(), Qt::transparent);
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    for (const QRect& part : area) painter.fillRect(part, Qt::transparent);
     painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    painter.setClipRegion(area);
     draw(painter);
 }
 
