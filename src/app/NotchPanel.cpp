@@ -8,7 +8,9 @@ namespace {
 constexpr double kDragDistance = 12;
 
 /// The part of the panel inside `outline`, row by row.
-QRegion regionInside(const QPainterPath& outline) { return QRegion(outline.toFillPolygon().toPolygon()); }
+QRegion regionInside(const QPainterPath& outline) {
+    return QRegion(outline.toFillPolygon().toPolygon());
+}
 
 }  // namespace
 
@@ -37,7 +39,9 @@ void NotchPanel::show(const QRectF& frame) {
     drawFrame(true);
 }
 
-void NotchPanel::setFrame(const QRectF& frame) { window_.setFrame(frame); }
+void NotchPanel::setFrame(const QRectF& frame) {
+    window_.setFrame(frame);
+}
 
 void NotchPanel::updateMousePassThrough() {
     setIgnoresMouseEvents(!m_.hovering && !m_.dragNear && !m_.dropTargeted && !m_.sliding && m_.slideX == 0.0);

@@ -70,7 +70,9 @@ void Canvas::cover(const QRectF& rect, const QBrush& brush) {
     painter_.setRenderHint(QPainter::Antialiasing);
 }
 
-void Canvas::fill(const QPainterPath& path, const QBrush& brush) { painter_.fillPath(path, brush); }
+void Canvas::fill(const QPainterPath& path, const QBrush& brush) {
+    painter_.fillPath(path, brush);
+}
 
 void Canvas::stroke(const QPainterPath& path, const QBrush& brush, double width) {
     QPen pen(brush, width, Qt::SolidLine, Qt::RoundCap, Qt::MiterJoin);
@@ -106,8 +108,8 @@ void Canvas::kept(const QByteArray& key, const QRectF& bounds, const QRectF& hol
     drawScaled(QRectF(bounds.topLeft(), QSizeF(size) / scale), *image, hole);
 }
 
-// In bands of few rows: the toolkit hands a scaled picture of more rows to several threads, whose waking costs more than
-// the drawing.
+// In bands of few rows: the toolkit hands a scaled picture of more rows to several threads, whose waking costs more
+// than the drawing.
 void Canvas::drawScaled(const QRectF& bounds, const QImage& image, const QRectF& hole) {
     constexpr int rows = 64;
     const QTransform toDevice = painter_.deviceTransform();

@@ -19,7 +19,8 @@ void drawBall(Canvas& canvas, double d) {
 }
 
 void drawPupil(Canvas& canvas, const QPointF& at, double p) {
-    canvas.fill(circle(at, p), radialGradient(frame(at, p, p), {0.5, 0.5}, 0.5, p / 2, {{0, gray(0.17)}, {1, gray(0)}}));
+    canvas.fill(circle(at, p),
+                radialGradient(frame(at, p, p), {0.5, 0.5}, 0.5, p / 2, {{0, gray(0.17)}, {1, gray(0)}}));
     canvas.fill(circle(at + QPointF(-0.20 * p, -0.22 * p), 0.34 * p), white(0.95));
     canvas.fill(circle(at + QPointF(0.22 * p, 0.24 * p), 0.15 * p), white(0.2));
 }

@@ -22,9 +22,13 @@ constexpr double kBreathDepth = 0.008;
 constexpr double kSlideLimit = 280;
 constexpr double kSnapHome = 24;
 
-double bottomRadius(const NotchModel& m) { return m.attending() ? 26 : 14; }
+double bottomRadius(const NotchModel& m) {
+    return m.attending() ? 26 : 14;
+}
 
-bool showsCritter(const NotchModel& m) { return !m.hidden && m.toy == Toy::critter; }
+bool showsCritter(const NotchModel& m) {
+    return !m.hidden && m.toy == Toy::critter;
+}
 
 }  // namespace
 
@@ -169,10 +173,9 @@ void RootView::composeChevron(DisplayList& list, double now) const {
     constexpr double size = 9;
     const QPointF center(0, height_.at(now) - 1 - size / 2);
     list.with(QTransform(), chevron_.at(now), [&] {
-        list.add(piece::chevron, QRectF(center.x() - size, center.y() - size, 2 * size, 2 * size), {center.y()},
-                 [=](Canvas& canvas) {
-                     canvas.symbol(QStringLiteral("chevron.compact.down"), center, size, white(1));
-                 });
+        list.add(
+            piece::chevron, QRectF(center.x() - size, center.y() - size, 2 * size, 2 * size), {center.y()},
+            [=](Canvas& canvas) { canvas.symbol(QStringLiteral("chevron.compact.down"), center, size, white(1)); });
     });
 }
 

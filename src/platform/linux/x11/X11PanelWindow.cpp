@@ -56,8 +56,8 @@ void X11PanelWindow::prepareDrawing() {
     xcb_create_gc(qtConnection(), context_, id(), 0, nullptr);
 }
 
-// Not through Qt's backing store: that shares memory with the server and asks it, before each frame, whether it has done
-// with the last one, which costs two wake-ups. The few pixels that change are sent instead.
+// Not through Qt's backing store: that shares memory with the server and asks it, before each frame, whether it has
+// done with the last one, which costs two wake-ups. The few pixels that change are sent instead.
 void X11PanelWindow::paint(const QRegion& damage, const std::function<void(QPainter&)>& draw) {
     if (!window().isExposed()) return;
     const double ratio = devicePixelRatio();

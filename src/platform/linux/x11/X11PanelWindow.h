@@ -1,10 +1,9 @@
 #pragma once
 
+#include <QImage>
 #include <memory>
 
 #include "platform/linux/QtPanelWindow.h"
-#include <QImage>
-
 #include "platform/linux/x11/CompositorWatch.h"
 #include "platform/linux/x11/PointerSampler.h"
 #include "platform/linux/x11/StackingGuard.h"
