@@ -14,7 +14,8 @@ TEST_F(Stacking, ItComesBackOverWhateverCoversIt) {
 
     OtherWindow tooltip(session, {.geometry = {700, 0, 120, 40}, .colour = kLight, .overrideRedirect = true});
     EXPECT_TRUE(waitFor([&] { return panelOnTop(glimmet); })) << "a window that no manager knows";
-    tooltip.raise();
+    const uint32_t above = XCB_STACK_MODE_ABOVE;
+    xcb_configure_window(session.xcb(), tooltip.id(), XCB_CONFIG_WINDOW_STACK_MODE, &above);
     EXPECT_TRUE(waitFor([&] { return panelOnTop(glimmet); })) << "and its return";
     EXPECT_TRUE(waitForBody(185, 58));
     EXPECT_TRUE(waitFor([&] { return fullScreen.active(); }));
