@@ -221,7 +221,7 @@ use_hour() {
 # take OUT [--pointer=X,Y] [--after=SECONDS] [--hour=N] [FLAGS...]: starts the creature with the flags and takes its picture
 # when it has come to rest, or so many seconds after its start.
 take() {
-  local out=$1 parked=$((DESKTOP_WIDTH - 60)),$((DESKTOP_HEIGHT - 60)) after= argument flags=()
+  local out=$1 parked=$((DESKTOP_WIDTH - 60)),$((DESKTOP_HEIGHT - 60)) after="" argument flags=()
   shift
   for argument in "$@"; do
     case $argument in
@@ -231,6 +231,7 @@ take() {
       *) flags+=("$argument") ;;
     esac
   done
+  pointer $((DESKTOP_WIDTH - 90)) $((DESKTOP_HEIGHT - 60))
   program_start "${flags[@]}"
   pointer "${parked%,*}" "${parked#*,}"
   if [ -n "$after" ]; then sleep "$after"; else wait_for_rest; fi

@@ -59,7 +59,8 @@ MenuItem Commands::updateItem() {
     if (m_.updateAvailable->has_value())
         return {
             QStringLiteral("v%1 is out · get it").arg(m_.updateAvailable->value()), [this] { openSite(); }, false, {}};
-    return {QStringLiteral("Check for updates…"), checkUpdates, false, {}};
+    // Nothing can look for a newer version yet, so this cannot be chosen.
+    return {QStringLiteral("Check for updates…"), {}, false, {}};
 }
 
 void Commands::pick(const QString& name) {
@@ -90,20 +91,15 @@ bool Commands::flip(const QString& key) {
 }
 
 void Commands::toggleDownloads() {
-    const bool on = flip(kWatchDownloads);
-    if (onDownloadsToggled) onDownloadsToggled(on);
+    flip(kWatchDownloads);
 }
 
 void Commands::toggleWhispers() {
-    const bool on = flip(kWhispers);
-    if (onWhispersToggled) onWhispersToggled(on);
-    if (!on) m_.eventWhisper = std::nullopt;
+    if (!flip(kWhispers)) m_.eventWhisper = std::nullopt;
 }
 
 void Commands::toggleMusic() {
-    const bool on = flip(kMusic);
-    if (onMusicToggled) onMusicToggled(on);
-    if (on) return;
+    if (flip(kMusic)) return;
     m_.musicPlaying = false;
     m_.musicTrack = std::nullopt;
     m_.artwork = std::nullopt;

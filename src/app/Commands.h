@@ -31,10 +31,6 @@ class Commands {
     std::function<void()> updateMousePassThrough;
     /// Asks for an orderly end.
     std::function<void()> quit;
-    /// Looks for a newer version; while there is nothing that can, its menu item cannot be chosen.
-    std::function<void()> checkUpdates;
-    /// A watcher was switched on (true) or off.
-    std::function<void(bool)> onDownloadsToggled, onWhispersToggled, onMusicToggled;
 
  private:
     MenuItem timerItem();

@@ -38,6 +38,7 @@ class NotchPanel {
     void pressed(PanelWindow::Button button, QPointF position, QPointF pointer);
     void draggedTo(QPointF pointer);
     void released(PanelWindow::Button button);
+    void dropTargeted(bool targeted);
 
     NotchModel& m_;
     RootView& root_;

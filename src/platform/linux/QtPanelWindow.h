@@ -40,6 +40,8 @@ class QtPanelWindow : public PanelWindow {
 
     void released(QMouseEvent& event);
     void moved(QMouseEvent& event);
+    /// True if the event belongs to a drag and has been dealt with.
+    bool dragged(QEvent& event);
     void exposed();
 
     std::unique_ptr<QWindow> window_;
