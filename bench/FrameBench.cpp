@@ -13,7 +13,7 @@ namespace {
 
 /// A panel that is drawn into memory as the program draws it, one frame per call.
 class Panel {
-  public:
+ public:
     explicit Panel(int ratio) : ratio_(ratio), image_(360 * ratio, 230 * ratio, QImage::Format_ARGB32_Premultiplied) {
         image_.setDevicePixelRatio(ratio);
         f.loop.advance(1);
@@ -39,7 +39,7 @@ class Panel {
     CreatureFixture f;
     RootView root{f.m, f.clock, f.loop, [] { return 0.5; }};
 
-  private:
+ private:
     int ratio_;
     QImage image_;
     PictureCaches caches_;

@@ -80,6 +80,6 @@ void AppDelegate::dumpMenu() {
 
 void AppDelegate::logStart() const {
     const QRectF notch = placement_.notch();
-    diagnostics_.log(QStringLiteral("notch=%1 top=%2 toy=%3")
-                         .arg(formatRect(notch), formatNumber(m_.screenTop), rawValue(m_.toy)));
+    diagnostics_.log(
+        QStringLiteral("notch=%1 top=%2 toy=%3").arg(formatRect(notch), formatNumber(m_.screenTop), rawValue(m_.toy)));
 }

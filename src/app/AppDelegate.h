@@ -45,7 +45,7 @@ struct Ports {
 
 /// Owns everything that lives as long as the program, and wires it. Main thread only.
 class AppDelegate {
-  public:
+ public:
     /// `arguments` are those of the process, with its name.
     AppDelegate(const Ports& ports, const QStringList& arguments);
 
@@ -56,7 +56,7 @@ class AppDelegate {
 
     NotchModel& model() { return m_; }
 
-  private:
+ private:
     void connect();
     void startSensors();
     void rightMouseDown(QPointF pointer);

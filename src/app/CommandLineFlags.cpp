@@ -34,7 +34,9 @@ std::optional<double> parseNumber(const QString& text) {
 CommandLineFlags::CommandLineFlags(NotchModel& model, MainLoop& loop, std::function<void()> takeMouse)
     : m_(model), loop_(loop), takeMouse_(std::move(takeMouse)) {}
 
-bool CommandLineFlags::has(const char* flag) const { return arguments_.contains(QLatin1String(flag)); }
+bool CommandLineFlags::has(const char* flag) const {
+    return arguments_.contains(QLatin1String(flag));
+}
 
 std::optional<QString> CommandLineFlags::value(const char* flag) const {
     const QLatin1String prefix(flag);
@@ -53,7 +55,8 @@ void CommandLineFlags::later(std::function<void()> reaction) {
     reactions_.push_back(loop_.after(kReactionDelay, std::move(reaction)));
 }
 
-// The flags take effect in a fixed order, whatever their order on the command line: later ones see the earlier ones' work.
+// The flags take effect in a fixed order, whatever their order on the command line: later ones see the earlier ones'
+// work.
 FlagEffects CommandLineFlags::apply(const QStringList& arguments) {
     arguments_ = arguments;
     FlagEffects effects;
@@ -85,8 +88,8 @@ void CommandLineFlags::applyToy(FlagEffects& effects) {
 
 void CommandLineFlags::applyShelfSeeds() {
     if (has("--bigseed")) {
-        m_.items = applications(
-            {"Notes", "Calendar", "Maps", "Calculator", "TextEdit", "Preview", "Stocks", "Dictionary"});
+        m_.items =
+            applications({"Notes", "Calendar", "Maps", "Calculator", "TextEdit", "Preview", "Stocks", "Dictionary"});
     }
     if (has("--expand")) m_.shelfExpanded = true;
     if (has("--seed")) m_.items = applications({"Notes", "Calendar"});

@@ -15,17 +15,18 @@ struct FlagEffects {
     bool screenTest = false;     ///< the screen self-test was asked for
 };
 
-/// Puts the creature into the state that the command line asks for. Unknown and malformed flags are ignored. Main thread.
+/// Puts the creature into the state that the command line asks for. Unknown and malformed flags are ignored. Main
+/// thread.
 class CommandLineFlags {
-  public:
+ public:
     /// `takeMouse` lets the panel take the pointer, as it must for a creature that attends without one.
     CommandLineFlags(NotchModel& model, MainLoop& loop, std::function<void()> takeMouse);
 
-    /// Applies the flags among `arguments`, which hold the process's name too. One-shot reactions follow 1.5 s later, for
-    /// as long as this object lives.
+    /// Applies the flags among `arguments`, which hold the process's name too. One-shot reactions follow 1.5 s later,
+    /// for as long as this object lives.
     FlagEffects apply(const QStringList& arguments);
 
-  private:
+ private:
     bool has(const char* flag) const;
     std::optional<QString> value(const char* flag) const;
     std::optional<double> number(const char* flag) const;

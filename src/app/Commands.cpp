@@ -26,14 +26,17 @@ QList<MenuItem> Commands::menu() {
     items.append(timerItem());
     items.append(quietItem());
     items.append(MenuItem{});
-    items.append({QStringLiteral("Watch Downloads"), [this] { toggleDownloads(); },
-                  preferences_.boolean(kWatchDownloads), {}});
-    items.append({QStringLiteral("Meeting whispers"), [this] { toggleWhispers(); }, preferences_.boolean(kWhispers), {}});
+    items.append(
+        {QStringLiteral("Watch Downloads"), [this] { toggleDownloads(); }, preferences_.boolean(kWatchDownloads), {}});
+    items.append(
+        {QStringLiteral("Meeting whispers"), [this] { toggleWhispers(); }, preferences_.boolean(kWhispers), {}});
     items.append({QStringLiteral("Music in the notch"), [this] { toggleMusic(); }, preferences_.boolean(kMusic), {}});
     items.append(updateItem());
     items.append(MenuItem{});
     items.append({m_.hidden ? QStringLiteral("Show Glimmet") : QStringLiteral("Hide Glimmet"),
-                  [this] { toggleHidden(); }, false, {}});
+                  [this] { toggleHidden(); },
+                  false,
+                  {}});
     items.append({QStringLiteral("Quit Glimmet"), quit, false, {}});
     return items;
 }
@@ -41,7 +44,8 @@ QList<MenuItem> Commands::menu() {
 MenuItem Commands::timerItem() {
     MenuItem item{QStringLiteral("Hold a timer"), {}, false, {}};
     for (const int minutes : {5, 15, 25})
-        item.submenu.append({QStringLiteral("%1 minutes").arg(minutes), [this, minutes] { holdTimer(minutes); }, false, {}});
+        item.submenu.append(
+            {QStringLiteral("%1 minutes").arg(minutes), [this, minutes] { holdTimer(minutes); }, false, {}});
     return item;
 }
 
@@ -53,8 +57,10 @@ MenuItem Commands::quietItem() {
 
 MenuItem Commands::updateItem() {
     if (m_.updateAvailable->has_value())
-        return {QStringLiteral("v%1 is out · get it").arg(m_.updateAvailable->value()), [this] { openSite(); }, false, {}};
-    return {QStringLiteral("Check for updates…"), checkUpdates, false, {}};
+        return {
+            QStringLiteral("v%1 is out · get it").arg(m_.updateAvailable->value()), [this] { openSite(); }, false, {}};
+    // Nothing can look for a newer version yet, so this cannot be chosen.
+    return {QStringLiteral("Check for updates…"), {}, false, {}};
 }
 
 void Commands::pick(const QString& name) {
@@ -85,26 +91,23 @@ bool Commands::flip(const QString& key) {
 }
 
 void Commands::toggleDownloads() {
-    const bool on = flip(kWatchDownloads);
-    if (onDownloadsToggled) onDownloadsToggled(on);
+    flip(kWatchDownloads);
 }
 
 void Commands::toggleWhispers() {
-    const bool on = flip(kWhispers);
-    if (onWhispersToggled) onWhispersToggled(on);
-    if (!on) m_.eventWhisper = std::nullopt;
+    if (!flip(kWhispers)) m_.eventWhisper = std::nullopt;
 }
 
 void Commands::toggleMusic() {
-    const bool on = flip(kMusic);
-    if (onMusicToggled) onMusicToggled(on);
-    if (on) return;
+    if (flip(kMusic)) return;
     m_.musicPlaying = false;
     m_.musicTrack = std::nullopt;
     m_.artwork = std::nullopt;
 }
 
-void Commands::openSite() { workspace_.open(QUrl(kSite)); }
+void Commands::openSite() {
+    workspace_.open(QUrl(kSite));
+}
 
 void Commands::toggleHidden() {
     m_.withAnimation(commonSpring(), [&] { m_.hidden = !m_.hidden; });

@@ -11,7 +11,7 @@ class Workspace;
 
 /// What the user commands from the popup menu. Main thread only; the references must outlive it.
 class Commands {
-  public:
+ public:
     Commands(NotchModel& model, Clock& clock, Preferences& preferences, Workspace& workspace);
 
     /// The popup menu for the present state.
@@ -31,12 +31,8 @@ class Commands {
     std::function<void()> updateMousePassThrough;
     /// Asks for an orderly end.
     std::function<void()> quit;
-    /// Looks for a newer version; while there is nothing that can, its menu item cannot be chosen.
-    std::function<void()> checkUpdates;
-    /// A watcher was switched on (true) or off.
-    std::function<void(bool)> onDownloadsToggled, onWhispersToggled, onMusicToggled;
 
-  private:
+ private:
     MenuItem timerItem();
     MenuItem quietItem();
     MenuItem updateItem();

@@ -10,4 +10,6 @@ void Diagnostics::write(const QString& line) {
     std::fflush(stderr);
 }
 
-QString formatRect(const QRectF& rect) { return formatNumbers({rect.x(), rect.y(), rect.width(), rect.height()}); }
+QString formatRect(const QRectF& rect) {
+    return formatNumbers({rect.x(), rect.y(), rect.width(), rect.height()});
+}

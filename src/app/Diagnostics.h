@@ -6,7 +6,7 @@
 
 /// Lines on standard error, as UTF-8. Any thread; a line is written in one piece.
 class Diagnostics {
-  public:
+ public:
     /// `arguments` are those of the process, with its name.
     explicit Diagnostics(const QStringList& arguments) : tracing_(arguments.contains(QStringLiteral("--trace"))) {}
 
@@ -19,7 +19,7 @@ class Diagnostics {
     /// Writes `line` and a line end.
     static void write(const QString& line);
 
-  private:
+ private:
     bool tracing_;
 };
 

@@ -7,13 +7,13 @@
 /// keys (undo, cut, copy, paste, select all) need nothing here, since the toolkit's text fields handle them themselves.
 /// The panel never has the keyboard. Main thread only.
 class MainMenu : public QObject {
-  public:
+ public:
     /// Listens to `application` for as long as it lives. `quit` asks for an orderly end.
     MainMenu(QObject& application, std::function<void()> quit);
 
-  protected:
+ protected:
     bool eventFilter(QObject* receiver, QEvent* event) override;
 
-  private:
+ private:
     std::function<void()> quit_;
 };

@@ -9,7 +9,9 @@ constexpr double kPanelHeight = 230;
 constexpr double kAssumedWidth = 185;
 constexpr double kAssumedHeight = 32;
 
-bool hasHousing(const Screen& screen) { return screen.auxiliaryTopLeftArea && screen.auxiliaryTopRightArea; }
+bool hasHousing(const Screen& screen) {
+    return screen.auxiliaryTopLeftArea && screen.auxiliaryTopRightArea;
+}
 
 const Screen* choose(const QList<Screen>& screens) {
     auto found = std::find_if(screens.begin(), screens.end(), hasHousing);
@@ -36,6 +38,6 @@ std::optional<NotchGeometry> notchGeometry(const QList<Screen>& screens) {
     if (!screen) return {};
     const QRectF notch = notchOf(*screen);
     const double top = screen->frame.bottom();
-    return NotchGeometry{{notch.center().x() - kPanelWidth / 2, top - kPanelHeight, kPanelWidth, kPanelHeight}, notch,
-                         top};
+    return NotchGeometry{
+        {notch.center().x() - kPanelWidth / 2, top - kPanelHeight, kPanelWidth, kPanelHeight}, notch, top};
 }

@@ -5,7 +5,8 @@
 
 #include "platform/Screens.h"
 
-/// Where the notch is and where the panel hangs; screen points, y growing upwards, so a rectangle's top() is its lowest y.
+/// Where the notch is and where the panel hangs; screen points, y growing upwards, so a rectangle's top() is its lowest
+/// y.
 struct NotchGeometry {
     QRectF panelFrame;
     QRectF notch;

@@ -8,7 +8,9 @@ namespace {
 constexpr double kDragDistance = 12;
 
 /// The part of the panel inside `outline`, row by row.
-QRegion regionInside(const QPainterPath& outline) { return QRegion(outline.toFillPolygon().toPolygon()); }
+QRegion regionInside(const QPainterPath& outline) {
+    return QRegion(outline.toFillPolygon().toPolygon());
+}
 
 }  // namespace
 
@@ -19,6 +21,7 @@ NotchPanel::NotchPanel(NotchModel& model, RootView& root, PanelWindow& window, C
     window_.onPress = [this](auto button, QPointF position, QPointF pointer) { pressed(button, position, pointer); };
     window_.onDrag = [this](QPointF pointer) { draggedTo(pointer); };
     window_.onRelease = [this](auto button, QPointF) { released(button); };
+    window_.onDropTargeted = [this](bool targeted) { dropTargeted(targeted); };
 }
 
 NotchPanel::~NotchPanel() {
@@ -27,6 +30,7 @@ NotchPanel::~NotchPanel() {
     window_.onPress = nullptr;
     window_.onDrag = nullptr;
     window_.onRelease = nullptr;
+    window_.onDropTargeted = nullptr;
 }
 
 void NotchPanel::show(const QRectF& frame) {
@@ -37,7 +41,9 @@ void NotchPanel::show(const QRectF& frame) {
     drawFrame(true);
 }
 
-void NotchPanel::setFrame(const QRectF& frame) { window_.setFrame(frame); }
+void NotchPanel::setFrame(const QRectF& frame) {
+    window_.setFrame(frame);
+}
 
 void NotchPanel::updateMousePassThrough() {
     setIgnoresMouseEvents(!m_.hovering && !m_.dragNear && !m_.dropTargeted && !m_.sliding && m_.slideX == 0.0);
@@ -110,4 +116,11 @@ void NotchPanel::released(PanelWindow::Button button) {
         root_.slideEnded();
     else
         root_.tap(press.position);
+}
+
+void NotchPanel::dropTargeted(bool targeted) {
+    // The weather takes no drops.
+    const bool taken = targeted && m_.toy == Toy::critter;
+    m_.withAnimation(Animation::spring(0.3, 0.85), [&] { m_.dropTargeted = taken; });
+    updateMousePassThrough();
 }

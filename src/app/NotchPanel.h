@@ -10,7 +10,7 @@
 /// The panel that the creature lives in: shows the root view's pictures in the window, one frame when something changed
 /// and none else, and turns presses into taps and slides. Main thread only; the references must outlive it.
 class NotchPanel {
-  public:
+ public:
     NotchPanel(NotchModel& model, RootView& root, PanelWindow& window, Clock& clock, MainLoop& loop);
     ~NotchPanel();
 
@@ -18,12 +18,13 @@ class NotchPanel {
     void setFrame(const QRectF& frame);
     QRectF frame() const { return window_.frame(); }
 
-    /// Lets the panel take the pointer exactly while the creature attends, is aimed at with a drop, or is off its place.
+    /// Lets the panel take the pointer exactly while the creature attends, is aimed at with a drop, or is off its
+    /// place.
     void updateMousePassThrough();
     /// Takes or leaves the pointer until the next updateMousePassThrough().
     void setIgnoresMouseEvents(bool ignores);
 
-  private:
+ private:
     struct Press {
         QPointF position;  // in the panel
         QPointF pointer;   // on the screen
@@ -37,6 +38,7 @@ class NotchPanel {
     void pressed(PanelWindow::Button button, QPointF position, QPointF pointer);
     void draggedTo(QPointF pointer);
     void released(PanelWindow::Button button);
+    void dropTargeted(bool targeted);
 
     NotchModel& m_;
     RootView& root_;

@@ -34,8 +34,8 @@ void PanelPlacement::take(const NotchGeometry& geometry) {
 void PanelPlacement::follow(NotchPanel& panel, BehaviourEngine& behaviour) {
     panel_ = &panel;
     behaviour_ = &behaviour;
-    slideSubscription_ = m_.slideX.deliver(
-        loop_, [this](double slideX) { panel_->setFrame(homeFrame_.translated(slideX, 0)); });
+    slideSubscription_ =
+        m_.slideX.deliver(loop_, [this](double slideX) { panel_->setFrame(homeFrame_.translated(slideX, 0)); });
     screens_.onChange = [this] { screensChanged(); };
 }
 

@@ -12,7 +12,7 @@ class NotchPanel;
 /// Keeps the panel at the notch: puts it there at the start, moves it when the screens change, and lets it follow the
 /// slide. Main thread only; the references must outlive it.
 class PanelPlacement {
-  public:
+ public:
     PanelPlacement(NotchModel& model, Screens& screens, MainLoop& loop);
 
     /// Takes over the notch's place into the model; false when there is no screen.
@@ -27,7 +27,7 @@ class PanelPlacement {
     QRectF homeFrame() const { return homeFrame_; }
     QRectF notch() const { return notch_; }
 
-  private:
+ private:
     void placePanel();
     void take(const NotchGeometry& geometry);
 

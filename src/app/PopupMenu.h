@@ -19,6 +19,6 @@ struct MenuItem {
 /// The lines that describe the menu in a terminal, one per top-level row, without line ends.
 QStringList describeMenu(const QList<MenuItem>& items);
 
-/// Shows `items` as a menu at `position` (Qt's global coordinates) and runs the action of the chosen row. Returns at once;
-/// the menu deletes itself when it closes.
+/// Shows `items` as a menu at `position` (Qt's global coordinates) and runs the action of the chosen row. Returns at
+/// once; the menu deletes itself when it closes.
 void popUp(const QList<MenuItem>& items, const QPoint& position);

@@ -8,7 +8,9 @@ namespace {
 
 constexpr double kStep = 1;  // seconds; the panel is placed well within one
 
-QString word(bool value) { return value ? QStringLiteral("true") : QStringLiteral("false"); }
+QString word(bool value) {
+    return value ? QStringLiteral("true") : QStringLiteral("false");
+}
 
 }  // namespace
 

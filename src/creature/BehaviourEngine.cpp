@@ -29,8 +29,12 @@ constexpr double kSlideHomeDuration = 0.5;
 constexpr double kSlideHomeStep = 1.0 / 60;
 
 // The hover zone never gets smaller than this, however small the shape is.
-double zoneWidth(const NotchModel& m) { return std::max(185.0, m.shapeWidth()); }
-double zoneHeight(const NotchModel& m) { return std::max(40.0, m.shapeHeight()); }
+double zoneWidth(const NotchModel& m) {
+    return std::max(185.0, m.shapeWidth());
+}
+double zoneHeight(const NotchModel& m) {
+    return std::max(40.0, m.shapeHeight());
+}
 
 }  // namespace
 
@@ -90,8 +94,8 @@ void BehaviourEngine::startleAt(QPointF pointer, double elapsed) {
 }
 
 void BehaviourEngine::publishGaze(QPointF pointer, Date now, bool hoverChanges) {
-    const bool due = now - lastGazePublish_ > kGazeInterval &&
-                     (pointer - publishedCursor_).manhattanLength() > kGazeDistance;
+    const bool due =
+        now - lastGazePublish_ > kGazeInterval && (pointer - publishedCursor_).manhattanLength() > kGazeDistance;
     if (!hoverChanges && !due) return;
     lastGazePublish_ = now;
     publishedCursor_ = pointer;

@@ -12,13 +12,13 @@ class Workspace;
 /// What makes the creature feel alive: turns pointer moves, other programs becoming active and the passage of time into
 /// changes of the model. Main thread only; the model and the ports must outlive it.
 class BehaviourEngine {
-  public:
+ public:
     /// `random` gives uniformly distributed numbers in [0, 1). `trace` receives the trace lines, without line ends.
     BehaviourEngine(NotchModel& model, Clock& clock, MainLoop& loop, Sounds& sounds, std::function<double()> random,
                     std::function<void(const QString&)> trace);
 
-    /// Sends the input of `monitors` and the activations of `workspace` here. Other receivers of their callbacks are set
-    /// by whoever owns them.
+    /// Sends the input of `monitors` and the activations of `workspace` here. Other receivers of their callbacks are
+    /// set by whoever owns them.
     void installMonitors(EventMonitors& monitors, Workspace& workspace);
     /// Runs the vitals tick once and starts the vitals and the life tick.
     void startTicks();
@@ -40,7 +40,7 @@ class BehaviourEngine {
     /// Called when a change may let the panel take the pointer or leave it alone.
     std::function<void()> updateMousePassThrough;
 
-  private:
+ private:
     void startleAt(QPointF pointer, double elapsed);
     void publishGaze(QPointF pointer, Date now, bool hoverChanges);
     void setHovering(bool inside, QPointF pointer);

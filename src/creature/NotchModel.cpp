@@ -17,7 +17,9 @@ bool NotchModel::isSleepy() const {
     return hour == 23 || hour < 6;
 }
 
-bool NotchModel::quiet() const { return clock_.now() < quietUntil; }
+bool NotchModel::quiet() const {
+    return clock_.now() < quietUntil;
+}
 
 double NotchModel::shapeWidth() const {
     const double resting = std::max(185.0, notchSize.width());

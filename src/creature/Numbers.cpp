@@ -9,7 +9,8 @@ QString formatNumber(double value) {
     std::array<char, 32> buffer{};
     // Screen coordinates read best without an exponent, which the plain form would choose for 100000.
     const double size = std::abs(value);
-    const auto format = size == 0 || (size >= 1e-4 && size < 1e16) ? std::chars_format::fixed : std::chars_format::scientific;
+    const auto format =
+        size == 0 || (size >= 1e-4 && size < 1e16) ? std::chars_format::fixed : std::chars_format::scientific;
     const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, format).ptr;
     QString text = QString::fromLatin1(buffer.data(), end - buffer.data());
     if (!std::isfinite(value) || text.contains(u'.')) return text;

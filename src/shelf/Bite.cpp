@@ -12,7 +12,9 @@ const QString kLink = QStringLiteral("link");
 const QString kNote = QStringLiteral("note");
 const QString kPayload = QStringLiteral("_0");
 
-QString absoluteString(const QUrl& url) { return QString::fromUtf8(url.toEncoded()); }
+QString absoluteString(const QUrl& url) {
+    return QString::fromUtf8(url.toEncoded());
+}
 
 QJsonObject encode(const Bite& bite) {
     const QString payload = bite.url() ? absoluteString(*bite.url()) : *bite.text();
@@ -37,6 +39,10 @@ QString biteKey(const Bite& bite) {
     return bite.url() ? QStringLiteral("l:") + absoluteString(*bite.url()) : QStringLiteral("n:") + *bite.text();
 }
 
-QByteArray encodeBites(const QList<Bite>& bites) { return encodeArray(bites, encode); }
+QByteArray encodeBites(const QList<Bite>& bites) {
+    return encodeArray(bites, encode);
+}
 
-std::optional<QList<Bite>> decodeBites(const QByteArray& json) { return decodeArray<Bite>(json, decode); }
+std::optional<QList<Bite>> decodeBites(const QByteArray& json) {
+    return decodeArray<Bite>(json, decode);
+}

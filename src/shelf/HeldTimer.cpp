@@ -32,6 +32,10 @@ std::optional<HeldTimer> decode(const QJsonObject& object) {
 
 }  // namespace
 
-QByteArray encodeTimers(const QList<HeldTimer>& timers) { return encodeArray(timers, encode); }
+QByteArray encodeTimers(const QList<HeldTimer>& timers) {
+    return encodeArray(timers, encode);
+}
 
-std::optional<QList<HeldTimer>> decodeTimers(const QByteArray& json) { return decodeArray<HeldTimer>(json, decode); }
+std::optional<QList<HeldTimer>> decodeTimers(const QByteArray& json) {
+    return decodeArray<HeldTimer>(json, decode);
+}

@@ -15,7 +15,8 @@ QString standardized(const QUrl& file) {
     return QString::fromUtf8(file.adjusted(QUrl::NormalizePathSegments | QUrl::StripTrailingSlash).toEncoded());
 }
 
-/// Appends to `held` what has a new key, pushing out the oldest beyond `most`. Returns how many were new, `most` at most.
+/// Appends to `held` what has a new key, pushing out the oldest beyond `most`. Returns how many were new, `most` at
+/// most.
 template <class T, class Key>
 int holdNew(Published<QList<T>>& held, const QList<T>& offered, int most, const Key& keyOf) {
     QSet<QString> known;
@@ -45,9 +46,13 @@ void removeIf(Published<QList<T>>& held, const Test& unwanted) {
 
 }  // namespace
 
-int NotchModel::addItems(const QList<QUrl>& files) { return holdNew(items, files, kMostItems, standardized); }
+int NotchModel::addItems(const QList<QUrl>& files) {
+    return holdNew(items, files, kMostItems, standardized);
+}
 
-int NotchModel::addBites(const QList<Bite>& newBites) { return holdNew(bites, newBites, kMostBites, biteKey); }
+int NotchModel::addBites(const QList<Bite>& newBites) {
+    return holdNew(bites, newBites, kMostBites, biteKey);
+}
 
 void NotchModel::addTimer(double length) {
     const double whole = std::clamp(std::round(length), 1.0, double(std::numeric_limits<int>::max()));

@@ -45,11 +45,17 @@ void NotchModel::saveItems() {
     preferences_.setDataList(kShelf, bookmarks);
 }
 
-void NotchModel::saveBites() { preferences_.setData(kBites, encodeBites(bites)); }
+void NotchModel::saveBites() {
+    preferences_.setData(kBites, encodeBites(bites));
+}
 
-void NotchModel::saveTimers() { preferences_.setData(kTimers, encodeTimers(timers)); }
+void NotchModel::saveTimers() {
+    preferences_.setData(kTimers, encodeTimers(timers));
+}
 
-void NotchModel::saveHidden() { preferences_.setBoolean(kHidden, hidden); }
+void NotchModel::saveHidden() {
+    preferences_.setBoolean(kHidden, hidden);
+}
 
 QUrl NotchModel::droppedFolder() const {
     const QString path = dataFolder_ + QStringLiteral("/Glimmet/Dropped");

@@ -40,18 +40,23 @@ void Canvas::layer(const QRectF& bounds, const QPainterPath& mask, double opacit
     const QTransform toDevice = painter_.deviceTransform();
     const QRect pixels = toDevice.mapRect(bounds).toAlignedRect();
     if (pixels.isEmpty()) return;
-    QImage sheet(pixels.size(), QImage::Format_ARGB32_Premultiplied);
-    sheet.fill(Qt::transparent);
-    {
+    const QTransform toSheet = toDevice * QTransform::fromTranslate(-pixels.x(), -pixels.y());
+    const auto sheetWith = [&](const std::function<void(Canvas&, QPainter&)>& paint) {
+        QImage sheet(pixels.size(), QImage::Format_ARGB32_Premultiplied);
+        sheet.fill(Qt::transparent);
         QPainter painter(&sheet);
-        painter.setTransform(toDevice * QTransform::fromTranslate(-pixels.x(), -pixels.y()));
+        painter.setTransform(toSheet);
         Canvas canvas(painter, caches_, ratio_);
+        paint(canvas, painter);
+        return sheet;
+    };
+    const QImage shape = sheetWith([&](Canvas& canvas, QPainter&) { canvas.fill(mask, Qt::black); });
+    const QImage sheet = sheetWith([&](Canvas& canvas, QPainter& painter) {
         draw(canvas);
-        QPainterPath outside;
-        outside.addRect(bounds.adjusted(-2, -2, 2, 2));
-        painter.setCompositionMode(QPainter::CompositionMode_DestinationOut);
-        painter.fillPath(outside.subtracted(mask), Qt::black);
-    }
+        painter.resetTransform();
+        painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
+        painter.drawImage(0, 0, shape);
+    });
     painter_.save();
     painter_.setOpacity(painter_.opacity() * std::min(opacity, 1.0));
     painter_.setTransform(QTransform::fromScale(1 / ratio_, 1 / ratio_));
@@ -59,7 +64,15 @@ void Canvas::layer(const QRectF& bounds, const QPainterPath& mask, double opacit
     painter_.restore();
 }
 
-void Canvas::fill(const QPainterPath& path, const QBrush& brush) { painter_.fillPath(path, brush); }
+void Canvas::cover(const QRectF& rect, const QBrush& brush) {
+    painter_.setRenderHint(QPainter::Antialiasing, false);
+    painter_.fillRect(rect, brush);
+    painter_.setRenderHint(QPainter::Antialiasing);
+}
+
+void Canvas::fill(const QPainterPath& path, const QBrush& brush) {
+    painter_.fillPath(path, brush);
+}
 
 void Canvas::stroke(const QPainterPath& path, const QBrush& brush, double width) {
     QPen pen(brush, width, Qt::SolidLine, Qt::RoundCap, Qt::MiterJoin);
@@ -67,10 +80,56 @@ void Canvas::stroke(const QPainterPath& path, const QBrush& brush, double width)
     painter_.strokePath(path, pen);
 }
 
-void Canvas::shadow(const QPainterPath& shape, const QColor& color, double radius, const QPointF& offset) {
+void Canvas::shadow(const QPainterPath& shape, const QColor& color, double radius, const QPointF& offset,
+                    const QRectF& hole) {
     if (color.alpha() == 0 || shape.isEmpty()) return;
     const auto& made = caches_.shadows.shadow(shape, radius, color, ratio_);
-    painter_.drawImage(made.bounds.translated(offset), made.image);
+    drawScaled(made.bounds.translated(offset), made.image, hole);
+}
+
+void Canvas::kept(const QByteArray& key, const QRectF& bounds, const QRectF& hole,
+                  const std::function<void(Canvas&)>& draw) {
+    const double scale = pixelsPerPoint();
+    const QByteArray fullKey = key + ' ' + QByteArray::number(scale);
+    const QImage* image = caches_.drawings.object(fullKey);
+    const QSize size(int(std::ceil(bounds.width() * scale)), int(std::ceil(bounds.height() * scale)));
+    if (!image) {
+        auto* made = new QImage(size, QImage::Format_ARGB32_Premultiplied);
+        made->fill(Qt::transparent);
+        QPainter painter(made);
+        painter.scale(scale, scale);
+        painter.translate(-bounds.topLeft());
+        Canvas canvas(painter, caches_, ratio_);
+        draw(canvas);
+        painter.end();
+        caches_.drawings.insert(fullKey, made);
+        image = made;
+    }
+    drawScaled(QRectF(bounds.topLeft(), QSizeF(size) / scale), *image, hole);
+}
+
+// In bands of few rows: the toolkit hands a scaled picture of more rows to several threads, whose waking costs more
+// than the drawing.
+void Canvas::drawScaled(const QRectF& bounds, const QImage& image, const QRectF& hole) {
+    constexpr int rows = 64;
+    const QTransform toDevice = painter_.deviceTransform();
+    const QTransform drawing = painter_.transform();
+    const QRect inner = hole.isEmpty() ? QRect() : toDevice.mapRect(hole).adjusted(1, 1, -1, -1).toRect();
+    painter_.save();
+    // Such pictures fade out before their edges; smooth edges would triple the spans.
+    painter_.setRenderHint(QPainter::Antialiasing, false);
+    for (const QRect& part : QRegion(toDevice.mapRect(bounds).toAlignedRect()).subtracted(inner)) {
+        for (int top = part.top(); top <= part.bottom(); top += rows) {
+            const QRect band(part.left(), top, part.width(), std::min(rows, part.bottom() + 1 - top));
+            painter_.save();
+            painter_.setTransform(QTransform::fromScale(1 / ratio_, 1 / ratio_));
+            painter_.setClipRect(band, Qt::IntersectClip);
+            painter_.setTransform(drawing);
+            painter_.drawImage(bounds, image);
+            painter_.restore();
+        }
+    }
+    painter_.restore();
 }
 
 void Canvas::symbol(const QString& name, const QPointF& center, double size, const QColor& color) {

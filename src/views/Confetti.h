@@ -18,7 +18,7 @@ struct Spark {
 
 /// A ring of sparks that flies apart and fades. Drawn around the top centre of the panel; it never takes the pointer.
 class Confetti {
-  public:
+ public:
     /// `random` gives uniformly distributed numbers in [0, 1).
     Confetti(MainLoop& loop, std::function<double()> random);
 
@@ -29,7 +29,7 @@ class Confetti {
 
     const std::vector<Spark>& sparks() const { return sparks_; }
 
-  private:
+ private:
     MainLoop& loop_;
     std::function<double()> random_;
     std::vector<Spark> sparks_;

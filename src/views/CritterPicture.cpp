@@ -19,7 +19,9 @@ constexpr double kGlyphTop = 6;
 constexpr double kZzzGap = 8;
 constexpr double kZzzHeight = 10;
 
-QTransform moved(double x, double y) { return QTransform::fromTranslate(x, y); }
+QTransform moved(double x, double y) {
+    return QTransform::fromTranslate(x, y);
+}
 
 /// Scales by `s` around (0, y).
 QTransform scaledAround(double y, double s) {
@@ -115,7 +117,8 @@ void CritterView::composeGlyph(DisplayList& list, double now) const {
     list.with(QTransform(), opacity, [&] {
         const double identity = double(qHash(glyph_.symbol)) + glyph_.color.rgba() * 1e-10;
         list.add(piece::glyph, QRectF(center.x() - box / 2, center.y() - box / 2, box, box),
-                 {center.x(), center.y(), identity},
-                 [center, glyph = glyph_](Canvas& canvas) { canvas.symbol(glyph.symbol, center, kGlyphSize, glyph.color); });
+                 {center.x(), center.y(), identity}, [center, glyph = glyph_](Canvas& canvas) {
+                     canvas.symbol(glyph.symbol, center, kGlyphSize, glyph.color);
+                 });
     });
 }

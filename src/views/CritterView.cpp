@@ -156,7 +156,10 @@ void CritterView::aimLayout(const std::optional<Animation>& how, double now) {
 void CritterView::aimEyes(const std::optional<Animation>& how, double now) {
     const auto curve = eyeCurve(how);
     const bool open = m_.attending();
-    Eye::Pose pose{.diameter = open ? 30.0 : 17.0, .pupil = open ? 13.0 : 8.0, .lid = lidClosure(), .gaze = gaze(-1),
+    Eye::Pose pose{.diameter = open ? 30.0 : 17.0,
+                   .pupil = open ? 13.0 : 8.0,
+                   .lid = lidClosure(),
+                   .gaze = gaze(-1),
                    .shut = m_.cameraInUse};
     leftEye_.aim(pose, curve, now);
     pose.gaze = gaze(+1);
@@ -164,8 +167,8 @@ void CritterView::aimEyes(const std::optional<Animation>& how, double now) {
 }
 
 std::optional<Animation> CritterView::eyeCurve(const std::optional<Animation>& how) {
-    const EyeCauses was = std::exchange(
-        eyeCauses_, {m_.cameraInUse, blink_, m_.isSleepy(), m_.yawning, worried_, glancingDown_});
+    const EyeCauses was =
+        std::exchange(eyeCauses_, {m_.cameraInUse, blink_, m_.isSleepy(), m_.yawning, worried_, glancingDown_});
     if (was.camera != eyeCauses_.camera) return Animation::easeInOut(0.45);
     if (was.blink != eyeCauses_.blink) return Animation::easeOut(0.09);
     if (was.sleepy != eyeCauses_.sleepy) return Animation::easeInOut(0.5);
@@ -219,8 +222,9 @@ void CritterView::aimGlyph(const std::optional<Animation>& how, double now) {
 
 double CritterView::nextFrame() const {
     const double now = clock_.uptime();
-    for (const auto* value : {&padding_, &eyeSize_, &spacing_, &startle_, &cheeks_, &cheekSize_, &cheekGap_, &cheekDrop_,
-                              &sleep_, &arcWidth_, &arcHeight_, &arcDroop_, &zzz_, &badge_, &glyphOpacity_, &width_}) {
+    for (const auto* value :
+         {&padding_, &eyeSize_, &spacing_, &startle_, &cheeks_, &cheekSize_, &cheekGap_, &cheekDrop_, &sleep_,
+          &arcWidth_, &arcHeight_, &arcDroop_, &zzz_, &badge_, &glyphOpacity_, &width_}) {
         if (value->moving(now)) return now;
     }
     if (leftEye_.moving(now) || rightEye_.moving(now) || mouth_.moving(now) || shelf_.moving(now)) return now;

@@ -13,17 +13,18 @@
 #include "views/StatusGlyph.h"
 
 /// The creature's face and the rows below it. It has its own short-lived states, started by the model's counters, and
-/// lives while the creature is shown. It is drawn below the origin of its frame of reference, the top centre of the panel.
-/// Main thread only; the references must outlive it.
+/// lives while the creature is shown. It is drawn below the origin of its frame of reference, the top centre of the
+/// panel. Main thread only; the references must outlive it.
 class CritterView {
-  public:
+ public:
     /// `changed` is called whenever a state of the face's own has changed; the picture has then to be drawn again.
     CritterView(NotchModel& model, Clock& clock, MainLoop& loop, std::function<void()> changed);
 
     /// Stops the face's clocks; it may go on to fade out.
     void disappear();
 
-    /// Takes over the present state of the model: what differs moves with `how`, or with its own curve where it has one.
+    /// Takes over the present state of the model: what differs moves with `how`, or with its own curve where it has
+    /// one.
     void update(const std::optional<Animation>& how);
 
     /// When the picture changes by itself: Clock::uptime(), or infinity.
@@ -33,7 +34,7 @@ class CritterView {
     /// Gives a tap to what lies at `point`, in the frame of reference of the last picture; false: nothing took it.
     bool tap(const QPointF& point);
 
-  private:
+ private:
     /// Values whose changes move the eyes with curves of their own.
     struct EyeCauses {
         bool camera = false, blink = false, sleepy = false, yawning = false, worried = false, glancing = false;

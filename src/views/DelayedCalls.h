@@ -7,7 +7,7 @@
 
 /// Calls that come later, any number at a time, each at its own moment; dropped together with the object.
 class DelayedCalls {
-  public:
+ public:
     explicit DelayedCalls(MainLoop& loop) : loop_(loop) {}
 
     void after(double seconds, std::function<void()> call) {
@@ -23,7 +23,7 @@ class DelayedCalls {
 
     void cancel() { handles_.clear(); }
 
-  private:
+ private:
     MainLoop& loop_;
     std::list<TimerHandle> handles_;
 };

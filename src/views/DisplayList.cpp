@@ -5,18 +5,41 @@
 
 #include "views/Shapes.h"
 
+namespace {
+
+/// A rectangle that lies inside a rounded one: what is in it needs no clipping.
+QRectF insideOf(const QRectF& rect, double radius) {
+    // Where the corner's arc is deepest it keeps 0.3 radii from both sides.
+    const double inset = 0.3 * radius;
+    return rect.adjusted(inset, inset, -inset, -inset);
+}
+
+}  // namespace
+
 bool DisplayList::Piece::looksLike(const Piece& other) const {
     return place == other.place && transform == other.transform && opacity == other.opacity && clip == other.clip &&
            state == other.state;
 }
 
-void DisplayList::add(int id, const QRectF& bounds, std::vector<double> state, Draw draw) {
+QRegion DisplayList::Piece::changesTo(const Piece& other) const {
+    if (looksLike(other)) return {};
+    return QRegion(place).united(other.place).subtracted(solid & other.solid);
+}
+
+void DisplayList::add(int id, const QRectF& bounds, std::vector<double> state, Draw draw, const QRectF& solid) {
     if (opacity_ <= 0 || bounds.isEmpty()) return;
     QRectF place = transform_.mapRect(bounds);
-    if (clip_.on) place &= clip_.transform.mapRect(clip_.rect);
+    Clip clip = clip_;
+    if (clip.on) {
+        if (clip.transform.mapRect(insideOf(clip.rect, clip.radius)).contains(place)) clip = Clip();
+        place &= clip_.transform.mapRect(clip_.rect);
+        if (place.isEmpty()) return;
+    }
     // Half a point more on each side for antialiased edges.
     const QRect whole = place.adjusted(-0.5, -0.5, 0.5, 0.5).toAlignedRect();
-    pieces_.push_back({id, whole, transform_, opacity_, clip_, std::move(state), std::move(draw)});
+    const QRectF plain = transform_.mapRect(solid).adjusted(1, 1, -1, -1);
+    const QRect inner = plain.isValid() && opacity_ >= 1 ? plain.toRect() : QRect();
+    pieces_.push_back({id, whole, inner, transform_, opacity_, clip, std::move(state), std::move(draw)});
 }
 
 void DisplayList::with(const QTransform& transform, double opacity, const std::function<void()>& compose) {
@@ -42,9 +65,8 @@ QRegion DisplayList::changesTo(const DisplayList& other) const {
         const auto now = find(other.pieces_, piece.id);
         if (now == other.pieces_.end()) {
             changes += piece.place;
-        } else if (!piece.looksLike(*now)) {
-            changes += piece.place;
-            changes += now->place;
+        } else {
+            changes += piece.changesTo(*now);
         }
     }
     for (const Piece& piece : other.pieces_) {

@@ -8,15 +8,18 @@
 
 #include "views/Canvas.h"
 
-/// What is on the panel at one moment: pieces from back to front, each with the place that it covers and the numbers that
-/// decide its look. Two lists tell by their pieces what changed between two frames, so that only that is painted again.
+/// What is on the panel at one moment: pieces from back to front, each with the place that it covers and the numbers
+/// that decide its look. Two lists tell by their pieces what changed between two frames, so that only that is painted
+/// again.
 class DisplayList {
-  public:
+ public:
     using Draw = std::function<void(Canvas&)>;
 
-    /// Adds a piece in the present frame of reference. `id` is unique in the list and stays with the piece from frame to
-    /// frame; `state` holds every number that `draw` depends on besides the transform, the opacity and the clip.
-    void add(int id, const QRectF& bounds, std::vector<double> state, Draw draw);
+    /// Adds a piece in the present frame of reference. `id` is unique in the list and stays with the piece from frame
+    /// to frame; `state` holds every number that `draw` depends on besides the transform, the opacity and the clip.
+    /// Inside `solid` the piece has one plain colour, whatever its state: where that stays, nothing has to be painted
+    /// again.
+    void add(int id, const QRectF& bounds, std::vector<double> state, Draw draw, const QRectF& solid = {});
 
     /// What `compose` adds is transformed by `transform` (first) and faded by `opacity`.
     void with(const QTransform& transform, double opacity, const std::function<void()>& compose);
@@ -31,7 +34,7 @@ class DisplayList {
     /// Paints the pieces that touch `damage`.
     void paint(Canvas& canvas, const QRegion& damage) const;
 
-  private:
+ private:
     struct Clip {
         QRectF rect;
         double radius = 0;
@@ -42,12 +45,14 @@ class DisplayList {
     struct Piece {
         int id;
         QRect place;  // in the panel, whole points
+        QRect solid;
         QTransform transform;
         double opacity;
         Clip clip;
         std::vector<double> state;
         Draw draw;
         bool looksLike(const Piece& other) const;
+        QRegion changesTo(const Piece& other) const;
     };
 
     std::vector<Piece> pieces_;

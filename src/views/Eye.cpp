@@ -13,14 +13,14 @@ QRectF frame(const QPointF& center, double width, double height) {
 
 void drawBall(Canvas& canvas, double d) {
     const QRectF eye = frame({}, d, d);
-    QPainterPath square;
-    square.addRect(eye);
-    canvas.fill(square, radialGradient(eye, {0.42, 0.36}, 1, 0.72 * d, {{0, gray(1.0)}, {1, gray(0.83)}}));
-    canvas.fill(square, radialGradient(eye, {0.5, 0.92}, 0.16 * d, 0.6 * d, {{0, black(0)}, {1, black(0.16)}}));
+    const QRectF square = eye.adjusted(-1, -1, 1, 1);
+    canvas.cover(square, radialGradient(eye, {0.42, 0.36}, 1, 0.72 * d, {{0, gray(1.0)}, {1, gray(0.83)}}));
+    canvas.cover(square, radialGradient(eye, {0.5, 0.92}, 0.16 * d, 0.6 * d, {{0, black(0)}, {1, black(0.16)}}));
 }
 
 void drawPupil(Canvas& canvas, const QPointF& at, double p) {
-    canvas.fill(circle(at, p), radialGradient(frame(at, p, p), {0.5, 0.5}, 0.5, p / 2, {{0, gray(0.17)}, {1, gray(0)}}));
+    canvas.fill(circle(at, p),
+                radialGradient(frame(at, p, p), {0.5, 0.5}, 0.5, p / 2, {{0, gray(0.17)}, {1, gray(0)}}));
     canvas.fill(circle(at + QPointF(-0.20 * p, -0.22 * p), 0.34 * p), white(0.95));
     canvas.fill(circle(at + QPointF(0.22 * p, 0.24 * p), 0.15 * p), white(0.2));
 }
@@ -58,7 +58,7 @@ void Eye::compose(DisplayList& list, int id, double now) const {
     const double shut = std::clamp(shut_.at(now), 0.0, 1.0);
     const QPointF gaze = gaze_.at(now);
     const QRectF eye = frame({}, d, d);
-    list.add(id, eye.adjusted(-2, -2, 2, 2), {d, p, lid, shut, gaze.x(), gaze.y()}, [=](Canvas& canvas) {
+    list.add(id, eye.adjusted(-2, 0, 2, 0), {d, p, lid, shut, gaze.x(), gaze.y()}, [=](Canvas& canvas) {
         canvas.layer(eye, circle({}, d), 1 - shut, [&](Canvas& sheet) {
             drawBall(sheet, d);
             drawPupil(sheet, gaze, p);

@@ -9,7 +9,7 @@
 /// One eye: where it looks, how far its lid is down, and whether it is squeezed shut for the camera. It is drawn around
 /// the origin of its frame of reference.
 class Eye {
-  public:
+ public:
     struct Pose {
         double diameter = 17;
         double pupil = 8;
@@ -22,7 +22,7 @@ class Eye {
     bool moving(double now) const;
     void compose(DisplayList& list, int id, double now) const;
 
-  private:
+ private:
     Animated<double> diameter_{17};
     Animated<double> pupil_{8};
     Animated<double> lid_{0.12, 0.002};

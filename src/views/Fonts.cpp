@@ -15,9 +15,12 @@ QString roundedFamily() {
 
 QString family(Face face) {
     switch (face) {
-        case Face::rounded: return roundedFamily();
-        case Face::monospaced: return QFontDatabase::systemFont(QFontDatabase::FixedFont).family();
-        case Face::system: break;
+        case Face::rounded:
+            return roundedFamily();
+        case Face::monospaced:
+            return QFontDatabase::systemFont(QFontDatabase::FixedFont).family();
+        case Face::system:
+            break;
     }
     return QFontDatabase::systemFont(QFontDatabase::GeneralFont).family();
 }

@@ -33,7 +33,9 @@ const QColor kLips = QColor::fromRgbF(0.74F, 0.24F, 0.25F);
 const QColor kTongueTop = QColor::fromRgbF(0.87F, 0.42F, 0.45F);
 const QColor kTongueBottom = QColor::fromRgbF(0.58F, 0.19F, 0.26F);
 
-QColor warmGlow(double opacity) { return QColor::fromRgbF(0.95F, 0.34F, 0.30F, float(opacity)); }
+QColor warmGlow(double opacity) {
+    return QColor::fromRgbF(0.95F, 0.34F, 0.30F, float(opacity));
+}
 
 /// How dark the black capsule over a munching mouth is: it comes and goes, one period each, easing at the turn.
 double chewDarkness(double wallTime) {
@@ -92,10 +94,10 @@ double Mouth::untilNextChew(double wallTime) const {
 Mouth::Look Mouth::look(double now, double wallTime) const {
     const auto length = [now](const Animated<double>& value) { return std::max(value.at(now), 0.0); };
     const auto share = [now](const Animated<double>& value) { return std::clamp(value.at(now), 0.0, 1.0); };
-    return {length(width_), length(height_),       share(opacity_),     space_.at(now),
-            share(shadow_), length(gradientEnd_),  share(rim_),         share(glow_),
-            length(tongueWidth_), length(tongueHeight_), share(tongueOpacity_),
-            state_ == State::munching ? chewDarkness(wallTime) : 0};
+    return {length(width_),        length(height_),       share(opacity_),
+            space_.at(now),        share(shadow_),        length(gradientEnd_),
+            share(rim_),           share(glow_),          length(tongueWidth_),
+            length(tongueHeight_), share(tongueOpacity_), state_ == State::munching ? chewDarkness(wallTime) : 0};
 }
 
 void Mouth::compose(DisplayList& list, double now, double wallTime) const {

@@ -7,7 +7,7 @@
 
 /// The creature's mouth. It is drawn below the origin of its frame of reference, the bottom centre of the eye row.
 class Mouth {
-  public:
+ public:
     enum class State { resting, munching, yawning, eating };
 
     /// `how` moves whatever is not bound to eating or yawning by an animation of its own.
@@ -20,7 +20,7 @@ class Mouth {
 
     void compose(DisplayList& list, double now, double wallTime) const;
 
-  private:
+ private:
     struct Look;
     Look look(double now, double wallTime) const;
     static void draw(Canvas& canvas, const Look& look);

@@ -22,9 +22,13 @@ constexpr double kBreathDepth = 0.008;
 constexpr double kSlideLimit = 280;
 constexpr double kSnapHome = 24;
 
-double bottomRadius(const NotchModel& m) { return m.attending() ? 26 : 14; }
+double bottomRadius(const NotchModel& m) {
+    return m.attending() ? 26 : 14;
+}
 
-bool showsCritter(const NotchModel& m) { return !m.hidden && m.toy == Toy::critter; }
+bool showsCritter(const NotchModel& m) {
+    return !m.hidden && m.toy == Toy::critter;
+}
 
 }  // namespace
 
@@ -148,22 +152,30 @@ void RootView::composeBody(DisplayList& list, double now) const {
     const double radius = bottomRadius_.at(now);
     const double reach = 1.5 * kShadowRadius;
     const QRectF bounds = rect.adjusted(-kTopRadius - reach, 0, kTopRadius + reach, reach + kShadowDrop);
-    list.add(piece::body, bounds, {rect.width(), rect.height(), radius}, [=](Canvas& canvas) {
+    // The corners' curves keep a quarter of the radius from both sides.
+    const double inset = 2 + 0.25 * radius;
+    const QRectF solid = rect.adjusted(inset, kTopRadius, -inset, -inset);
+    const auto draw = [=](Canvas& canvas) {
         const QPainterPath shape = notchShape(rect, radius, kTopRadius);
-        canvas.shadow(shape, black(0.55), kShadowRadius, {0, kShadowDrop});
+        canvas.shadow(shape, black(0.55), kShadowRadius, {0, kShadowDrop}, solid);
         canvas.fill(shape, Qt::black);
-        canvas.stroke(shape, linearGradient(rect, {0.5, 1}, {0.5, 0}, {{0, white(0.13)}, {1, white(0.02)}}), kRimWidth);
-    });
+        const QByteArray key = QByteArray("rim ") + QByteArray::number(rect.width()) + ' ' +
+                               QByteArray::number(rect.height()) + ' ' + QByteArray::number(radius);
+        canvas.kept(key, rect.adjusted(-kTopRadius - 2, -2, kTopRadius + 2, 2), solid, [&](Canvas& sheet) {
+            sheet.stroke(shape, linearGradient(rect, {0.5, 1}, {0.5, 0}, {{0, white(0.13)}, {1, white(0.02)}}),
+                         kRimWidth);
+        });
+    };
+    list.add(piece::body, bounds, {rect.width(), rect.height(), radius}, draw, solid);
 }
 
 void RootView::composeChevron(DisplayList& list, double now) const {
     constexpr double size = 9;
     const QPointF center(0, height_.at(now) - 1 - size / 2);
     list.with(QTransform(), chevron_.at(now), [&] {
-        list.add(piece::chevron, QRectF(center.x() - size, center.y() - size, 2 * size, 2 * size), {center.y()},
-                 [=](Canvas& canvas) {
-                     canvas.symbol(QStringLiteral("chevron.compact.down"), center, size, white(1));
-                 });
+        list.add(
+            piece::chevron, QRectF(center.x() - size, center.y() - size, 2 * size, 2 * size), {center.y()},
+            [=](Canvas& canvas) { canvas.symbol(QStringLiteral("chevron.compact.down"), center, size, white(1)); });
     });
 }
 

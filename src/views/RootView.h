@@ -14,7 +14,7 @@
 /// Everything on the panel: the black body that hangs from the notch, what it shows, and the movements of the whole.
 /// Coordinates are points of the panel, y growing downwards. Main thread only; the references must outlive it.
 class RootView {
-  public:
+ public:
     static constexpr double kPanelWidth = 360;
     static constexpr double kPanelHeight = 230;
 
@@ -32,11 +32,12 @@ class RootView {
     QPainterPath outline() const;
 
     void tap(const QPointF& point);
-    /// The pointer has been pulled sideways by `translation` points since it was pressed. Begins a slide or goes on with it.
+    /// The pointer has been pulled sideways by `translation` points since it was pressed. Begins a slide or goes on
+    /// with it.
     void slide(double translation);
     void slideEnded();
 
-  private:
+ private:
     void modelChanged(const std::optional<Animation>& how);
     void aimBody(const std::optional<Animation>& how, double now);
     void followBoops(double now);

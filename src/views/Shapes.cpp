@@ -36,7 +36,9 @@ constexpr double kReach = 1.3;
 
 /// Distance of a Bézier handle from the start of the curve, so that the middle of a corner that reaches `reach` along
 /// its side lies where the circle of `radius` has it.
-double handle(double reach, double radius) { return (4 * reach - 8 * radius * (1 - std::numbers::sqrt2 / 2)) / 3; }
+double handle(double reach, double radius) {
+    return (4 * reach - 8 * radius * (1 - std::numbers::sqrt2 / 2)) / 3;
+}
 
 }  // namespace
 

@@ -21,9 +21,13 @@ const TextStyle kMoreStyle{11, QFont::DemiBold, Face::rounded};
 const TextStyle kLessStyle{9, QFont::DemiBold, Face::rounded};
 const TextStyle kWhisperStyle{9.5, QFont::DemiBold, Face::rounded};
 
-double lineHeight(const TextStyle& style) { return style.size * 1.2; }
+double lineHeight(const TextStyle& style) {
+    return style.size * 1.2;
+}
 
-double rowWidth(int chips) { return chips * kChipWidth + std::max(chips - 1, 0) * kChipGap; }
+double rowWidth(int chips) {
+    return chips * kChipWidth + std::max(chips - 1, 0) * kChipGap;
+}
 
 }  // namespace
 
@@ -37,9 +41,13 @@ struct ShelfArea::Layout {
     double top = 0, bottom = 0;
 };
 
-bool ShelfArea::wanted() const { return (m_.hovering && m_.hasHeld()) || m_.dropTargeted || m_.dragNear; }
+bool ShelfArea::wanted() const {
+    return (m_.hovering && m_.hasHeld()) || m_.dropTargeted || m_.dragNear;
+}
 
-void ShelfArea::update(const std::optional<Animation>& how, double now) { presence_.aim(wanted() ? 1 : 0, how, now); }
+void ShelfArea::update(const std::optional<Animation>& how, double now) {
+    presence_.aim(wanted() ? 1 : 0, how, now);
+}
 
 ShelfArea::Layout ShelfArea::layout(double rowBottom) const {
     Layout l;
@@ -83,8 +91,8 @@ void ShelfArea::compose(DisplayList& list, double now, double rowBottom) const {
                             QTransform::fromTranslate(0, l.top);
     list.with(grow, presence, [&] {
         const QRectF bounds(-160, l.top, 320, l.bottom - l.top + lineHeight(kWhisperStyle));
-        const std::vector<double> state{l.pillFrame.x(), l.pillFrame.y(), double(qHash(l.pill)),
-                                        double(qHash(whisper)), l.whisper.y()};
+        const std::vector<double> state{l.pillFrame.x(), l.pillFrame.y(), double(qHash(l.pill)), double(qHash(whisper)),
+                                        l.whisper.y()};
         list.add(piece::shelf, bounds, state, [l, whisper](Canvas& canvas) {
             if (!l.pill.isEmpty()) {
                 canvas.fill(continuousCapsule(l.pillFrame), white(l.pillFill));

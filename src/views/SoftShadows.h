@@ -8,7 +8,7 @@
 
 /// Blurred fills of shapes, made once per shape, radius and colour and kept while they are in use. Main thread only.
 class SoftShadows {
-  public:
+ public:
     /// A picture to be drawn, smoothly scaled, over `bounds` (the shape's coordinates).
     struct Shadow {
         QImage image;
@@ -19,7 +19,7 @@ class SoftShadows {
     /// `pixelsPerPoint` fine; a wide blur needs, and gets, fewer pixels. Valid until the next call.
     const Shadow& shadow(const QPainterPath& shape, double radius, const QColor& color, double pixelsPerPoint);
 
-  private:
+ private:
     QCache<QByteArray, Shadow> cache_{24};
 };
 

@@ -5,10 +5,10 @@
 #include <QStringList>
 
 /// The directory in which a companion tool describes its agents, read with care: it belongs to whoever writes it.
-/// Nothing in it can block the reader: only regular files are read, no more than 64 KiB of one, and links are not followed.
-/// One moment's view; any thread.
+/// Nothing in it can block the reader: only regular files are read, no more than 64 KiB of one, and links are not
+/// followed. One moment's view; any thread.
 class AgentDirectory {
-  public:
+ public:
     /// Opens the directory. One that cannot be opened is like an empty one.
     explicit AgentDirectory(const QString& path);
     ~AgentDirectory();
@@ -20,7 +20,7 @@ class AgentDirectory {
     /// The text of entry `name`; empty when there is none, it is no regular file, or it is not UTF-8.
     QString text(const QString& name) const;
 
-  private:
+ private:
     int descriptor_;
     QStringList entries_;
 };

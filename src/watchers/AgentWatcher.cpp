@@ -18,9 +18,13 @@ QString extension(const QString& name) {
     return dot > 0 ? name.mid(dot + 1) : QString();
 }
 
-bool isRecord(const QString& name) { return !name.startsWith(u'.') && extension(name).isEmpty(); }
+bool isRecord(const QString& name) {
+    return !name.startsWith(u'.') && extension(name).isEmpty();
+}
 
-bool isAsk(const QString& name) { return extension(name) == QLatin1String("ask"); }
+bool isAsk(const QString& name) {
+    return extension(name) == QLatin1String("ask");
+}
 
 std::optional<QString> line(const QStringList& lines, qsizetype place) {
     return lines.size() > place ? std::optional(lines[place]) : std::nullopt;
@@ -42,7 +46,9 @@ void AgentWatcher::start() {
     timer_ = loop_.every(kInterval, [this] { scanAgents(); });
 }
 
-void AgentWatcher::scanAgents() { apply(takeCensus(AgentDirectory(folder_))); }
+void AgentWatcher::scanAgents() {
+    apply(takeCensus(AgentDirectory(folder_)));
+}
 
 AgentWatcher::Census AgentWatcher::takeCensus(const AgentDirectory& directory) {
     Census census;
@@ -81,8 +87,7 @@ void AgentWatcher::apply(const Census& census) {
     const bool needs = census.alerts > 0 || census.asks;
     if (lastAlive_ >= 0 && census.records > lastAlive_ && m_.toy == Toy::critter) ++m_.spawnCount;
     lastAlive_ = census.records;
-    if (working != m_.agentsWorking)
-        m_.withAnimation(Animation::spring(0.4, 0.7), [&] { m_.agentsWorking = working; });
+    if (working != m_.agentsWorking) m_.withAnimation(Animation::spring(0.4, 0.7), [&] { m_.agentsWorking = working; });
     if (needs != m_.needsYou) {
         m_.withAnimation(Animation::easeInOut(0.4), [&] { m_.needsYou = needs; });
         if (needs) ++m_.spawnCount;

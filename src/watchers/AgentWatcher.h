@@ -7,10 +7,10 @@
 class AgentDirectory;
 class Workspace;
 
-/// Looks every 2.5 seconds at what a companion tool says of its coding agents, and brings the terminal of one that waits
-/// for the user forward. Main thread only; the references must outlive it.
+/// Looks every 2.5 seconds at what a companion tool says of its coding agents, and brings the terminal of one that
+/// waits for the user forward. Main thread only; the references must outlive it.
 class AgentWatcher {
-  public:
+ public:
     AgentWatcher(NotchModel& model, MainLoop& loop, Workspace& workspace,
                  QString folder = QStringLiteral("/tmp/mossel.agents"));
 
@@ -20,7 +20,7 @@ class AgentWatcher {
     /// Brings the terminal that the model names forward, or the user's own; nothing happens if it names none.
     void focusBlockedTerminal();
 
-  private:
+ private:
     struct Census;
     static Census takeCensus(const AgentDirectory& directory);
     void apply(const Census& census);

@@ -1,7 +1,6 @@
-#include "creature/BehaviourEngine.h"
-
 #include <gtest/gtest.h>
 
+#include "creature/BehaviourEngine.h"
 #include "creature/Numbers.h"
 #include "support/Creature.h"
 
@@ -259,9 +258,14 @@ TEST(Slide, ForgottenWayHomeMovesNothing) {
 }
 
 TEST(Numbers, PrintShortestWithAPoint) {
-    for (const auto& [value, text] : std::vector<std::pair<double, const char*>>{
-             {1512, "1512.0"}, {0, "0.0"}, {-0.5, "-0.5"}, {0.1, "0.1"}, {100000, "100000.0"},
-             {1.0 / 3, "0.3333333333333333"}, {1e300, "1.0e+300"}, {2.5e-7, "2.5e-07"}}) {
+    for (const auto& [value, text] : std::vector<std::pair<double, const char*>>{{1512, "1512.0"},
+                                                                                 {0, "0.0"},
+                                                                                 {-0.5, "-0.5"},
+                                                                                 {0.1, "0.1"},
+                                                                                 {100000, "100000.0"},
+                                                                                 {1.0 / 3, "0.3333333333333333"},
+                                                                                 {1e300, "1.0e+300"},
+                                                                                 {2.5e-7, "2.5e-07"}}) {
         EXPECT_EQ(formatNumber(value), QLatin1String(text));
     }
     EXPECT_EQ(formatNumbers({1, 2.5}), QStringLiteral("(1.0, 2.5)"));

@@ -1,7 +1,6 @@
-#include "creature/NotchModel.h"
-
 #include <gtest/gtest.h>
 
+#include "creature/NotchModel.h"
 #include "support/Creature.h"
 
 namespace {
@@ -27,7 +26,11 @@ void holdFiles(NotchModel& m, int count) {
 TEST(NotchModel, ShapeTakesTheFirstRowThatMatches) {
     const std::vector<ShapeCase> cases{
         {"resting", [](NotchModel&) {}, 185, 58},
-        {"wide notch", [](NotchModel& m) { m.notchSize = {210, 38}; }, 210, 58},
+        {"wide notch",
+         [](NotchModel& m) {
+             m.notchSize = {210, 38};
+         },
+         210, 58},
         {"hidden beats all",
          [](NotchModel& m) {
              m.notchSize = {200, 38};
@@ -37,21 +40,75 @@ TEST(NotchModel, ShapeTakesTheFirstRowThatMatches) {
          },
          200, 43},
         {"weather", [](NotchModel& m) { m.toy = Toy::weather; }, 185, 40},
-        {"weather, drag near", [](NotchModel& m) { m.toy = Toy::weather; m.dragNear = true; }, 300, 94},
-        {"weather, drop over it", [](NotchModel& m) { m.toy = Toy::weather; m.dropTargeted = true; }, 185, 40},
-        {"drop", [](NotchModel& m) { m.dropTargeted = true; holdFiles(m, 1); m.hovering = true; }, 300, 120},
+        {"weather, drag near",
+         [](NotchModel& m) {
+             m.toy = Toy::weather;
+             m.dragNear = true;
+         },
+         300, 94},
+        {"weather, drop over it",
+         [](NotchModel& m) {
+             m.toy = Toy::weather;
+             m.dropTargeted = true;
+         },
+         185, 40},
+        {"drop",
+         [](NotchModel& m) {
+             m.dropTargeted = true;
+             holdFiles(m, 1);
+             m.hovering = true;
+         },
+         300, 120},
         {"hover", [](NotchModel& m) { m.hovering = true; }, 214, 108},
         {"dragging", [](NotchModel& m) { m.dragging = true; }, 214, 108},
         {"music alone", [](NotchModel& m) { m.musicPlaying = true; }, 185, 58},
-        {"hover with music", [](NotchModel& m) { m.hovering = true; m.musicPlaying = true; }, 300, 138},
-        {"hover, held", [](NotchModel& m) { m.hovering = true; holdFiles(m, 1); }, 320, 152},
-        {"hover, held, music", [](NotchModel& m) { m.hovering = true; holdFiles(m, 1); m.musicPlaying = true; }, 320, 178},
+        {"hover with music",
+         [](NotchModel& m) {
+             m.hovering = true;
+             m.musicPlaying = true;
+         },
+         300, 138},
+        {"hover, held",
+         [](NotchModel& m) {
+             m.hovering = true;
+             holdFiles(m, 1);
+         },
+         320, 152},
+        {"hover, held, music",
+         [](NotchModel& m) {
+             m.hovering = true;
+             holdFiles(m, 1);
+             m.musicPlaying = true;
+         },
+         320, 178},
         {"held", [](NotchModel& m) { m.addTimer(5); }, 236, 74},
-        {"held, dragging", [](NotchModel& m) { holdFiles(m, 1); m.dragging = true; }, 236, 74},
+        {"held, dragging",
+         [](NotchModel& m) {
+             holdFiles(m, 1);
+             m.dragging = true;
+         },
+         236, 74},
         {"yawn", [](NotchModel& m) { m.yawning = true; }, 185, 92},
-        {"yawn, held", [](NotchModel& m) { m.yawning = true; holdFiles(m, 1); }, 236, 92},
-        {"expanded 5", [](NotchModel& m) { m.hovering = true; m.shelfExpanded = true; holdFiles(m, 5); }, 320, 172},
-        {"expanded 6", [](NotchModel& m) { m.hovering = true; m.shelfExpanded = true; holdFiles(m, 6); }, 320, 228},
+        {"yawn, held",
+         [](NotchModel& m) {
+             m.yawning = true;
+             holdFiles(m, 1);
+         },
+         236, 92},
+        {"expanded 5",
+         [](NotchModel& m) {
+             m.hovering = true;
+             m.shelfExpanded = true;
+             holdFiles(m, 5);
+         },
+         320, 172},
+        {"expanded 6",
+         [](NotchModel& m) {
+             m.hovering = true;
+             m.shelfExpanded = true;
+             holdFiles(m, 6);
+         },
+         320, 228},
         {"expanded 11",
          [](NotchModel& m) {
              m.hovering = true;
@@ -156,7 +213,8 @@ TEST(NotchModel, ATapTakesTheFirstThingToDo) {
 TEST(NotchModel, AnnouncesBeforeTheChangeAndReportsItWithItsAnimation) {
     CreatureFixture f;
     std::vector<std::string> log;
-    const auto will = f.m.objectWillChange.subscribe([&] { log.push_back(f.m.asleep ? "will: asleep" : "will: awake"); });
+    const auto will =
+        f.m.objectWillChange.subscribe([&] { log.push_back(f.m.asleep ? "will: asleep" : "will: awake"); });
     const auto did = f.m.objectDidChange.subscribe([&](const auto& how) {
         log.push_back(std::string(how ? "animated" : "jumped") + (f.m.asleep ? ": asleep" : ": awake"));
     });

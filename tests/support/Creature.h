@@ -26,8 +26,8 @@ struct BehaviourFixture : CreatureFixture {
     QStringList traces;
     double nextRandom = 0.5;
     int passThroughUpdates = 0;
-    BehaviourEngine engine{m, clock, loop, sounds, [this] { return nextRandom; },
-                           [this](const QString& line) { traces.append(line); }};
+    BehaviourEngine engine{
+        m, clock, loop, sounds, [this] { return nextRandom; }, [this](const QString& line) { traces.append(line); }};
 
     BehaviourFixture() {
         engine.updateMousePassThrough = [this] { ++passThroughUpdates; };

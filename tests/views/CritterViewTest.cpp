@@ -1,8 +1,7 @@
-#include "views/CritterView.h"
-
 #include <gtest/gtest.h>
 
 #include "views/Colors.h"
+#include "views/CritterView.h"
 #include "views/Picture.h"
 
 namespace {
@@ -120,10 +119,20 @@ TEST(Eyes, LidTellsTheMood) {
              {"chewing with caps lock", [](auto& f) { f.m.chewing = f.m.capsOn = true; }, 0.04},
              {"quiet", [](auto& f) { f.m.quietUntil = f.clock.now() + 1000; }, 0.4},
              {"tired", [](auto& f) { f.m.battery = 0.1; }, 0.46},
-             {"quiet and tired", [](auto& f) { f.m.battery = 0.1; f.m.quietUntil = f.clock.now() + 1000; }, 0.4},
+             {"quiet and tired",
+              [](auto& f) {
+                  f.m.battery = 0.1;
+                  f.m.quietUntil = f.clock.now() + 1000;
+              },
+              0.4},
              {"yawning", [](auto& f) { f.m.yawning = true; }, 0.8},
              {"worried", [](auto& f) { ++f.m.worryCount; }, 0.02},
-             {"worried in quiet", [](auto& f) { f.m.quietUntil = f.clock.now() + 1000; ++f.m.worryCount; }, 0.02},
+             {"worried in quiet",
+              [](auto& f) {
+                  f.m.quietUntil = f.clock.now() + 1000;
+                  ++f.m.worryCount;
+              },
+              0.02},
          }) {
         FaceFixture f;
         f.lookAt(1000, 44.5);  // pupils out of the way
@@ -177,7 +186,13 @@ TEST(Eyes, ReactionsTurnThePupils) {
              {"glance down", [](NotchModel& m) { ++m.spawnCount; }, 0.6, {0, 5.5}},
              {"look left", [](NotchModel& m) { ++m.lookAroundCount; }, 0.45, {-5, 0.5}},
              {"look right", [](NotchModel& m) { ++m.lookAroundCount; }, 0.95, {5, 0.5}},
-             {"worry beats looking around", [](NotchModel& m) { ++m.lookAroundCount; ++m.worryCount; }, 0.95, {4.5, -2.5}},
+             {"worry beats looking around",
+              [](NotchModel& m) {
+                  ++m.lookAroundCount;
+                  ++m.worryCount;
+              },
+              0.95,
+              {4.5, -2.5}},
              {"back towards home", [](NotchModel& m) { m.slideX = 31.0; }, 0.1, {-4.5, 0.5}},
              {"back from the left", [](NotchModel& m) { m.slideX = -31.0; }, 0.1, {4.5, 0.5}},
          }) {
@@ -341,16 +356,34 @@ TEST(Glyph, SymbolAndColourAreDecidedSeparately) {
              {"nothing", [](NotchModel&) {}, 12, "", {}},
              {"charging, but closed", [](NotchModel& m) { m.charging = true; }, 12, "", {}},
              {"charging", [](NotchModel& m) { m.charging = m.hovering = true; }, 12, "bolt.fill", systemGreen()},
-             {"needs you while charging", [](NotchModel& m) { m.needsYou = m.charging = true; }, 12, "exclamationmark", orange},
-             {"full disk and camera", [](NotchModel& m) { m.diskFull = m.cameraInUse = true; }, 12, "eye.slash.fill", orange},
+             {"needs you while charging", [](NotchModel& m) { m.needsYou = m.charging = true; }, 12, "exclamationmark",
+              orange},
+             {"full disk and camera", [](NotchModel& m) { m.diskFull = m.cameraInUse = true; }, 12, "eye.slash.fill",
+              orange},
              {"microphone", [](NotchModel& m) { m.micInUse = true; }, 12, "waveform", plain},
              {"music", [](NotchModel& m) { m.musicPlaying = m.hovering = true; }, 12, "music.note", plain},
              {"whisper", [](NotchModel& m) { m.eventWhisper = QStringLiteral("x"); }, 12, "calendar", orange},
-             {"download offline", [](NotchModel& m) { m.downloading = m.offline = true; }, 12, "arrow.down.circle", plain},
-             {"offline with update", [](NotchModel& m) { m.offline = true; m.updateAvailable = QStringLiteral("2"); }, 12, "wifi.slash", plain},
-             {"update", [](NotchModel& m) { m.hovering = true; m.updateAvailable = QStringLiteral("2"); }, 12, "gift.fill", orange},
+             {"download offline", [](NotchModel& m) { m.downloading = m.offline = true; }, 12, "arrow.down.circle",
+              plain},
+             {"offline with update",
+              [](NotchModel& m) {
+                  m.offline = true;
+                  m.updateAvailable = QStringLiteral("2");
+              },
+              12, "wifi.slash", plain},
+             {"update",
+              [](NotchModel& m) {
+                  m.hovering = true;
+                  m.updateAvailable = QStringLiteral("2");
+              },
+              12, "gift.fill", orange},
              {"disk", [](NotchModel& m) { m.hovering = m.diskFull = true; }, 12, "externaldrive.fill", orange},
-             {"low battery", [](NotchModel& m) { m.hovering = true; m.battery = 0.1; }, 12, "battery.25", orange},
+             {"low battery",
+              [](NotchModel& m) {
+                  m.hovering = true;
+                  m.battery = 0.1;
+              },
+              12, "battery.25", orange},
              {"before breakfast", [](NotchModel& m) { m.hovering = true; }, 5, "moon.stars.fill", plain},
              {"breakfast", [](NotchModel& m) { m.hovering = true; }, 10, "cup.and.saucer.fill", plain},
              {"after breakfast", [](NotchModel& m) { m.hovering = true; }, 11, "", {}},

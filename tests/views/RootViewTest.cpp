@@ -1,9 +1,8 @@
-#include "views/RootView.h"
-
 #include <gtest/gtest.h>
 
 #include "support/Creature.h"
 #include "views/Picture.h"
+#include "views/RootView.h"
 #include "views/Shapes.h"
 
 namespace {

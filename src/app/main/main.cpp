@@ -21,12 +21,13 @@ int main(int argc, char** argv) {
         for (int i = 0; i < argc; ++i) list.append(QString::fromLocal8Bit(argv[i]));
         return list;
     }();
-    choosePlatform();
+    const bool chosen = choosePlatform();
     if (!displayReachable()) {
         Diagnostics(arguments).log(QStringLiteral("no screen to live on"));
         return 0;
     }
     QApplication application(argc, argv);
+    if (chosen) qunsetenv("QT_QPA_PLATFORM");
     QApplication::setApplicationName(QStringLiteral("glimmet"));
     // The panel is no window in this sense: closing a menu must not end the program.
     QApplication::setQuitOnLastWindowClosed(false);

@@ -14,7 +14,7 @@ namespace {
 
 /// A file descriptor that closes itself.
 class Descriptor {
-  public:
+ public:
     explicit Descriptor(int fd) : fd_(fd) {}
     ~Descriptor() {
         if (fd_ >= 0) ::close(fd_);
@@ -24,11 +24,13 @@ class Descriptor {
     explicit operator bool() const { return fd_ >= 0; }
     int get() const { return fd_; }
 
-  private:
+ private:
     int fd_;
 };
 
-QByteArray folderOf(const QByteArray& path) { return path.left(path.lastIndexOf('/')); }
+QByteArray folderOf(const QByteArray& path) {
+    return path.left(path.lastIndexOf('/'));
+}
 
 bool writeAll(int fd, const QByteArray& contents) {
     qsizetype done = 0;

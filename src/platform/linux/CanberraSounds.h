@@ -6,11 +6,11 @@
 /// Plays the user's sound theme through libcanberra. The connection to the sound server is made in the queue for each
 /// sound and gone afterwards. Main thread only; the queue must outlive the object.
 class CanberraSounds : public Sounds {
-  public:
+ public:
     explicit CanberraSounds(SerialQueue& queue) : queue_(queue) {}
 
     void play(const QString& name) override;
 
-  private:
+ private:
     SerialQueue& queue_;
 };

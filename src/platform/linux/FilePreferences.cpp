@@ -22,7 +22,8 @@ const QByteArray kList = "list";
 
 /// Everything but what would break a line or a list of words stays as it is.
 QByteArray encoded(const QByteArray& bytes) {
-    return bytes.toPercentEncoding(QByteArrayLiteral(" {}[]\":,\\/_=()!?'*+;@&#<>|$"), QByteArrayLiteral("%")).replace(' ', "%20");
+    return bytes.toPercentEncoding(QByteArrayLiteral(" {}[]\":,\\/_=()!?'*+;@&#<>|$"), QByteArrayLiteral("%"))
+        .replace(' ', "%20");
 }
 
 /// Absent when a percent sign is not followed by two hexadecimal digits.
@@ -67,7 +68,7 @@ QVariant readValue(const QByteArray& type, const QByteArray& text) {
 
 /// Takes whole contents from the main thread and writes the newest of them, in the queue.
 class FilePreferences::Writer {
-  public:
+ public:
     explicit Writer(QString path) : file_(std::move(path)) {}
 
     AtomicFile& file() { return file_; }
@@ -89,7 +90,7 @@ class FilePreferences::Writer {
         if (contents) file_.replace(*contents);
     }
 
-  private:
+ private:
     AtomicFile file_;
     std::mutex mutex_;
     std::optional<QByteArray> waiting_;
@@ -140,7 +141,9 @@ QVariant FilePreferences::find(const QString& key, int type) const {
     return found != lines_.rend() && found->value.metaType().id() == type ? found->value : QVariant();
 }
 
-bool FilePreferences::boolean(const QString& key) const { return find(key, QMetaType::Bool).toBool(); }
+bool FilePreferences::boolean(const QString& key) const {
+    return find(key, QMetaType::Bool).toBool();
+}
 
 std::optional<double> FilePreferences::number(const QString& key) const {
     const QVariant value = find(key, QMetaType::Double);
@@ -191,7 +194,8 @@ void FilePreferences::set(const QString& key, const QVariant& value, const QByte
         lines_.push_back(std::move(line));
     } else {
         *stands = std::move(line);
-        lines_.erase(std::remove_if(stands + 1, lines_.end(), [&](const Line& l) { return l.key == key; }), lines_.end());
+        lines_.erase(std::remove_if(stands + 1, lines_.end(), [&](const Line& l) { return l.key == key; }),
+                     lines_.end());
     }
     QByteArray contents;
     for (const Line& l : lines_) contents += l.bytes + '\n';

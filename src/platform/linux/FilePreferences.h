@@ -9,11 +9,11 @@
 
 /// Preferences in one file of text lines, "KEY = TYPE VALUE", that a person can read and mend. Main thread only.
 ///
-/// The file is written whole, under a temporary name, flushed and renamed into place. What cannot be read stays in it byte
-/// for byte until its key is written anew; a file too large or not readable at all is kept beside the new one under a
-/// name of its own. Where the file cannot be written all stays in memory, and each later change tries again.
+/// The file is written whole, under a temporary name, flushed and renamed into place. What cannot be read stays in it
+/// byte for byte until its key is written anew; a file too large or not readable at all is kept beside the new one
+/// under a name of its own. Where the file cannot be written all stays in memory, and each later change tries again.
 class FilePreferences : public Preferences {
-  public:
+ public:
     /// Reads the file. `queue` does the writing and must outlive the object, which on its end leaves nothing unwritten.
     FilePreferences(QString path, SerialQueue& queue);
     ~FilePreferences() override;
@@ -33,7 +33,7 @@ class FilePreferences : public Preferences {
     void setData(const QString& key, const QByteArray& value) override;
     void setDataList(const QString& key, const QList<QByteArray>& value) override;
 
-  private:
+ private:
     /// A line as it stands in the file. One that cannot be read has no value, and no key if even that is unclear.
     struct Line {
         QString key;

@@ -5,13 +5,13 @@
 
 /// References that are absolute paths. Main thread only; the queue must outlive the object.
 class PathReferences : public FileReferences {
-  public:
+ public:
     /// Disks are asked on `queue`, and given a fifth of a second to answer.
     explicit PathReferences(BackgroundQueue& queue) : queue_(queue) {}
 
     std::optional<QByteArray> bookmark(const QUrl& file) const override;
     std::optional<QUrl> resolve(const QByteArray& bookmark) const override;
 
-  private:
+ private:
     BackgroundQueue& queue_;
 };

@@ -6,11 +6,11 @@
 
 /// The main loop over Qt's event loop. Created on the main thread; needs a QCoreApplication to run.
 class QtMainLoop : public MainLoop {
-  public:
+ public:
     void post(Callback callback) override;
     TimerHandle after(double seconds, Callback callback) override;
     TimerHandle every(double seconds, Callback callback) override;
 
-  private:
+ private:
     QObject receiver_;
 };

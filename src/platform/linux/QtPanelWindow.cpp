@@ -1,6 +1,8 @@
 #include "platform/linux/QtPanelWindow.h"
 
+#include <QDragEnterEvent>
 #include <QGuiApplication>
+#include <QMimeData>
 #include <QMouseEvent>
 
 #include "platform/linux/ScreenCoordinates.h"
@@ -41,6 +43,7 @@ class QtPanelWindow::Surface : public QWindow {
     void mousePressEvent(QMouseEvent* event) override { panel_.pressed(*event); }
     void mouseReleaseEvent(QMouseEvent* event) override { panel_.released(*event); }
     void mouseMoveEvent(QMouseEvent* event) override { panel_.moved(*event); }
+    bool event(QEvent* event) override { return panel_.dragged(*event) || QWindow::event(event); }
 
  private:
     QtPanelWindow& panel_;
@@ -92,16 +95,18 @@ void QtPanelWindow::paint(const QRegion& damage, const std::function<void(QPaint
     if (area.isEmpty()) return;
 
     store_->beginPaint(area);
-    {
-        QPainter painter(store_->paintDevice());
-        painter.setClipRegion(area);
-        painter.setCompositionMode(QPainter::CompositionMode_Clear);
-        painter.fillRect(area.boundingRect(), Qt::transparent);
-        painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-        draw(painter);
-    }
+    drawInto(*store_->paintDevice(), area, draw);
     store_->endPaint();
     store_->flush(area);
+}
+
+void QtPanelWindow::drawInto(QPaintDevice& device, const QRegion& area, const std::function<void(QPainter&)>& draw) {
+    QPainter painter(&device);
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    for (const QRect& part : area) painter.fillRect(part, Qt::transparent);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    painter.setClipRegion(area);
+    draw(painter);
 }
 
 void QtPanelWindow::pressed(QMouseEvent& event) {
@@ -119,6 +124,32 @@ void QtPanelWindow::released(QMouseEvent& event) {
 
 void QtPanelWindow::moved(QMouseEvent& event) {
     if ((event.buttons() & held_) && onDrag) onDrag(toModel(event.globalPosition()));
+}
+
+bool QtPanelWindow::dragged(QEvent& event) {
+    const auto tell = [this](bool targeted) {
+        if (onDropTargeted) onDropTargeted(targeted);
+    };
+    switch (event.type()) {
+        case QEvent::DragEnter: {
+            auto& enter = static_cast<QDragEnterEvent&>(event);
+            const QMimeData* offered = enter.mimeData();
+            const bool wanted = offered->hasUrls() || offered->hasText() || offered->hasImage();
+            enter.setAccepted(wanted);
+            if (wanted) tell(true);
+            return true;
+        }
+        case QEvent::DragLeave:
+            tell(false);
+            return true;
+        case QEvent::Drop:
+            // Refused until there is somebody to take it, so that the source does not think it has been moved.
+            event.ignore();
+            tell(false);
+            return true;
+        default:
+            return false;
+    }
 }
 
 void QtPanelWindow::exposed() {

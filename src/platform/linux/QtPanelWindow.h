@@ -30,6 +30,8 @@ class QtPanelWindow : public PanelWindow {
     /// drag that begins takes it.
     Qt::MouseButtons held() const { return held_; }
     virtual void pressed(QMouseEvent& event);
+    /// Clears `area` of `device` and draws there, in points.
+    static void drawInto(QPaintDevice& device, const QRegion& area, const std::function<void(QPainter&)>& draw);
     /// The window came to another screen, or its screen's device pixel ratio changed.
     virtual void screenChanged() {}
 
@@ -38,6 +40,8 @@ class QtPanelWindow : public PanelWindow {
 
     void released(QMouseEvent& event);
     void moved(QMouseEvent& event);
+    /// True if the event belongs to a drag and has been dealt with.
+    bool dragged(QEvent& event);
     void exposed();
 
     std::unique_ptr<QWindow> window_;

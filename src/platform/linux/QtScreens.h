@@ -13,12 +13,12 @@ class QScreen;
 /// "glimmet.notch": "WIDTHxHEIGHT" in points puts one on the main screen, "none" says that there is none anywhere. Main
 /// thread only; needs a QGuiApplication; the references must outlive the object.
 class QtScreens : public Screens {
-  public:
+ public:
     QtScreens(const Preferences& preferences, MainLoop& loop);
 
     QList<Screen> screens() const override;
 
-  private:
+ private:
     void watch(QScreen* screen);
     void changed();
     std::optional<QSizeF> housing(const QScreen& screen, bool main) const;

@@ -23,7 +23,9 @@ Date SystemClock::now() const {
     return {double(time.tv_sec) - kReference + double(time.tv_nsec) * 1e-9};
 }
 
-double SystemClock::uptime() const { return read(CLOCK_MONOTONIC); }
+double SystemClock::uptime() const {
+    return read(CLOCK_MONOTONIC);
+}
 
 int SystemClock::localHour(Date date) const {
     const auto seconds = time_t(std::floor(date.seconds + kReference));

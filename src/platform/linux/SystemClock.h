@@ -4,7 +4,7 @@
 
 /// The machine's clocks. Any thread.
 class SystemClock : public Clock {
-  public:
+ public:
     Date now() const override;
     double uptime() const override;
     int localHour(Date date) const override;

@@ -6,22 +6,22 @@
 
 /// A few threads that live while there is work.
 class ThreadQueue : public BackgroundQueue {
-  public:
+ public:
     void run(std::function<void()> job) override { pool_.start(std::move(job)); }
 
-  private:
+ private:
     QThreadPool pool_;
 };
 
 /// One thread that lives while there is work.
 class ThreadSerialQueue : public SerialQueue {
-  public:
+ public:
     ThreadSerialQueue() {
         pool_.setMaxThreadCount(1);
         pool_.setExpiryTimeout(1000);
     }
     void run(std::function<void()> job) override { pool_.start(std::move(job)); }
 
-  private:
+ private:
     QThreadPool pool_;
 };

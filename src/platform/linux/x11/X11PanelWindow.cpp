@@ -37,11 +37,49 @@ X11PanelWindow::X11PanelWindow(std::shared_ptr<X11Connection> connection, std::s
       compositor_(connection, [this] { applyOutline(); }) {
     window().create();
     ignoreMotion();
+    prepareDrawing();
     applyInputRegion();
     applyOutline();
     xcb_flush(qtConnection());
     stacking_ = std::make_unique<StackingGuard>(connection, loop, id(), &X11PanelWindow::ownWindow,
                                                 [this] { window().raise(); });
+}
+
+X11PanelWindow::~X11PanelWindow() {
+    xcb_free_gc(qtConnection(), context_);
+}
+
+void X11PanelWindow::prepareDrawing() {
+    const auto geometry = awaitReply(qtConnection(), xcb_get_geometry, xcb_get_geometry_reply, id());
+    if (geometry) depth_ = geometry->depth;
+    context_ = xcb_generate_id(qtConnection());
+    xcb_create_gc(qtConnection(), context_, id(), 0, nullptr);
+}
+
+// Not through Qt's backing store: that shares memory with the server and asks it, before each frame, whether it has
+// done with the last one, which costs two wake-ups. The few pixels that change are sent instead.
+void X11PanelWindow::paint(const QRegion& damage, const std::function<void(QPainter&)>& draw) {
+    if (!window().isExposed()) return;
+    const double ratio = devicePixelRatio();
+    const QSize size = (QSizeF(window().size()) * ratio).toSize();
+    QRegion area = damage & QRect(QPoint(), window().size());
+    if (picture_.size() != size) {
+        picture_ = QImage(size, QImage::Format_ARGB32_Premultiplied);
+        area = QRect(QPoint(), window().size());
+    }
+    picture_.setDevicePixelRatio(ratio);
+    drawInto(picture_, area, draw);
+    for (const QRect& points : area)
+        put(QRectF(QPointF(points.topLeft()) * ratio, QSizeF(points.size()) * ratio).toAlignedRect() & picture_.rect());
+    xcb_flush(qtConnection());
+}
+
+void X11PanelWindow::put(const QRect& pixels) {
+    if (pixels.isEmpty()) return;
+    const QImage part = picture_.copy(pixels);
+    xcb_put_image(qtConnection(), XCB_IMAGE_FORMAT_Z_PIXMAP, id(), context_, uint16_t(part.width()),
+                  uint16_t(part.height()), int16_t(pixels.x()), int16_t(pixels.y()), 0, depth_,
+                  uint32_t(part.sizeInBytes()), part.constBits());
 }
 
 bool X11PanelWindow::ownWindow(xcb_window_t window) {

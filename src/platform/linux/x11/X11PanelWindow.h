@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QImage>
 #include <memory>
 
 #include "platform/linux/QtPanelWindow.h"
@@ -14,10 +15,12 @@
 class X11PanelWindow : public QtPanelWindow {
  public:
     X11PanelWindow(std::shared_ptr<X11Connection> connection, std::shared_ptr<PointerSampler> sampler, MainLoop& loop);
+    ~X11PanelWindow() override;
 
     void orderFrontRegardless() override;
     void setInputRegion(const QRegion& region) override;
     void setOutline(const QRegion& outline) override;
+    void paint(const QRegion& damage, const std::function<void(QPainter&)>& draw) override;
 
     /// Whether an X window belongs to this program, told by the range that its number is from.
     static bool ownWindow(xcb_window_t window);
@@ -28,6 +31,8 @@ class X11PanelWindow : public QtPanelWindow {
 
  private:
     void ignoreMotion();
+    void prepareDrawing();
+    void put(const QRect& pixels);
     void applyInputRegion();
     void applyOutline();
     void dragSampled(const PointerSampler::Sample& sample);
@@ -37,6 +42,9 @@ class X11PanelWindow : public QtPanelWindow {
     bool neverShaped_;
     CompositorWatch compositor_;
     QRegion inputRegion_, outline_;
+    QImage picture_;  // what the window shows
+    uint8_t depth_ = 0;
+    xcb_gcontext_t context_ = XCB_NONE;
     Observation drags_;
     std::unique_ptr<StackingGuard> stacking_;
 };
