@@ -21,22 +21,24 @@ class FileReferences;
 class Preferences;
 
 /// The curve of most changes that the user causes: opening, hiding, picking a toy.
-inline Animation commonSpring() { return Animation::interpolatingSpring(1, 220, 18, 0); }
+inline Animation commonSpring() {
+    return Animation::interpolatingSpring(1, 220, 18, 0);
+}
 
 /// All that the creature knows: its mood, the pointer, the shelf, and what the watchers report. Sensors write it, views
 /// observe it. Lengths are points; screen coordinates have y growing upwards. Main thread only.
 ///
 /// The ports must outlive the model.
 class NotchModel : public ObservableObject {
-  public:
+ public:
     /// `dataFolder` is where the user's programs keep their data; files that were dropped as data go below it.
     NotchModel(Clock& clock, MainLoop& loop, Preferences& preferences, FileReferences& files, QString dataFolder);
 
     Published<std::optional<QImage>> artwork{*this, std::nullopt};  ///< cover of the current track
     Published<Toy> toy{*this, Toy::critter};
-    Published<QPointF> cursor{*this, {}};      ///< pointer as last shown to the eyes, screen coordinates
-    Published<bool> hovering{*this, false};    ///< the pointer is in the hover zone
-    Published<bool> dragging{*this, false};    ///< the creature is being dragged inside the view
+    Published<QPointF> cursor{*this, {}};    ///< pointer as last shown to the eyes, screen coordinates
+    Published<bool> hovering{*this, false};  ///< the pointer is in the hover zone
+    Published<bool> dragging{*this, false};  ///< the creature is being dragged inside the view
     Published<QSizeF> dragOffset{*this, {0, 0}};
     Published<bool> asleep{*this, false};
     Published<int> boopCount{*this, 0};
@@ -59,8 +61,8 @@ class NotchModel : public ObservableObject {
     Published<bool> diskFull{*this, false};
     Published<int> stretchCount{*this, 0};
     Published<Date> quietUntil{*this, Date::distantPast()};
-    Published<double> slideX{*this, 0.0};     ///< how far the panel is pushed aside
-    Published<bool> sliding{*this, false};    ///< the user pushes it right now
+    Published<double> slideX{*this, 0.0};   ///< how far the panel is pushed aside
+    Published<bool> sliding{*this, false};  ///< the user pushes it right now
     Published<bool> hidden{*this, false, [this] { saveHidden(); }};
     Published<bool> downloading{*this, false};
     Published<std::optional<QString>> eventWhisper{*this, std::nullopt};
@@ -122,7 +124,7 @@ class NotchModel : public ObservableObject {
     /// Where files that were dropped as data are written; made when missing. A failure to make it shows when writing.
     QUrl droppedFolder() const;
 
-  private:
+ private:
     void saveItems();
     void saveBites();
     void saveTimers();

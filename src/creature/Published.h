@@ -10,7 +10,7 @@
 
 /// An object whose Published members announce their changes. Main thread only.
 class ObservableObject {
-  public:
+ public:
     ObservableObject() = default;
     ObservableObject(const ObservableObject&) = delete;
     ObservableObject& operator=(const ObservableObject&) = delete;
@@ -40,7 +40,7 @@ class ObservableObject {
             objectDidChange.emit(std::nullopt);
     }
 
-  private:
+ private:
     struct Transaction {
         std::optional<Animation> animation;
         int changes = 0;
@@ -53,11 +53,15 @@ class ObservableObject {
 /// old one, runs the member's follow-up (saving, say) and reports the change as complete, whether or not it differs.
 template <class T>
 class Published {
-  public:
+ public:
     Published(ObservableObject& owner, T initial, std::function<void()> followUp = {})
         : owner_(owner), value_(std::move(initial)), followUp_(std::move(followUp)) {}
     Published(const Published&) = delete;
-    Published& operator=(const Published&) = delete;
+    /// Copies the value, as a chain of assignments does; each keeps its own observers.
+    Published& operator=(const Published& other) {
+        if (this != &other) *this = other.value_;
+        return *this;
+    }
 
     const T& get() const { return value_; }
     operator const T&() const { return value_; }  // NOLINT(google-explicit-constructor): reads look like reads
@@ -91,7 +95,7 @@ class Published {
         return std::make_shared<std::pair<decltype(shared), Subscription>>(std::move(shared), std::move(subscription));
     }
 
-  private:
+ private:
     ObservableObject& owner_;
     T value_;
     std::function<void()> followUp_;

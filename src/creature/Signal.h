@@ -10,7 +10,7 @@ using Subscription = std::shared_ptr<void>;
 /// Calls its observers, in the order in which they subscribed. Main thread only.
 template <class... Arguments>
 class Signal {
-  public:
+ public:
     using Observer = std::function<void(Arguments...)>;
 
     [[nodiscard]] Subscription subscribe(Observer observer) {
@@ -28,6 +28,6 @@ class Signal {
         }
     }
 
-  private:
+ private:
     std::vector<std::weak_ptr<Observer>> slots_;
 };

@@ -6,13 +6,13 @@
 
 #include "motion/Animation.h"
 
-/// A value on its way: aimed at a target with an Animation, asked where it is at a time. The value at a time depends only
-/// on how it was aimed, never on how often it was asked. Times are Clock::uptime() seconds.
+/// A value on its way: aimed at a target with an Animation, asked where it is at a time. The value at a time depends
+/// only on how it was aimed, never on how often it was asked. Times are Clock::uptime() seconds.
 ///
 /// T is double or QPointF. Main thread only, as the views are.
 template <class T>
 class Animated {
-  public:
+ public:
     /// Rests at `value`. Within `precision` of its target, in the value's own unit, it counts as arrived.
     explicit Animated(T value, double precision = 0.005) : target_(value), precision_(precision) {}
 
@@ -55,7 +55,7 @@ class Animated {
     bool moving(double now) const { return moving_ && now < moving_->end; }
     const T& target() const { return target_; }
 
-  private:
+ private:
     struct Moving {
         Animation how;
         T distance;  // from the target, at the start

@@ -43,9 +43,13 @@ Animation Animation::spring(double response, double dampingFraction) {
     return Animation(Spring{2 * std::numbers::pi / response, dampingFraction, 0});
 }
 
-Animation Animation::easeInOut(double duration) { return Animation(Timing{0.42, 0, 0.58, 1, duration}); }
+Animation Animation::easeInOut(double duration) {
+    return Animation(Timing{0.42, 0, 0.58, 1, duration});
+}
 
-Animation Animation::easeOut(double duration) { return Animation(Timing{0, 0, 0.58, 1, duration}); }
+Animation Animation::easeOut(double duration) {
+    return Animation(Timing{0, 0, 0.58, 1, duration});
+}
 
 Animation::Response Animation::at(double t) const {
     t = std::max(t, 0.0);

@@ -7,7 +7,7 @@
 /// Both are linear in where the value starts and how fast it moves there, so a journey is described by its Response.
 /// A plain value: copy it freely, any thread.
 class Animation {
-  public:
+ public:
     /// A damped spring: `mass` 1 is the unit, `stiffness` per square second, `damping` per second. `initialVelocity` is
     /// the fraction of the way covered per second at the start, on top of what speed the value has already.
     static Animation interpolatingSpring(double mass, double stiffness, double damping, double initialVelocity = 0);
@@ -24,7 +24,8 @@ class Animation {
     };
     Response at(double t) const;
 
-    /// Seconds after which a value that starts `x0` from its target at speed `v0` (magnitudes) stays within `precision`.
+    /// Seconds after which a value that starts `x0` from its target at speed `v0` (magnitudes) stays within
+    /// `precision`.
     double settlingTime(double x0, double v0, double precision) const;
 
     /// See interpolatingSpring; 0 for every other kind.
@@ -32,7 +33,7 @@ class Animation {
 
     friend bool operator==(const Animation&, const Animation&) = default;
 
-  private:
+ private:
     /// Unit cubic Bézier curve from (0, 0) to (1, 1) with these control points, over `duration` seconds.
     struct Timing {
         double x1, y1, x2, y2, duration;

@@ -5,7 +5,7 @@
 /// Runs work away from the main thread; results come back through MainLoop::post. Jobs that have not begun when the
 /// queue is destroyed still run, and the destructor waits for them.
 class BackgroundQueue {
-  public:
+ public:
     virtual ~BackgroundQueue() = default;
 
     /// Any thread. Jobs may run side by side and in any order.

@@ -18,7 +18,7 @@ struct Date {
 
 /// Tells the time. Main thread and queues alike.
 class Clock {
-  public:
+ public:
     virtual ~Clock() = default;
 
     /// Wall time; may jump when the user or the network sets it.

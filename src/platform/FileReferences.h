@@ -6,7 +6,7 @@
 
 /// Turns files into bytes that can be stored and back. Main thread only.
 class FileReferences {
-  public:
+ public:
     virtual ~FileReferences() = default;
 
     /// A storable reference to `file`; absent for what is no local file with an absolute path.

@@ -5,7 +5,7 @@
 
 /// A pending call of the main loop; dropping or cancelling it means that the call does not happen (any more).
 class TimerHandle {
-  public:
+ public:
     TimerHandle() = default;
     explicit TimerHandle(std::shared_ptr<void> timer) : timer_(std::move(timer)) {}
 
@@ -19,14 +19,14 @@ class TimerHandle {
     TimerHandle(const TimerHandle&) = delete;
     TimerHandle& operator=(const TimerHandle&) = delete;
 
-  private:
+ private:
     std::shared_ptr<void> timer_;
 };
 
 /// The loop of the main thread. `post` may be called from any thread, everything else from the main thread only.
 /// A callback may cancel its own timer or start others.
 class MainLoop {
-  public:
+ public:
     using Callback = std::function<void()>;
 
     virtual ~MainLoop() = default;

@@ -8,9 +8,10 @@
 /// The user's preferences: named values of a few types, kept across restarts. Main thread only.
 ///
 /// A setter takes effect in memory at once and is written through in the background; each key holds its old or its new
-/// value on disk whenever the process dies. A key that was never written, holds another type or cannot be read is absent.
+/// value on disk whenever the process dies. A key that was never written, holds another type or cannot be read is
+/// absent.
 class Preferences {
-  public:
+ public:
     virtual ~Preferences() = default;
 
     /// False when absent.

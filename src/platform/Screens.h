@@ -18,7 +18,7 @@ struct Screen {
 
 /// The screens of the desktop. Main thread only.
 class Screens {
-  public:
+ public:
     virtual ~Screens() = default;
 
     /// In the desktop's own order; empty when there is none.

@@ -4,7 +4,7 @@
 
 /// Plays short sounds by name. Main thread only.
 class Sounds {
-  public:
+ public:
     virtual ~Sounds() = default;
 
     /// Starts the sound called `name` ("Glass", "Pop") and returns at once; a sound that is missing is skipped.

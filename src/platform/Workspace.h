@@ -6,7 +6,7 @@
 
 /// The other programs of the desktop. Main thread only; nothing here waits for another program.
 class Workspace {
-  public:
+ public:
     virtual ~Workspace() = default;
 
     /// Begins to report through onApplicationActivated.

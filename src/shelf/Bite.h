@@ -9,7 +9,7 @@
 
 /// A held link (a URL) or a held note (plain text).
 class Bite {
-  public:
+ public:
     static Bite link(const QUrl& url) { return Bite(url); }
     static Bite note(const QString& text) { return Bite(text); }
 
@@ -20,7 +20,7 @@ class Bite {
 
     friend bool operator==(const Bite&, const Bite&) = default;
 
-  private:
+ private:
     explicit Bite(QUrl url) : payload_(std::move(url)) {}
     explicit Bite(QString text) : payload_(std::move(text)) {}
 

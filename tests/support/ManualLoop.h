@@ -12,7 +12,7 @@
 
 /// Time that the test moves by hand. It starts at noon of a winter day.
 class ManualClock : public Clock {
-  public:
+ public:
     Date now() const override { return now_; }
     double uptime() const override { return uptime_; }
     int localHour(Date date) const override {
@@ -30,14 +30,14 @@ class ManualClock : public Clock {
         now_ = {86400 * std::floor(now_.seconds / 86400) + hour * 3600.0 + minute * 60.0};
     }
 
-  private:
+ private:
     Date now_{86400.0 * 7000 + 12 * 3600};
     double uptime_ = 1000;
 };
 
 /// A main loop that runs when the test advances its clock.
 class ManualLoop : public MainLoop {
-  public:
+ public:
     explicit ManualLoop(ManualClock& clock) : clock_(clock) {}
 
     void post(Callback callback) override {
@@ -45,7 +45,9 @@ class ManualLoop : public MainLoop {
         posted_.push_back(std::move(callback));
     }
     TimerHandle after(double seconds, Callback callback) override { return start(seconds, 0, std::move(callback)); }
-    TimerHandle every(double seconds, Callback callback) override { return start(seconds, seconds, std::move(callback)); }
+    TimerHandle every(double seconds, Callback callback) override {
+        return start(seconds, seconds, std::move(callback));
+    }
 
     /// Runs what was posted, and what that posts.
     void drain() {
@@ -84,7 +86,7 @@ class ManualLoop : public MainLoop {
         }));
     }
 
-  private:
+ private:
     struct Timer {
         double due, period;
         Callback callback;

@@ -12,7 +12,7 @@
 
 /// Preferences that live as long as the object; `writes` counts what was set.
 class MemoryPreferences : public Preferences {
-  public:
+ public:
     bool boolean(const QString& key) const override { return get<bool>(key).value_or(false); }
     std::optional<double> number(const QString& key) const override { return get<double>(key); }
     std::optional<QString> text(const QString& key) const override { return get<QString>(key); }
@@ -30,7 +30,7 @@ class MemoryPreferences : public Preferences {
     QHash<QString, QVariant> values;
     int writes = 0;
 
-  private:
+ private:
     template <class T>
     std::optional<T> get(const QString& key) const {
         const auto found = values.find(key);
@@ -45,7 +45,7 @@ class MemoryPreferences : public Preferences {
 
 /// References are paths; files named in `missing` do not exist.
 class MemoryFiles : public FileReferences {
-  public:
+ public:
     std::optional<QByteArray> bookmark(const QUrl& file) const override {
         if (!file.isLocalFile()) return {};
         return file.toLocalFile().toUtf8();
@@ -60,13 +60,13 @@ class MemoryFiles : public FileReferences {
 };
 
 class MemorySounds : public Sounds {
-  public:
+ public:
     void play(const QString& name) override { played.append(name); }
     QStringList played;
 };
 
 class MemoryWorkspace : public Workspace {
-  public:
+ public:
     void start() override { started = true; }
     void activateOrOpenTerminal(const QString& displayName) override { activated.append(displayName); }
     void open(const QUrl& url) override { opened.append(url); }

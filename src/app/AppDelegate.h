@@ -1,0 +1,79 @@
+#pragma once
+
+#include <QStringList>
+#include <functional>
+
+#include "app/CommandLineFlags.h"
+#include "app/Commands.h"
+#include "app/Diagnostics.h"
+#include "app/NotchPanel.h"
+#include "app/PanelPlacement.h"
+#include "app/ScreenTest.h"
+#include "creature/BehaviourEngine.h"
+#include "creature/NotchModel.h"
+#include "views/RootView.h"
+#include "watchers/AgentWatcher.h"
+#include "watchers/CapsLock.h"
+
+class EventMonitors;
+class PanelWindow;
+class Preferences;
+class Screens;
+class Sounds;
+class Workspace;
+
+/// The desktop as the creature sees it. All of it must outlive the delegate.
+struct Ports {
+    Clock& clock;
+    MainLoop& loop;
+    Preferences& preferences;
+    FileReferences& files;
+    Screens& screens;
+    PanelWindow& window;
+    EventMonitors& monitors;
+    Workspace& workspace;
+    Sounds& sounds;
+    /// Uniformly distributed in [0, 1).
+    std::function<double()> random;
+    /// Shows a menu at a point of the screen (y growing upwards) and returns at once.
+    std::function<void(const QList<MenuItem>&, QPointF)> popUp;
+    /// Asks for an orderly end.
+    std::function<void()> quit;
+    /// Where the user's programs keep their data.
+    QString dataFolder;
+};
+
+/// Owns everything that lives as long as the program, and wires it. Main thread only.
+class AppDelegate {
+ public:
+    /// `arguments` are those of the process, with its name.
+    AppDelegate(const Ports& ports, const QStringList& arguments);
+
+    enum class Launch { running, noScreen, menuDumped };
+    /// Starts everything up, in the order in which the parts rely on one another. Only `running` is to be followed by
+    /// the main loop.
+    Launch launch();
+
+    NotchModel& model() { return m_; }
+
+ private:
+    void connect();
+    void startSensors();
+    void rightMouseDown(QPointF pointer);
+    void dumpMenu();
+    void logStart() const;
+
+    Ports ports_;
+    QStringList arguments_;
+    Diagnostics diagnostics_;
+    NotchModel m_;
+    RootView root_;
+    NotchPanel panel_;
+    BehaviourEngine behaviour_;
+    PanelPlacement placement_;
+    Commands commands_;
+    CapsLock capsLock_;
+    AgentWatcher agents_;
+    CommandLineFlags flags_;
+    ScreenTest screenTest_;
+};

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QStringList>
+#include <functional>
+#include <optional>
+#include <vector>
+
+#include "creature/NotchModel.h"
+
+/// What the flags do beyond setting the model.
+struct FlagEffects {
+    bool demo = false;           ///< the live sensors stay off
+    bool batteryPinned = false;  ///< battery, charging and disk are as the flags say
+    bool privacyPinned = false;  ///< camera and microphone are as the flags say
+    bool screenTest = false;     ///< the screen self-test was asked for
+};
+
+/// Puts the creature into the state that the command line asks for. Unknown and malformed flags are ignored. Main
+/// thread.
+class CommandLineFlags {
+ public:
+    /// `takeMouse` lets the panel take the pointer, as it must for a creature that attends without one.
+    CommandLineFlags(NotchModel& model, MainLoop& loop, std::function<void()> takeMouse);
+
+    /// Applies the flags among `arguments`, which hold the process's name too. One-shot reactions follow 1.5 s later,
+    /// for as long as this object lives.
+    FlagEffects apply(const QStringList& arguments);
+
+ private:
+    bool has(const char* flag) const;
+    std::optional<QString> value(const char* flag) const;
+    std::optional<double> number(const char* flag) const;
+
+    void applyToy(FlagEffects& effects);
+    void applyShelfSeeds();
+    void applyPointerAndSky();
+    void applyPowerAndMood(FlagEffects& effects);
+    void applySenses(FlagEffects& effects);
+    void applyHeldAndPlace();
+    void later(std::function<void()> reaction);
+
+    NotchModel& m_;
+    MainLoop& loop_;
+    std::function<void()> takeMouse_;
+    QStringList arguments_;
+    std::vector<TimerHandle> reactions_;
+};

@@ -1,0 +1,126 @@
+#include "app/NotchPanel.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr double kDragDistance = 12;
+
+/// The part of the panel inside `outline`, row by row.
+QRegion regionInside(const QPainterPath& outline) {
+    return QRegion(outline.toFillPolygon().toPolygon());
+}
+
+}  // namespace
+
+NotchPanel::NotchPanel(NotchModel& model, RootView& root, PanelWindow& window, Clock& clock, MainLoop& loop)
+    : m_(model), root_(root), window_(window), clock_(clock), loop_(loop) {
+    root_.onChange = [this] { contentChanged(); };
+    window_.onExpose = [this] { drawFrame(true); };
+    window_.onPress = [this](auto button, QPointF position, QPointF pointer) { pressed(button, position, pointer); };
+    window_.onDrag = [this](QPointF pointer) { draggedTo(pointer); };
+    window_.onRelease = [this](auto button, QPointF) { released(button); };
+    window_.onDropTargeted = [this](bool targeted) { dropTargeted(targeted); };
+}
+
+NotchPanel::~NotchPanel() {
+    root_.onChange = nullptr;
+    window_.onExpose = nullptr;
+    window_.onPress = nullptr;
+    window_.onDrag = nullptr;
+    window_.onRelease = nullptr;
+    window_.onDropTargeted = nullptr;
+}
+
+void NotchPanel::show(const QRectF& frame) {
+    window_.setFrame(frame);
+    visible_ = true;
+    updateRegions();
+    window_.orderFrontRegardless();
+    drawFrame(true);
+}
+
+void NotchPanel::setFrame(const QRectF& frame) {
+    window_.setFrame(frame);
+}
+
+void NotchPanel::updateMousePassThrough() {
+    setIgnoresMouseEvents(!m_.hovering && !m_.dragNear && !m_.dropTargeted && !m_.sliding && m_.slideX == 0.0);
+}
+
+void NotchPanel::setIgnoresMouseEvents(bool ignores) {
+    ignoresMouse_ = ignores;
+    updateRegions();
+}
+
+void NotchPanel::contentChanged() {
+    if (visible_) scheduleFrame(clock_.uptime());
+}
+
+// Frames come no faster than the screen shows them.
+void NotchPanel::scheduleFrame(double when) {
+    const double due = std::max(when, lastFrame_ + 1 / window_.refreshRate());
+    if (frameTimer_ && frameDue_ <= due) return;
+    frameDue_ = due;
+    frameTimer_ = loop_.after(std::max(due - clock_.uptime(), 0.0), [this] { drawFrame(false); });
+}
+
+void NotchPanel::drawFrame(bool all) {
+    if (!visible_) return;
+    frameTimer_.cancel();
+    lastFrame_ = clock_.uptime();
+    DisplayList next;
+    root_.compose(next);
+    const QRegion panel(0, 0, int(RootView::kPanelWidth), int(RootView::kPanelHeight));
+    const QRegion damage = all ? panel : shown_.changesTo(next) & panel;
+    if (!damage.isEmpty()) {
+        window_.paint(damage, [&](QPainter& painter) {
+            Canvas canvas(painter, caches_, window_.devicePixelRatio());
+            next.paint(canvas, damage);
+        });
+        updateRegions();
+    }
+    shown_ = std::move(next);
+    const double again = root_.nextFrame();
+    if (std::isfinite(again)) scheduleFrame(again);
+}
+
+void NotchPanel::updateRegions() {
+    const QRegion outline = regionInside(root_.outline());
+    const QRegion whole(0, 0, int(RootView::kPanelWidth), int(RootView::kPanelHeight));
+    const bool takesDrop = m_.dragNear || m_.dropTargeted;
+    const QRegion input = ignoresMouse_ ? QRegion() : takesDrop ? whole : outline;
+    if (input != inputRegion_) window_.setInputRegion(inputRegion_ = input);
+    if (outline != outline_) window_.setOutline(outline_ = outline);
+}
+
+void NotchPanel::pressed(PanelWindow::Button button, QPointF position, QPointF pointer) {
+    if (button == PanelWindow::Button::left) press_ = Press{position, pointer};
+}
+
+void NotchPanel::draggedTo(QPointF pointer) {
+    if (!press_) return;
+    const QPointF way = pointer - press_->pointer;
+    if (!press_->dragged && std::hypot(way.x(), way.y()) < kDragDistance) return;
+    press_->dragged = true;
+    // Measured on the screen, since the panel moves along under the pointer.
+    root_.slide(way.x());
+}
+
+void NotchPanel::released(PanelWindow::Button button) {
+    if (button != PanelWindow::Button::left || !press_) return;
+    const Press press = *press_;
+    press_.reset();
+    if (press.dragged)
+        root_.slideEnded();
+    else
+        root_.tap(press.position);
+}
+
+void NotchPanel::dropTargeted(bool targeted) {
+    // The weather takes no drops.
+    const bool taken = targeted && m_.toy == Toy::critter;
+    m_.withAnimation(Animation::spring(0.3, 0.85), [&] { m_.dropTargeted = taken; });
+    updateMousePassThrough();
+}

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <optional>
+
+#include "creature/NotchModel.h"
+#include "platform/PanelWindow.h"
+#include "views/DisplayList.h"
+#include "views/RootView.h"
+
+/// The panel that the creature lives in: shows the root view's pictures in the window, one frame when something changed
+/// and none else, and turns presses into taps and slides. Main thread only; the references must outlive it.
+class NotchPanel {
+ public:
+    NotchPanel(NotchModel& model, RootView& root, PanelWindow& window, Clock& clock, MainLoop& loop);
+    ~NotchPanel();
+
+    void show(const QRectF& frame);
+    void setFrame(const QRectF& frame);
+    QRectF frame() const { return window_.frame(); }
+
+    /// Lets the panel take the pointer exactly while the creature attends, is aimed at with a drop, or is off its
+    /// place.
+    void updateMousePassThrough();
+    /// Takes or leaves the pointer until the next updateMousePassThrough().
+    void setIgnoresMouseEvents(bool ignores);
+
+ private:
+    struct Press {
+        QPointF position;  // in the panel
+        QPointF pointer;   // on the screen
+        bool dragged = false;
+    };
+
+    void contentChanged();
+    void scheduleFrame(double when);
+    void drawFrame(bool all);
+    void updateRegions();
+    void pressed(PanelWindow::Button button, QPointF position, QPointF pointer);
+    void draggedTo(QPointF pointer);
+    void released(PanelWindow::Button button);
+    void dropTargeted(bool targeted);
+
+    NotchModel& m_;
+    RootView& root_;
+    PanelWindow& window_;
+    Clock& clock_;
+    MainLoop& loop_;
+
+    PictureCaches caches_;
+    DisplayList shown_;
+    QRegion inputRegion_, outline_;
+    bool visible_ = false;
+    bool ignoresMouse_ = true;
+    std::optional<Press> press_;
+
+    double lastFrame_ = 0;
+    double frameDue_ = 0;
+    TimerHandle frameTimer_;
+};

@@ -1,0 +1,49 @@
+#include "app/PopupMenu.h"
+
+#include <QMenu>
+#include <QStringList>
+
+QStringList describeMenu(const QList<MenuItem>& items) {
+    QStringList lines;
+    for (const MenuItem& item : items) {
+        if (item.separator()) {
+            lines.append(QStringLiteral("—— "));
+            continue;
+        }
+        QString line = QStringLiteral("   ") + item.title;
+        if (!item.submenu.isEmpty()) line += QStringLiteral("  ▸") + QString::number(item.submenu.size());
+        lines.append(line);
+    }
+    return lines;
+}
+
+namespace {
+
+void fill(QMenu& menu, const QList<MenuItem>& items) {
+    for (const MenuItem& item : items) {
+        if (item.separator()) {
+            menu.addSeparator();
+            continue;
+        }
+        // A single ampersand would be taken for a mnemonic.
+        const QString title = QString(item.title).replace(u'&', QStringLiteral("&&"));
+        if (!item.submenu.isEmpty()) {
+            fill(*menu.addMenu(title), item.submenu);
+            continue;
+        }
+        QAction* action = menu.addAction(title);
+        action->setEnabled(bool(item.action));
+        action->setCheckable(item.checked);
+        action->setChecked(item.checked);
+        if (item.action) QObject::connect(action, &QAction::triggered, action, item.action);
+    }
+}
+
+}  // namespace
+
+void popUp(const QList<MenuItem>& items, const QPoint& position) {
+    auto* menu = new QMenu;
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    fill(*menu, items);
+    menu->popup(position);
+}

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QList>
+#include <QPoint>
+#include <QString>
+#include <QStringList>
+#include <functional>
+
+/// One row of the popup menu.
+struct MenuItem {
+    QString title;                 ///< empty: a separator
+    std::function<void()> action;  ///< none: opens the submenu, or cannot be chosen
+    bool checked = false;
+    QList<MenuItem> submenu;
+
+    bool separator() const { return title.isEmpty(); }
+};
+
+/// The lines that describe the menu in a terminal, one per top-level row, without line ends.
+QStringList describeMenu(const QList<MenuItem>& items);
+
+/// Shows `items` as a menu at `position` (Qt's global coordinates) and runs the action of the chosen row. Returns at
+/// once; the menu deletes itself when it closes.
+void popUp(const QList<MenuItem>& items, const QPoint& position);

@@ -1,0 +1,66 @@
+#include <QApplication>
+#include <QRandomGenerator>
+#include <QStandardPaths>
+
+#include "app/AppDelegate.h"
+#include "app/EndSignals.h"
+#include "app/MainMenu.h"
+#include "platform/linux/CanberraSounds.h"
+#include "platform/linux/Desktop.h"
+#include "platform/linux/FilePreferences.h"
+#include "platform/linux/PathReferences.h"
+#include "platform/linux/QtMainLoop.h"
+#include "platform/linux/QtScreens.h"
+#include "platform/linux/ScreenCoordinates.h"
+#include "platform/linux/SystemClock.h"
+#include "platform/linux/ThreadQueues.h"
+
+int main(int argc, char** argv) {
+    const QStringList arguments = [&] {
+        QStringList list;
+        for (int i = 0; i < argc; ++i) list.append(QString::fromLocal8Bit(argv[i]));
+        return list;
+    }();
+    const bool chosen = choosePlatform();
+    if (!displayReachable()) {
+        Diagnostics(arguments).log(QStringLiteral("no screen to live on"));
+        return 0;
+    }
+    QApplication application(argc, argv);
+    if (chosen) qunsetenv("QT_QPA_PLATFORM");
+    QApplication::setApplicationName(QStringLiteral("glimmet"));
+    // The panel is no window in this sense: closing a menu must not end the program.
+    QApplication::setQuitOnLastWindowClosed(false);
+    const auto quit = [] { QCoreApplication::quit(); };
+
+    SystemClock clock;
+    QtMainLoop loop;
+    ThreadQueue background;
+    ThreadSerialQueue writing;
+    ThreadSerialQueue playing;
+    FilePreferences preferences(FilePreferences::defaultPath(), writing);
+    PathReferences files(background);
+    QtScreens screens(preferences, loop);
+    CanberraSounds sounds(playing);
+    const Desktop desktop = makeDesktop(loop, background);
+    const EndSignals endSignals(quit);
+    MainMenu mainMenu(application, quit);
+
+    AppDelegate delegate(
+        Ports{.clock = clock,
+              .loop = loop,
+              .preferences = preferences,
+              .files = files,
+              .screens = screens,
+              .window = *desktop.panelWindow,
+              .monitors = *desktop.monitors,
+              .workspace = *desktop.workspace,
+              .sounds = sounds,
+              .random = [] { return QRandomGenerator::global()->generateDouble(); },
+              .popUp = [](const QList<MenuItem>& items, QPointF at) { popUp(items, toQt(at).toPoint()); },
+              .quit = quit,
+              .dataFolder = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)},
+        arguments);
+    if (delegate.launch() != AppDelegate::Launch::running) return 0;
+    return QApplication::exec();
+}

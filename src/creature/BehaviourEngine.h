@@ -1,0 +1,76 @@
+#pragma once
+
+#include <QPointF>
+#include <functional>
+
+#include "creature/NotchModel.h"
+
+class EventMonitors;
+class Sounds;
+class Workspace;
+
+/// What makes the creature feel alive: turns pointer moves, other programs becoming active and the passage of time into
+/// changes of the model. Main thread only; the model and the ports must outlive it.
+class BehaviourEngine {
+ public:
+    /// `random` gives uniformly distributed numbers in [0, 1). `trace` receives the trace lines, without line ends.
+    BehaviourEngine(NotchModel& model, Clock& clock, MainLoop& loop, Sounds& sounds, std::function<double()> random,
+                    std::function<void(const QString&)> trace);
+
+    /// Sends the input of `monitors` and the activations of `workspace` here. Other receivers of their callbacks are
+    /// set by whoever owns them.
+    void installMonitors(EventMonitors& monitors, Workspace& workspace);
+    /// Runs the vitals tick once and starts the vitals and the life tick.
+    void startTicks();
+    /// Starts the handling of slides; it runs from the beginning, even in demo mode.
+    void watchSlides();
+
+    void pointerMoved(QPointF pointer);
+    void applicationActivated();
+    /// Every 15 s: a tired creature yawns now and then.
+    void vitalsTick();
+    /// Every 4 s: due timers ring, long work asks for a stretch, a forgotten creature dozes off.
+    void lifeTick();
+
+    /// Whether `pointer` is on the notch shape, slid as it is, or within `margin` points of it.
+    bool inHoverZone(QPointF pointer, double margin) const;
+    /// Forgets the way home that is pending; the panel was put home otherwise.
+    void cancelSlideHome();
+
+    /// Called when a change may let the panel take the pointer or leave it alone.
+    std::function<void()> updateMousePassThrough;
+
+ private:
+    void startleAt(QPointF pointer, double elapsed);
+    void publishGaze(QPointF pointer, Date now, bool hoverChanges);
+    void setHovering(bool inside, QPointF pointer);
+    void ringTimers();
+    void followStreak();
+    void dozeOff();
+    void slidingChanged(bool sliding);
+    void slideHome();
+    void stepHome(double from, double started);
+
+    NotchModel& m_;
+    Clock& clock_;
+    MainLoop& loop_;
+    Sounds& sounds_;
+    std::function<double()> random_;
+    std::function<void(const QString&)> trace_;
+
+    QPointF lastCursor_;
+    Date lastMoveTime_;
+    Date lastGazePublish_ = Date::distantPast();
+    QPointF publishedCursor_;
+    Date activeStreakStart_;
+    Date lastStretch_ = Date::distantPast();
+    Date nextYawn_;
+    bool startleCooldown_ = false;
+
+    TimerHandle cooldownEnd_;
+    TimerHandle vitalsTimer_;
+    TimerHandle lifeTimer_;
+    TimerHandle slideHomeTimer_;
+    TimerHandle slideSteps_;
+    Subscription slidingSubscription_;
+};

@@ -1,0 +1,75 @@
+#include "platform/linux/Desktop.h"
+
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <QCursor>
+#include <QDesktopServices>
+#include <QDir>
+#include <QFile>
+#include <QGuiApplication>
+
+#include "platform/linux/QtPanelWindow.h"
+#include "platform/linux/ScreenCoordinates.h"
+#include "platform/linux/x11/X11EventMonitors.h"
+#include "platform/linux/x11/X11PanelWindow.h"
+#include "platform/linux/x11/X11Workspace.h"
+
+namespace {
+class PlainMonitors : public EventMonitors {
+ public:
+    void start() override {}
+    QPointF pointerLocation() const override { return toModel(QPointF(QCursor::pos())); }
+    bool capsLock() const override { return false; }
+};
+
+class PlainWorkspace : public Workspace {
+ public:
+    void start() override {}
+    void activateOrOpenTerminal(const QString&) override {}
+    void open(const QUrl& url) override { QDesktopServices::openUrl(url); }
+};
+
+bool waylandReachable() {
+    const QString name = qEnvironmentVariable("WAYLAND_DISPLAY");
+    if (name.isEmpty()) return false;
+    const QByteArray path = QFile::encodeName(QDir(qEnvironmentVariable("XDG_RUNTIME_DIR")).absoluteFilePath(name));
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    if (size_t(path.size()) >= sizeof address.sun_path) return false;
+    std::copy(path.begin(), path.end(), address.sun_path);
+    const int descriptor = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    const bool reached = connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+    close(descriptor);
+    return reached;
+}
+}  // namespace
+
+Desktop makeDesktop(MainLoop& loop, BackgroundQueue& queue) {
+    if (QGuiApplication::platformName() == QLatin1String("xcb")) {
+        if (const auto connection = X11Connection::open()) {
+            const auto sampler = std::make_shared<PointerSampler>(connection, loop);
+            return {std::make_unique<X11PanelWindow>(connection, sampler, loop),
+                    std::make_unique<X11EventMonitors>(connection, sampler, &X11PanelWindow::ownWindow),
+                    std::make_unique<X11Workspace>(connection, loop, queue)};
+        }
+    }
+    return {std::make_unique<QtPanelWindow>(), std::make_unique<PlainMonitors>(), std::make_unique<PlainWorkspace>()};
+}
+
+bool choosePlatform() {
+    if (!qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") || qEnvironmentVariableIsEmpty("DISPLAY")) return false;
+    return qputenv("QT_QPA_PLATFORM", "xcb");
+}
+
+bool displayReachable() {
+    // The variable may hold several names, each with options: "wayland;xcb", "offscreen:enable_fonts".
+    QStringList platforms = qEnvironmentVariable("QT_QPA_PLATFORM").split(u';', Qt::SkipEmptyParts);
+    if (platforms.isEmpty()) platforms = {QStringLiteral("wayland"), QStringLiteral("xcb")};
+    return std::any_of(platforms.begin(), platforms.end(), [](const QString& platform) {
+        const QString name = platform.section(u':', 0, 0);
+        if (name.startsWith(QLatin1String("wayland"))) return waylandReachable();
+        return name != QLatin1String("xcb") || X11Connection::reachable();
+    });
+}

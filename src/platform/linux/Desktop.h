@@ -1,0 +1,28 @@
+#pragma once
+
+#include <memory>
+
+#include "platform/BackgroundQueue.h"
+#include "platform/EventMonitors.h"
+#include "platform/MainLoop.h"
+#include "platform/PanelWindow.h"
+#include "platform/Workspace.h"
+
+/// The parts that depend on which kind of desktop this is.
+struct Desktop {
+    std::unique_ptr<PanelWindow> panelWindow;
+    std::unique_ptr<EventMonitors> monitors;
+    std::unique_ptr<Workspace> workspace;
+};
+
+/// On a platform other than X11 the monitors see nothing but where the pointer is, and the workspace only opens URLs.
+/// Needs a QGuiApplication. `loop` must live longer than `queue`, and `queue` longer than the parts.
+Desktop makeDesktop(MainLoop& loop, BackgroundQueue& queue);
+
+/// Prefers X11, through XWayland if need be, where the user has chosen nothing: elsewhere no window can be placed. To
+/// be called before there is a QGuiApplication. True when it has set QT_QPA_PLATFORM: unset that once the application
+/// exists, so that programs which this one starts make their own choice.
+bool choosePlatform();
+
+/// Whether a QGuiApplication could be made now; it would abort the program where there is no display.
+bool displayReachable();

@@ -1,0 +1,203 @@
+#include "platform/linux/FilePreferences.h"
+
+#include <QLocale>
+#include <QStandardPaths>
+#include <algorithm>
+#include <cctype>
+#include <future>
+#include <mutex>
+#include <utility>
+
+#include "platform/linux/AtomicFile.h"
+
+namespace {
+
+constexpr qint64 kLargest = 16 * 1024 * 1024;  // bytes
+
+const QByteArray kBool = "bool";
+const QByteArray kNumber = "number";
+const QByteArray kText = "text";
+const QByteArray kData = "data";
+const QByteArray kList = "list";
+
+/// Everything but what would break a line or a list of words stays as it is.
+QByteArray encoded(const QByteArray& bytes) {
+    return bytes.toPercentEncoding(QByteArrayLiteral(" {}[]\":,\\/_=()!?'*+;@&#<>|$"), QByteArrayLiteral("%"))
+        .replace(' ', "%20");
+}
+
+/// Absent when a percent sign is not followed by two hexadecimal digits.
+std::optional<QByteArray> decoded(const QByteArray& text) {
+    const auto isHex = [](char c) { return std::isxdigit(static_cast<unsigned char>(c)) != 0; };
+    for (qsizetype i = text.indexOf('%'); i >= 0; i = text.indexOf('%', i + 1)) {
+        if (i + 2 >= text.size() || !isHex(text[i + 1]) || !isHex(text[i + 2])) return {};
+    }
+    return QByteArray::fromPercentEncoding(text);
+}
+
+bool isPlain(const QByteArray& text) {
+    return std::all_of(text.begin(), text.end(), [](char c) { return c >= 0x20 && c < 0x7f; });
+}
+
+QVariant readList(const QByteArray& text) {
+    QList<QByteArray> list;
+    if (text.isEmpty()) return QVariant::fromValue(list);
+    for (const QByteArray& word : text.split(' ')) {
+        const auto element = decoded(word);
+        if (!element) return {};
+        list.append(*element);
+    }
+    return QVariant::fromValue(list);
+}
+
+QVariant readValue(const QByteArray& type, const QByteArray& text) {
+    if (type == kBool) return text == "true" ? QVariant(true) : text == "false" ? QVariant(false) : QVariant();
+    if (type == kNumber) {
+        bool ok = false;
+        const double number = text.toDouble(&ok);
+        return ok ? QVariant(number) : QVariant();
+    }
+    if (type == kList) return readList(text);
+    const auto bytes = decoded(text);
+    if (!bytes) return {};
+    if (type == kData) return *bytes;
+    return type == kText ? QVariant(QString::fromUtf8(*bytes)) : QVariant();
+}
+
+}  // namespace
+
+/// Takes whole contents from the main thread and writes the newest of them, in the queue.
+class FilePreferences::Writer {
+ public:
+    explicit Writer(QString path) : file_(std::move(path)) {}
+
+    AtomicFile& file() { return file_; }
+
+    /// True if nothing is waiting to be written yet.
+    bool offer(QByteArray contents) {
+        const std::lock_guard lock(mutex_);
+        const bool first = !waiting_;
+        waiting_ = std::move(contents);
+        return first;
+    }
+
+    void write() {
+        std::optional<QByteArray> contents;
+        {
+            const std::lock_guard lock(mutex_);
+            contents = std::exchange(waiting_, std::nullopt);
+        }
+        if (contents) file_.replace(*contents);
+    }
+
+ private:
+    AtomicFile file_;
+    std::mutex mutex_;
+    std::optional<QByteArray> waiting_;
+};
+
+FilePreferences::FilePreferences(QString path, SerialQueue& queue)
+    : writer_(std::make_shared<Writer>(std::move(path))), queue_(queue) {
+    const auto contents = writer_->file().read(kLargest);
+    if (!contents) return;
+    for (qsizetype start = 0; start < contents->size();) {
+        const qsizetype end = contents->indexOf('\n', start);
+        // A last line without its end was cut off, so its value cannot be trusted.
+        const bool whole = end >= 0;
+        const QByteArray bytes = contents->mid(start, whole ? end - start : -1);
+        Line line = parse(bytes);
+        if (!whole) line.value = QVariant();
+        if (!bytes.isEmpty()) lines_.push_back(std::move(line));
+        start = whole ? end + 1 : contents->size();
+    }
+}
+
+FilePreferences::~FilePreferences() {
+    std::promise<void> reached;
+    queue_.run([&reached] { reached.set_value(); });
+    reached.get_future().wait();
+}
+
+QString FilePreferences::defaultPath() {
+    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
+           QStringLiteral("/glimmet/preferences");
+}
+
+FilePreferences::Line FilePreferences::parse(const QByteArray& bytes) {
+    const qsizetype equals = bytes.indexOf(" = ");
+    if (equals <= 0 || !isPlain(bytes.left(equals))) return {{}, {}, bytes};
+    Line line{QString::fromLatin1(bytes.left(equals)), {}, bytes};
+    if (!isPlain(bytes)) return line;
+    const QByteArray rest = bytes.mid(equals + 3);
+    const qsizetype space = rest.indexOf(' ');
+    line.value = readValue(space < 0 ? rest : rest.left(space), space < 0 ? QByteArray() : rest.mid(space + 1));
+    return line;
+}
+
+QVariant FilePreferences::find(const QString& key, int type) const {
+    // Of a key that stands twice the later line holds, as if both had been written in turn.
+    const auto found = std::find_if(lines_.rbegin(), lines_.rend(),
+                                    [&](const Line& line) { return line.key == key && line.value.isValid(); });
+    return found != lines_.rend() && found->value.metaType().id() == type ? found->value : QVariant();
+}
+
+bool FilePreferences::boolean(const QString& key) const {
+    return find(key, QMetaType::Bool).toBool();
+}
+
+std::optional<double> FilePreferences::number(const QString& key) const {
+    const QVariant value = find(key, QMetaType::Double);
+    return value.isValid() ? std::optional(value.toDouble()) : std::nullopt;
+}
+
+std::optional<QString> FilePreferences::text(const QString& key) const {
+    const QVariant value = find(key, QMetaType::QString);
+    return value.isValid() ? std::optional(value.toString()) : std::nullopt;
+}
+
+std::optional<QByteArray> FilePreferences::data(const QString& key) const {
+    const QVariant value = find(key, QMetaType::QByteArray);
+    return value.isValid() ? std::optional(value.toByteArray()) : std::nullopt;
+}
+
+std::optional<QList<QByteArray>> FilePreferences::dataList(const QString& key) const {
+    const QVariant value = find(key, qMetaTypeId<QList<QByteArray>>());
+    return value.isValid() ? std::optional(value.value<QList<QByteArray>>()) : std::nullopt;
+}
+
+void FilePreferences::setBoolean(const QString& key, bool value) {
+    set(key, value, kBool + (value ? " true" : " false"));
+}
+
+void FilePreferences::setNumber(const QString& key, double value) {
+    set(key, value, kNumber + ' ' + QByteArray::number(value, 'g', QLocale::FloatingPointShortest));
+}
+
+void FilePreferences::setText(const QString& key, const QString& value) {
+    set(key, value, kText + ' ' + encoded(value.toUtf8()));
+}
+
+void FilePreferences::setData(const QString& key, const QByteArray& value) {
+    set(key, value, kData + ' ' + encoded(value));
+}
+
+void FilePreferences::setDataList(const QString& key, const QList<QByteArray>& value) {
+    QByteArray words = kList;
+    for (const QByteArray& element : value) words += ' ' + encoded(element);
+    set(key, QVariant::fromValue(value), words);
+}
+
+void FilePreferences::set(const QString& key, const QVariant& value, const QByteArray& typeAndValue) {
+    Line line{key, value, key.toLatin1() + " = " + typeAndValue};
+    const auto stands = std::find_if(lines_.begin(), lines_.end(), [&](const Line& l) { return l.key == key; });
+    if (stands == lines_.end()) {
+        lines_.push_back(std::move(line));
+    } else {
+        *stands = std::move(line);
+        lines_.erase(std::remove_if(stands + 1, lines_.end(), [&](const Line& l) { return l.key == key; }),
+                     lines_.end());
+    }
+    QByteArray contents;
+    for (const Line& l : lines_) contents += l.bytes + '\n';
+    if (writer_->offer(contents)) queue_.run([writer = writer_] { writer->write(); });
+}

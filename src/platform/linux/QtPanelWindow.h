@@ -1,0 +1,51 @@
+#pragma once
+
+#include <QBackingStore>
+#include <QWindow>
+#include <memory>
+
+#include "platform/PanelWindow.h"
+
+/// The panel as any Qt platform can show it: frameless, translucent, drawn by software. Buttons outside the input
+/// region are ignored, but only a platform's own subclass can let them reach what lies below.
+class QtPanelWindow : public PanelWindow {
+ public:
+    QtPanelWindow();
+    ~QtPanelWindow() override;
+
+    void setFrame(const QRectF& frame) override;
+    QRectF frame() const override;
+    void orderFrontRegardless() override;
+    void setInputRegion(const QRegion& region) override;
+    void setOutline(const QRegion&) override {}
+    double devicePixelRatio() const override;
+    double refreshRate() const override;
+    void paint(const QRegion& damage, const std::function<void(QPainter&)>& draw) override;
+
+    /// What Qt sends drag and drop events to. Belongs to this object.
+    QWindow& window() { return *window_; }
+
+ protected:
+    /// Buttons that were pressed inside and whose release has not been seen. It may never be: a menu that opens or a
+    /// drag that begins takes it.
+    Qt::MouseButtons held() const { return held_; }
+    virtual void pressed(QMouseEvent& event);
+    /// Clears `area` of `device` and draws there, in points.
+    static void drawInto(QPaintDevice& device, const QRegion& area, const std::function<void(QPainter&)>& draw);
+    /// The window came to another screen, or its screen's device pixel ratio changed.
+    virtual void screenChanged() {}
+
+ private:
+    class Surface;
+
+    void released(QMouseEvent& event);
+    void moved(QMouseEvent& event);
+    /// True if the event belongs to a drag and has been dealt with.
+    bool dragged(QEvent& event);
+    void exposed();
+
+    std::unique_ptr<QWindow> window_;
+    std::unique_ptr<QBackingStore> store_;
+    QRegion inputRegion_;
+    Qt::MouseButtons held_;
+};

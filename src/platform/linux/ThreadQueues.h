@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QThreadPool>
+
+#include "platform/BackgroundQueue.h"
+
+/// A few threads that live while there is work.
+class ThreadQueue : public BackgroundQueue {
+ public:
+    void run(std::function<void()> job) override { pool_.start(std::move(job)); }
+
+ private:
+    QThreadPool pool_;
+};
+
+/// One thread that lives while there is work.
+class ThreadSerialQueue : public SerialQueue {
+ public:
+    ThreadSerialQueue() {
+        pool_.setMaxThreadCount(1);
+        pool_.setExpiryTimeout(1000);
+    }
+    void run(std::function<void()> job) override { pool_.start(std::move(job)); }
+
+ private:
+    QThreadPool pool_;
+};

@@ -1,0 +1,80 @@
+#include "platform/linux/x11/PointerSampler.h"
+
+#include <xcb/xinput.h>
+
+#include <cmath>
+
+#include "platform/linux/ScreenCoordinates.h"
+
+namespace {
+constexpr double restAfter = 0.1;  // seconds
+constexpr uint16_t anyButton =
+    XCB_BUTTON_MASK_1 | XCB_BUTTON_MASK_2 | XCB_BUTTON_MASK_3 | XCB_BUTTON_MASK_4 | XCB_BUTTON_MASK_5;
+
+double refreshRateAt(QPointF pointer) {
+    const QScreen* screen = QGuiApplication::screenAt(toQt(pointer).toPoint());
+    return screen && screen->refreshRate() >= 20 ? screen->refreshRate() : 60;
+}
+}  // namespace
+
+PointerSampler::PointerSampler(std::shared_ptr<X11Connection> connection, MainLoop& loop)
+    : connection_(std::move(connection)), loop_(loop) {
+    const auto* input = connection_->extension(xcb_input_id);
+    if (!input) return;
+    events_ = connection_->handle([this, opcode = input->major_opcode](const xcb_generic_event_t& event) {
+        if (code(event) != XCB_GE_GENERIC || timer_) return;
+        const auto& generic = as<xcb_ge_generic_event_t>(event);
+        if (generic.extension == opcode && generic.event_type == XCB_INPUT_RAW_MOTION) beginSampling();
+    });
+}
+
+Observation PointerSampler::observe(std::function<void(const Sample&)> observer) {
+    if (!timer_) {
+        last_ = sample();
+        watchMotion();
+    }
+    return observers_.add(std::move(observer));
+}
+
+PointerSampler::Sample PointerSampler::sample() const {
+    const auto reply = connection_->ask(xcb_query_pointer, xcb_query_pointer_reply, connection_->root());
+    if (!reply) return last_;
+    return {nativeToModel(QPointF(reply->root_x, reply->root_y)), uint16_t(reply->mask & anyButton), reply->child};
+}
+
+void PointerSampler::watchMotion() {
+    connection_->selectInputOnRoot(XCB_INPUT_XI_EVENT_MASK_RAW_MOTION, true);
+}
+
+void PointerSampler::beginSampling() {
+    connection_->selectInputOnRoot(XCB_INPUT_XI_EVENT_MASK_RAW_MOTION, false);
+    restingTicks_ = 0;
+    const double rate = refreshRateAt(last_.pointer);
+    ticksToRest_ = int(std::ceil(restAfter * rate));
+    timer_ = loop_.every(1 / rate, [this] { tick(); });
+    reportChange();
+}
+
+void PointerSampler::tick() {
+    if (reportChange()) {
+        restingTicks_ = 0;
+        return;
+    }
+    if (++restingTicks_ < ticksToRest_) return;
+    timer_.cancel();
+    watchMotion();
+    // It may have moved on between the last question and the request for events.
+    if (reportChange()) beginSampling();
+}
+
+bool PointerSampler::reportChange() {
+    const Sample now = sample();
+    const bool changed = now.pointer != last_.pointer || now.buttons != last_.buttons;
+    last_ = now;
+    if (changed && !observers_.notify(now)) {
+        timer_.cancel();
+        connection_->selectInputOnRoot(XCB_INPUT_XI_EVENT_MASK_RAW_MOTION, false);
+        return false;
+    }
+    return changed;
+}

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QPointF>
+#include <memory>
+
+#include "platform/MainLoop.h"
+#include "platform/linux/x11/X11Connection.h"
+
+/// Follows the pointer at display rate while it moves. A mouse reports up to a thousand motions a second, so only the
+/// first one after a rest is listened to; then the pointer is asked for until it rests again. Main thread only.
+class PointerSampler {
+ public:
+    struct Sample {
+        QPointF pointer;          ///< in the model's screen coordinates
+        uint16_t buttons = 0;     ///< those held, as XCB_BUTTON_MASK_1 and so on
+        xcb_window_t window = 0;  ///< the root's child under the pointer; 0 for none
+    };
+
+    PointerSampler(std::shared_ptr<X11Connection> connection, MainLoop& loop);
+
+    /// Calls `observer` for every change of place or buttons while the result lives. What rests costs nothing.
+    [[nodiscard]] Observation observe(std::function<void(const Sample&)> observer);
+    /// Asks for the present state.
+    Sample sample() const;
+
+ private:
+    void watchMotion();
+    void beginSampling();
+    void tick();
+    bool reportChange();
+
+    std::shared_ptr<X11Connection> connection_;
+    MainLoop& loop_;
+    Observers<const Sample&> observers_;
+    Observation events_;
+    TimerHandle timer_;
+    Sample last_;
+    int restingTicks_ = 0;
+    int ticksToRest_ = 0;
+};

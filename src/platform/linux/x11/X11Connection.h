@@ -1,0 +1,98 @@
+#pragma once
+
+#include <xcb/xcb.h>
+
+#include <QByteArray>
+#include <QHash>
+#include <QSocketNotifier>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "platform/linux/x11/Observers.h"
+#include "platform/linux/x11/XcbReply.h"
+
+/// A connection to the X server beside Qt's: what the whole desktop does arrives here and so costs Qt nothing. Main
+/// thread only. A connection that breaks goes silent; Qt ends the program in that case.
+class X11Connection {
+ public:
+    /// Null when the server cannot be reached.
+    static std::shared_ptr<X11Connection> open();
+    /// Whether the server can be reached; needs no Qt application.
+    static bool reachable();
+    ~X11Connection();
+    X11Connection(const X11Connection&) = delete;
+    X11Connection& operator=(const X11Connection&) = delete;
+
+    xcb_connection_t* xcb() const { return connection_; }
+    xcb_window_t root() const { return screen_->root; }
+    int screenNumber() const { return screenNumber_; }
+    /// The atom's number; asked for once.
+    xcb_atom_t atom(const QByteArray& name);
+    /// The first event code and major opcode of an extension; null where the server lacks it.
+    const xcb_query_extension_reply_t* extension(xcb_extension_t& extension) const;
+
+    /// Sends a request and waits for its answer; null when that is an error.
+    template <class Request, class Reply, class... Arguments>
+    auto ask(Request request, Reply reply, Arguments... arguments) {
+        return answer(reply, request(connection_, arguments...));
+    }
+    /// Waits for the answer to a request that was sent before.
+    template <class Reply, class Cookie>
+    auto answer(Reply reply, Cookie cookie) {
+        using Answer = std::remove_pointer_t<decltype(reply(connection_, cookie, nullptr))>;
+        xcb_generic_error_t* error = nullptr;
+        XcbPtr<Answer> result(reply(connection_, cookie, &error));
+        std::free(error);
+        collectQueued();
+        return result;
+    }
+    void flush() const { xcb_flush(connection_); }
+
+    /// The 32-bit values of a window's property; empty where it has none.
+    std::vector<uint32_t> values(xcb_window_t window, const QByteArray& name, xcb_atom_t type);
+    /// A property as bytes; empty where the window has none.
+    QByteArray bytes(xcb_window_t window, const QByteArray& name, xcb_atom_t type);
+
+    /// Calls `handler` for every event while the result lives.
+    [[nodiscard]] Observation handle(std::function<void(const xcb_generic_event_t&)> handler) {
+        return handlers_.add(std::move(handler));
+    }
+    /// Adds to or takes from the core events that we get for the root window. Each event has one user.
+    void selectOnRoot(uint32_t events, bool on);
+    /// The same for XInput 2 events of all master devices.
+    void selectInputOnRoot(uint32_t events, bool on);
+    /// Whether the server speaks XInput 2.2 or later.
+    bool hasInput2() const { return hasInput2_; }
+
+ private:
+    X11Connection(xcb_connection_t* connection, int screenNumber);
+
+    XcbPtr<xcb_get_property_reply_t> property(xcb_window_t window, const QByteArray& name, xcb_atom_t type);
+    void pump();
+    void collectQueued();
+
+    xcb_connection_t* connection_;
+    int screenNumber_;
+    const xcb_screen_t* screen_;
+    bool hasInput2_ = false;
+    uint32_t rootEvents_ = 0;
+    uint32_t rootInputEvents_ = 0;
+    QHash<QByteArray, xcb_atom_t> atoms_;
+    Observers<const xcb_generic_event_t&> handlers_;
+    /// Events that were read along with an answer.
+    std::deque<XcbPtr<xcb_generic_event_t>> queued_;
+    std::unique_ptr<QSocketNotifier> notifier_;
+};
+
+/// The event of type `T` that `event` is known to be.
+template <class T>
+const T& as(const xcb_generic_event_t& event) {
+    return reinterpret_cast<const T&>(event);
+}
+
+/// The event's code without the mark of an event that another client sent.
+inline int code(const xcb_generic_event_t& event) {
+    return event.response_type & 0x7f;
+}

@@ -1,0 +1,112 @@
+#include "platform/linux/x11/X11EventMonitors.h"
+
+#include <xcb/xinput.h>
+
+#include <algorithm>
+#include <numeric>
+#include <utility>
+
+#include "platform/linux/x11/Xkb.h"
+
+namespace {
+constexpr int leftButton = 1, rightButton = 3;
+
+/// The step of a wheel's button; null for other buttons.
+QPointF wheelStep(int button) {
+    switch (button) {
+        case 4:
+            return {0, 1};
+        case 5:
+            return {0, -1};
+        case 6:
+            return {-1, 0};
+        case 7:
+            return {1, 0};
+        default:
+            return {};
+    }
+}
+}  // namespace
+
+X11EventMonitors::X11EventMonitors(std::shared_ptr<X11Connection> connection, std::shared_ptr<PointerSampler> sampler,
+                                   std::function<bool(xcb_window_t)> ownWindow)
+    : connection_(std::move(connection)), sampler_(std::move(sampler)), ownWindow_(std::move(ownWindow)) {
+    if (const auto* input = connection_->extension(xcb_input_id)) inputOpcode_ = input->major_opcode;
+    if (const auto* keyboard = connection_->extension(xcb_xkb_id)) {
+        const auto use = connection_->ask(xcb_xkb_use_extension, xcb_xkb_use_extension_reply, 1, 0);
+        if (use && use->supported) keyboardEvent_ = keyboard->first_event;
+    }
+}
+
+void X11EventMonitors::start() {
+    readButtonMap();
+    events_ = connection_->handle([this](const xcb_generic_event_t& event) { handle(event); });
+    // Motion that a wheel with fine steps reports comes with button events for whole steps, so buttons tell all.
+    connection_->selectInputOnRoot(
+        XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_RELEASE, true);
+    lastMoved_ = pointerLocation();
+    samples_ = sampler_->observe([this](const PointerSampler::Sample& sample) { moved(sample); });
+    watchKeyboard();
+}
+
+void X11EventMonitors::watchKeyboard() {
+    if (keyboardEvent_ < 0) return;
+    xcb_xkb_select_events_details_t details{};
+    details.affectState = details.stateDetails = XCB_XKB_STATE_PART_MODIFIER_LOCK;
+    xcb_xkb_select_events_aux(connection_->xcb(), XCB_XKB_ID_USE_CORE_KBD, XCB_XKB_EVENT_TYPE_STATE_NOTIFY, 0, 0, 0, 0,
+                              &details);
+    connection_->flush();
+    capsLock_ = capsLock();
+}
+
+bool X11EventMonitors::capsLock() const {
+    if (keyboardEvent_ < 0) return false;
+    const auto state = connection_->ask(xcb_xkb_get_state, xcb_xkb_get_state_reply, uint16_t(XCB_XKB_ID_USE_CORE_KBD));
+    return state && (state->lockedMods & XCB_MOD_MASK_LOCK);
+}
+
+void X11EventMonitors::readButtonMap() {
+    std::iota(buttonMap_.begin(), buttonMap_.end(), uint8_t(0));
+    const auto reply = connection_->ask(xcb_get_pointer_mapping, xcb_get_pointer_mapping_reply);
+    if (!reply) return;
+    const uint8_t* map = xcb_get_pointer_mapping_map(reply.get());
+    std::copy_n(map, std::min(xcb_get_pointer_mapping_map_length(reply.get()), 255), buttonMap_.begin() + 1);
+}
+
+void X11EventMonitors::handle(const xcb_generic_event_t& event) {
+    if (code(event) == XCB_MAPPING_NOTIFY) {
+        if (as<xcb_mapping_notify_event_t>(event).request == XCB_MAPPING_POINTER) readButtonMap();
+    } else if (code(event) == XCB_GE_GENERIC && as<xcb_ge_generic_event_t>(event).extension == inputOpcode_) {
+        const auto& raw = as<xcb_input_raw_button_press_event_t>(event);
+        if (raw.event_type == XCB_INPUT_RAW_BUTTON_PRESS) pressed(buttonMap_[raw.detail & 0xff]);
+        if (raw.event_type == XCB_INPUT_RAW_BUTTON_RELEASE) released(buttonMap_[raw.detail & 0xff]);
+    } else if (code(event) == keyboardEvent_) {
+        const auto& state = as<xcb_xkb_state_notify_event_t>(event);
+        const bool locked = state.lockedMods & XCB_MOD_MASK_LOCK;
+        if (state.xkbType != XCB_XKB_STATE_NOTIFY || locked == capsLock_) return;
+        capsLock_ = locked;
+        if (onCapsLockChanged) onCapsLockChanged(locked);
+    }
+}
+
+void X11EventMonitors::pressed(int button) {
+    if (const QPointF step = wheelStep(button); !step.isNull()) {
+        if (onScroll) onScroll(pointerLocation(), step);
+    } else if (button == rightButton) {
+        const auto sample = sampler_->sample();
+        rightPressElsewhere_ = !ownWindow_(sample.window);
+        if (!rightPressElsewhere_ && onRightMouseDown) onRightMouseDown(sample.pointer);
+    }
+}
+
+void X11EventMonitors::released(int button) {
+    if (button == leftButton && onLeftMouseUp) onLeftMouseUp(pointerLocation());
+    if (button == rightButton && std::exchange(rightPressElsewhere_, false) && onRightMouseDown)
+        onRightMouseDown(pointerLocation());
+}
+
+void X11EventMonitors::moved(const PointerSampler::Sample& sample) {
+    if (sample.pointer == std::exchange(lastMoved_, sample.pointer)) return;
+    if (!sample.buttons && onMouseMoved) onMouseMoved(sample.pointer);
+    if ((sample.buttons & XCB_BUTTON_MASK_1) && onLeftMouseDragged) onLeftMouseDragged(sample.pointer);
+}

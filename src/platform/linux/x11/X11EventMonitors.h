@@ -1,0 +1,40 @@
+#pragma once
+
+#include <array>
+#include <memory>
+
+#include "platform/EventMonitors.h"
+#include "platform/linux/x11/PointerSampler.h"
+
+/// Watches raw input events on the root window, which tell of all input without holding any of it back.
+class X11EventMonitors : public EventMonitors {
+ public:
+    /// `ownWindow` tells whether a top-level window is one of this program's.
+    X11EventMonitors(std::shared_ptr<X11Connection> connection, std::shared_ptr<PointerSampler> sampler,
+                     std::function<bool(xcb_window_t)> ownWindow);
+
+    void start() override;
+    QPointF pointerLocation() const override { return sampler_->sample().pointer; }
+    bool capsLock() const override;
+
+ private:
+    void watchKeyboard();
+    void handle(const xcb_generic_event_t& event);
+    void pressed(int button);
+    void released(int button);
+    void moved(const PointerSampler::Sample& sample);
+    void readButtonMap();
+
+    std::shared_ptr<X11Connection> connection_;
+    std::shared_ptr<PointerSampler> sampler_;
+    std::function<bool(xcb_window_t)> ownWindow_;
+    Observation events_;
+    Observation samples_;
+    int inputOpcode_ = -1;
+    int keyboardEvent_ = -1;
+    QPointF lastMoved_;
+    bool capsLock_ = false;
+    bool rightPressElsewhere_ = false;
+    /// The logical button of each physical one, which is what raw events name; both count from 1.
+    std::array<uint8_t, 256> buttonMap_{};
+};

@@ -1,0 +1,156 @@
+#include "platform/linux/x11/X11PanelWindow.h"
+
+#include <xcb/shape.h>
+#include <xcb/xinput.h>
+
+#include <QGuiApplication>
+
+namespace {
+/// Requests about the panel go through Qt's connection, in one order with Qt's own.
+xcb_connection_t* qtConnection() {
+    return qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
+}
+
+/// Device pixels of a region in points, rounded outwards.
+std::vector<xcb_rectangle_t> inPixels(const QRegion& region, double ratio) {
+    std::vector<xcb_rectangle_t> result;
+    for (const QRect& points : region) {
+        const QRect pixels = QRectF(QPointF(points.topLeft()) * ratio, QSizeF(points.size()) * ratio).toAlignedRect();
+        result.push_back(
+            {int16_t(pixels.x()), int16_t(pixels.y()), uint16_t(pixels.width()), uint16_t(pixels.height())});
+    }
+    return result;
+}
+
+void setShape(xcb_window_t window, xcb_shape_sk_t kind, const QRegion& region, double ratio) {
+    const auto rectangles = inPixels(region, ratio);
+    xcb_shape_rectangles(qtConnection(), XCB_SHAPE_SO_SET, kind, XCB_CLIP_ORDERING_UNSORTED, window, 0, 0,
+                         uint32_t(rectangles.size()), rectangles.data());
+    xcb_flush(qtConnection());
+}
+}  // namespace
+
+X11PanelWindow::X11PanelWindow(std::shared_ptr<X11Connection> connection, std::shared_ptr<PointerSampler> sampler,
+                               MainLoop& loop)
+    : sampler_(std::move(sampler)),
+      neverShaped_(underXWayland(*connection)),
+      compositor_(connection, [this] { applyOutline(); }) {
+    window().create();
+    ignoreMotion();
+    prepareDrawing();
+    applyInputRegion();
+    applyOutline();
+    xcb_flush(qtConnection());
+    stacking_ = std::make_unique<StackingGuard>(connection, loop, id(), &X11PanelWindow::ownWindow,
+                                                [this] { window().raise(); });
+}
+
+X11PanelWindow::~X11PanelWindow() {
+    xcb_free_gc(qtConnection(), context_);
+}
+
+void X11PanelWindow::prepareDrawing() {
+    const auto geometry = awaitReply(qtConnection(), xcb_get_geometry, xcb_get_geometry_reply, id());
+    if (geometry) depth_ = geometry->depth;
+    context_ = xcb_generate_id(qtConnection());
+    xcb_create_gc(qtConnection(), context_, id(), 0, nullptr);
+}
+
+// Not through Qt's backing store: that shares memory with the server and asks it, before each frame, whether it has
+// done with the last one, which costs two wake-ups. The few pixels that change are sent instead.
+void X11PanelWindow::paint(const QRegion& damage, const std::function<void(QPainter&)>& draw) {
+    if (!window().isExposed()) return;
+    const double ratio = devicePixelRatio();
+    const QSize size = (QSizeF(window().size()) * ratio).toSize();
+    QRegion area = damage & QRect(QPoint(), window().size());
+    if (picture_.size() != size) {
+        picture_ = QImage(size, QImage::Format_ARGB32_Premultiplied);
+        area = QRect(QPoint(), window().size());
+    }
+    picture_.setDevicePixelRatio(ratio);
+    drawInto(picture_, area, draw);
+    for (const QRect& points : area)
+        put(QRectF(QPointF(points.topLeft()) * ratio, QSizeF(points.size()) * ratio).toAlignedRect() & picture_.rect());
+    xcb_flush(qtConnection());
+}
+
+void X11PanelWindow::put(const QRect& pixels) {
+    if (pixels.isEmpty()) return;
+    const QImage part = picture_.copy(pixels);
+    xcb_put_image(qtConnection(), XCB_IMAGE_FORMAT_Z_PIXMAP, id(), context_, uint16_t(part.width()),
+                  uint16_t(part.height()), int16_t(pixels.x()), int16_t(pixels.y()), 0, depth_,
+                  uint32_t(part.sizeInBytes()), part.constBits());
+}
+
+bool X11PanelWindow::ownWindow(xcb_window_t window) {
+    const xcb_setup_t* setup = xcb_get_setup(qtConnection());
+    return (window & ~setup->resource_id_mask) == setup->resource_id_base;
+}
+
+void X11PanelWindow::ignoreMotion() {
+    // Qt asks for motions in both ways, and the core ones come back when the others are off. Without touch events the
+    // server turns touches into presses and releases.
+    const struct {
+        xcb_input_event_mask_t header;
+        uint32_t events;
+    } mask{{XCB_INPUT_DEVICE_ALL, 1},  // the choice of devices that Qt makes, so that this replaces Qt's
+
+           XCB_INPUT_XI_EVENT_MASK_BUTTON_PRESS | XCB_INPUT_XI_EVENT_MASK_BUTTON_RELEASE |
+               XCB_INPUT_XI_EVENT_MASK_ENTER | XCB_INPUT_XI_EVENT_MASK_LEAVE};
+    xcb_input_xi_select_events(qtConnection(), id(), 1, &mask.header);
+
+    const auto attributes =
+        awaitReply(qtConnection(), xcb_get_window_attributes, xcb_get_window_attributes_reply, id());
+    if (!attributes) return;
+    const uint32_t core =
+        attributes->your_event_mask & ~uint32_t(XCB_EVENT_MASK_POINTER_MOTION | XCB_EVENT_MASK_BUTTON_MOTION);
+    xcb_change_window_attributes(qtConnection(), id(), XCB_CW_EVENT_MASK, &core);
+}
+
+void X11PanelWindow::orderFrontRegardless() {
+    QtPanelWindow::orderFrontRegardless();
+    window().raise();
+}
+
+void X11PanelWindow::setInputRegion(const QRegion& region) {
+    QtPanelWindow::setInputRegion(region);
+    if (region == inputRegion_) return;
+    inputRegion_ = region;
+    applyInputRegion();
+}
+
+void X11PanelWindow::setOutline(const QRegion& outline) {
+    if (outline == outline_) return;
+    outline_ = outline;
+    if (!compositor_.running()) applyOutline();
+}
+
+void X11PanelWindow::applyInputRegion() {
+    setShape(id(), XCB_SHAPE_SK_INPUT, inputRegion_, devicePixelRatio());
+}
+
+void X11PanelWindow::applyOutline() {
+    if (!neverShaped_ && !compositor_.running()) {
+        setShape(id(), XCB_SHAPE_SK_BOUNDING, outline_, devicePixelRatio());
+        return;
+    }
+    xcb_shape_mask(qtConnection(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, id(), 0, 0, XCB_PIXMAP_NONE);
+    xcb_flush(qtConnection());
+}
+
+void X11PanelWindow::screenChanged() {
+    applyInputRegion();
+    applyOutline();
+}
+
+void X11PanelWindow::pressed(QMouseEvent& event) {
+    QtPanelWindow::pressed(event);
+    if (held() && !drags_) drags_ = sampler_->observe([this](const auto& sample) { dragSampled(sample); });
+}
+
+void X11PanelWindow::dragSampled(const PointerSampler::Sample& sample) {
+    if (!sample.buttons || !held())
+        drags_.reset();
+    else if (onDrag)
+        onDrag(sample.pointer);
+}

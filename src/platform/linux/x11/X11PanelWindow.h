@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QImage>
+#include <memory>
+
+#include "platform/linux/QtPanelWindow.h"
+#include "platform/linux/x11/CompositorWatch.h"
+#include "platform/linux/x11/PointerSampler.h"
+#include "platform/linux/x11/StackingGuard.h"
+
+/// The panel on X11: a window that no window manager touches, on every desktop and over full-screen windows. Clicks
+/// outside its input region go to what lies below. Without a compositor it has the shape of its outline.
+///
+/// Hardware motion does not wake the program: drags are sampled.
+class X11PanelWindow : public QtPanelWindow {
+ public:
+    X11PanelWindow(std::shared_ptr<X11Connection> connection, std::shared_ptr<PointerSampler> sampler, MainLoop& loop);
+    ~X11PanelWindow() override;
+
+    void orderFrontRegardless() override;
+    void setInputRegion(const QRegion& region) override;
+    void setOutline(const QRegion& outline) override;
+    void paint(const QRegion& damage, const std::function<void(QPainter&)>& draw) override;
+
+    /// Whether an X window belongs to this program, told by the range that its number is from.
+    static bool ownWindow(xcb_window_t window);
+
+ protected:
+    void pressed(QMouseEvent& event) override;
+    void screenChanged() override;
+
+ private:
+    void ignoreMotion();
+    void prepareDrawing();
+    void put(const QRect& pixels);
+    void applyInputRegion();
+    void applyOutline();
+    void dragSampled(const PointerSampler::Sample& sample);
+    xcb_window_t id() { return xcb_window_t(window().winId()); }
+
+    std::shared_ptr<PointerSampler> sampler_;
+    bool neverShaped_;
+    CompositorWatch compositor_;
+    QRegion inputRegion_, outline_;
+    QImage picture_;  // what the window shows
+    uint8_t depth_ = 0;
+    xcb_gcontext_t context_ = XCB_NONE;
+    Observation drags_;
+    std::unique_ptr<StackingGuard> stacking_;
+};

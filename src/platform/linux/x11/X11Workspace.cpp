@@ -1,0 +1,87 @@
+#include "platform/linux/x11/X11Workspace.h"
+
+#include <QDesktopServices>
+#include <QFileInfo>
+#include <QProcess>
+#include <QStandardPaths>
+
+X11Workspace::X11Workspace(std::shared_ptr<X11Connection> connection, MainLoop& loop, BackgroundQueue& queue)
+    : connection_(std::move(connection)), loop_(loop), queue_(queue), self_(std::make_shared<X11Workspace*>(this)) {}
+
+X11Workspace::~X11Workspace() {
+    connection_->selectOnRoot(XCB_EVENT_MASK_PROPERTY_CHANGE, false);
+}
+
+void X11Workspace::start() {
+    events_ = connection_->handle([this](const xcb_generic_event_t& event) {
+        if (code(event) != XCB_PROPERTY_NOTIFY) return;
+        const auto& notify = as<xcb_property_notify_event_t>(event);
+        if (notify.window == connection_->root() && notify.atom == connection_->atom("_NET_ACTIVE_WINDOW"))
+            activeWindowChanged();
+    });
+    connection_->selectOnRoot(XCB_EVENT_MASK_PROPERTY_CHANGE, true);
+    const auto active = connection_->values(connection_->root(), "_NET_ACTIVE_WINDOW", XCB_ATOM_WINDOW);
+    if (!active.empty() && active.front()) activeApplication_ = applicationOf(active.front());
+}
+
+void X11Workspace::activeWindowChanged() {
+    const auto active = connection_->values(connection_->root(), "_NET_ACTIVE_WINDOW", XCB_ATOM_WINDOW);
+    if (active.empty() || !active.front()) return;
+    const QByteArray application = applicationOf(active.front());
+    if (application == activeApplication_) return;
+    activeApplication_ = application;
+    if (onApplicationActivated) onApplicationActivated();
+}
+
+QByteArray X11Workspace::applicationOf(xcb_window_t window) {
+    const auto wmClass = connection_->bytes(window, "WM_CLASS", XCB_ATOM_ANY).split('\0');
+    if (wmClass.size() > 1 && !wmClass[1].isEmpty()) return "class " + wmClass[1];
+    if (const auto pid = connection_->values(window, "_NET_WM_PID", XCB_ATOM_CARDINAL); !pid.empty())
+        return "process " + QByteArray::number(pid.front());
+    if (const auto leader = connection_->values(window, "WM_CLIENT_LEADER", XCB_ATOM_WINDOW); !leader.empty())
+        return "leader " + QByteArray::number(leader.front());
+    return "window " + QByteArray::number(window);
+}
+
+QList<ApplicationWindow> X11Workspace::applicationWindows() {
+    QList<ApplicationWindow> result;
+    for (const auto window : connection_->values(connection_->root(), "_NET_CLIENT_LIST", XCB_ATOM_WINDOW)) {
+        const auto wmClass = connection_->bytes(window, "WM_CLASS", XCB_ATOM_ANY).split('\0');
+        if (wmClass.size() > 1)
+            result.append({window, QString::fromLatin1(wmClass[0]), QString::fromLatin1(wmClass[1])});
+    }
+    return result;
+}
+
+void X11Workspace::activateOrOpenTerminal(const QString& displayName) {
+    queue_.run([&loop = loop_, self = std::weak_ptr(self_), displayName, windows = applicationWindows()] {
+        const auto findProgram = [](const QString& program) {
+            return QFileInfo(QStandardPaths::findExecutable(program)).canonicalFilePath();
+        };
+        const auto choice = chooseApplicationOrTerminal(displayName, windows, readDesktopEntries(dataFolders()),
+                                                        qEnvironmentVariable("TERMINAL"), findProgram);
+        if (!choice.command.isEmpty()) QProcess::startDetached(choice.command.first(), choice.command.mid(1));
+        if (!choice.window) return;
+        loop.post([self, window = choice.window] {
+            if (const auto workspace = self.lock()) (*workspace)->activate(window);
+        });
+    });
+}
+
+void X11Workspace::activate(xcb_window_t window) {
+    constexpr uint32_t fromPager = 2;
+    xcb_client_message_event_t message{};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = window;
+    message.type = connection_->atom("_NET_ACTIVE_WINDOW");
+    message.data.data32[0] = fromPager;
+    xcb_send_event(connection_->xcb(), false, connection_->root(),
+                   XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                   reinterpret_cast<const char*>(&message));
+    connection_->flush();
+}
+
+void X11Workspace::open(const QUrl& url) {
+    QDesktopServices::openUrl(url);
+}

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <memory>
+
+#include "platform/BackgroundQueue.h"
+#include "platform/MainLoop.h"
+#include "platform/Workspace.h"
+#include "platform/linux/TerminalChoice.h"
+#include "platform/linux/x11/X11Connection.h"
+
+/// The other programs as their windows and the window manager tell of them. Without a window manager that keeps the
+/// list of windows nothing is reported or brought forward, but a terminal can still be started.
+class X11Workspace : public Workspace {
+ public:
+    X11Workspace(std::shared_ptr<X11Connection> connection, MainLoop& loop, BackgroundQueue& queue);
+    ~X11Workspace() override;
+
+    void start() override;
+    void activateOrOpenTerminal(const QString& displayName) override;
+    void open(const QUrl& url) override;
+
+ private:
+    void activeWindowChanged();
+    QByteArray applicationOf(xcb_window_t window);
+    QList<ApplicationWindow> applicationWindows();
+    void activate(xcb_window_t window);
+
+    std::shared_ptr<X11Connection> connection_;
+    MainLoop& loop_;
+    BackgroundQueue& queue_;
+    Observation events_;
+    /// What tells the active application from others; empty before any was active.
+    QByteArray activeApplication_;
+    /// Lives as long as this object, for what comes back from the queue.
+    std::shared_ptr<X11Workspace*> self_;
+};

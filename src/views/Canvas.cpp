@@ -1,0 +1,182 @@
+#include "views/Canvas.h"
+
+#include <QFontMetricsF>
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+// A symbol's drawing is a square a little larger than the type size, as symbols stand beside text.
+constexpr double kSymbolBox = 1.25;
+constexpr double kFontPixels = 100;
+
+}  // namespace
+
+Canvas::Canvas(QPainter& painter, PictureCaches& caches, double devicePixelRatio)
+    : painter_(painter), caches_(caches), ratio_(devicePixelRatio) {
+    painter_.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+}
+
+void Canvas::with(const QTransform& transform, double opacity, const std::function<void()>& draw) {
+    if (opacity <= 0) return;
+    painter_.save();
+    painter_.setTransform(transform, true);
+    painter_.setOpacity(painter_.opacity() * std::min(opacity, 1.0));
+    draw();
+    painter_.restore();
+}
+
+void Canvas::clipped(const QPainterPath& clip, const std::function<void()>& draw) {
+    painter_.save();
+    painter_.setClipPath(clip, Qt::IntersectClip);
+    draw();
+    painter_.restore();
+}
+
+void Canvas::layer(const QRectF& bounds, const QPainterPath& mask, double opacity,
+                   const std::function<void(Canvas&)>& draw) {
+    if (opacity <= 0) return;
+    // The sheet lies on the device's pixels, so that laying it down does not soften it.
+    const QTransform toDevice = painter_.deviceTransform();
+    const QRect pixels = toDevice.mapRect(bounds).toAlignedRect();
+    if (pixels.isEmpty()) return;
+    const QTransform toSheet = toDevice * QTransform::fromTranslate(-pixels.x(), -pixels.y());
+    const auto sheetWith = [&](const std::function<void(Canvas&, QPainter&)>& paint) {
+        QImage sheet(pixels.size(), QImage::Format_ARGB32_Premultiplied);
+        sheet.fill(Qt::transparent);
+        QPainter painter(&sheet);
+        painter.setTransform(toSheet);
+        Canvas canvas(painter, caches_, ratio_);
+        paint(canvas, painter);
+        return sheet;
+    };
+    const QImage shape = sheetWith([&](Canvas& canvas, QPainter&) { canvas.fill(mask, Qt::black); });
+    const QImage sheet = sheetWith([&](Canvas& canvas, QPainter& painter) {
+        draw(canvas);
+        painter.resetTransform();
+        painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
+        painter.drawImage(0, 0, shape);
+    });
+    painter_.save();
+    painter_.setOpacity(painter_.opacity() * std::min(opacity, 1.0));
+    painter_.setTransform(QTransform::fromScale(1 / ratio_, 1 / ratio_));
+    painter_.drawImage(pixels.topLeft(), sheet);
+    painter_.restore();
+}
+
+void Canvas::cover(const QRectF& rect, const QBrush& brush) {
+    painter_.setRenderHint(QPainter::Antialiasing, false);
+    painter_.fillRect(rect, brush);
+    painter_.setRenderHint(QPainter::Antialiasing);
+}
+
+void Canvas::fill(const QPainterPath& path, const QBrush& brush) {
+    painter_.fillPath(path, brush);
+}
+
+void Canvas::stroke(const QPainterPath& path, const QBrush& brush, double width) {
+    QPen pen(brush, width, Qt::SolidLine, Qt::RoundCap, Qt::MiterJoin);
+    pen.setMiterLimit(10);
+    painter_.strokePath(path, pen);
+}
+
+void Canvas::shadow(const QPainterPath& shape, const QColor& color, double radius, const QPointF& offset,
+                    const QRectF& hole) {
+    if (color.alpha() == 0 || shape.isEmpty()) return;
+    const auto& made = caches_.shadows.shadow(shape, radius, color, ratio_);
+    drawScaled(made.bounds.translated(offset), made.image, hole);
+}
+
+void Canvas::kept(const QByteArray& key, const QRectF& bounds, const QRectF& hole,
+                  const std::function<void(Canvas&)>& draw) {
+    const double scale = pixelsPerPoint();
+    const QByteArray fullKey = key + ' ' + QByteArray::number(scale);
+    const QImage* image = caches_.drawings.object(fullKey);
+    const QSize size(int(std::ceil(bounds.width() * scale)), int(std::ceil(bounds.height() * scale)));
+    if (!image) {
+        auto* made = new QImage(size, QImage::Format_ARGB32_Premultiplied);
+        made->fill(Qt::transparent);
+        QPainter painter(made);
+        painter.scale(scale, scale);
+        painter.translate(-bounds.topLeft());
+        Canvas canvas(painter, caches_, ratio_);
+        draw(canvas);
+        painter.end();
+        caches_.drawings.insert(fullKey, made);
+        image = made;
+    }
+    drawScaled(QRectF(bounds.topLeft(), QSizeF(size) / scale), *image, hole);
+}
+
+// In bands of few rows: the toolkit hands a scaled picture of more rows to several threads, whose waking costs more
+// than the drawing.
+void Canvas::drawScaled(const QRectF& bounds, const QImage& image, const QRectF& hole) {
+    constexpr int rows = 64;
+    const QTransform toDevice = painter_.deviceTransform();
+    const QTransform drawing = painter_.transform();
+    const QRect inner = hole.isEmpty() ? QRect() : toDevice.mapRect(hole).adjusted(1, 1, -1, -1).toRect();
+    painter_.save();
+    // Such pictures fade out before their edges; smooth edges would triple the spans.
+    painter_.setRenderHint(QPainter::Antialiasing, false);
+    for (const QRect& part : QRegion(toDevice.mapRect(bounds).toAlignedRect()).subtracted(inner)) {
+        for (int top = part.top(); top <= part.bottom(); top += rows) {
+            const QRect band(part.left(), top, part.width(), std::min(rows, part.bottom() + 1 - top));
+            painter_.save();
+            painter_.setTransform(QTransform::fromScale(1 / ratio_, 1 / ratio_));
+            painter_.setClipRect(band, Qt::IntersectClip);
+            painter_.setTransform(drawing);
+            painter_.drawImage(bounds, image);
+            painter_.restore();
+        }
+    }
+    painter_.restore();
+}
+
+void Canvas::symbol(const QString& name, const QPointF& center, double size, const QColor& color) {
+    const double box = size * kSymbolBox;
+    const QImage image = caches_.symbols.image(name, int(std::ceil(box * pixelsPerPoint())), color);
+    if (image.isNull()) return;
+    painter_.drawImage(QRectF(center.x() - box / 2, center.y() - box / 2, box, box), image);
+}
+
+void Canvas::text(const QString& line, const QPointF& center, const TextStyle& style, const QColor& color) {
+    const QFont face = font(style.face, style.weight);
+    const QFontMetricsF metrics(face);
+    QPainterPath path;
+    // Centred between the line's ascent and descent, as a row of text is laid out.
+    path.addText(-metrics.horizontalAdvance(line) / 2, (metrics.ascent() - metrics.descent()) / 2, face, line);
+    const double scale = style.size / kFontPixels;
+    painter_.save();
+    painter_.translate(center);
+    painter_.scale(scale, scale);
+    painter_.fillPath(path, color);
+    painter_.restore();
+}
+
+double Canvas::textWidth(const QString& line, const TextStyle& style) {
+    return QFontMetricsF(font(style.face, style.weight)).horizontalAdvance(line) * style.size / kFontPixels;
+}
+
+// Rounded up to quarters, so that the small steps of breathing reuse what was rendered.
+double Canvas::pixelsPerPoint() const {
+    const QTransform t = painter_.deviceTransform();
+    return std::max(1.0, std::ceil(std::hypot(t.m11(), t.m12()) * 4 - 0.01) / 4);
+}
+
+QBrush radialGradient(const QRectF& frame, const QPointF& unitCenter, double startRadius, double endRadius,
+                      const Stops& stops) {
+    const QPointF center(frame.left() + unitCenter.x() * frame.width(), frame.top() + unitCenter.y() * frame.height());
+    QRadialGradient gradient(center, endRadius);
+    const double start = std::min(startRadius / endRadius, 0.999);
+    for (const auto& [place, color] : stops) gradient.setColorAt(start + (1 - start) * place, color);
+    return gradient;
+}
+
+QBrush linearGradient(const QRectF& frame, const QPointF& unitFrom, const QPointF& unitTo, const Stops& stops) {
+    const auto at = [&frame](const QPointF& unit) {
+        return QPointF(frame.left() + unit.x() * frame.width(), frame.top() + unit.y() * frame.height());
+    };
+    QLinearGradient gradient(at(unitFrom), at(unitTo));
+    for (const auto& [place, color] : stops) gradient.setColorAt(place, color);
+    return gradient;
+}

@@ -1,0 +1,83 @@
+#pragma once
+
+#include <QByteArray>
+#include <QCache>
+#include <QFont>
+#include <QPainter>
+#include <QPainterPath>
+#include <functional>
+
+#include "views/Fonts.h"
+#include "views/SoftShadows.h"
+#include "views/Symbols.h"
+
+/// What is made once and drawn often. Lives as long as the panel.
+struct PictureCaches {
+    SoftShadows shadows;
+    Symbols symbols;
+    QCache<QByteArray, QImage> drawings{8};
+};
+
+/// A size of text in points, as the pictures give it.
+struct TextStyle {
+    double size;
+    QFont::Weight weight = QFont::Normal;
+    Face face = Face::system;
+};
+
+/// Draws in points, crisp at any device pixel ratio. A thin layer over QPainter for the length of one frame.
+class Canvas {
+ public:
+    /// `painter` and `caches` must outlive the canvas; `devicePixelRatio` is the painter's.
+    Canvas(QPainter& painter, PictureCaches& caches, double devicePixelRatio);
+
+    /// Runs `draw` with `transform` before the present one and everything `opacity` times as opaque, then restores
+    /// both.
+    void with(const QTransform& transform, double opacity, const std::function<void()>& draw);
+    /// Everything that `draw` paints is cut off at `clip`.
+    void clipped(const QPainterPath& clip, const std::function<void()>& draw);
+    /// Paints `draw` on a sheet of its own over `bounds`, cuts the sheet to `mask`, and lays it down `opacity` opaque.
+    /// So edges of different things inside the mask leave no seam, and a fading group does not show through itself.
+    void layer(const QRectF& bounds, const QPainterPath& mask, double opacity,
+               const std::function<void(Canvas&)>& draw);
+
+    /// Draws `draw` over `bounds`, from a picture kept under `key` and the resolution if there is one. For what looks
+    /// the same in many frames and may be softened a little when it is scaled. It draws nothing inside `hole`.
+    void kept(const QByteArray& key, const QRectF& bounds, const QRectF& hole,
+              const std::function<void(Canvas&)>& draw);
+
+    void fill(const QPainterPath& path, const QBrush& brush);
+    /// Fills whole device pixels; for what a layer's mask cuts to shape.
+    void cover(const QRectF& rect, const QBrush& brush);
+    /// Round caps and a miter limit of 10.
+    void stroke(const QPainterPath& path, const QBrush& brush, double width);
+    /// The shadow that `shape` casts: blurred by `radius` points, moved by `offset`. The shape itself is not drawn, nor
+    /// what of the shadow is inside `hole`, where something else will cover it.
+    void shadow(const QPainterPath& shape, const QColor& color, double radius, const QPointF& offset,
+                const QRectF& hole = {});
+    /// The symbol `name` centred at `center`, as large as a letter of a font of `size` points would suggest.
+    void symbol(const QString& name, const QPointF& center, double size, const QColor& color);
+    /// One line of text, centred at `center`.
+    void text(const QString& line, const QPointF& center, const TextStyle& style, const QColor& color);
+
+    /// Width in points that `line` takes.
+    static double textWidth(const QString& line, const TextStyle& style);
+
+ private:
+    double pixelsPerPoint() const;
+    void drawScaled(const QRectF& bounds, const QImage& image, const QRectF& hole);
+
+    QPainter& painter_;
+    PictureCaches& caches_;
+    double ratio_;
+};
+
+/// Gradient colours with their places between the start (0) and the end (1).
+using Stops = QList<QPair<double, QColor>>;
+
+/// A radial gradient around a unit point of `frame` (0 to 1 from its top left): the first colour up to `startRadius`,
+/// the last from `endRadius` on, both in points.
+QBrush radialGradient(const QRectF& frame, const QPointF& unitCenter, double startRadius, double endRadius,
+                      const Stops& stops);
+/// A linear gradient between two unit points of `frame`.
+QBrush linearGradient(const QRectF& frame, const QPointF& unitFrom, const QPointF& unitTo, const Stops& stops);

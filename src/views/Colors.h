@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QColor>
+
+inline QColor accentOrange(double opacity = 1) {
+    return QColor::fromRgbF(1.0F, 0.46F, 0.13F, float(opacity));
+}
+inline QColor eyeWhite() {
+    return QColor::fromRgbF(0.97F, 0.97F, 0.97F);
+}
+/// The desktop's usual green for "good".
+inline QColor systemGreen() {
+    return QColor::fromRgbF(0.20F, 0.78F, 0.35F);
+}
+inline QColor white(double opacity) {
+    return QColor::fromRgbF(1, 1, 1, float(opacity));
+}
+inline QColor black(double opacity) {
+    return QColor::fromRgbF(0, 0, 0, float(opacity));
+}
+/// An opaque grey; `value` 0 is black, 1 white.
+inline QColor gray(double value) {
+    return QColor::fromRgbF(float(value), float(value), float(value));
+}

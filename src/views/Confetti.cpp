@@ -1,0 +1,51 @@
+#include "views/Confetti.h"
+
+#include <array>
+#include <cmath>
+#include <numbers>
+
+#include "views/Colors.h"
+#include "views/PieceIds.h"
+#include "views/Shapes.h"
+
+namespace {
+
+constexpr int kSparks = 10;
+constexpr double kBurstPoint = 36;  // below the top of the panel, just under a camera housing
+constexpr double kFarthest = 46 + 6 + 7;
+
+}  // namespace
+
+Confetti::Confetti(MainLoop& loop, std::function<double()> random) : loop_(loop), random_(std::move(random)) {}
+
+void Confetti::burst(const std::function<double()>& uptime, const std::function<void()>& launched) {
+    const std::array palette{accentOrange(), eyeWhite(), QColor::fromRgbF(1.0F, 0.5F, 0.7F),
+                             QColor::fromRgbF(0.5F, 0.85F, 1.0F)};
+    const auto uniform = [this](double least, double most) { return least + random_() * (most - least); };
+    sparks_.clear();
+    for (int n = 0; n < kSparks; ++n) {
+        const double angle = double(n) / kSparks * 2 * std::numbers::pi + uniform(-0.3, 0.3);
+        const double distance = uniform(26, 46);
+        sparks_.push_back({{distance * std::cos(angle), distance * std::sin(angle) - 6},
+                           palette[size_t(n) % palette.size()],
+                           uniform(4, 7)});
+    }
+    flight_.jump(0);
+    launch_ = loop_.after(0, [this, uptime, launched] {
+        flight_.aim(1, Animation::easeOut(0.7), uptime());
+        launched();
+    });
+}
+
+void Confetti::compose(DisplayList& list, double now) const {
+    const double flown = flight_.at(now);
+    if (sparks_.empty() || flown >= 1) return;
+    const QRectF bounds(-kFarthest, kBurstPoint - kFarthest, 2 * kFarthest, 2 * kFarthest);
+    const double identity = sparks_.front().flight.x();
+    list.add(piece::confetti, bounds, {flown, identity}, [sparks = sparks_, flown](Canvas& canvas) {
+        canvas.with(QTransform(), 1 - flown, [&] {
+            for (const Spark& spark : sparks)
+                canvas.fill(circle(QPointF(0, kBurstPoint) + spark.flight * flown, spark.size), spark.color);
+        });
+    });
+}

@@ -1,0 +1,95 @@
+#include "views/DisplayList.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "views/Shapes.h"
+
+namespace {
+
+/// A rectangle that lies inside a rounded one: what is in it needs no clipping.
+QRectF insideOf(const QRectF& rect, double radius) {
+    // Where the corner's arc is deepest it keeps 0.3 radii from both sides.
+    const double inset = 0.3 * radius;
+    return rect.adjusted(inset, inset, -inset, -inset);
+}
+
+}  // namespace
+
+bool DisplayList::Piece::looksLike(const Piece& other) const {
+    return place == other.place && transform == other.transform && opacity == other.opacity && clip == other.clip &&
+           state == other.state;
+}
+
+QRegion DisplayList::Piece::changesTo(const Piece& other) const {
+    if (looksLike(other)) return {};
+    return QRegion(place).united(other.place).subtracted(solid & other.solid);
+}
+
+void DisplayList::add(int id, const QRectF& bounds, std::vector<double> state, Draw draw, const QRectF& solid) {
+    if (opacity_ <= 0 || bounds.isEmpty()) return;
+    QRectF place = transform_.mapRect(bounds);
+    Clip clip = clip_;
+    if (clip.on) {
+        if (clip.transform.mapRect(insideOf(clip.rect, clip.radius)).contains(place)) clip = Clip();
+        place &= clip_.transform.mapRect(clip_.rect);
+        if (place.isEmpty()) return;
+    }
+    // Half a point more on each side for antialiased edges.
+    const QRect whole = place.adjusted(-0.5, -0.5, 0.5, 0.5).toAlignedRect();
+    const QRectF plain = transform_.mapRect(solid).adjusted(1, 1, -1, -1);
+    const QRect inner = plain.isValid() && opacity_ >= 1 ? plain.toRect() : QRect();
+    pieces_.push_back({id, whole, inner, transform_, opacity_, clip, std::move(state), std::move(draw)});
+}
+
+void DisplayList::with(const QTransform& transform, double opacity, const std::function<void()>& compose) {
+    const QTransform outerTransform = std::exchange(transform_, transform * transform_);
+    const double outerOpacity = std::exchange(opacity_, opacity_ * std::clamp(opacity, 0.0, 1.0));
+    compose();
+    transform_ = outerTransform;
+    opacity_ = outerOpacity;
+}
+
+void DisplayList::clipped(const QRectF& rect, double radius, const std::function<void()>& compose) {
+    const Clip outer = std::exchange(clip_, Clip{rect, radius, transform_, true});
+    compose();
+    clip_ = outer;
+}
+
+QRegion DisplayList::changesTo(const DisplayList& other) const {
+    QRegion changes;
+    const auto find = [](const std::vector<Piece>& pieces, int id) {
+        return std::find_if(pieces.begin(), pieces.end(), [id](const Piece& piece) { return piece.id == id; });
+    };
+    for (const Piece& piece : pieces_) {
+        const auto now = find(other.pieces_, piece.id);
+        if (now == other.pieces_.end()) {
+            changes += piece.place;
+        } else {
+            changes += piece.changesTo(*now);
+        }
+    }
+    for (const Piece& piece : other.pieces_) {
+        if (find(pieces_, piece.id) == pieces_.end()) changes += piece.place;
+    }
+    return changes;
+}
+
+QRegion DisplayList::covered() const {
+    QRegion covered;
+    for (const Piece& piece : pieces_) covered += piece.place;
+    return covered;
+}
+
+void DisplayList::paint(Canvas& canvas, const QRegion& damage) const {
+    for (const Piece& piece : pieces_) {
+        if (!damage.intersects(piece.place)) continue;
+        const auto draw = [&] { canvas.with(piece.transform, piece.opacity, [&] { piece.draw(canvas); }); };
+        if (!piece.clip.on) {
+            draw();
+            continue;
+        }
+        const QPainterPath clip = piece.clip.transform.map(continuousRectangle(piece.clip.rect, piece.clip.radius));
+        canvas.clipped(clip, draw);
+    }
+}

@@ -1,0 +1,136 @@
+#include "views/Mouth.h"
+
+#include <QColor>
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+
+#include "views/Colors.h"
+#include "views/PieceIds.h"
+#include "views/Shapes.h"
+
+namespace {
+
+constexpr double kChewPeriod = 0.55;  // seconds
+constexpr double kChewEase = 0.3;
+constexpr double kChewOpacity = 0.55;
+constexpr double kTongueDrop = 9;
+
+struct Numbers {
+    double width, height, opacity, space, shadow, gradientEnd, rim, glow, tongueWidth, tongueHeight, tongueOpacity;
+};
+
+// In the order of Mouth::State.
+constexpr std::array<Numbers, 4> kNumbers{{{14, 2.4, 0.55, 7, 0, 1, 0, 0, 0, 0, 0},
+                                           {16, 7, 0.9, 7, 0, 1, 0, 0, 0, 0, 0},
+                                           {20, 24, 1, 7, 0.6, 19, 0.24, 0.1, 0, 0, 0},
+                                           {40, 30, 1, 11, 0.6, 30, 0.34, 0.16, 20, 8, 1}}};
+
+const QColor kThroat = QColor::fromRgbF(0.11F, 0.015F, 0.04F);
+const QColor kPalate = QColor::fromRgbF(0.44F, 0.09F, 0.14F);
+const QColor kLips = QColor::fromRgbF(0.74F, 0.24F, 0.25F);
+const QColor kTongueTop = QColor::fromRgbF(0.87F, 0.42F, 0.45F);
+const QColor kTongueBottom = QColor::fromRgbF(0.58F, 0.19F, 0.26F);
+
+QColor warmGlow(double opacity) {
+    return QColor::fromRgbF(0.95F, 0.34F, 0.30F, float(opacity));
+}
+
+/// How dark the black capsule over a munching mouth is: it comes and goes, one period each, easing at the turn.
+double chewDarkness(double wallTime) {
+    const double n = std::floor(wallTime / kChewPeriod);
+    const bool even = std::fmod(n, 2) == 0;
+    const double left = Animation::easeInOut(kChewEase).at(wallTime - n * kChewPeriod).distance;
+    return kChewOpacity * (even ? 1 - left : left);
+}
+
+}  // namespace
+
+struct Mouth::Look {
+    double width, height, opacity, space, shadow, gradientEnd, rim, glow, tongueWidth, tongueHeight, tongueOpacity;
+    double chew;
+};
+
+void Mouth::aim(State state, const std::optional<Animation>& how, double now) {
+    std::optional<Animation> curve = how;
+    if ((state == State::eating) != (state_ == State::eating))
+        curve = Animation::interpolatingSpring(1, 260, 15);
+    else if ((state == State::yawning) != (state_ == State::yawning))
+        curve = Animation::easeInOut(0.6);
+    state_ = state;
+
+    const Numbers& n = kNumbers[size_t(state)];
+    width_.aim(n.width, curve, now);
+    height_.aim(n.height, curve, now);
+    opacity_.aim(n.opacity, curve, now);
+    space_.aim(n.space, curve, now);
+    shadow_.aim(n.shadow, curve, now);
+    gradientEnd_.aim(n.gradientEnd, curve, now);
+    rim_.aim(n.rim, curve, now);
+    glow_.aim(n.glow, curve, now);
+    tongueWidth_.aim(n.tongueWidth, curve, now);
+    tongueHeight_.aim(n.tongueHeight, curve, now);
+    tongueOpacity_.aim(n.tongueOpacity, curve, now);
+}
+
+bool Mouth::moving(double now) const {
+    for (const auto* value : {&width_, &height_, &opacity_, &space_, &shadow_, &gradientEnd_, &rim_, &glow_,
+                              &tongueWidth_, &tongueHeight_, &tongueOpacity_}) {
+        if (value->moving(now)) return true;
+    }
+    return false;
+}
+
+bool Mouth::chewing(double wallTime) const {
+    return state_ == State::munching && std::fmod(wallTime, kChewPeriod) < kChewEase;
+}
+
+double Mouth::untilNextChew(double wallTime) const {
+    if (state_ != State::munching) return std::numeric_limits<double>::infinity();
+    return kChewPeriod - std::fmod(wallTime, kChewPeriod);
+}
+
+Mouth::Look Mouth::look(double now, double wallTime) const {
+    const auto length = [now](const Animated<double>& value) { return std::max(value.at(now), 0.0); };
+    const auto share = [now](const Animated<double>& value) { return std::clamp(value.at(now), 0.0, 1.0); };
+    return {length(width_),        length(height_),       share(opacity_),
+            space_.at(now),        share(shadow_),        length(gradientEnd_),
+            share(rim_),           share(glow_),          length(tongueWidth_),
+            length(tongueHeight_), share(tongueOpacity_), state_ == State::munching ? chewDarkness(wallTime) : 0};
+}
+
+void Mouth::compose(DisplayList& list, double now, double wallTime) const {
+    const Look l = look(now, wallTime);
+    // The glow is the widest: radius 13, so it fades out within 1.5 times that.
+    const double margin = l.glow > 0 || l.shadow > 0 ? 20 : 1;
+    const QRectF bounds(-l.width / 2 - margin, l.space - margin, l.width + 2 * margin, l.height + 2 * margin);
+    list.add(piece::mouth, bounds,
+             {l.width, l.height, l.opacity, l.space, l.shadow, l.gradientEnd, l.rim, l.glow, l.tongueWidth,
+              l.tongueHeight, l.tongueOpacity, l.chew},
+             [l](Canvas& canvas) { canvas.with(QTransform(), l.opacity, [&] { draw(canvas, l); }); });
+}
+
+void Mouth::draw(Canvas& canvas, const Look& l) {
+    const QRectF frame(-l.width / 2, l.space, l.width, l.height);
+    const QPainterPath capsule = continuousCapsule(frame);
+    canvas.shadow(capsule, warmGlow(l.glow), 13, {});
+    canvas.shadow(capsule, black(l.shadow), 4, {0, 2});
+    canvas.fill(capsule, radialGradient(frame, {0.5, 0.66}, 1, std::max(l.gradientEnd, 1.0),
+                                        {{0, kThroat}, {0.5, kPalate}, {1, kLips}}));
+    if (l.tongueOpacity > 0) {
+        canvas.with(QTransform(), l.tongueOpacity,
+                    [&] { canvas.clipped(capsule, [&] { drawTongue(canvas, l, frame.center()); }); });
+    }
+    if (l.rim > 0)
+        canvas.stroke(capsule, linearGradient(frame, {0.5, 0}, {0.5, 0.5}, {{0, white(l.rim)}, {1, white(0)}}), 1.1);
+    if (l.chew > 0) canvas.fill(capsule, black(l.chew));
+}
+
+void Mouth::drawTongue(Canvas& canvas, const Look& l, const QPointF& center) {
+    const QRectF frame(center.x() - l.tongueWidth / 2, center.y() + kTongueDrop - l.tongueHeight / 2, l.tongueWidth,
+                       l.tongueHeight);
+    const QPainterPath tongue = continuousCapsule(frame);
+    canvas.shadow(tongue, black(0.45), 2.5, {0, -1.5});
+    canvas.fill(tongue, linearGradient(frame, {0.5, 0}, {0.5, 1}, {{0, kTongueTop}, {1, kTongueBottom}}));
+}

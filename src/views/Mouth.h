@@ -1,0 +1,33 @@
+#pragma once
+
+#include <optional>
+
+#include "motion/Animated.h"
+#include "views/DisplayList.h"
+
+/// The creature's mouth. It is drawn below the origin of its frame of reference, the bottom centre of the eye row.
+class Mouth {
+ public:
+    enum class State { resting, munching, yawning, eating };
+
+    /// `how` moves whatever is not bound to eating or yawning by an animation of its own.
+    void aim(State state, const std::optional<Animation>& how, double now);
+    bool moving(double now) const;
+    /// While it munches: seconds of wall time until the next bite, else infinity.
+    double untilNextChew(double wallTime) const;
+    /// Whether a bite is going on at this wall time (seconds since the reference date).
+    bool chewing(double wallTime) const;
+
+    void compose(DisplayList& list, double now, double wallTime) const;
+
+ private:
+    struct Look;
+    Look look(double now, double wallTime) const;
+    static void draw(Canvas& canvas, const Look& look);
+    static void drawTongue(Canvas& canvas, const Look& look, const QPointF& center);
+
+    State state_ = State::resting;
+    Animated<double> width_{14}, height_{2.4}, opacity_{0.55, 0.002}, space_{7}, shadow_{0, 0.002};
+    Animated<double> gradientEnd_{1}, rim_{0, 0.002}, glow_{0, 0.002};
+    Animated<double> tongueWidth_{0}, tongueHeight_{0}, tongueOpacity_{0, 0.002};
+};

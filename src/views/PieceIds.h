@@ -1,0 +1,6 @@
+#pragma once
+
+/// Names of the pieces of a DisplayList, one for each thing on the panel.
+namespace piece {
+enum : int { body, chevron, cheeks, leftEye, rightEye, mouth, sleepingArcs, zzz, badge, glyph, shelf, confetti };
+}

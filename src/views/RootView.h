@@ -1,0 +1,74 @@
+#pragma once
+
+#include <QPainterPath>
+#include <functional>
+#include <memory>
+#include <optional>
+
+#include "creature/NotchModel.h"
+#include "motion/Animated.h"
+#include "views/Confetti.h"
+#include "views/CritterView.h"
+#include "views/DisplayList.h"
+
+/// Everything on the panel: the black body that hangs from the notch, what it shows, and the movements of the whole.
+/// Coordinates are points of the panel, y growing downwards. Main thread only; the references must outlive it.
+class RootView {
+ public:
+    static constexpr double kPanelWidth = 360;
+    static constexpr double kPanelHeight = 230;
+
+    /// `random` gives uniformly distributed numbers in [0, 1).
+    RootView(NotchModel& model, Clock& clock, MainLoop& loop, std::function<double()> random);
+
+    /// Called when the picture has changed or begun to move.
+    std::function<void()> onChange;
+
+    /// What is on screen now.
+    void compose(DisplayList& list);
+    /// When the picture must be drawn next if nothing else happens: Clock::uptime(), or infinity.
+    double nextFrame() const;
+    /// The body's outline as it is drawn now; the panel is transparent elsewhere.
+    QPainterPath outline() const;
+
+    void tap(const QPointF& point);
+    /// The pointer has been pulled sideways by `translation` points since it was pressed. Begins a slide or goes on
+    /// with it.
+    void slide(double translation);
+    void slideEnded();
+
+ private:
+    void modelChanged(const std::optional<Animation>& how);
+    void aimBody(const std::optional<Animation>& how, double now);
+    void followBoops(double now);
+    void showOrHideCritter(const std::optional<Animation>& how, double now);
+    void breathe();
+    void changed();
+
+    QTransform wholeTransform(double now) const;
+    QRectF bodyRect(double now) const;
+    void composeBody(DisplayList& list, double now) const;
+    void composeChevron(DisplayList& list, double now) const;
+
+    NotchModel& m_;
+    Clock& clock_;
+    MainLoop& loop_;
+
+    Animated<double> width_, height_, bottomRadius_{14};
+    Animated<double> squashX_{1, 0.0005}, squashY_{1, 0.0005}, breath_{1, 0.0001};
+    Animated<double> bulgeX_{1, 0.0005}, bulgeY_{1, 0.0005};
+    Animated<double> chevron_{0, 0.002};         // its opacity while the creature is hidden
+    Animated<double> hiddenContent_{0, 0.002};   // presence of the hidden creature's content
+    Animated<double> critterContent_{0, 0.002};  // presence of the face
+
+    double breathPhase_ = 0;
+    double slideBase_ = 0;
+    int seenBoops_;
+    bool seenDiskFull_ = false;
+    bool seenHovering_ = false;
+
+    Confetti confetti_;
+    std::unique_ptr<CritterView> critter_;
+    TimerHandle breathTimer_;
+    Subscription subscription_;
+};

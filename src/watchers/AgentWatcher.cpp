@@ -1,0 +1,99 @@
+#include "watchers/AgentWatcher.h"
+
+#include <algorithm>
+
+#include "platform/Workspace.h"
+#include "watchers/AgentDirectory.h"
+
+namespace {
+
+constexpr double kInterval = 2.5;  // seconds
+constexpr qsizetype kProjectLine = 3;
+constexpr qsizetype kTerminalLine = 4;
+constexpr qsizetype kShownProjects = 3;
+
+/// What follows the last full stop; empty for a name that only begins with one.
+QString extension(const QString& name) {
+    const qsizetype dot = name.lastIndexOf(u'.');
+    return dot > 0 ? name.mid(dot + 1) : QString();
+}
+
+bool isRecord(const QString& name) {
+    return !name.startsWith(u'.') && extension(name).isEmpty();
+}
+
+bool isAsk(const QString& name) {
+    return extension(name) == QLatin1String("ask");
+}
+
+std::optional<QString> line(const QStringList& lines, qsizetype place) {
+    return lines.size() > place ? std::optional(lines[place]) : std::nullopt;
+}
+
+}  // namespace
+
+struct AgentWatcher::Census {
+    int records = 0, waiting = 0, alerts = 0;
+    bool asks = false;
+    QStringList projects;
+    std::optional<QString> terminal;  ///< where the first agent that needs the user runs
+};
+
+AgentWatcher::AgentWatcher(NotchModel& model, MainLoop& loop, Workspace& workspace, QString folder)
+    : m_(model), loop_(loop), workspace_(workspace), folder_(std::move(folder)) {}
+
+void AgentWatcher::start() {
+    timer_ = loop_.every(kInterval, [this] { scanAgents(); });
+}
+
+void AgentWatcher::scanAgents() {
+    apply(takeCensus(AgentDirectory(folder_)));
+}
+
+AgentWatcher::Census AgentWatcher::takeCensus(const AgentDirectory& directory) {
+    Census census;
+    const QStringList entries = directory.entries();
+    for (const QString& name : entries) {
+        if (!isRecord(name)) continue;
+        ++census.records;
+        const QStringList lines = directory.text(name).split(u'\n');
+        const QString flag = directory.text(name + QStringLiteral(".flag"));
+        if (flag.startsWith(QLatin1String("wait"))) {
+            ++census.waiting;
+        } else if (flag.startsWith(QLatin1String("alert"))) {
+            ++census.alerts;
+            if (!census.terminal) census.terminal = line(lines, kTerminalLine);
+        } else if (const auto project = line(lines, kProjectLine); project && !project->isEmpty()) {
+            census.projects.append(*project);
+        }
+    }
+    const auto ask = std::find_if(entries.begin(), entries.end(), isAsk);
+    census.asks = ask != entries.end();
+    if (census.asks && !census.terminal)
+        census.terminal = line(directory.text(ask->chopped(4)).split(u'\n'), kTerminalLine);
+    return census;
+}
+
+void AgentWatcher::apply(const Census& census) {
+    m_.blockedTerminal = census.terminal;
+
+    QStringList names = census.projects;
+    names.sort();
+    names.removeDuplicates();
+    const QString text = names.mid(0, kShownProjects).join(QStringLiteral(" · "));
+    if (text != m_.agentProjects.get()) m_.agentProjects = text;
+
+    const int working = std::max(census.records - census.waiting - census.alerts, 0);
+    const bool needs = census.alerts > 0 || census.asks;
+    if (lastAlive_ >= 0 && census.records > lastAlive_ && m_.toy == Toy::critter) ++m_.spawnCount;
+    lastAlive_ = census.records;
+    if (working != m_.agentsWorking) m_.withAnimation(Animation::spring(0.4, 0.7), [&] { m_.agentsWorking = working; });
+    if (needs != m_.needsYou) {
+        m_.withAnimation(Animation::easeInOut(0.4), [&] { m_.needsYou = needs; });
+        if (needs) ++m_.spawnCount;
+    }
+}
+
+void AgentWatcher::focusBlockedTerminal() {
+    if (m_.blockedTerminal) workspace_.activateOrOpenTerminal(*m_.blockedTerminal);
+}

@@ -1,0 +1,274 @@
+#include <gtest/gtest.h>
+
+#include "creature/BehaviourEngine.h"
+#include "creature/Numbers.h"
+#include "support/Creature.h"
+
+namespace {
+
+TEST(Hovering, EntersAt14PointsAndLeavesAt24) {
+    BehaviourFixture f;
+    const double side = 185 / 2.0;
+    f.moveTo(side + 14.5, 10);
+    EXPECT_FALSE(f.m.hovering);
+    f.moveTo(side + 14, 10);
+    EXPECT_TRUE(f.m.hovering);
+    // The shape is 214 wide now.
+    f.moveTo(107 + 24, 10);
+    EXPECT_TRUE(f.m.hovering);
+    f.moveTo(107 + 24.5, 10);
+    EXPECT_FALSE(f.m.hovering);
+    f.moveTo(side + 20, 10);
+    EXPECT_FALSE(f.m.hovering);
+    f.moveTo(0, 58 + 14.5);
+    EXPECT_FALSE(f.m.hovering);
+    f.moveTo(0, 58 + 14);
+    EXPECT_TRUE(f.m.hovering);
+    EXPECT_EQ(f.passThroughUpdates, 3);
+}
+
+TEST(Hovering, ZoneReachesFourPointsAboveTheScreenAndMovesWithTheSlide) {
+    BehaviourFixture f;
+    EXPECT_TRUE(f.engine.inHoverZone({756, 986}, 14));
+    EXPECT_FALSE(f.engine.inHoverZone({756, 986.5}, 14));
+    f.m.slideX = 200.0;
+    EXPECT_FALSE(f.engine.inHoverZone({756, 980}, 14));
+    EXPECT_TRUE(f.engine.inHoverZone({956, 980}, 14));
+    // A small notch still has a zone of 185 x 40.
+    f.m.slideX = 0.0;
+    f.m.notchSize = {100, 20};
+    f.m.hidden = true;
+    EXPECT_TRUE(f.engine.inHoverZone({756 + 92.5 + 14, 982 - 54}, 14));
+    EXPECT_FALSE(f.engine.inHoverZone({756, 982 - 54.5}, 14));
+}
+
+TEST(Hovering, TracesEachChange) {
+    BehaviourFixture f;
+    f.moveTo(0, 10);
+    f.moveTo(0, 200);
+    ASSERT_EQ(f.traces.size(), 2);
+    EXPECT_EQ(f.traces[0], QStringLiteral("hovering false → true at (756.0, 972.0) zone=(106.5, 72.0)"));
+    EXPECT_EQ(f.traces[1], QStringLiteral("hovering true → false at (756.0, 782.0) zone=(121.0, 122.0)"));
+}
+
+TEST(Gaze, IsPublishedOnlyForMovesThatShow) {
+    BehaviourFixture f;
+    const auto cursor = [&] { return f.m.cursor.get() - QPointF(756, 982); };
+    f.moveTo(300, 400);
+    EXPECT_EQ(cursor(), QPointF(300, -400));
+    f.moveTo(301, 402);  // 3 points
+    EXPECT_EQ(cursor(), QPointF(300, -400));
+    f.moveTo(302, 402);  // 4 points
+    EXPECT_EQ(cursor(), QPointF(302, -402));
+    f.moveTo(340, 402, 0.03);  // too soon
+    EXPECT_EQ(cursor(), QPointF(302, -402));
+    f.moveTo(340, 402, 0.03);
+    EXPECT_EQ(cursor(), QPointF(340, -402));
+    f.moveTo(0, 60, 0.01);  // a change of hovering is always published
+    EXPECT_EQ(cursor(), QPointF(0, -60));
+}
+
+TEST(Startle, NeedsSpeedNearnessAndTheCritter) {
+    struct Case {
+        const char* name;
+        double x, elapsed;
+        Toy toy;
+        int startles;
+    };
+    for (const Case& c : std::vector<Case>{{"fast and near", 100, 0.05, Toy::critter, 1},
+                                           {"slow", 100, 0.5, Toy::critter, 0},
+                                           {"fast but far", 170, 0.05, Toy::critter, 0},
+                                           {"weather", 100, 0.05, Toy::weather, 0}}) {
+        BehaviourFixture f;
+        f.m.toy = c.toy;
+        f.moveTo(c.x + 300, 30, 1);
+        f.moveTo(c.x, 30, c.elapsed);
+        EXPECT_EQ(f.m.startleCount, c.startles) << c.name;
+    }
+}
+
+TEST(Startle, CoolsDown) {
+    BehaviourFixture f;
+    const auto flick = [&] {
+        f.moveTo(500, 30, 0.3);
+        f.moveTo(0, 30, 0.05);
+    };
+    flick();
+    flick();  // 0.35 s later
+    EXPECT_EQ(f.m.startleCount, 1);
+    f.loop.advance(0.5);
+    flick();
+    EXPECT_EQ(f.m.startleCount, 2);
+}
+
+TEST(Startle, WakesASleeper) {
+    BehaviourFixture f;
+    f.moveTo(500, 30);
+    f.m.asleep = true;
+    f.moveTo(0, 30, 0.05);
+    EXPECT_EQ(f.m.startleCount, 1);
+    EXPECT_FALSE(f.m.asleep);
+}
+
+TEST(Dozing, FallsAsleepAfter22SecondsWithoutTheUser) {
+    BehaviourFixture f;
+    f.engine.startTicks();
+    f.loop.advance(23.9);
+    EXPECT_FALSE(f.m.asleep);
+    f.loop.advance(0.2);  // the tick at 24 s
+    EXPECT_TRUE(f.m.asleep);
+    f.engine.applicationActivated();
+    EXPECT_FALSE(f.m.asleep);
+    EXPECT_EQ(f.m.glanceCount, 1);
+}
+
+TEST(Dozing, StaysAwakeWhileWatchedHiddenOrWeather) {
+    for (const auto& arrange : std::vector<std::function<void(NotchModel&)>>{
+             [](NotchModel& m) { m.hovering = true; },
+             [](NotchModel& m) { m.hidden = true; },
+             [](NotchModel& m) { m.toy = Toy::weather; },
+         }) {
+        BehaviourFixture f;
+        arrange(f.m);
+        f.engine.startTicks();
+        f.loop.advance(60);
+        EXPECT_FALSE(f.m.asleep);
+    }
+}
+
+TEST(Timers, RingTogetherWithOneBoopAndOneChime) {
+    BehaviourFixture f;
+    f.engine.startTicks();
+    f.m.addTimer(0.99);
+    f.m.addTimer(1);
+    f.loop.advance(59);
+    EXPECT_EQ(f.m.boopCount, 0);
+    f.loop.advance(4);
+    EXPECT_EQ(f.m.boopCount, 1);
+    EXPECT_EQ(f.sounds.played, QStringList{QStringLiteral("Glass")});
+
+    f.m.quietUntil = f.clock.now() + 3600;
+    f.m.addTimer(0.1);
+    f.loop.advance(10);
+    EXPECT_EQ(f.m.boopCount, 2);
+    EXPECT_EQ(f.sounds.played.size(), 1);
+}
+
+/// Moves the pointer once a minute for `minutes`.
+void work(BehaviourFixture& f, int minutes) {
+    for (int i = 0; i < minutes; ++i) f.moveTo(500 + i % 2 * 10, 500, 60);
+}
+
+TEST(Stretch, ComesAfterFiftyMinutesOfWorkAndNotAgainSoon) {
+    BehaviourFixture f;
+    f.engine.startTicks();
+    // A creature that nobody moves for 22 s sleeps, and sleep ends the streak: work has to be steady.
+    const auto steady = [&](double seconds) {
+        for (double t = 0; t < seconds; t += 10) f.moveTo(500 + std::fmod(t, 20), 500, 10);
+    };
+    steady(2990);
+    EXPECT_EQ(f.m.stretchCount, 0);
+    steady(30);
+    EXPECT_EQ(f.m.stretchCount, 1);
+    EXPECT_TRUE(f.m.yawning || f.loop.pending() > 0);
+    steady(3270);
+    EXPECT_EQ(f.m.stretchCount, 1);
+    steady(60);
+    EXPECT_EQ(f.m.stretchCount, 2);
+}
+
+TEST(Stretch, ASleepBreaksTheStreak) {
+    BehaviourFixture f;
+    f.engine.startTicks();
+    work(f, 120);  // dozes off in every minute
+    EXPECT_EQ(f.m.stretchCount, 0);
+}
+
+TEST(Yawns, ATiredCreatureYawnsEveryFewMinutes) {
+    BehaviourFixture f;
+    f.m.battery = 0.1;
+    f.m.hidden = true;  // stays awake
+    f.engine.startTicks();
+    int yawns = 0;
+    bool was = false;
+    const auto did = f.m.objectDidChange.subscribe([&](const auto&) {
+        if (f.m.yawning && !was) ++yawns;
+        was = f.m.yawning;
+    });
+    f.nextRandom = 0;
+    f.loop.advance(45);
+    EXPECT_EQ(yawns, 0);
+    f.loop.advance(16);  // the tick at 60 s
+    EXPECT_EQ(yawns, 1);
+    f.loop.advance(180);
+    EXPECT_EQ(yawns, 1);  // due just after 240 s, ticks come every 15 s
+    f.loop.advance(15);
+    EXPECT_EQ(yawns, 2);
+    f.m.battery = 1.0;
+    f.loop.advance(1000);
+    EXPECT_EQ(yawns, 2);
+}
+
+TEST(Slide, StaysFiveSecondsAndComesHomeInHalfOfOne) {
+    BehaviourFixture f;
+    f.engine.watchSlides();
+    f.loop.drain();
+    f.m.sliding = true;
+    f.m.slideX = 120.0;
+    f.m.sliding = false;
+    f.loop.advance(4.99);
+    EXPECT_EQ(f.m.slideX, 120.0);
+    f.loop.advance(0.26);
+    EXPECT_NEAR(f.m.slideX, 120 * std::pow(0.5, 3), 2.5);
+    f.loop.advance(0.3);
+    EXPECT_EQ(f.m.slideX, 0.0);
+    const int settled = f.passThroughUpdates;
+    f.loop.advance(1);
+    EXPECT_EQ(f.passThroughUpdates, settled);
+}
+
+TEST(Slide, GrabbedOnTheWayHomeStopsWhereItIs) {
+    BehaviourFixture f;
+    f.engine.watchSlides();
+    f.m.sliding = true;
+    f.m.slideX = -200.0;
+    f.m.sliding = false;
+    f.loop.advance(5.2);
+    f.m.sliding = true;
+    f.loop.advance(0.02);
+    const double held = f.m.slideX;
+    EXPECT_LT(held, -1);
+    f.loop.advance(20);
+    EXPECT_EQ(f.m.slideX, held);
+    f.m.sliding = false;
+    f.loop.advance(6);
+    EXPECT_EQ(f.m.slideX, 0.0);
+}
+
+TEST(Slide, ForgottenWayHomeMovesNothing) {
+    BehaviourFixture f;
+    f.engine.watchSlides();
+    f.m.slideX = 100.0;
+    f.m.sliding = false;
+    f.loop.advance(5.1);
+    f.engine.cancelSlideHome();
+    f.m.slideX = 0.0;
+    f.loop.advance(10);
+    EXPECT_EQ(f.m.slideX, 0.0);
+}
+
+TEST(Numbers, PrintShortestWithAPoint) {
+    for (const auto& [value, text] : std::vector<std::pair<double, const char*>>{{1512, "1512.0"},
+                                                                                 {0, "0.0"},
+                                                                                 {-0.5, "-0.5"},
+                                                                                 {0.1, "0.1"},
+                                                                                 {100000, "100000.0"},
+                                                                                 {1.0 / 3, "0.3333333333333333"},
+                                                                                 {1e300, "1.0e+300"},
+                                                                                 {2.5e-7, "2.5e-07"}}) {
+        EXPECT_EQ(formatNumber(value), QLatin1String(text));
+    }
+    EXPECT_EQ(formatNumbers({1, 2.5}), QStringLiteral("(1.0, 2.5)"));
+}
+
+}  // namespace

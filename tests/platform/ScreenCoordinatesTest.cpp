@@ -1,0 +1,43 @@
+#include <gtest/gtest.h>
+
+#include "platform/linux/ScreenCoordinates.h"
+
+namespace {
+/// main() arranges the screens for this suite: the main one, 800 by 600 points of two pixels each, at (1000, 200), and
+/// to its left one of 1000 by 1080 single pixels at (0, 0).
+class TwoScreens : public testing::Test {
+ protected:
+    void SetUp() override {
+        if (QGuiApplication::screens().size() != 2) GTEST_SKIP() << "needs a run of its own";
+        ASSERT_EQ(nativeGeometry(*QGuiApplication::primaryScreen()), QRectF(1000, 200, 1600, 1200));
+    }
+};
+
+TEST_F(TwoScreens, HaveTheModelsOriginAtTheMainOnesBottomLeft) {
+    const struct {
+        QRectF qt, model;
+    } rectangles[] = {
+        {{1000, 200, 800, 600}, {0, 0, 800, 600}},
+        {{0, 0, 1000, 1080}, {-1000, -280, 1000, 1080}},
+        {{1300, 200, 100.5, 30}, {300, 570, 100.5, 30}},
+    };
+    for (const auto& [qt, model] : rectangles) {
+        EXPECT_EQ(toModel(qt), model);
+        EXPECT_EQ(toQt(model), qt);
+        EXPECT_EQ(toModel(qt.topLeft()), QPointF(model.left(), model.bottom()));
+        EXPECT_EQ(toQt(toModel(qt.topLeft())), qt.topLeft());
+    }
+}
+
+TEST_F(TwoScreens, ScaleNativePointsByTheirOwnRatio) {
+    const struct {
+        QPointF native, model;
+    } points[] = {
+        {{1000, 200}, {0, 600}},   {{1400, 600}, {200, 400}}, {{2599, 1399}, {799.5, 0.5}},  {{999, 0}, {-1, 800}},
+        {{999, 1079}, {-1, -279}}, {{0, 500}, {-1000, 300}},  {{5000, 5000}, {2000, -1800}},  // on no screen: as if the
+                                                                                              // main one went on
+    };
+    for (const auto& [native, model] : points)
+        EXPECT_EQ(nativeToModel(native), model) << native.x() << ',' << native.y();
+}
+}  // namespace

@@ -1,0 +1,131 @@
+#include "X11Test.h"
+
+namespace {
+constexpr int capsLockKey = 66;
+
+class X11Monitors : public X11Test {
+ protected:
+    X11Monitors() : monitors(connection, sampler, &X11PanelWindow::ownWindow) {
+        monitors.onMouseMoved = [this](QPointF pointer) { moves.append(pointer); };
+        monitors.onLeftMouseDragged = [this](QPointF pointer) { drags.append(pointer); };
+        monitors.onLeftMouseUp = [this](QPointF pointer) { ups.append(pointer); };
+        monitors.onRightMouseDown = [this](QPointF pointer) { rights.append(pointer); };
+        monitors.onScroll = [this](QPointF, QPointF steps) { scrolls.append(steps); };
+        monitors.onCapsLockChanged = [this](bool on) { locks.append(on); };
+        monitors.start();
+    }
+
+    /// Takes what would otherwise open the window manager's menus and change desktops.
+    OtherWindow floor{session(), {.geometry = {0, 0, 1280, 800}, .overrideRedirect = true}};
+    X11EventMonitors monitors;
+    QList<QPointF> moves, drags, ups, rights, scrolls;
+    QList<bool> locks;
+};
+
+TEST_F(X11Monitors, SampleMotionAtDisplayRateAndTheRestNotAtAll) {
+    session().moveTo({300, 300});
+    ASSERT_TRUE(waitFor([&] { return moves == QList{modelAt({300, 300})}; }));
+    EXPECT_EQ(monitors.pointerLocation(), modelAt({300, 300}));
+    letPass(0.3);
+    moves.clear();
+
+    int reports = 0;
+    const auto counter =
+        connection->handle([&](const xcb_generic_event_t& event) { reports += code(event) == XCB_GE_GENERIC; });
+    session().glide({300, 300}, {1100, 500}, 1000, 1);
+    ASSERT_TRUE(waitFor([&] { return moves.endsWith(modelAt({1100, 500})); }));
+    const double rate = qGuiApp->primaryScreen()->refreshRate() >= 20 ? qGuiApp->primaryScreen()->refreshRate() : 60;
+    EXPECT_GE(moves.size(), 15);
+    EXPECT_LE(moves.size(), rate * 1.3);
+    EXPECT_LE(reports, 20) << "hardware reports arrive although the pointer is sampled";
+
+    letPass(0.3);
+    const auto count = moves.size();
+    const uint32_t questions = xcb_no_operation(connection->xcb()).sequence;
+    letPass(0.5);
+    EXPECT_EQ(moves.size(), count);
+    EXPECT_EQ(xcb_no_operation(connection->xcb()).sequence, questions + 1) << "the pointer is asked for while it rests";
+
+    session().moveTo({1101, 500});
+    EXPECT_TRUE(waitFor([&] { return moves.endsWith(modelAt({1101, 500})); }, 1));
+    EXPECT_TRUE(drags.empty());
+}
+
+TEST_F(X11Monitors, TellDragsFromMoves) {
+    session().moveTo({300, 300});
+    session().press(1);
+    session().glide({300, 300}, {500, 500}, 100, 1);
+    ASSERT_TRUE(waitFor([&] { return drags.endsWith(modelAt({500, 500})); }));
+    session().release(1);
+    ASSERT_TRUE(waitFor([&] { return ups == QList{modelAt({500, 500})}; }));
+    const auto count = drags.size();
+    session().moveTo({600, 500});
+    ASSERT_TRUE(waitFor([&] { return moves.endsWith(modelAt({600, 500})); }));
+    EXPECT_EQ(drags.size(), count);
+    EXPECT_FALSE(moves.contains(modelAt({500, 500})));
+}
+
+TEST_F(X11Monitors, ReportRightPressesWhenAMenuCanOpen) {
+    RedPanel panel(connection, sampler, loop);
+    panel.setInputRegionNow(QRect(0, 0, 240, 120));
+    ASSERT_TRUE(waitFor([&] { return panel.window().isExposed(); }));
+
+    session().moveTo({200, 200});
+    session().press(3);
+    ASSERT_TRUE(waitFor([&] { return floor.presses() == QList{3}; }));
+    letPass(0.1);
+    EXPECT_TRUE(rights.empty()) << "the other program still holds the pointer";
+    session().release(3);
+    EXPECT_TRUE(waitFor([&] { return rights == QList{modelAt({200, 200})}; }));
+
+    rights.clear();
+    const QPoint inside = pixel({320, 60});
+    session().moveTo(inside);
+    session().press(3);
+    EXPECT_TRUE(waitFor([&] { return rights == QList{modelAt(inside)}; }));
+    session().release(3);
+    letPass(0.1);
+    EXPECT_EQ(rights.size(), 1);
+}
+
+TEST_F(X11Monitors, CountEachWheelStepOnce) {
+    for (int button : {4, 5, 5, 6, 7}) {
+        session().press(button);
+        session().release(button);
+    }
+    const QList<QPointF> steps{{0, 1}, {0, -1}, {0, -1}, {-1, 0}, {1, 0}};
+    EXPECT_TRUE(waitFor([&] { return scrolls == steps; }));
+    letPass(0.1);
+    EXPECT_EQ(scrolls, steps);
+}
+
+TEST_F(X11Monitors, FollowALeftHandersButtons) {
+    const auto map = [this](QByteArray buttons) {
+        const auto cookie = xcb_set_pointer_mapping(session().xcb(), uint8_t(buttons.size()),
+                                                    reinterpret_cast<const uint8_t*>(buttons.constData()));
+        return XcbPtr<xcb_set_pointer_mapping_reply_t>(xcb_set_pointer_mapping_reply(session().xcb(), cookie, nullptr))
+            ->status;
+    };
+    ASSERT_EQ(map(QByteArray("\3\2\1\4\5\6\7\10\11\12")), XCB_MAPPING_STATUS_SUCCESS);
+    session().press(3);
+    session().release(3);
+    EXPECT_TRUE(waitFor([&] { return ups.size() == 1; }));
+    EXPECT_TRUE(rights.empty());
+    session().press(1);
+    session().release(1);
+    EXPECT_TRUE(waitFor([&] { return rights.size() == 1; }));
+    EXPECT_EQ(ups.size(), 1);
+    ASSERT_EQ(map(QByteArray("\1\2\3\4\5\6\7\10\11\12")), XCB_MAPPING_STATUS_SUCCESS);
+}
+
+TEST_F(X11Monitors, HearCapsLock) {
+    ASSERT_FALSE(monitors.capsLock());
+    for (const bool on : {true, false}) {
+        session().key(capsLockKey, true);
+        session().key(capsLockKey, false);
+        EXPECT_TRUE(waitFor([&] { return locks.endsWith(on); }));
+        EXPECT_EQ(monitors.capsLock(), on);
+    }
+    EXPECT_EQ(locks, (QList{true, false}));
+}
+}  // namespace

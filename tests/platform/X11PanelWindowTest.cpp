@@ -1,0 +1,230 @@
+#include <xcb/shape.h>
+
+#include <QDrag>
+#include <QDropEvent>
+#include <QElapsedTimer>
+#include <QMimeData>
+
+#include "X11Test.h"
+
+namespace {
+/// Counts the events of one kind that a window gets.
+class EventCount : public QObject {
+ public:
+    EventCount(QObject& watched, QEvent::Type type) : type_(type) { watched.installEventFilter(this); }
+    bool eventFilter(QObject*, QEvent* event) override {
+        count += event->type() == type_;
+        return false;
+    }
+    int count = 0;
+
+ private:
+    QEvent::Type type_;
+};
+
+class X11Panel : public X11Test {
+ protected:
+    X11Panel() : panel(connection, sampler, loop) {
+        panel.onPress = [this](PanelWindow::Button, QPointF position, QPointF pointer) {
+            presses.append(position);
+            pressPointer = pointer;
+        };
+        panel.onRelease = [this](PanelWindow::Button, QPointF) { ++releases; };
+        panel.onDrag = [this](QPointF pointer) { drags.append(pointer); };
+    }
+
+    xcb_window_t id() { return xcb_window_t(panel.window().winId()); }
+    bool red() const { return colourAt(pixel(middle)) == QColor(Qt::red); }
+    bool shaped() {
+        const auto cookie = xcb_shape_query_extents(session().xcb(), id());
+        const XcbPtr<xcb_shape_query_extents_reply_t> reply(
+            xcb_shape_query_extents_reply(session().xcb(), cookie, nullptr));
+        return reply->bounding_shaped;
+    }
+
+    const QPointF middle{320, 60};
+    RedPanel panel;
+    QList<QPointF> presses;
+    QPointF pressPointer;
+    int releases = 0;
+    QList<QPointF> drags;
+};
+
+TEST_F(X11Panel, LiesOverFullScreenWindowsAndLeavesThemTheFocus) {
+    OtherWindow below(session(), {.fullScreen = true});
+    ASSERT_TRUE(waitFor([&] { return below.active(); }));
+    ASSERT_TRUE(waitFor([&] { return red(); }));
+    EXPECT_EQ(panel.frame(), toModel(RedPanel::place));
+
+    panel.setInputRegionNow(QRect(0, 0, 240, 120));
+    session().click(pixel(middle));
+    ASSERT_TRUE(waitFor([&] { return presses.size() == 1 && releases == 1; }));
+    EXPECT_EQ(presses.first(), middle - RedPanel::place.topLeft());
+    EXPECT_EQ(pressPointer, toModel(middle));
+    letPass(0.2);
+    EXPECT_TRUE(below.active());
+    EXPECT_TRUE(below.presses().empty());
+    EXPECT_TRUE(red());
+}
+
+TEST_F(X11Panel, TakesClicksInsideItsInputRegionOnly) {
+    OtherWindow below(session(), {.geometry = {0, 0, 1280, 700}, .overrideRedirect = true});
+    ASSERT_TRUE(waitFor([&] { return red(); }));
+    const struct {
+        QRegion region;
+        QPointF place;
+        bool taken;
+    } cases[] = {
+        {{}, middle, false},
+        {QRect(100, 20, 40, 50), middle, true},
+        {QRect(100, 20, 40, 50), {205, 5}, false},
+        {QRegion(0, 0, 20, 20) + QRect(200, 80, 40, 40), {205, 5}, true},
+        {QRegion(0, 0, 20, 20) + QRect(200, 80, 40, 40), middle, false},
+        {{}, {205, 5}, false},
+    };
+    int taken = 0, fallen = 0;
+    for (const auto& [region, place, inside] : cases) {
+        panel.setInputRegionNow(region);
+        session().click(pixel(place));
+        ++(inside ? taken : fallen);
+        ASSERT_TRUE(waitFor([&] { return presses.size() == taken && below.presses().size() == fallen; }))
+            << "at " << place.x() << ", " << place.y();
+    }
+}
+
+TEST_F(X11Panel, ComesBackWhenAnotherProgramCoversIt) {
+    ASSERT_TRUE(waitFor([&] { return red(); }));
+    OtherWindow cover(session(), {.geometry = {0, 0, 1280, 300}, .overrideRedirect = true});
+    EXPECT_TRUE(waitFor([&] { return red(); }, 2));
+    letPass(0.6);
+    cover.raise();
+    EXPECT_TRUE(waitFor([&] { return !red(); }, 2));
+    EXPECT_TRUE(waitFor([&] { return red(); }, 2));
+}
+
+TEST_F(X11Panel, LeavesItsOwnMenusAbove) {
+    ASSERT_TRUE(waitFor([&] { return red(); }));
+    QWindow menu;
+    menu.setFlags(Qt::ToolTip);
+    menu.setGeometry(300, 40, 100, 100);
+    menu.show();
+    OtherWindow elsewhere(session(), {.geometry = {600, 500, 100, 100}, .overrideRedirect = true});
+    ASSERT_TRUE(waitFor([&] { return session().stacking().contains(xcb_window_t(menu.winId())) && menu.isExposed(); }));
+    letPass(0.5);
+    const auto stacking = session().stacking();
+    EXPECT_GT(stacking.indexOf(xcb_window_t(menu.winId())), stacking.indexOf(id()));
+}
+
+TEST_F(X11Panel, GivesWayToAProgramThatInsists) {
+    ASSERT_TRUE(waitFor([&] { return red(); }));
+    OtherWindow rival(session(), {.geometry = {0, 0, 1280, 300}, .overrideRedirect = true});
+    int lost = 0;
+    QElapsedTimer timer;
+    timer.start();
+    while (timer.elapsed() < 3000) {
+        if (red()) {
+            ++lost;
+            rival.raise();
+            ASSERT_TRUE(waitFor([&] { return !red(); }, 1));
+        }
+        letPass(0.005);
+    }
+    EXPECT_GE(lost, 2);
+    EXPECT_LE(lost, 6);
+}
+
+TEST_F(X11Panel, HasTheShapeOfItsOutlineWhereNothingBlends) {
+    OtherWindow below(session(), {.geometry = {0, 0, 1280, 700}, .colour = 0x00ff00, .overrideRedirect = true});
+    const QPoint corner = pixel({205, 110});
+    panel.onExpose = [this] {
+        panel.paint(QRect(0, 0, 240, 120), [](QPainter& painter) { painter.fillRect(80, 0, 80, 120, Qt::red); });
+    };
+    panel.onExpose();
+    panel.setOutline(QRect(80, 0, 80, 120));
+    ASSERT_TRUE(waitFor([&] { return red() && colourAt(corner) == QColor(Qt::green); }));
+    EXPECT_TRUE(shaped());
+
+    session().startCompositor();
+    EXPECT_TRUE(waitFor([&] { return !shaped() && red() && colourAt(corner) == QColor(Qt::green); }));
+    session().stopCompositor();
+    EXPECT_TRUE(waitFor([&] { return shaped() && red() && colourAt(corner) == QColor(Qt::green); }));
+}
+
+TEST_F(X11Panel, SamplesDragsInsteadOfHearingEveryMotion) {
+    panel.setInputRegionNow(QRect(0, 0, 240, 120));
+    ASSERT_TRUE(waitFor([&] { return red(); }));
+    EventCount motions(panel.window(), QEvent::MouseMove);
+    session().glide(pixel({210, 10}), pixel(middle), 200, 1);
+    EXPECT_EQ(motions.count, 0);
+    session().press(1);
+    ASSERT_TRUE(waitFor([&] { return presses.size() == 1; }));
+    motions.count = 0;  // Qt makes up a move before a press
+    EXPECT_TRUE(drags.empty());
+
+    session().glide(pixel(middle), pixel({600, 300}), 500, 1);
+    ASSERT_TRUE(waitFor([&] { return drags.endsWith(toModel(QPointF(600, 300))); }));
+    EXPECT_GE(drags.size(), 10);
+    EXPECT_LE(drags.size(), 500 * panel.refreshRate() / 1000 * 1.5);
+    EXPECT_EQ(motions.count, 0);
+
+    session().release(1);
+    ASSERT_TRUE(waitFor([&] { return releases == 1; }));
+    const auto before = drags.size();
+    session().glide(pixel({600, 300}), pixel(middle), 100, 1);
+    letPass(0.1);
+    EXPECT_EQ(drags.size(), before);
+}
+
+/// Takes any text that is dropped.
+class DropTarget : public QWindow {
+ public:
+    QString text;
+
+ protected:
+    bool event(QEvent* event) override {
+        if (event->type() != QEvent::DragEnter && event->type() != QEvent::DragMove && event->type() != QEvent::Drop)
+            return QWindow::event(event);
+        auto* drop = static_cast<QDropEvent*>(event);
+        drop->acceptProposedAction();
+        if (event->type() == QEvent::Drop) text = drop->mimeData()->text();
+        return true;
+    }
+};
+
+TEST_F(X11Panel, CanBeTheSourceOfADragAndDrop) {
+    DropTarget target;
+    target.setFlags(Qt::ToolTip);
+    target.setGeometry(450, 200, 150, 100);
+    target.show();
+    ASSERT_TRUE(waitFor([&] { return red() && target.isExposed(); }));
+    panel.setInputRegionNow(QRect(0, 0, 240, 120));
+    session().moveTo(pixel(middle));
+    session().press(1);
+    ASSERT_TRUE(waitFor([&] { return presses.size() == 1; }));
+
+    // The drag runs an event loop of its own, in which a hand moves the pointer and lets go at the end.
+    int step = 0;
+    const auto hand = loop.every(0.02, [&] {
+        if (++step <= 10) session().moveTo(pixel(middle + (QPointF(500, 250) - middle) * step / 10));
+        if (step == 20) session().release(1);
+    });
+    auto* mime = new QMimeData;
+    mime->setText(QStringLiteral("a bite"));
+    auto* drag = new QDrag(&panel.window());
+    drag->setMimeData(mime);
+    EXPECT_EQ(drag->exec(Qt::CopyAction), Qt::CopyAction);
+    EXPECT_TRUE(waitFor([&] { return target.text == QStringLiteral("a bite"); }));
+}
+
+TEST_F(X11Panel, RepaintsOnlyTheDamage) {
+    ASSERT_TRUE(waitFor([&] { return red(); }));
+    panel.fill(QRect(0, 0, 50, 50), Qt::blue);
+    EXPECT_TRUE(waitFor([&] { return colourAt(pixel({249, 49})) == QColor(Qt::blue); }));
+    EXPECT_EQ(colourAt(pixel({251, 49})), QColor(Qt::red));
+    EXPECT_EQ(colourAt(pixel({249, 51})), QColor(Qt::red));
+
+    panel.setFrame(toModel(RedPanel::place.translated(50, 30)));
+    EXPECT_TRUE(waitFor([&] { return colourAt(pixel({299, 79})) == QColor(Qt::blue); }));
+    EXPECT_EQ(panel.frame(), toModel(RedPanel::place.translated(50, 30)));
+}
+}  // namespace

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <QImage>
+#include <QPainter>
+#include <cmath>
+#include <functional>
+#include <optional>
+
+#include "support/Creature.h"
+#include "views/RootView.h"
+
+/// A creature whose panel can be looked at: drawn over mid grey at two pixels per point, so that black body, light eyes
+/// and the ground can all be told apart. Places are points from the top centre of the panel.
+struct PictureFixture : CreatureFixture {
+    static constexpr int kRatio = 2;
+
+    PictureFixture() { clock.setNow({86400.0 * 7000 + 12 * 3600 + 0.0}); }
+
+    RootView root{m, clock, loop, [] { return 0.5; }};
+    PictureCaches caches;
+
+    QImage picture() {
+        QImage image(int(RootView::kPanelWidth) * kRatio, int(RootView::kPanelHeight) * kRatio,
+                     QImage::Format_ARGB32_Premultiplied);
+        image.setDevicePixelRatio(kRatio);
+        image.fill(QColor(128, 128, 128));
+        QPainter painter(&image);
+        Canvas canvas(painter, caches, kRatio);
+        DisplayList list;
+        root.compose(list);
+        list.paint(canvas, QRegion(0, 0, int(RootView::kPanelWidth), int(RootView::kPanelHeight)));
+        return image;
+    }
+
+    static QColor at(const QImage& image, double x, double y) {
+        return image.pixelColor(int(std::floor((RootView::kPanelWidth / 2 + x) * kRatio)), int(std::floor(y * kRatio)));
+    }
+
+    /// The smallest rectangle, in points, around all pixels inside `area` that `test` accepts.
+    static std::optional<QRectF> bounds(const QImage& image, const QRectF& area,
+                                        const std::function<bool(QColor)>& test) {
+        std::optional<QRectF> found;
+        constexpr double step = 1.0 / kRatio;
+        for (double y = area.top(); y < area.bottom(); y += step) {
+            for (double x = area.left(); x < area.right(); x += step) {
+                if (!test(at(image, x, y))) continue;
+                const QRectF pixel(x, y, step, step);
+                found = found ? found->united(pixel) : pixel;
+            }
+        }
+        return found;
+    }
+
+    /// The black body, measured along the line where nothing else is.
+    QRectF body() {
+        const auto found = bounds(picture(), {-170, 14, 340, 200}, [](QColor c) { return c.lightness() < 20; });
+        return found.value_or(QRectF());
+    }
+
+    /// Lets everything that moves come to rest, at a moment when the breath is fully out and the scale 1.
+    void rest(double seconds = 3) {
+        loop.advance(seconds);
+        // The breathing ticks every quarter of a second; one tick falls on such a moment.
+        const double period = 3.4;
+        const double ticks = std::fmod(clock.uptime() - 1000, 0.25);
+        loop.advance(0.25 - ticks);
+        clock.setNow({period * std::ceil(clock.now().seconds / period) - 0.25});
+        loop.advance(0.25);
+    }
+
+    static bool isLight(QColor c) { return c.lightness() > 140; }
+    static bool isDark(QColor c) { return c.lightness() < 60; }
+};

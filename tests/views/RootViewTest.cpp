@@ -1,0 +1,212 @@
+#include <gtest/gtest.h>
+
+#include "support/Creature.h"
+#include "views/Picture.h"
+#include "views/RootView.h"
+#include "views/Shapes.h"
+
+namespace {
+
+TEST(NotchShape, HasFlaresAboveAndRoundCornersOfAtMostHalfTheHeight) {
+    const QPainterPath path = notchShape({0, 0, 185, 32}, 26, 9);
+    EXPECT_EQ(path.boundingRect(), QRectF(-9, 0, 203, 32));
+    EXPECT_TRUE(path.contains(QPointF(-2, 0.2)));
+    EXPECT_FALSE(path.contains(QPointF(-2, 3)));
+    // A corner of 16: the quadratic curve's middle lies a quarter of the radius inside both sides.
+    EXPECT_TRUE(path.contains(QPointF(4.1, 32 - 4.1)));
+    EXPECT_FALSE(path.contains(QPointF(3.9, 32 - 3.9)));
+}
+
+TEST(Body, HasTheModelsSizeAndOpensWithASpring) {
+    PictureFixture f;
+    f.rest();
+    EXPECT_NEAR(f.body().width(), 185, 1);
+    EXPECT_NEAR(f.body().bottom(), 58, 1);
+
+    f.m.withAnimation(commonSpring(), [&] { f.m.hovering = true; });
+    EXPECT_NEAR(f.body().width(), 185, 1.5);
+    f.loop.advance(0.1);
+    const double opening = f.body().width();
+    EXPECT_GT(opening, 188);
+    EXPECT_LT(opening, 213);
+    // This spring is underdamped: it overshoots by exp(-pi zeta / sqrt(1 - zeta²)), 9 % of the way, before it rests.
+    f.loop.advance(0.167);
+    EXPECT_GT(f.body().width(), 214.5);
+    f.loop.advance(2);
+    EXPECT_NEAR(f.body().width(), 214, 1);
+    EXPECT_NEAR(f.body().bottom(), 108, 1);
+    EXPECT_TRUE(std::isinf(f.root.nextFrame()));
+}
+
+TEST(Body, BreathesInWallTimeAndHoldsItsBreathWhileAttending) {
+    PictureFixture f;
+    const double period = 3.4;
+    const auto scaleAt = [&](double phase) {
+        f.clock.setNow({period * 1000 + phase * period - 0.25});
+        f.loop.advance(0.25);
+        return f.root.outline().boundingRect().height() / 58;
+    };
+    EXPECT_NEAR(scaleAt(0), 1, 1e-4);
+    EXPECT_NEAR(scaleAt(0.5), 0.992, 1e-4);
+    EXPECT_NEAR(scaleAt(0.25), 0.996, 1e-3);
+    scaleAt(0.5);
+    f.m.hovering = true;
+    EXPECT_EQ(f.root.outline().boundingRect().height(), 108);
+}
+
+TEST(Body, BoopSquashesAndWobblesBackEachTime) {
+    PictureFixture f;
+    f.rest();
+    const QSizeF rest = f.root.outline().boundingRect().size();
+    const auto squash = [&] {
+        const QSizeF now = f.root.outline().boundingRect().size();
+        return QPointF(now.width() / rest.width(), now.height() / rest.height());
+    };
+    ++f.m.boopCount;
+    EXPECT_NEAR(squash().x(), 1.18, 1e-3);
+    EXPECT_NEAR(squash().y(), 0.74, 1e-3);
+    f.loop.advance(0.12);
+    EXPECT_LT(squash().x(), 1.1);
+    ++f.m.boopCount;
+    EXPECT_NEAR(squash().x(), 1.18, 1e-3);
+    f.loop.advance(3);
+    EXPECT_NEAR(squash().x(), 1, 0.009);
+}
+
+TEST(Body, BulgesOnAFullDisk) {
+    PictureFixture f;
+    f.rest();
+    const QSizeF rest = f.root.outline().boundingRect().size();
+    f.m.diskFull = true;
+    f.loop.advance(0.4);
+    EXPECT_NEAR(f.root.outline().boundingRect().width() / rest.width(), 1 + 0.045 / 2, 0.01);
+    f.loop.advance(0.41);
+    f.rest();
+    EXPECT_NEAR(f.root.outline().boundingRect().width() / rest.width(), 1.045, 1e-3);
+    EXPECT_NEAR(f.root.outline().boundingRect().height() / rest.height(), 0.985, 1e-3);
+}
+
+TEST(Hidden, ShowsAChevronOnlyUnderThePointer) {
+    PictureFixture f;
+    f.m.hidden = true;
+    f.rest();
+    EXPECT_NEAR(f.body().bottom(), 37, 1);
+    const QRectF inside(-40, 4, 80, 32);
+    const auto notBlack = [](QColor c) { return c.lightness() > 40; };
+    EXPECT_FALSE(f.bounds(f.picture(), inside, notBlack));
+    f.m.hovering = true;
+    f.loop.advance(0.3);
+    const auto chevron = f.bounds(f.picture(), inside, notBlack);
+    ASSERT_TRUE(chevron);
+    EXPECT_NEAR(chevron->center().x(), 0, 0.6);
+    EXPECT_GT(chevron->top(), 24);
+}
+
+TEST(Confetti, TenSparksFlyApartAndFade) {
+    PictureFixture f;
+    f.rest();
+    const auto colourful = [](QColor c) { return c.saturation() > 90 && c.lightness() > 60; };
+    const QRectF everywhere(-170, 0, 340, 120);
+    EXPECT_FALSE(f.bounds(f.picture(), everywhere, colourful));
+    ++f.m.boopCount;
+    f.loop.advance(0.02);
+    const auto early = f.bounds(f.picture(), everywhere, colourful);
+    ASSERT_TRUE(early);
+    f.loop.advance(0.1);
+    const auto late = f.bounds(f.picture(), everywhere, colourful);
+    ASSERT_TRUE(late);
+    EXPECT_GT(late->width(), early->width() + 5);
+    f.loop.advance(0.7);
+    EXPECT_FALSE(f.bounds(f.picture(), everywhere, colourful));
+}
+
+TEST(Confetti, SparksKeepToTheirRing) {
+    ManualClock clock;
+    ManualLoop loop(clock);
+    double next = 0;
+    Confetti confetti(loop, [&next] { return next = std::fmod(next + 0.37, 1.0); });
+    confetti.burst([&] { return clock.uptime(); }, [] {});
+    ASSERT_EQ(confetti.sparks().size(), 10U);
+    for (size_t n = 0; n < 10; ++n) {
+        const Spark& spark = confetti.sparks()[n];
+        const QPointF way = spark.flight + QPointF(0, 6);
+        EXPECT_GE(std::hypot(way.x(), way.y()), 26);
+        EXPECT_LE(std::hypot(way.x(), way.y()), 46);
+        const double turn = std::remainder(std::atan2(way.y(), way.x()) - double(n) / 10 * 2 * M_PI, 2 * M_PI);
+        EXPECT_LE(std::abs(turn), 0.3 + 1e-9);
+        EXPECT_GE(spark.size, 4);
+        EXPECT_LE(spark.size, 7);
+        EXPECT_EQ(spark.color, confetti.sparks()[n < 6 ? n + 4 : n - 4].color) << n;
+    }
+}
+
+TEST(Sliding, FollowsThePullWithinLimitsAndSnapsHome) {
+    PictureFixture f;
+    f.root.slide(400);
+    EXPECT_TRUE(f.m.sliding);
+    EXPECT_EQ(f.m.slideX, 280.0);
+    f.root.slideEnded();
+    EXPECT_EQ(f.m.slideX, 280.0);
+    EXPECT_FALSE(f.m.sliding);
+    f.root.slide(-256.1);  // from 280
+    f.root.slideEnded();
+    EXPECT_EQ(f.m.slideX, 0.0);
+    f.root.slide(-24);
+    f.root.slideEnded();
+    EXPECT_EQ(f.m.slideX, -24.0);
+    f.m.slideX = 0.0;
+    f.m.hidden = true;
+    f.root.slide(100);
+    EXPECT_FALSE(f.m.sliding);
+    EXPECT_EQ(f.m.slideX, 0.0);
+}
+
+TEST(Frames, OnlyWhatChangedIsPaintedAgain) {
+    PictureFixture f;
+    f.rest();
+    DisplayList before;
+    f.root.compose(before);
+    DisplayList same;
+    f.root.compose(same);
+    EXPECT_TRUE(before.changesTo(same).isEmpty());
+
+    f.m.cursor = f.m.cursor.get() + QPointF(300, 0);
+    DisplayList moved;
+    f.root.compose(moved);
+    const QRect eyes = before.changesTo(moved).boundingRect();
+    EXPECT_FALSE(eyes.isEmpty());
+    EXPECT_LE(eyes.width(), 56);
+    EXPECT_LE(eyes.height(), 24);
+    EXPECT_TRUE(std::isinf(f.root.nextFrame()));
+
+    f.m.lookAroundCount = f.m.lookAroundCount + 1;
+    EXPECT_FALSE(std::isinf(f.root.nextFrame()));
+}
+
+TEST(Frames, TheFaceIsGoneAfterItHasFadedOut) {
+    PictureFixture f;
+    f.m.withAnimation(commonSpring(), [&] { f.m.toy = Toy::weather; });
+    f.loop.advance(3);
+    const QImage picture = f.picture();
+    EXPECT_FALSE(f.bounds(picture, {-60, 10, 120, 25}, PictureFixture::isLight));
+    f.m.pickToy(Toy::critter);
+    f.loop.advance(3);
+    EXPECT_TRUE(f.bounds(f.picture(), {-60, 30, 120, 25}, PictureFixture::isLight));
+}
+
+TEST(Shadow, BlursAsAGaussianDoes) {
+    constexpr int width = 120;
+    constexpr int height = 3 * 40;
+    constexpr double sigma = 8;
+    std::vector<uchar> mask(width * height, 0);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width / 2; ++x) mask[size_t(y * width + x)] = 255;
+    blurMask(mask, width, height, sigma);
+    for (int x = 36; x < 84; ++x) {
+        // The edge lies between pixels 59 and 60.
+        const double expected = 127.5 * std::erfc((x + 0.5 - 60) / (sigma * std::sqrt(2.0)));
+        EXPECT_NEAR(mask[size_t(height / 2 * width + x)], expected, 6) << x;
+    }
+}
+
+}  // namespace
