@@ -1,11 +1,10 @@
-#include "motion/Animation.h"
-
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <numbers>
 
 #include "motion/Animated.h"
+#include "motion/Animation.h"
 
 namespace {
 
@@ -111,8 +110,8 @@ TEST(Easing, FollowsItsBezierCurve) {
         double x1, y1, x2, y2;
     };
     const double duration = 0.7;
-    for (const Case& c : {Case{Animation::easeInOut(duration), 0.42, 0, 0.58, 1},
-                          Case{Animation::easeOut(duration), 0, 0, 0.58, 1}}) {
+    for (const Case& c :
+         {Case{Animation::easeInOut(duration), 0.42, 0, 0.58, 1}, Case{Animation::easeOut(duration), 0, 0, 0.58, 1}}) {
         for (int i = 1; i < kTimes; ++i) {
             const double s = double(i) / kTimes;
             const auto point = [s](double p1, double p2) {

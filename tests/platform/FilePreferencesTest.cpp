@@ -1,5 +1,3 @@
-#include "platform/linux/FilePreferences.h"
-
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/stat.h>
@@ -11,6 +9,7 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 
+#include "platform/linux/FilePreferences.h"
 #include "platform/linux/ThreadQueues.h"
 
 namespace {
@@ -73,8 +72,12 @@ TEST(FilePreferences, AValueOfAnotherTypeIsAbsent) {
 
 TEST(FilePreferences, ReadWhatCanBeReadAndKeepTheRestUntilItsKeyIsWritten) {
     StoreFixture f;
-    const QByteArray garbage("\x7f" "ELF\0\1\2 = \xff\xfe", 14);
-    f.write("glimmet.bites = data %4\n" + garbage + "\nglimmet.hidden = bool true\nwhat is this\nglimmet.shelf = list /a /b");
+    const QByteArray garbage(
+        "\x7f"
+        "ELF\0\1\2 = \xff\xfe",
+        14);
+    f.write("glimmet.bites = data %4\n" + garbage +
+            "\nglimmet.hidden = bool true\nwhat is this\nglimmet.shelf = list /a /b");
     {
         FilePreferences p(f.path, f.queue);
         EXPECT_TRUE(p.boolean(kBool));

@@ -80,7 +80,7 @@ TEST(SystemClock, CountsFromItsReferenceAndKnowsTheLocalHour) {
 
 /// A disk that never answers.
 class StuckQueue : public BackgroundQueue {
-  public:
+ public:
     void run(std::function<void()>) override {}
 };
 

@@ -5,7 +5,9 @@
 
 namespace {
 
-QUrl file(const QString& path) { return QUrl::fromLocalFile(path); }
+QUrl file(const QString& path) {
+    return QUrl::fromLocalFile(path);
+}
 
 QList<QUrl> files(int count, int first = 0) {
     QList<QUrl> list;
@@ -32,7 +34,9 @@ TEST(Items, TheThirteenthPushesTheOldestOut) {
 
 TEST(Items, OneFileIsHeldOnceUnderAnyOfItsPaths) {
     CreatureFixture f;
-    EXPECT_EQ(f.m.addItems({file(QStringLiteral("/a/b")), file(QStringLiteral("/a/./b")), file(QStringLiteral("/a/c/../b"))}), 1);
+    EXPECT_EQ(
+        f.m.addItems({file(QStringLiteral("/a/b")), file(QStringLiteral("/a/./b")), file(QStringLiteral("/a/c/../b"))}),
+        1);
     EXPECT_EQ(f.m.items->first(), file(QStringLiteral("/a/b")));
     const int writes = f.preferences.writes;
     EXPECT_EQ(f.m.addItems({file(QStringLiteral("/a/./b"))}), 0);
@@ -90,7 +94,8 @@ TEST(Json, BitesHaveExactlyThisForm) {
     EXPECT_EQ(encodeBites({Bite::link(QUrl(QStringLiteral("https://a.example/b c")))}),
               "[{\"link\":{\"_0\":\"https:\\/\\/a.example\\/b%20c\"}}]");
     EXPECT_EQ(encodeBites({}), "[]");
-    const QList<Bite> both{Bite::note(QStringLiteral("\"\\/\n\u00e4\U0001F600")), Bite::link(QUrl(QStringLiteral("mailto:x@y")))};
+    const QList<Bite> both{Bite::note(QStringLiteral("\"\\/\n\u00e4\U0001F600")),
+                           Bite::link(QUrl(QStringLiteral("mailto:x@y")))};
     EXPECT_EQ(decodeBites(encodeBites(both)), both);
     EXPECT_EQ(decodeBites("[{\"link\":{\"_0\":\"https://a.example/b\"},\"extra\":1}]"),
               (QList<Bite>{Bite::link(QUrl(QStringLiteral("https://a.example/b")))}));
@@ -99,12 +104,14 @@ TEST(Json, BitesHaveExactlyThisForm) {
 TEST(Json, OneMalformedBiteFailsAll) {
     const QByteArray good = "{\"note\":{\"_0\":\"x\"}}";
     for (const QByteArray& bad :
-         {QByteArray("{}"), QByteArray("{\"note\":{\"_0\":\"x\"},\"link\":{\"_0\":\"http:\\/\\/x\"}}"), QByteArray("{\"note\":\"x\"}"),
-          QByteArray("{\"note\":{\"_1\":\"x\"}}"), QByteArray("{\"note\":{\"_0\":5}}"), QByteArray("{\"link\":{\"_0\":\"\"}}"),
-          QByteArray("{\"link\":{\"_0\":\"http://[\"}}"), QByteArray("null"), QByteArray("[]"), QByteArray("{\"note\":{\"_0\":\"x\"}")}) {
+         {QByteArray("{}"), QByteArray("{\"note\":{\"_0\":\"x\"},\"link\":{\"_0\":\"http:\\/\\/x\"}}"),
+          QByteArray("{\"note\":\"x\"}"), QByteArray("{\"note\":{\"_1\":\"x\"}}"), QByteArray("{\"note\":{\"_0\":5}}"),
+          QByteArray("{\"link\":{\"_0\":\"\"}}"), QByteArray("{\"link\":{\"_0\":\"http://[\"}}"), QByteArray("null"),
+          QByteArray("[]"), QByteArray("{\"note\":{\"_0\":\"x\"}")}) {
         EXPECT_FALSE(decodeBites('[' + good + ',' + bad + ']')) << bad.constData();
     }
-    for (const QByteArray& bad : {QByteArray(), QByteArray("{}"), QByteArray("7"), QByteArray("[1"), QByteArray("\0\1\2", 3)})
+    for (const QByteArray& bad :
+         {QByteArray(), QByteArray("{}"), QByteArray("7"), QByteArray("[1"), QByteArray("\0\1\2", 3)})
         EXPECT_FALSE(decodeBites(bad)) << bad.constData();
 }
 
@@ -118,18 +125,19 @@ TEST(Json, TimersReadWhatWasWrittenAndNothingElse) {
     EXPECT_EQ(decodeTimers(encodeTimers(*read)), read);
     EXPECT_TRUE(encodeTimers(*read).contains("\"5E0B4B61-2C7E-4F43-A3E1-1C3A6F2D9B10\""));
     for (const auto& [from, to] : std::vector<std::pair<const char*, const char*>>{{"\"done\":false", "\"done\":0"},
-                                                                                  {",\"done\":false", ""},
-                                                                                  {"785001234.5", "\"soon\""},
-                                                                                  {"\"minutes\":5", "\"minutes\":5.5"},
-                                                                                  {"5E0B4B61", "XE0B4B61"},
-                                                                                  {"-1C3A6F2D9B10", ""}}) {
+                                                                                   {",\"done\":false", ""},
+                                                                                   {"785001234.5", "\"soon\""},
+                                                                                   {"\"minutes\":5", "\"minutes\":5.5"},
+                                                                                   {"5E0B4B61", "XE0B4B61"},
+                                                                                   {"-1C3A6F2D9B10", ""}}) {
         EXPECT_FALSE(decodeTimers(QByteArray(json).replace(from, to))) << from;
     }
 }
 
 /// What a restart does: another model over the same preferences and files.
 struct Restarted {
-    explicit Restarted(CreatureFixture& f) : m(f.clock, f.loop, f.preferences, f.files, QStringLiteral("/nonexistent")) {
+    explicit Restarted(CreatureFixture& f)
+        : m(f.clock, f.loop, f.preferences, f.files, QStringLiteral("/nonexistent")) {
         m.loadShelf();
         m.loadHeld();
     }

@@ -1,5 +1,3 @@
-#include "watchers/AgentWatcher.h"
-
 #include <gtest/gtest.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -11,6 +9,7 @@
 #include <QTemporaryDir>
 
 #include "support/Creature.h"
+#include "watchers/AgentWatcher.h"
 #include "watchers/CapsLock.h"
 
 namespace {
