@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # A private virtual desktop to show the creature on: an X server, a session bus, a window manager, a compositor and a
 # wallpaper, with folders of its own for preferences and data, so that nothing of the user's is read or changed.
 # To be sourced. One shell serves one desktop:
@@ -154,13 +155,14 @@ program_restart() {
   : >"$PROGRAM_LOG"
   QT_QPA_PLATFORM=xcb QT_SCALE_FACTOR=$RATIO QT_ENABLE_HIGHDPI_SCALING=1 "$GLIMMET_PROGRAM" "$@" 2>"$PROGRAM_LOG" &
   PROGRAM_PID=$!
-  until_true 30 program_up || fail "the creature did not come up: $(cat "$PROGRAM_LOG")"
+  until_true 30 program_told || fail "the creature did not come up: $(cat "$PROGRAM_LOG")"
+  program_runs || fail "the creature ended at once: $(cat "$PROGRAM_LOG")"
 }
 
-program_up() {
-  process_gone "$PROGRAM_PID" && return 0
-  grep -q '^glimmet: notch=' "$PROGRAM_LOG"
-}
+program_runs() { [ -n "$PROGRAM_PID" ] && ! process_gone "$PROGRAM_PID"; }
+
+# Has it said that it is up, or ended?
+program_told() { grep -q '^glimmet: notch=' "$PROGRAM_LOG" || ! program_runs; }
 
 program_stop() {
   [ -z "$PROGRAM_PID" ] || end_process "$PROGRAM_PID"
@@ -235,6 +237,6 @@ take() {
   program_start "${flags[@]}"
   pointer "${parked%,*}" "${parked#*,}"
   if [ -n "$after" ]; then sleep "$after"; else wait_for_rest; fi
-  process_gone "$PROGRAM_PID" && fail "the creature has ended: $(cat "$PROGRAM_LOG")"
+  program_runs || fail "the creature has ended: $(cat "$PROGRAM_LOG")"
   shot "$out"
 }
