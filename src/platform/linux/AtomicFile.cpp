@@ -12,6 +12,8 @@
 
 namespace {
 
+constexpr int kMostLinks = 40;  // as many as the kernel follows
+
 /// A file descriptor that closes itself.
 class Descriptor {
  public:
@@ -45,9 +47,10 @@ bool writeAll(int fd, const QByteArray& contents) {
 
 }  // namespace
 
-AtomicFile::AtomicFile(const QString& path) : path_(QFile::encodeName(path)) {
-    const QString target = QFileInfo(path).symLinkTarget();
-    if (!target.isEmpty()) path_ = QFile::encodeName(target);
+AtomicFile::AtomicFile(const QString& path) {
+    QFileInfo file(path);
+    for (int i = 0; i < kMostLinks && file.isSymLink(); ++i) file.setFile(file.symLinkTarget());
+    path_ = QFile::encodeName(file.filePath());
 }
 
 std::optional<QByteArray> AtomicFile::read(qint64 largest) {

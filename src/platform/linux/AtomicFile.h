@@ -7,7 +7,7 @@
 /// A file that is read and replaced whole. One thread at a time.
 class AtomicFile {
  public:
-    /// Follows `path` once if it is a symbolic link, so that a link stays one.
+    /// Follows `path` if it is a symbolic link, so that a link stays one.
     explicit AtomicFile(const QString& path);
 
     /// The contents; absent when there is no such regular file, or it is larger than `largest` bytes, or cannot be

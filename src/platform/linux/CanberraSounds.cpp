@@ -21,42 +21,42 @@ struct ContextDeleter {
     void operator()(ca_context* context) const { ca_context_destroy(context); }
 };
 
+struct PropertiesDeleter {
+    void operator()(ca_proplist* list) const { ca_proplist_destroy(list); }
+};
+
 void finished(ca_context* /*context*/, uint32_t /*id*/, int /*code*/, void* done) {
     static_cast<std::promise<void>*>(done)->set_value();
 }
 
-/// Starts the sound; false if the theme lacks it or nothing can play it.
-bool playAndWait(ca_context& context, const QByteArray& sound) {
-    struct PropertiesDeleter {
-        void operator()(ca_proplist* list) const { ca_proplist_destroy(list); }
-    };
-    ca_proplist* made = nullptr;
-    if (ca_proplist_create(&made) != CA_SUCCESS) return false;
-    const std::unique_ptr<ca_proplist, PropertiesDeleter> properties(made);
-    ca_proplist_sets(made, CA_PROP_EVENT_ID, sound.constData());
-
+/// Plays the sound to its end; false if the theme lacks it or nothing can play it.
+bool playToEnd(const QByteArray& sound) {
+    // Outlives the context, which calls back at the latest when it is destroyed.
     std::promise<void> done;
     auto end = done.get_future();
-    if (ca_context_play_full(&context, 1, made, finished, &done) != CA_SUCCESS) return false;
-    if (end.wait_for(kLongest) != std::future_status::ready) {
-        // Cancelling calls back too, after which `done` may go.
-        if (ca_context_cancel(&context, 1) == CA_SUCCESS) end.wait_for(kLongest);
-    }
+
+    ca_context* made = nullptr;
+    if (ca_context_create(&made) != CA_SUCCESS) return false;
+    const std::unique_ptr<ca_context, ContextDeleter> context(made);
+    ca_context_change_props(made, CA_PROP_APPLICATION_NAME, "Glimmet", CA_PROP_APPLICATION_ID, "glimmet", nullptr);
+
+    ca_proplist* list = nullptr;
+    if (ca_proplist_create(&list) != CA_SUCCESS) return false;
+    const std::unique_ptr<ca_proplist, PropertiesDeleter> properties(list);
+    ca_proplist_sets(list, CA_PROP_EVENT_ID, sound.constData());
+    if (ca_context_play_full(made, 1, list, finished, &done) != CA_SUCCESS) return false;
+    end.wait_for(kLongest);
     return true;
 }
 
-void playOne(const QList<QByteArray>& names) {
-    ca_context* made = nullptr;
-    if (ca_context_create(&made) != CA_SUCCESS) return;
-    const std::unique_ptr<ca_context, ContextDeleter> context(made);
-    ca_context_change_props(made, CA_PROP_APPLICATION_NAME, "Glimmet", CA_PROP_APPLICATION_ID, "glimmet", nullptr);
+void playFirstOf(const QList<QByteArray>& names) {
     for (const QByteArray& name : names) {
-        if (playAndWait(*made, name)) return;
+        if (playToEnd(name)) return;
     }
 }
 
 }  // namespace
 
 void CanberraSounds::play(const QString& name) {
-    queue_.run([names = themeSounds(name)] { playOne(names); });
+    queue_.run([names = themeSounds(name)] { playFirstOf(names); });
 }

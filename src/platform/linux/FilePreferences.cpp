@@ -22,8 +22,7 @@ const QByteArray kList = "list";
 
 /// Everything but what would break a line or a list of words stays as it is.
 QByteArray encoded(const QByteArray& bytes) {
-    return bytes.toPercentEncoding(QByteArrayLiteral(" {}[]\":,\\/_=()!?'*+;@&#<>|$"), QByteArrayLiteral("%"))
-        .replace(' ', "%20");
+    return bytes.toPercentEncoding(QByteArrayLiteral("{}[]\":,\\/_=()!?'*+;@&#<>|$"));
 }
 
 /// Absent when a percent sign is not followed by two hexadecimal digits.
@@ -39,10 +38,10 @@ bool isPlain(const QByteArray& text) {
     return std::all_of(text.begin(), text.end(), [](char c) { return c >= 0x20 && c < 0x7f; });
 }
 
-QVariant readList(const QByteArray& text) {
+/// `words` has a space before each element, which may be empty.
+QVariant readList(const QByteArray& words) {
     QList<QByteArray> list;
-    if (text.isEmpty()) return QVariant::fromValue(list);
-    for (const QByteArray& word : text.split(' ')) {
+    for (const QByteArray& word : words.split(' ').mid(1)) {
         const auto element = decoded(word);
         if (!element) return {};
         list.append(*element);
@@ -50,14 +49,16 @@ QVariant readList(const QByteArray& text) {
     return QVariant::fromValue(list);
 }
 
-QVariant readValue(const QByteArray& type, const QByteArray& text) {
+/// `rest` is all that follows the type: nothing, or a space and the value.
+QVariant readValue(const QByteArray& type, const QByteArray& rest) {
+    if (type == kList) return readList(rest);
+    const QByteArray text = rest.mid(1);
     if (type == kBool) return text == "true" ? QVariant(true) : text == "false" ? QVariant(false) : QVariant();
     if (type == kNumber) {
         bool ok = false;
         const double number = text.toDouble(&ok);
         return ok ? QVariant(number) : QVariant();
     }
-    if (type == kList) return readList(text);
     const auto bytes = decoded(text);
     if (!bytes) return {};
     if (type == kData) return *bytes;
@@ -102,13 +103,13 @@ FilePreferences::FilePreferences(QString path, SerialQueue& queue)
     if (!contents) return;
     for (qsizetype start = 0; start < contents->size();) {
         const qsizetype end = contents->indexOf('\n', start);
-        // A last line without its end was cut off, so its value cannot be trusted.
-        const bool whole = end >= 0;
-        const QByteArray bytes = contents->mid(start, whole ? end - start : -1);
-        Line line = parse(bytes);
-        if (!whole) line.value = QVariant();
-        if (!bytes.isEmpty()) lines_.push_back(std::move(line));
-        start = whole ? end + 1 : contents->size();
+        if (end < 0) {
+            // Cut off, so that its value cannot be trusted.
+            cutLine_ = parse(contents->mid(start));
+            break;
+        }
+        lines_.push_back(parse(contents->mid(start, end - start)));
+        start = end + 1;
     }
 }
 
@@ -128,9 +129,10 @@ FilePreferences::Line FilePreferences::parse(const QByteArray& bytes) {
     if (equals <= 0 || !isPlain(bytes.left(equals))) return {{}, {}, bytes};
     Line line{QString::fromLatin1(bytes.left(equals)), {}, bytes};
     if (!isPlain(bytes)) return line;
-    const QByteArray rest = bytes.mid(equals + 3);
-    const qsizetype space = rest.indexOf(' ');
-    line.value = readValue(space < 0 ? rest : rest.left(space), space < 0 ? QByteArray() : rest.mid(space + 1));
+    const QByteArray typeAndValue = bytes.mid(equals + 3);
+    const qsizetype space = typeAndValue.indexOf(' ');
+    const qsizetype length = space < 0 ? typeAndValue.size() : space;
+    line.value = readValue(typeAndValue.left(length), typeAndValue.mid(length));
     return line;
 }
 
@@ -197,7 +199,9 @@ void FilePreferences::set(const QString& key, const QVariant& value, const QByte
         lines_.erase(std::remove_if(stands + 1, lines_.end(), [&](const Line& l) { return l.key == key; }),
                      lines_.end());
     }
+    if (cutLine_.key == key) cutLine_ = {};
     QByteArray contents;
     for (const Line& l : lines_) contents += l.bytes + '\n';
+    contents += cutLine_.bytes;
     if (writer_->offer(contents)) queue_.run([writer = writer_] { writer->write(); });
 }

@@ -47,6 +47,7 @@ class FilePreferences : public Preferences {
     void set(const QString& key, const QVariant& value, const QByteArray& typeAndValue);
 
     std::vector<Line> lines_;
+    Line cutLine_;  // the last line as it was found without its end: it stays last, and stays without
     std::shared_ptr<Writer> writer_;
     SerialQueue& queue_;
 };

@@ -51,7 +51,7 @@ QList<Screen> QtScreens::screens() const {
 std::optional<QSizeF> QtScreens::housing(const QScreen& screen, bool main) const {
     if (const auto setting = preferences_.text(QStringLiteral("glimmet.notch"))) {
         if (*setting == QLatin1String("none")) return {};
-        static const QRegularExpression size(QStringLiteral("^(\\d{2,4})x(\\d{1,3})$"));
+        static const QRegularExpression size(QStringLiteral("^([1-9]\\d{1,3})x([1-9]\\d{0,2})$"));
         const auto match = size.match(*setting);
         if (match.hasMatch()) {
             const QSizeF wanted(match.captured(1).toDouble(), match.captured(2).toDouble());
