@@ -173,13 +173,14 @@ program_stop() {
 # only put somewhere sends no event that others see.
 pointer() { xdotool mousemove $(($(px "$1") - 1)) "$(px "$2")" mousemove_relative 1 0; }
 
-# pointer_glide X0 Y0 X1 Y1 SECONDS: moves it there like a hand, in 60 steps a second.
+# pointer_glide X0 Y0 X1 Y1 SECONDS [RATE]: moves it there like a hand, in 60 steps a second or as many as told.
 pointer_glide() {
-  awk -v ratio="$RATIO" -v x0="$1" -v y0="$2" -v x1="$3" -v y1="$4" -v seconds="$5" 'BEGIN {
-    steps = int(seconds * 60 + 1)
+  awk -v ratio="$RATIO" -v x0="$1" -v y0="$2" -v x1="$3" -v y1="$4" -v seconds="$5" -v rate="${6:-60}" 'BEGIN {
+    steps = int(seconds * rate + 1)
     for (i = 1; i <= steps; i++) {
       u = i / steps; u = u * u * (3 - 2 * u)
-      printf "mousemove %d %d\nmousemove_relative 1 0\nsleep 0.0166\n", (x0 + (x1 - x0) * u) * ratio - 1, (y0 + (y1 - y0) * u) * ratio
+      printf "mousemove %d %d\nmousemove_relative 1 0\nsleep %f\n",
+        (x0 + (x1 - x0) * u) * ratio - 1, (y0 + (y1 - y0) * u) * ratio, 1 / rate
     }
   }' | xdotool -
 }
