@@ -128,6 +128,24 @@ TEST(Gestures, ATapBoopsAndAPullSlides) {
     EXPECT_TRUE(f.window.input.isEmpty());
 }
 
+TEST(Gestures, EndWhenTheMenuTakesThePointer) {
+    ProgramFixture f;
+    f.launch();
+    f.move(0, 20);
+    using Button = PanelWindow::Button;
+    f.window.onPress(Button::left, {180, 20}, {756, 962});
+    f.window.onDrag({856, 962});
+    f.monitors.onRightMouseDown({856, 962});  // the menu will get the release
+    f.window.onDrag({900, 962});
+    f.loop.drain();
+    EXPECT_EQ(f.window.place.x(), 676);
+    f.move(0, 500);
+    f.loop.advance(6);
+    EXPECT_EQ(f.window.place.x(), 576);
+    EXPECT_TRUE(f.window.input.isEmpty());
+    EXPECT_EQ(f.m().boopCount, 0);
+}
+
 TEST(Menu, OpensInTheZoneOnly) {
     ProgramFixture f;
     f.launch();
