@@ -202,18 +202,21 @@ difference() {
 # differs A B PERCENT
 differs() { awk -v d="$(difference "$1" "$2")" -v least="$3" 'BEGIN { exit !(d > least) }'; }
 
-# Waits until two looks, a quarter of a second apart, show the same: longer than a blink lasts, and the breathing is far
-# below what counts as a difference. What never rests (a drifting z, a munching mouth) is taken as it is after four seconds.
-wait_for_rest() {
-  local before=$DESKTOP_DIR/before.png after=$DESKTOP_DIR/after.png deadline=$((SECONDS + 4))
-  shot "$before"
+# rest FILE: waits until two looks, a quarter of a second apart, show the same, and keeps the second: longer than a blink lasts,
+# and the breathing is far below what counts as a difference. What never rests (a drifting z, a munching mouth) is taken as it
+# is after four seconds.
+rest() {
+  local before=$DESKTOP_DIR/before.png deadline=$((SECONDS + 4))
+  shot "$1"
   while [ $SECONDS -lt $deadline ]; do
+    mv "$1" "$before"
     sleep 0.25
-    shot "$after"
-    differs "$before" "$after" 0.05 || return 0
-    mv "$after" "$before"
+    shot "$1"
+    differs "$before" "$1" 0.05 || return 0
   done
 }
+
+wait_for_rest() { rest "$DESKTOP_DIR/rest.png"; }
 
 # use_hour HOUR: lets the creature believe that it is this hour of the day.
 use_hour() {
@@ -237,7 +240,11 @@ take() {
   pointer $((DESKTOP_WIDTH - 90)) $((DESKTOP_HEIGHT - 60))
   program_start "${flags[@]}"
   pointer "${parked%,*}" "${parked#*,}"
-  if [ -n "$after" ]; then sleep "$after"; else wait_for_rest; fi
+  if [ -n "$after" ]; then
+    sleep "$after"
+    shot "$out"
+  else
+    rest "$out"
+  fi
   program_runs || fail "the creature has ended: $(cat "$PROGRAM_LOG")"
-  shot "$out"
 }
