@@ -72,10 +72,7 @@ TEST(FilePreferences, AValueOfAnotherTypeIsAbsent) {
 
 TEST(FilePreferences, ReadWhatCanBeReadAndKeepTheRestUntilItsKeyIsWritten) {
     StoreFixture f;
-    const QByteArray garbage(
-        "\x7f"
-        "ELF\0\1\2 = \xff\xfe",
-        14);
+    const QByteArray garbage = QByteArray::fromHex("7f454c46000102203d20fffe");
     f.write("glimmet.bites = data %4\n" + garbage +
             "\nglimmet.hidden = bool true\nwhat is this\nglimmet.shelf = list /a /b");
     {

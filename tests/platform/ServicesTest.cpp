@@ -9,7 +9,6 @@
 #include <QTimer>
 #include <thread>
 
-#include "platform/linux/CanberraSounds.h"
 #include "platform/linux/PathReferences.h"
 #include "platform/linux/QtMainLoop.h"
 #include "platform/linux/QtScreens.h"
@@ -120,21 +119,6 @@ TEST(QtScreens, TakeTheHousingFromThePreference) {
         preferences.setText(QStringLiteral("glimmet.notch"), QLatin1String(odd));
         EXPECT_FALSE(screens.screens().first().auxiliaryTopLeftArea) << odd;
     }
-}
-
-TEST(Sounds, WithoutASoundServerEndSilentlyAndWaitForNobody) {
-    QTemporaryDir runtime;
-    qputenv("XDG_RUNTIME_DIR", runtime.path().toUtf8());
-    qputenv("PULSE_SERVER", "unix:/nonexistent/socket");
-    bool done = false;
-    {
-        ThreadSerialQueue queue;
-        CanberraSounds sounds(queue);
-        sounds.play(QStringLiteral("Glass"));
-        sounds.play(QStringLiteral("no such sound"));
-        queue.run([&done] { done = true; });
-    }
-    EXPECT_TRUE(done);
 }
 
 }  // namespace
