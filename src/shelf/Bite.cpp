@@ -29,7 +29,7 @@ std::optional<Bite> decode(const QJsonObject& object) {
     if (!payload.isString()) return {};
     if (!link) return Bite::note(payload.toString());
     const QUrl url(payload.toString(), QUrl::StrictMode);
-    if (!url.isValid() || url.isEmpty()) return {};
+    if (!url.isValid()) return {};
     return Bite::link(url);
 }
 
