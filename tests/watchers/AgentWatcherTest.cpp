@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -133,11 +134,20 @@ TEST_F(AgentWatcherTest, IsNeitherHeldUpNorFooledByWhatIsNoFile) {
     ASSERT_TRUE(secret.open(QIODevice::WriteOnly));
     secret.write(record("secret", "Secret"));
     secret.close();
+    std::vector<int> pipes;  // kept open, so that what is in them stays
     const struct {
         const char* name;
         std::function<void(const QByteArray& path)> make;
     } cases[] = {
         {"pipe", [](const QByteArray& p) { ASSERT_EQ(::mkfifo(p.constData(), 0600), 0); }},
+        {"pipe with a record in it",
+         [&](const QByteArray& p) {
+             ASSERT_EQ(::mkfifo(p.constData(), 0600), 0);
+             const int end = ::open(p.constData(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
+             const QByteArray text = record("secret", "Secret");
+             ASSERT_EQ(::write(end, text.constData(), size_t(text.size())), text.size());
+             pipes.push_back(end);
+         }},
         {"folder", [](const QByteArray& p) { ASSERT_EQ(::mkdir(p.constData(), 0700), 0); }},
         {"socket",
          [](const QByteArray& p) {
@@ -163,6 +173,7 @@ TEST_F(AgentWatcherTest, IsNeitherHeldUpNorFooledByWhatIsNoFile) {
         EXPECT_EQ(m.agentsWorking, 2) << c.name << ": it is there, but says nothing";
         EXPECT_EQ(m.agentProjects.get(), u"web"_qs) << c.name;
     }
+    for (const int end : pipes) ::close(end);
 }
 
 TEST_F(AgentWatcherTest, ReadsOnlyTheBeginningOfLargeFiles) {
