@@ -70,7 +70,9 @@ void AppDelegate::startSensors() {
 }
 
 void AppDelegate::rightMouseDown(QPointF pointer) {
-    if (behaviour_.inHoverZone(pointer, kMenuMargin)) ports_.popUp(commands_.menu(), pointer);
+    if (!behaviour_.inHoverZone(pointer, kMenuMargin)) return;
+    panel_.letGo();
+    ports_.popUp(commands_.menu(), pointer);
 }
 
 void AppDelegate::dumpMenu() {

@@ -20,11 +20,16 @@ void wake(int /*signal*/) {
     [[maybe_unused]] const auto written = write(int(wakeDescriptor), &one, sizeof one);
 }
 
+// What whoever started us has told us to ignore, as nohup does, stays ignored.
 void handle(void (*handler)(int)) {
     struct sigaction action = {};
     action.sa_handler = handler;
     action.sa_flags = SA_RESTART;
-    for (const int signal : kSignals) sigaction(signal, &action, nullptr);
+    for (const int signal : kSignals) {
+        struct sigaction before = {};
+        if (sigaction(signal, nullptr, &before) == 0 && before.sa_handler != SIG_IGN)
+            sigaction(signal, &action, nullptr);
+    }
 }
 
 }  // namespace

@@ -110,12 +110,13 @@ void NotchPanel::draggedTo(QPointF pointer) {
 
 void NotchPanel::released(PanelWindow::Button button) {
     if (button != PanelWindow::Button::left || !press_) return;
-    const Press press = *press_;
+    if (!press_->dragged) root_.tap(press_->position);
+    letGo();
+}
+
+void NotchPanel::letGo() {
+    if (press_ && press_->dragged) root_.slideEnded();
     press_.reset();
-    if (press.dragged)
-        root_.slideEnded();
-    else
-        root_.tap(press.position);
 }
 
 void NotchPanel::dropTargeted(bool targeted) {

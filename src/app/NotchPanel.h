@@ -23,6 +23,9 @@ class NotchPanel {
     void updateMousePassThrough();
     /// Takes or leaves the pointer until the next updateMousePassThrough().
     void setIgnoresMouseEvents(bool ignores);
+    /// Ends a press that is under way, without a tap: its release will not come, because something else takes the
+    /// pointer.
+    void letGo();
 
  private:
     struct Press {

@@ -22,8 +22,8 @@ class EventMonitors {
     std::function<void(QPointF pointer)> onMouseMoved;        ///< no button held
     std::function<void(QPointF pointer)> onLeftMouseDragged;  ///< the left button held
     std::function<void(QPointF pointer)> onLeftMouseUp;
-    /// Where the press went to another program, it is reported once that program has let go of the pointer, since
-    /// before that no menu could open.
+    /// `pointer` is the place of the press. One that went to another program is reported once that program has let go
+    /// of the pointer, since before that no menu could open.
     std::function<void(QPointF pointer)> onRightMouseDown;
     /// Wheel steps; positive is away from the user or to the right.
     std::function<void(QPointF pointer, QPointF steps)> onScroll;

@@ -43,8 +43,8 @@ class PanelWindow {
     /// The pointer moved while a button pressed inside the window is held. Sampled at display rate.
     std::function<void(QPointF pointer)> onDrag;
     std::function<void(Button button, QPointF pointer)> onRelease;
-    /// A drag of files, links, text or an image came over the window (true) or left it. A drop itself is refused, and so
-    /// stays with its source.
+    /// A drag of files, links, text or an image came over the window (true) or left it. A drop itself is refused, and
+    /// so stays with its source.
     std::function<void(bool targeted)> onDropTargeted;
     /// All of the window must be drawn again: it was exposed, or its device pixel ratio changed.
     std::function<void()> onExpose;

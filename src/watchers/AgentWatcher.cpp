@@ -8,8 +8,8 @@
 namespace {
 
 constexpr double kInterval = 2.5;  // seconds
-constexpr qsizetype kProjectLine = 3;
-constexpr qsizetype kTerminalLine = 4;
+constexpr int kProjectLine = 3;
+constexpr int kTerminalLine = 4;
 constexpr qsizetype kShownProjects = 3;
 
 /// What follows the last full stop; empty for a name that only begins with one.
@@ -26,8 +26,15 @@ bool isAsk(const QString& name) {
     return extension(name) == QLatin1String("ask");
 }
 
-std::optional<QString> line(const QStringList& lines, qsizetype place) {
-    return lines.size() > place ? std::optional(lines[place]) : std::nullopt;
+/// One line of `text`, counted from 0; absent when there are fewer. The rest is not split: it may be long.
+std::optional<QString> line(const QString& text, int place) {
+    qsizetype start = 0;
+    for (; place > 0; --place) {
+        start = text.indexOf(u'\n', start) + 1;
+        if (start == 0) return {};
+    }
+    const qsizetype end = text.indexOf(u'\n', start);
+    return text.mid(start, end < 0 ? -1 : end - start);
 }
 
 }  // namespace
@@ -56,21 +63,20 @@ AgentWatcher::Census AgentWatcher::takeCensus(const AgentDirectory& directory) {
     for (const QString& name : entries) {
         if (!isRecord(name)) continue;
         ++census.records;
-        const QStringList lines = directory.text(name).split(u'\n');
+        const QString record = directory.text(name);
         const QString flag = directory.text(name + QStringLiteral(".flag"));
         if (flag.startsWith(QLatin1String("wait"))) {
             ++census.waiting;
         } else if (flag.startsWith(QLatin1String("alert"))) {
             ++census.alerts;
-            if (!census.terminal) census.terminal = line(lines, kTerminalLine);
-        } else if (const auto project = line(lines, kProjectLine); project && !project->isEmpty()) {
+            if (!census.terminal) census.terminal = line(record, kTerminalLine);
+        } else if (const auto project = line(record, kProjectLine); project && !project->isEmpty()) {
             census.projects.append(*project);
         }
     }
     const auto ask = std::find_if(entries.begin(), entries.end(), isAsk);
     census.asks = ask != entries.end();
-    if (census.asks && !census.terminal)
-        census.terminal = line(directory.text(ask->chopped(4)).split(u'\n'), kTerminalLine);
+    if (census.asks && !census.terminal) census.terminal = line(directory.text(ask->chopped(4)), kTerminalLine);
     return census;
 }
 

@@ -1,162 +1,190 @@
 #include <gtest/gtest.h>
 
-#include <array>
 #include <cmath>
-#include <complex>
 #include <numbers>
 
+#include "motion/Animated.h"
 #include "motion/Animation.h"
 
 namespace {
 
 constexpr int kTimes = 20;
 
-struct SpringCase {
-    const char* name;
-    Animation animation;
-    double mass, stiffness, damping;
-    double seconds;  // how long it is watched
-};
-
-SpringCase fractional(const char* name, double response, double fraction, double seconds) {
-    const double omega = 2 * std::numbers::pi / response;
-    return {name, Animation::spring(response, fraction), 1, omega * omega, 2 * fraction * omega, seconds};
-}
-
-SpringCase physical(const char* name, double mass, double stiffness, double damping, double seconds) {
-    return {
-        name, Animation::interpolatingSpring(mass, stiffness, damping), mass, stiffness, damping, seconds,
-    };
-}
-
-std::vector<SpringCase> springs() {
-    return {
-        physical("common", 1, 220, 18, 1),
-        physical("heavy", 2.5, 220, 18, 2),
-        physical("hardly damped", 1, 300, 1, 3),
-        physical("undamped", 1, 100, 0, 2),
-        physical("critical", 1, 100, 20, 1),
-        physical("critical and heavy", 4, 100, 40, 2),
-        physical("over-damped", 1, 100, 40, 2),
-        physical("far over-damped", 1, 100, 400, 20),
-        physical("nearly critical from below", 1, 100, 20 * (1 - 3e-6), 1),
-        physical("nearly critical from above", 1, 100, 20 * (1 + 3e-6), 1),
-        fractional("quick", 0.32, 0.8, 1),
-        fractional("springy", 0.4, 0.3, 2),
-        fractional("smooth", 0.5, 1, 1.5),
-        fractional("dull", 0.4, 1.7, 2),
-    };
-}
-
-struct State {
-    double x, v;
-};
-
-/// The solution of m x'' + c x' + k x = 0 by the roots of its characteristic polynomial, which may be complex.
-State solved(const SpringCase& c, State start, double t) {
-    const std::complex<double> discriminant = c.damping * c.damping - 4 * c.mass * c.stiffness;
-    if (std::abs(discriminant) < 1e-9) {
-        const double w = c.damping / (2 * c.mass);
-        const double drift = start.v + w * start.x;
-        return {(start.x + drift * t) * std::exp(-w * t), (drift - w * (start.x + drift * t)) * std::exp(-w * t)};
-    }
-    const auto root = std::sqrt(discriminant);
-    const auto l1 = (-c.damping + root) / (2 * c.mass);
-    const auto l2 = (-c.damping - root) / (2 * c.mass);
-    const auto a = (start.v - l2 * start.x) / (l1 - l2);
-    const auto b = start.x - a;
-    return {(a * std::exp(l1 * t) + b * std::exp(l2 * t)).real(),
-            (a * l1 * std::exp(l1 * t) + b * l2 * std::exp(l2 * t)).real()};
-}
-
-/// The same by classical Runge-Kutta steps, which know no damping regimes.
-State integrated(const SpringCase& c, State s, double t) {
-    const auto slope = [&c](State at) { return State{at.v, -(c.damping * at.v + c.stiffness * at.x) / c.mass}; };
-    const auto moved = [](State from, State by, double h) { return State{from.x + by.x * h, from.v + by.v * h}; };
-    const int steps = std::max(1, int(std::ceil(t / 2e-4)));
+/// Displacement at t of x'' + c x' + k x = 0 (unit mass), solved by fourth-order Runge-Kutta.
+double integrated(double k, double c, double x, double v, double t) {
+    const int steps = 20000;
     const double h = t / steps;
+    const auto a = [&](double px, double pv) { return -k * px - c * pv; };
     for (int i = 0; i < steps; ++i) {
-        const State k1 = slope(s);
-        const State k2 = slope(moved(s, k1, h / 2));
-        const State k3 = slope(moved(s, k2, h / 2));
-        const State k4 = slope(moved(s, k3, h));
-        s = {s.x + h / 6 * (k1.x + 2 * k2.x + 2 * k3.x + k4.x), s.v + h / 6 * (k1.v + 2 * k2.v + 2 * k3.v + k4.v)};
+        const double v1 = v, a1 = a(x, v);
+        const double v2 = v + h / 2 * a1, a2 = a(x + h / 2 * v1, v2);
+        const double v3 = v + h / 2 * a2, a3 = a(x + h / 2 * v2, v3);
+        const double v4 = v + h * a3, a4 = a(x + h * v3, v4);
+        x += h / 6 * (v1 + 2 * v2 + 2 * v3 + v4);
+        v += h / 6 * (a1 + 2 * a2 + 2 * a3 + a4);
     }
-    return s;
+    return x;
 }
 
-State answered(const Animation& animation, State start, double t) {
-    const auto r = animation.at(t);
-    return {start.x * r.distance + start.v * r.speed, start.x * r.distanceRate + start.v * r.speedRate};
-}
-
-TEST(Animation, SpringsSolveTheirEquation) {
-    const State start{-120, 900};
-    for (const SpringCase& c : springs()) {
-        for (int i = 0; i <= kTimes; ++i) {
-            const double t = c.seconds * i / kTimes;
-            const State got = answered(c.animation, start, t);
-            const State exact = solved(c, start, t);
-            const State numeric = integrated(c, start, t);
-            EXPECT_NEAR(got.x, exact.x, 1e-5) << c.name << " at " << t;
-            EXPECT_NEAR(got.v, exact.v, 1e-3) << c.name << " at " << t;
-            EXPECT_NEAR(got.x, numeric.x, 1e-4) << c.name << " at " << t;
-            EXPECT_NEAR(got.v, numeric.v, 1e-2) << c.name << " at " << t;
-        }
+TEST(Springs, UnderdampedFollowsItsClosedForm) {
+    // The common spring: omega = sqrt(220), zeta = 18 / (2 sqrt(220)).
+    const Animation spring = Animation::interpolatingSpring(1, 220, 18, 0);
+    const double decay = 9;
+    const double swing = std::sqrt(220.0 - 81);
+    for (int i = 0; i < kTimes; ++i) {
+        const double t = i * 0.05;
+        const double envelope = std::exp(-decay * t);
+        const auto r = spring.at(t);
+        EXPECT_NEAR(r.distance, envelope * (std::cos(swing * t) + decay / swing * std::sin(swing * t)), 1e-12) << t;
+        EXPECT_NEAR(r.speed, envelope * std::sin(swing * t) / swing, 1e-12) << t;
     }
 }
 
-TEST(Animation, SettlesWithinItsPrecisionAndWithoutWaste) {
-    constexpr double precision = 0.005;
-    for (const SpringCase& c : springs()) {
-        if (c.damping == 0) continue;  // never settles
-        for (const State start : {State{300, 0}, State{0, 4000}, State{-40, -900}, State{40, -900}}) {
-            const double end = c.animation.settlingTime(std::abs(start.x), std::abs(start.v), precision);
-            double last = 0;  // when it is last further away than the precision
-            for (double t = 0; t < end * 1.5; t += 1e-3) {
-                if (std::abs(solved(c, start, t).x) > precision) last = t;
-            }
-            EXPECT_LE(last, end) << c.name << " from " << start.x << ", " << start.v;
-            EXPECT_LE(end, 1.6 * last + 0.1) << c.name << " from " << start.x << ", " << start.v;
-        }
+TEST(Springs, CriticalFollowsItsClosedForm) {
+    const Animation spring = Animation::spring(0.5, 1);
+    const double w = 4 * std::numbers::pi;
+    for (int i = 0; i < kTimes; ++i) {
+        const double t = i * 0.04;
+        EXPECT_NEAR(spring.at(t).distance, (1 + w * t) * std::exp(-w * t), 1e-12) << t;
+        EXPECT_NEAR(spring.at(t).speed, t * std::exp(-w * t), 1e-12) << t;
     }
 }
 
-/// A point of a cubic Bézier curve by repeated halfway division at `s`, and its direction there.
-std::pair<State, State> deCasteljau(std::array<State, 4> p, double s) {
-    const auto mix = [s](State a, State b) { return State{a.x + (b.x - a.x) * s, a.v + (b.v - a.v) * s}; };
-    const State ab = mix(p[0], p[1]);
-    const State bc = mix(p[1], p[2]);
-    const State cd = mix(p[2], p[3]);
-    const State abc = mix(ab, bc);
-    const State bcd = mix(bc, cd);
-    return {mix(abc, bcd), {3 * (bcd.x - abc.x), 3 * (bcd.v - abc.v)}};
+TEST(Springs, OverdampedFollowsItsClosedForm) {
+    // Roots of s² + 50 s + 400 are -10 and -40.
+    const Animation spring = Animation::interpolatingSpring(1, 400, 50, 0);
+    for (int i = 0; i < kTimes; ++i) {
+        const double t = i * 0.03;
+        EXPECT_NEAR(spring.at(t).distance, (4 * std::exp(-10 * t) - std::exp(-40 * t)) / 3, 1e-12) << t;
+        EXPECT_NEAR(spring.at(t).speed, (std::exp(-10 * t) - std::exp(-40 * t)) / 30, 1e-12) << t;
+    }
 }
 
-TEST(Animation, TimingCurvesFollowTheirBezier) {
-    const struct {
-        const char* name;
-        Animation animation;
-        double duration;
-        std::array<State, 4> points;  // time and progress
-    } curves[] = {
-        {"ease in and out", Animation::easeInOut(0.4), 0.4, {{{0, 0}, {0.42, 0}, {0.58, 1}, {1, 1}}}},
-        {"long", Animation::easeInOut(12), 12, {{{0, 0}, {0.42, 0}, {0.58, 1}, {1, 1}}}},
-        {"ease out", Animation::easeOut(0.2), 0.2, {{{0, 0}, {0, 0}, {0.58, 1}, {1, 1}}}},
+TEST(Springs, SolveTheEquationOfMotion) {
+    struct Case {
+        double k, c;
     };
-    for (const auto& c : curves) {
-        for (int i = 1; i < kTimes; ++i) {
-            const auto [point, direction] = deCasteljau(c.points, double(i) / kTimes);
-            const auto r = c.animation.at(point.x * c.duration);
-            EXPECT_NEAR(r.distance, 1 - point.v, 1e-9) << c.name << ' ' << i;
-            EXPECT_NEAR(r.distanceRate, -direction.v / direction.x / c.duration, 1e-5) << c.name << ' ' << i;
-            EXPECT_EQ(r.speed, 0) << "a timing curve forgets the speed before it";
+    for (const auto& [k, c] : std::vector<Case>{{220, 18}, {320, 11}, {400, 40}, {400, 40.0001}, {100, 60}}) {
+        const Animation spring = Animation::interpolatingSpring(1, k, c, 0);
+        for (const double t : {0.03, 0.2, 0.7}) {
+            const auto r = spring.at(t);
+            EXPECT_NEAR(3 * r.distance - 20 * r.speed, integrated(k, c, 3, -20, t), 1e-6) << k << " " << c << " " << t;
         }
-        EXPECT_NEAR(c.animation.at(0).distance, 1, 1e-12) << c.name;
-        EXPECT_EQ(c.animation.at(c.duration).distance, 0) << c.name;
-        EXPECT_EQ(c.animation.at(c.duration * 2).distanceRate, 0) << c.name;
-        EXPECT_EQ(c.animation.settlingTime(100, 100, 0.01), c.duration) << c.name;
     }
+    // A heavier mass is a softer, less damped spring of unit mass.
+    EXPECT_NEAR(Animation::interpolatingSpring(2, 440, 36, 0).at(0.1).distance,
+                Animation::interpolatingSpring(1, 220, 18, 0).at(0.1).distance, 1e-12);
+    // Response and damping fraction: omega = 2 pi / response.
+    EXPECT_NEAR(Animation::spring(0.4, 0.7).at(0.13).distance,
+                Animation::interpolatingSpring(1, std::pow(5 * std::numbers::pi, 2), 2 * 0.7 * 5 * std::numbers::pi, 0)
+                    .at(0.13)
+                    .distance,
+                1e-12);
+}
+
+TEST(Springs, RatesAreTheDerivatives) {
+    for (const Animation& how : {Animation::interpolatingSpring(1, 220, 18), Animation::spring(0.4, 1),
+                                 Animation::spring(0.4, 1.5), Animation::easeInOut(1), Animation::easeOut(1)}) {
+        for (const double t : {0.05, 0.3, 0.62}) {
+            const double h = 1e-6;
+            EXPECT_NEAR(how.at(t).distanceRate, (how.at(t + h).distance - how.at(t - h).distance) / (2 * h), 1e-4);
+            EXPECT_NEAR(how.at(t).speedRate, (how.at(t + h).speed - how.at(t - h).speed) / (2 * h), 1e-4);
+        }
+    }
+}
+
+TEST(Springs, StayWithinPrecisionAfterTheyHaveSettled) {
+    for (const Animation& how : {Animation::interpolatingSpring(1, 220, 18), Animation::interpolatingSpring(1, 320, 11),
+                                 Animation::spring(0.4, 1), Animation::spring(0.4, 1.6)}) {
+        const double end = how.settlingTime(100, 500, 0.01);
+        EXPECT_LT(end, 5);
+        for (double t = end; t < end + 2; t += 0.003) {
+            EXPECT_LE(std::abs(100 * how.at(t).distance + 500 * how.at(t).speed), 0.01 + 1e-9);
+        }
+    }
+}
+
+TEST(Easing, FollowsItsBezierCurve) {
+    struct Case {
+        Animation how;
+        double x1, y1, x2, y2;
+    };
+    const double duration = 0.7;
+    for (const Case& c :
+         {Case{Animation::easeInOut(duration), 0.42, 0, 0.58, 1}, Case{Animation::easeOut(duration), 0, 0, 0.58, 1}}) {
+        for (int i = 1; i < kTimes; ++i) {
+            const double s = double(i) / kTimes;
+            const auto point = [s](double p1, double p2) {
+                return 3 * (1 - s) * (1 - s) * s * p1 + 3 * (1 - s) * s * s * p2 + s * s * s;
+            };
+            EXPECT_NEAR(1 - c.how.at(point(c.x1, c.x2) * duration).distance, point(c.y1, c.y2), 1e-9) << s;
+        }
+        EXPECT_EQ(c.how.at(0).distance, 1);
+        EXPECT_EQ(c.how.at(duration).distance, 0);
+        EXPECT_EQ(c.how.at(duration * 2).distance, 0);
+    }
+}
+
+TEST(Animated, ReaimedInFlightKeepsPositionAndVelocity) {
+    for (const Animation& first : {Animation::interpolatingSpring(1, 220, 18), Animation::easeInOut(0.5)}) {
+        for (const Animation& second : {Animation::interpolatingSpring(1, 320, 11), Animation::spring(0.3, 1.2)}) {
+            Animated<double> value(10);
+            value.aim(200, first, 5);
+            const double position = value.at(5.13);
+            const double velocity = value.velocity(5.13);
+            EXPECT_GT(velocity, 50);
+            value.aim(-30, second, 5.13);
+            EXPECT_NEAR(value.at(5.13), position, 1e-9);
+            EXPECT_NEAR(value.velocity(5.13), velocity, 1e-6);
+            EXPECT_NEAR(value.at(5.131), position + velocity * 0.001, 0.1);
+            EXPECT_EQ(value.at(30), -30);
+        }
+    }
+}
+
+TEST(Animated, ReaimedAtManyTimesStillFollowsTheEquation) {
+    // A spring that is sent to the same place again and again by way of others is one spring from each aim on.
+    Animated<QPointF> value(QPointF(0, 0));
+    const Animation how = Animation::interpolatingSpring(1, 260, 15);
+    double now = 0;
+    for (int i = 0; i < kTimes; ++i) {
+        const QPointF position = value.at(now);
+        const QPointF velocity = value.velocity(now);
+        const QPointF target(i % 2 ? 100 : -50, i * 3);
+        value.aim(target, how, now);
+        now += 0.07;
+        const double x = integrated(260, 15, position.x() - target.x(), velocity.x(), 0.07) + target.x();
+        EXPECT_NEAR(value.at(now).x(), x, 1e-4) << i;
+    }
+}
+
+TEST(Animated, InitialVelocityIsAShareOfTheWay) {
+    Animated<double> value(0);
+    value.aim(50, Animation::interpolatingSpring(1, 220, 18, 4), 0);
+    EXPECT_NEAR(value.velocity(0), 200, 1e-9);
+}
+
+TEST(Animated, DoesNotDependOnHowOftenItIsAsked) {
+    Animated<double> often(0);
+    Animated<double> once(0);
+    often.aim(1, Animation::easeOut(1), 0);
+    once.aim(1, Animation::easeOut(1), 0);
+    for (double t = 0; t < 0.6; t += 0.001) often.at(t);
+    EXPECT_EQ(often.at(0.6), once.at(0.6));
+}
+
+TEST(Animated, AimingAtThePresentTargetChangesNothing) {
+    Animated<double> value(0);
+    value.aim(100, Animation::easeOut(1), 0);
+    const double later = value.at(0.5);
+    value.aim(100, std::nullopt, 0.2);
+    value.aim(100, Animation::easeInOut(9), 0.3);
+    EXPECT_EQ(value.at(0.5), later);
+    EXPECT_FALSE(value.moving(1.01));
+    value.jump(100);
+    EXPECT_FALSE(value.moving(0.5));
+    value.aim(7, std::nullopt, 0.5);
+    EXPECT_EQ(value.at(0.5), 7);
 }
 
 }  // namespace

@@ -137,7 +137,7 @@ TEST(Eyes, LidTellsTheMood) {
         FaceFixture f;
         f.lookAt(1000, 44.5);  // pupils out of the way
         c.arrange(f);
-        EXPECT_NEAR(f.lid(f.rested()), c.closure, 0.065) << c.name;
+        EXPECT_NEAR(f.lid(f.rested(0.6)), c.closure, 0.07) << c.name;
     }
     FaceFixture f;
     f.lookAt(0, 800);
@@ -200,7 +200,7 @@ TEST(Eyes, ReactionsTurnThePupils) {
         f.openUp();
         f.m.capsOn = true;
         f.lookAt(0, 57);
-        f.rested(2);
+        f.rested();
         c.cause(f.m);
         f.loop.advance(c.after);
         const QPointF seen = f.eye(f.picture(), 1).pupil;

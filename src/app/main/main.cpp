@@ -1,6 +1,7 @@
 #include <QApplication>
 #include <QRandomGenerator>
 #include <QStandardPaths>
+#include <algorithm>
 
 #include "app/AppDelegate.h"
 #include "app/EndSignals.h"
@@ -26,7 +27,9 @@ int main(int argc, char** argv) {
         Diagnostics(arguments).log(QStringLiteral("no screen to live on"));
         return 0;
     }
-    QApplication application(argc, argv);
+    // The toolkit gets the name only: it would end the program over an option of its own that it cannot follow.
+    int nameOnly = std::min(argc, 1);
+    QApplication application(nameOnly, argv);
     if (chosen) qunsetenv("QT_QPA_PLATFORM");
     QApplication::setApplicationName(QStringLiteral("glimmet"));
     // The panel is no window in this sense: closing a menu must not end the program.

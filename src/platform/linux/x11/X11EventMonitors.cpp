@@ -94,15 +94,19 @@ void X11EventMonitors::pressed(int button) {
         if (onScroll) onScroll(pointerLocation(), step);
     } else if (button == rightButton) {
         const auto sample = sampler_->sample();
-        rightPressElsewhere_ = !ownWindow_(sample.window);
-        if (!rightPressElsewhere_ && onRightMouseDown) onRightMouseDown(sample.pointer);
+        rightPressElsewhere_.reset();
+        if (!ownWindow_(sample.window))
+            rightPressElsewhere_ = sample.pointer;
+        else if (onRightMouseDown)
+            onRightMouseDown(sample.pointer);
     }
 }
 
 void X11EventMonitors::released(int button) {
     if (button == leftButton && onLeftMouseUp) onLeftMouseUp(pointerLocation());
-    if (button == rightButton && std::exchange(rightPressElsewhere_, false) && onRightMouseDown)
-        onRightMouseDown(pointerLocation());
+    if (button != rightButton) return;
+    const auto press = std::exchange(rightPressElsewhere_, std::nullopt);
+    if (press && onRightMouseDown) onRightMouseDown(*press);
 }
 
 void X11EventMonitors::moved(const PointerSampler::Sample& sample) {

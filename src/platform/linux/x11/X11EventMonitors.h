@@ -2,6 +2,7 @@
 
 #include <array>
 #include <memory>
+#include <optional>
 
 #include "platform/EventMonitors.h"
 #include "platform/linux/x11/PointerSampler.h"
@@ -34,7 +35,8 @@ class X11EventMonitors : public EventMonitors {
     int keyboardEvent_ = -1;
     QPointF lastMoved_;
     bool capsLock_ = false;
-    bool rightPressElsewhere_ = false;
+    /// Where the right button went down in another program's window, while it is held.
+    std::optional<QPointF> rightPressElsewhere_;
     /// The logical button of each physical one, which is what raw events name; both count from 1.
     std::array<uint8_t, 256> buttonMap_{};
 };

@@ -1,0 +1,222 @@
+#include <gtest/gtest.h>
+
+#include <optional>
+
+#include "app/AppDelegate.h"
+#include "support/FakeDesktop.h"
+#include "support/ManualLoop.h"
+#include "support/MemoryPorts.h"
+
+namespace {
+
+struct ProgramFixture {
+    ManualClock clock;
+    ManualLoop loop{clock};
+    MemoryPreferences preferences;
+    MemoryFiles files;
+    FakeScreens screens;
+    FakePanelWindow window;
+    FakeMonitors monitors;
+    MemoryWorkspace workspace;
+    MemorySounds sounds;
+    QList<MenuItem> menu;
+    bool quit = false;
+    std::optional<AppDelegate> delegate;
+
+    AppDelegate::Launch launch(std::initializer_list<const char*> arguments = {}) {
+        QStringList list{QStringLiteral("glimmet")};
+        for (const char* argument : arguments) list.append(QLatin1String(argument));
+        delegate.emplace(Ports{clock, loop, preferences, files, screens, window, monitors, workspace, sounds,
+                               [] { return 0.5; }, [this](const QList<MenuItem>& items, QPointF) { menu = items; },
+                               [this] { quit = true; }, QStringLiteral("/nonexistent")},
+                         list);
+        ::testing::internal::CaptureStderr();
+        const auto result = delegate->launch();
+        log = ::testing::internal::GetCapturedStderr();
+        loop.drain();
+        return result;
+    }
+    NotchModel& m() { return delegate->model(); }
+    void move(double x, double down) {
+        loop.advance(0.1);
+        monitors.onMouseMoved({756 + x, 982 - down});
+        loop.drain();
+    }
+
+    std::string log;
+};
+
+TEST(Launch, TellsWhereItLives) {
+    ProgramFixture f;
+    f.monitors.caps = true;
+    EXPECT_EQ(f.launch(), AppDelegate::Launch::running);
+    EXPECT_EQ(f.log, "glimmet: notch=(663.5, 950.0, 185.0, 32.0) top=982.0 toy=Critter\n");
+    EXPECT_EQ(f.window.place, QRectF(576, 752, 360, 230));
+    EXPECT_TRUE(f.monitors.started && f.workspace.started);
+    EXPECT_TRUE(f.m().capsOn);
+    EXPECT_EQ(f.m().cursor.get(), QPointF(756, 762));
+    EXPECT_TRUE(f.window.input.isEmpty());
+    EXPECT_GT(f.window.paints, 0);
+}
+
+TEST(Launch, DemoModeLeavesTheSensorsOff) {
+    ProgramFixture f;
+    f.launch({"--toy=wea"});
+    EXPECT_NE(f.log.find("toy=Weather"), std::string::npos);
+    EXPECT_FALSE(f.monitors.started || f.workspace.started);
+    EXPECT_FALSE(f.window.input.isEmpty());
+    f.loop.advance(120);
+    EXPECT_FALSE(f.m().asleep);
+}
+
+TEST(Launch, WithoutAScreenSaysSo) {
+    ProgramFixture f;
+    f.screens.list.clear();
+    EXPECT_EQ(f.launch(), AppDelegate::Launch::noScreen);
+    EXPECT_EQ(f.log, "glimmet: no screen to live on\n");
+    EXPECT_EQ(f.window.raised, 0);
+}
+
+TEST(Launch, RestoresWhatWasHeldAndHidden) {
+    ProgramFixture f;
+    f.launch({"--bites", "--hidden", "--timer=300"});
+    f.launch();
+    EXPECT_TRUE(f.m().hidden);
+    EXPECT_EQ(f.m().heldCount(), 3);
+}
+
+TEST(PassThrough, FollowsWhatIsDrawnWhileTheCreatureAttends) {
+    ProgramFixture f;
+    f.launch();
+    f.move(0, 20);
+    f.loop.advance(2);
+    EXPECT_TRUE(f.m().hovering);
+    EXPECT_EQ(f.window.input, f.window.outline);
+    EXPECT_TRUE(f.window.input.contains(QPoint(180, 100)));
+    EXPECT_FALSE(f.window.input.contains(QPoint(180, 112)));
+    EXPECT_FALSE(f.window.input.contains(QPoint(60, 50)));
+    f.move(0, 300);
+    EXPECT_TRUE(f.window.input.isEmpty());
+    f.m().dragNear = true;
+    f.window.onDropTargeted(true);
+    EXPECT_EQ(f.window.input, QRegion(0, 0, 360, 230));
+    f.window.onDropTargeted(false);
+    f.m().dragNear = false;
+    f.window.onDropTargeted(false);
+    EXPECT_TRUE(f.window.input.isEmpty());
+}
+
+TEST(Gestures, ATapBoopsAndAPullSlides) {
+    ProgramFixture f;
+    f.launch();
+    f.move(0, 20);
+    using Button = PanelWindow::Button;
+    f.window.onPress(Button::left, {180, 20}, {756, 962});
+    f.window.onDrag({760, 960});
+    f.window.onRelease(Button::left, {760, 960});
+    EXPECT_EQ(f.m().boopCount, 1);
+    f.window.onPress(Button::left, {180, 20}, {756, 962});
+    f.window.onDrag({856, 962});
+    f.loop.drain();
+    EXPECT_EQ(f.window.place.x(), 676);
+    f.window.onRelease(Button::left, {856, 962});
+    f.move(0, 500);
+    EXPECT_FALSE(f.window.input.isEmpty());  // off its place it can be grabbed
+    f.loop.advance(6);
+    EXPECT_EQ(f.window.place.x(), 576);
+    EXPECT_EQ(f.m().boopCount, 1);
+    EXPECT_TRUE(f.window.input.isEmpty());
+}
+
+TEST(Gestures, EndWhenTheMenuTakesThePointer) {
+    ProgramFixture f;
+    f.launch();
+    f.move(0, 20);
+    using Button = PanelWindow::Button;
+    f.window.onPress(Button::left, {180, 20}, {756, 962});
+    f.window.onDrag({856, 962});
+    f.monitors.onRightMouseDown({856, 962});  // the menu will get the release
+    f.window.onDrag({900, 962});
+    f.loop.drain();
+    EXPECT_EQ(f.window.place.x(), 676);
+    f.move(0, 500);
+    f.loop.advance(6);
+    EXPECT_EQ(f.window.place.x(), 576);
+    EXPECT_TRUE(f.window.input.isEmpty());
+    EXPECT_EQ(f.m().boopCount, 0);
+}
+
+TEST(Menu, OpensInTheZoneOnly) {
+    ProgramFixture f;
+    f.launch();
+    f.monitors.onRightMouseDown({756 + 92.5 + 15, 960});
+    EXPECT_TRUE(f.menu.isEmpty());
+    f.monitors.onRightMouseDown({756 + 92.5 + 14, 960});
+    EXPECT_FALSE(f.menu.isEmpty());
+    f.menu.last().action();
+    EXPECT_TRUE(f.quit);
+}
+
+TEST(Screens, AChangeMovesThePanelHomeAndEndsASlide) {
+    ProgramFixture f;
+    f.launch({"--slide=100"});
+    EXPECT_EQ(f.window.place.x(), 676);
+    const int raised = f.window.raised;
+    f.screens.list.append(Screen{QRectF(1512, 0, 800, 600), {}, {}, false});
+    f.screens.onChange();
+    f.loop.advance(1);
+    EXPECT_EQ(f.window.place.x(), 676);  // this one's geometry has not changed
+    EXPECT_EQ(f.window.raised, raised);
+    f.screens.list[0].frame = QRectF(0, 0, 1920, 1080);
+    f.screens.onChange();
+    f.loop.advance(0.3);
+    EXPECT_EQ(f.window.place.x(), 676);
+    f.loop.advance(0.1);
+    EXPECT_EQ(f.window.place, QRectF(780, 850, 360, 230));
+    EXPECT_EQ(f.m().slideX, 0.0);
+    EXPECT_EQ(f.m().cursor.get(), QPointF(960, 860));
+    f.screens.list.clear();
+    f.screens.onChange();
+    f.loop.advance(1);
+    EXPECT_EQ(f.window.place, QRectF(780, 850, 360, 230));
+}
+
+TEST(Screens, TheSelfTestFindsItsPlaceAgain) {
+    ProgramFixture f;
+    f.launch({"--screentest"});
+    ::testing::internal::CaptureStderr();
+    f.loop.advance(3.1);
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(),
+              "screentest: before=(576.0, 752.0, 360.0, 230.0) after=(576.0, 752.0, 360.0, 230.0) same=true "
+              "panel=(576.0, 752.0, 360.0, 230.0) centerX=756.0 top=982.0\n"
+              "screentest: recovered=true panel=(576.0, 752.0, 360.0, 230.0)\n");
+}
+
+TEST(Frames, AreDrawnForTheBreathAloneWhileAsleep) {
+    ProgramFixture f;
+    f.launch();
+    f.loop.advance(30);
+    ASSERT_TRUE(f.m().asleep);
+    const int before = f.window.paints;
+    f.loop.advance(60);
+    EXPECT_LE(f.window.paints - before, 240);
+    EXPECT_GE(f.window.paints - before, 200);  // a breath too shallow for a pixel may be left out
+}
+
+TEST(Frames, AreNotDrawnWhileTheOpenFaceRests) {
+    ProgramFixture f;
+    f.launch();
+    f.move(0, 20);
+    f.loop.advance(3);
+    int paints = 0;
+    // Between two blinks, which come every 3.4 s and take 0.21 s.
+    for (int i = 0; i < 34; ++i) {
+        const int before = f.window.paints;
+        f.loop.advance(0.1);
+        paints += f.window.paints > before ? 1 : 0;
+    }
+    EXPECT_LE(paints, 4);
+    EXPECT_GE(paints, 2);
+}
+
+}  // namespace

@@ -1,0 +1,116 @@
+#include <gtest/gtest.h>
+
+#include "app/CommandLineFlags.h"
+#include "support/Creature.h"
+
+namespace {
+
+struct FlagsFixture : CreatureFixture {
+    bool tookMouse = false;
+    CommandLineFlags flags{m, loop, [this] { tookMouse = true; }};
+
+    FlagEffects apply(std::initializer_list<const char*> arguments) {
+        QStringList list{QStringLiteral("glimmet")};
+        for (const char* argument : arguments) list.append(QString::fromUtf8(argument));
+        return flags.apply(list);
+    }
+};
+
+TEST(Flags, ToyIsPickedByItsBeginning) {
+    for (const auto& [argument, toy] : std::vector<std::pair<const char*, Toy>>{{"--toy=Weather", Toy::weather},
+                                                                                {"--toy=wea", Toy::weather},
+                                                                                {"--toy=", Toy::critter},
+                                                                                {"--toy=C", Toy::critter}}) {
+        FlagsFixture f;
+        f.m.hidden = true;
+        EXPECT_TRUE(f.apply({argument}).demo) << argument;
+        EXPECT_EQ(f.m.toy, toy) << argument;
+        EXPECT_FALSE(f.m.hidden);
+        EXPECT_TRUE(f.m.hovering && f.tookMouse);
+        EXPECT_EQ(f.m.cursor.get(), QPointF(796, 752));
+    }
+    FlagsFixture f;
+    EXPECT_FALSE(f.apply({"--toy=x", "--toy=weather", "--TOY=weather", "-toy=w"}).demo);
+    EXPECT_FALSE(f.m.hovering);
+}
+
+TEST(Flags, CursorNeedsExactlyTwoNumbers) {
+    for (const char* bad : {"--cursor=10,20,30", "--cursor=10", "--cursor=", "--cursor=a,b", "--cursor=nan,inf"}) {
+        FlagsFixture f;
+        const QPointF before = f.m.cursor;
+        f.apply({bad});
+        EXPECT_EQ(f.m.cursor.get(), before) << bad;
+    }
+    for (const char* good : {"--cursor=,10,,20", "--cursor=10,20", "--cursor=10,x,20"}) {
+        FlagsFixture f;
+        f.apply({good});
+        EXPECT_EQ(f.m.cursor.get(), QPointF(766, 962)) << good;
+    }
+}
+
+TEST(Flags, SkyHasNamesAndADefault) {
+    for (const auto& [argument, sky] : std::vector<std::pair<const char*, Sky>>{{"--sky=Rain", Sky::rain},
+                                                                                {"--sky=cloud", Sky::cloudy},
+                                                                                {"--sky=NIGHT", Sky::clearNight},
+                                                                                {"--sky=sunny", Sky::clearDay},
+                                                                                {"--sky=storm", Sky::storm}}) {
+        FlagsFixture f;
+        f.m.sky = Sky::fog;
+        f.apply({argument});
+        EXPECT_EQ(f.m.sky, sky) << argument;
+        EXPECT_EQ(f.m.tempC.get(), 21.0);
+    }
+}
+
+TEST(Flags, TakeEffectInAFixedOrder) {
+    FlagsFixture f;
+    const FlagEffects effects =
+        f.apply({"--idle", "--low", "--charging", "--seed", "--bigseed", "--hidden", "--toy=c"});
+    EXPECT_EQ(f.m.battery, 0.12);
+    EXPECT_FALSE(f.m.charging);
+    EXPECT_EQ(f.m.items->size(), 2);
+    EXPECT_EQ(f.m.items->first().toLocalFile(), QStringLiteral("/System/Applications/Notes.app"));
+    EXPECT_TRUE(f.m.hidden);
+    EXPECT_FALSE(f.m.hovering);
+    EXPECT_TRUE(effects.batteryPinned);
+    EXPECT_FALSE(effects.privacyPinned);
+}
+
+TEST(Flags, SetTheirState) {
+    FlagsFixture f;
+    const FlagEffects effects =
+        f.apply({"--targeted", "--expand", "--drag", "--camera", "--mic", "--caps", "--offline", "--disk", "--whispers",
+                 "--update", "--downloading", "--chewing", "--music", "--bites", "--timer=90", "--slide=-12.5",
+                 "--bigseed", "--screentest", "--nonsense"});
+    EXPECT_TRUE(f.m.dropTargeted && f.m.shelfExpanded && f.m.cameraInUse && f.m.micInUse && f.m.capsOn && f.m.offline &&
+                f.m.diskFull && f.m.downloading && f.m.chewing && f.m.musicPlaying);
+    EXPECT_EQ(f.m.dragOffset.get(), QSizeF(6, 76));
+    EXPECT_EQ(f.m.eventWhisper.get(), QStringLiteral("10:00 standup"));
+    EXPECT_EQ(f.m.updateAvailable.get(), QStringLiteral("9.9"));
+    EXPECT_TRUE(f.m.musicTrack->value().contains(QStringLiteral(" — ")));
+    EXPECT_EQ(*f.m.bites->last().text(), QStringLiteral("call the bank about the card"));
+    EXPECT_EQ(f.m.timers->first().minutes, 2);
+    EXPECT_EQ(f.m.slideX, -12.5);
+    EXPECT_EQ(f.m.items->size(), 8);
+    EXPECT_TRUE(effects.privacyPinned && effects.batteryPinned && effects.screenTest && !effects.demo);
+}
+
+TEST(Flags, MalformedNumbersAreIgnored) {
+    FlagsFixture f;
+    f.apply({"--timer=soon", "--slide=", "--timer=5", "--slide=nan"});
+    EXPECT_TRUE(f.m.timers->isEmpty());
+    EXPECT_EQ(f.m.slideX, 0.0);
+}
+
+TEST(Flags, ReactionsFollowALittleLater) {
+    FlagsFixture f;
+    f.apply({"--yawn", "--worry", "--spawn", "--needsyou"});
+    f.loop.advance(1.49);
+    EXPECT_EQ(f.m.worryCount + f.m.spawnCount, 0);
+    f.loop.advance(0.02);
+    EXPECT_EQ(f.m.worryCount, 1);
+    EXPECT_EQ(f.m.spawnCount, 2);
+    EXPECT_TRUE(f.m.yawning);
+}
+
+}  // namespace

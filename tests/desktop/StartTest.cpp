@@ -1,0 +1,81 @@
+#include <QStringList>
+
+#include "desktop/DesktopTest.h"
+
+TEST(Start, EndsInOrderWithoutADisplay) {
+    const Home home;
+    for (const char* display : {"", ":987"}) {
+        auto environment = home.environment();
+        environment.insert(QStringLiteral("DISPLAY"), QLatin1String(display));
+        Glimmet glimmet(environment, home);
+        ASSERT_TRUE(waitFor([&] { return !glimmet.running(); })) << display;
+        EXPECT_EQ(glimmet.exitCode(), 0) << display;
+        EXPECT_EQ(glimmet.errors(), QStringList{QStringLiteral("glimmet: no screen to live on")}) << display;
+        EXPECT_EQ(glimmet.output(), QStringList()) << display;
+    }
+}
+
+TEST(Start, RunsOnAPlatformWithoutAWindowSystem) {
+    const Home home;
+    auto environment = home.environment();
+    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    Glimmet glimmet(environment, home);
+    ASSERT_TRUE(glimmet.started());
+    EXPECT_EQ(glimmet.errors().last(),
+              QStringLiteral("glimmet: notch=(307.5, 768.0, 185.0, 32.0) top=800.0 toy=Critter"));
+}
+
+class Startup : public DesktopTest {};
+
+TEST_F(Startup, SaysWhereItLivesAndHangsThereFromTheTop) {
+    const OtherWindow window(session, {.geometry = {300, 400, 300, 200}});
+    ASSERT_TRUE(waitFor([&] { return window.active(); }));
+    Glimmet glimmet(session, home);
+    ASSERT_TRUE(glimmet.started());
+    EXPECT_EQ(glimmet.errors(),
+              QStringList{QStringLiteral("glimmet: notch=(663.5, 950.0, 185.0, 32.0) top=982.0 toy=Critter")});
+    EXPECT_EQ(glimmet.panelFrame(), QRect(576, 0, 360, 230));
+    EXPECT_TRUE(waitForBody(185, 58));
+    EXPECT_NEAR(bodyIn(picture())->center(), 756, 1);
+    EXPECT_TRUE(waitForEyes());
+    EXPECT_TRUE(window.active()) << "it takes the focus from nobody";
+
+    glimmet.terminate();
+    ASSERT_TRUE(waitFor([&] { return !glimmet.running(); }));
+    EXPECT_EQ(glimmet.exitCode(), 0);
+}
+
+TEST_F(Startup, PrintsItsMenuAndEnds) {
+    home.setPreferences("glimmet.hidden = bool true\n");
+    Glimmet glimmet(session, home, {QStringLiteral("--menudump"), QStringLiteral("--update")});
+    ASSERT_TRUE(waitFor([&] { return !glimmet.running(); }));
+    EXPECT_EQ(glimmet.exitCode(), 0);
+    const QStringList menu{u"   Critter"_qs,
+                           u"   Weather"_qs,
+                           u"—— "_qs,
+                           u"   Hold a timer  ▸3"_qs,
+                           u"   Shh for an hour"_qs,
+                           u"—— "_qs,
+                           u"   Watch Downloads"_qs,
+                           u"   Meeting whispers"_qs,
+                           u"   Music in the notch"_qs,
+                           u"   Check for updates…"_qs,
+                           u"—— "_qs,
+                           u"   Show Glimmet"_qs,
+                           u"   Quit Glimmet"_qs};
+    EXPECT_EQ(glimmet.output(), menu) << glimmet.output().join(u'\n').toStdString();
+    EXPECT_EQ(glimmet.errors("glimmet:"), QStringList()) << "the flags that set states come later";
+}
+
+TEST_F(Startup, TestsItsPlacementOnRequest) {
+    Glimmet glimmet(session, home, {QStringLiteral("--screentest")});
+    ASSERT_TRUE(glimmet.started());
+    ASSERT_TRUE(waitFor([&] { return glimmet.errors("screentest:").size() == 2; }, 8));
+    const QString frame = QStringLiteral("(576.0, 752.0, 360.0, 230.0)");
+    EXPECT_EQ(
+        glimmet.errors("screentest:"),
+        QStringList(
+            {QStringLiteral("screentest: before=%1 after=%1 same=true panel=%1 centerX=756.0 top=982.0").arg(frame),
+             QStringLiteral("screentest: recovered=true panel=%1").arg(frame)}));
+    EXPECT_EQ(glimmet.panelFrame(), QRect(576, 0, 360, 230));
+}

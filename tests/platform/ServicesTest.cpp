@@ -1,0 +1,124 @@
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QDateTime>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QTemporaryDir>
+#include <QTemporaryFile>
+#include <QTimer>
+#include <thread>
+
+#include "platform/linux/PathReferences.h"
+#include "platform/linux/QtMainLoop.h"
+#include "platform/linux/QtScreens.h"
+#include "platform/linux/SystemClock.h"
+#include "platform/linux/ThreadQueues.h"
+#include "support/MemoryPorts.h"
+
+namespace {
+
+/// Runs the event loop until `done`; false if that takes longer than ten seconds.
+bool runUntil(const std::function<bool()>& done) {
+    QElapsedTimer timer;
+    timer.start();
+    while (!done() && timer.elapsed() < 10000)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents, 50);
+    return done();
+}
+
+TEST(QtMainLoop, PostsInOrderFromAnyThread) {
+    QtMainLoop loop;
+    std::vector<int> order;
+    loop.post([&] {
+        order.push_back(1);
+        loop.post([&] { order.push_back(3); });
+    });
+    loop.post([&] { order.push_back(2); });
+    EXPECT_TRUE(order.empty());
+    EXPECT_TRUE(runUntil([&] { return order.size() == 3; }));
+    EXPECT_EQ(order, (std::vector<int>{1, 2, 3}));
+
+    std::thread::id ranOn;
+    std::thread other([&] { loop.post([&] { ranOn = std::this_thread::get_id(); }); });
+    other.join();
+    EXPECT_TRUE(runUntil([&] { return ranOn != std::thread::id(); }));
+    EXPECT_EQ(ranOn, std::this_thread::get_id());
+}
+
+TEST(QtMainLoop, TimersMayDropThemselvesAndOthers) {
+    QtMainLoop loop;
+    int ticks = 0;
+    int never = 0;
+    TimerHandle doomed = loop.after(0.03, [&] { ++never; });
+    TimerHandle repeating;
+    repeating = loop.every(0.005, [&, big = std::string(1000, 'x')] {
+        doomed.cancel();
+        if (++ticks == 3) repeating.cancel();
+        EXPECT_EQ(big.size(), 1000U);  // the closure outlives the cancelling
+    });
+    bool late = false;
+    const TimerHandle end = loop.after(0.1, [&] { late = true; });
+    EXPECT_TRUE(runUntil([&] { return late; }));
+    EXPECT_EQ(ticks, 3);
+    EXPECT_EQ(never, 0);
+}
+
+TEST(SystemClock, CountsFromItsReferenceAndKnowsTheLocalHour) {
+    const SystemClock clock;
+    const double unixNow = double(QDateTime::currentMSecsSinceEpoch()) / 1000;
+    EXPECT_NEAR(clock.now().seconds, unixNow - 978307200, 0.5);
+    qputenv("TZ", "XYZ-2");
+    tzset();
+    EXPECT_EQ(clock.localHour({0}), 2);
+    EXPECT_EQ(clock.localHour({-1}), 1);
+    EXPECT_EQ(clock.localHour({86400 * 100 + 21.99 * 3600}), 23);
+    qunsetenv("TZ");
+    tzset();
+}
+
+/// A disk that never answers.
+class StuckQueue : public BackgroundQueue {
+ public:
+    void run(std::function<void()>) override {}
+};
+
+TEST(PathReferences, FindFilesAndGiveSlowDisksTheBenefitOfTheDoubt) {
+    ThreadQueue queue;
+    const PathReferences references(queue);
+    QTemporaryFile file;
+    ASSERT_TRUE(file.open());
+    const QUrl url = QUrl::fromLocalFile(file.fileName());
+    const auto bookmark = references.bookmark(url);
+    ASSERT_TRUE(bookmark);
+    EXPECT_EQ(references.resolve(*bookmark), url);
+    EXPECT_FALSE(references.resolve("/no/such/file"));
+    EXPECT_FALSE(references.resolve("relative"));
+    EXPECT_FALSE(references.resolve(QByteArray("/a\0b", 4)));
+    EXPECT_FALSE(references.bookmark(QUrl(QStringLiteral("https://a.example/"))));
+
+    StuckQueue stuck;
+    EXPECT_EQ(PathReferences(stuck).resolve("/no/such/file"), QUrl::fromLocalFile(QStringLiteral("/no/such/file")));
+}
+
+TEST(QtScreens, TakeTheHousingFromThePreference) {
+    MemoryPreferences preferences;
+    QtMainLoop loop;
+    const QtScreens screens(preferences, loop);
+    ASSERT_FALSE(screens.screens().isEmpty());
+    const QRectF frame = screens.screens().first().frame;
+    EXPECT_FALSE(screens.screens().first().auxiliaryTopLeftArea);
+
+    preferences.setText(QStringLiteral("glimmet.notch"), QStringLiteral("200x38"));
+    const Screen notched = screens.screens().first();
+    ASSERT_TRUE(notched.auxiliaryTopLeftArea && notched.auxiliaryTopRightArea);
+    EXPECT_EQ(notched.auxiliaryTopRightArea->left() - notched.auxiliaryTopLeftArea->right(), 200);
+    EXPECT_EQ(notched.auxiliaryTopLeftArea->bottom(), frame.bottom());
+    EXPECT_EQ(notched.auxiliaryTopLeftArea->height(), 38);
+    for (const char* odd : {"none", "200", "x", "99999x9", "200x38x2", "-1x3"}) {
+        preferences.setText(QStringLiteral("glimmet.notch"), QLatin1String(odd));
+        EXPECT_FALSE(screens.screens().first().auxiliaryTopLeftArea) << odd;
+    }
+}
+
+}  // namespace

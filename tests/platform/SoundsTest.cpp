@@ -1,0 +1,88 @@
+#include <gtest/gtest.h>
+
+#include <QFileInfo>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include "platform/linux/CanberraSounds.h"
+#include "platform/linux/ThreadQueues.h"
+#include "support/XSession.h"
+
+namespace {
+
+/// Sounds that go to a server of our own, which has one sink that nobody hears.
+class SoundsTest : public testing::Test {
+ protected:
+    SoundsTest() {
+        qputenv("HOME", QFile::encodeName(folder_.path()));
+        qputenv("XDG_RUNTIME_DIR", QFile::encodeName(folder_.path()));
+        qputenv("PULSE_SERVER", QFile::encodeName(u"unix:"_qs + socket_));
+    }
+
+    void startServer() {
+        const std::string listen = "module-native-protocol-unix auth-anonymous=1 socket=" + socket_.toStdString();
+        server_ = std::make_unique<Child>(
+            std::vector<std::string>{"pulseaudio", "-n", "--daemonize=no", "--use-pid-file=no", "--exit-idle-time=-1",
+                                     "--disable-shm=yes", "-L", "module-null-sink", "-L", listen});
+        ASSERT_TRUE(waitFor([this] { return QFileInfo::exists(socket_) && !pactl({u"info"_qs}).isEmpty(); }, 20))
+            << "no sound server";
+    }
+
+    static QByteArray pactl(const QStringList& arguments) {
+        QProcess process;
+        process.start(u"pactl"_qs, arguments);
+        return process.waitForFinished(5000) && process.exitCode() == 0 ? process.readAllStandardOutput()
+                                                                        : QByteArray();
+    }
+
+    /// Whether the server plays something for this process now.
+    static bool playing() {
+        const QByteArray ours = "application.process.id = \"" + QByteArray::number(getpid()) + '"';
+        return pactl({u"list"_qs, u"sink-inputs"_qs}).contains(ours);
+    }
+
+    /// Whether all that was to be played has ended within `seconds`.
+    testing::AssertionResult ends(double seconds) {
+        const auto reached = std::make_shared<std::atomic<bool>>(false);
+        queue_.run([reached] { *reached = true; });
+        return waitFor([&] { return reached->load(); }, seconds);
+    }
+
+    QTemporaryDir folder_;
+    QString socket_ = folder_.filePath(u"sound"_qs);
+    std::unique_ptr<Child> server_;
+    ThreadSerialQueue queue_;
+    CanberraSounds sounds_{queue_};
+};
+
+TEST_F(SoundsTest, PlayOnTheUsersServerAndLeaveIt) {
+    startServer();
+    for (const QString& name : {u"Glass"_qs, u"Pop"_qs}) {
+        sounds_.play(name);
+        EXPECT_TRUE(waitFor([] { return playing(); })) << name.toStdString();
+        EXPECT_TRUE(ends(10)) << name.toStdString();
+        EXPECT_TRUE(waitFor([] { return !playing(); })) << name.toStdString();
+    }
+}
+
+TEST_F(SoundsTest, AnUnknownSoundIsSkipped) {
+    startServer();
+    sounds_.play(u"no such sound"_qs);
+    EXPECT_TRUE(ends(3));
+    EXPECT_FALSE(playing());
+}
+
+TEST_F(SoundsTest, WithoutAServerNothingHappensForLong) {
+    sounds_.play(u"Glass"_qs);
+    EXPECT_TRUE(ends(5));
+}
+
+TEST_F(SoundsTest, AServerThatEndsInTheMiddleHoldsNothingUp) {
+    startServer();
+    sounds_.play(u"Glass"_qs);
+    ASSERT_TRUE(waitFor([] { return playing(); }));
+    server_.reset();
+    EXPECT_TRUE(ends(12));
+}
+
+}  // namespace

@@ -1,0 +1,189 @@
+#include <gtest/gtest.h>
+
+#include "creature/NotchModel.h"
+#include "support/Creature.h"
+
+namespace {
+
+QUrl file(const QString& path) {
+    return QUrl::fromLocalFile(path);
+}
+
+QList<QUrl> files(int count, int first = 0) {
+    QList<QUrl> list;
+    for (int i = 0; i < count; ++i) list.append(file(QStringLiteral("/f/%1").arg(first + i)));
+    return list;
+}
+
+QList<Bite> notes(int count, int first = 0) {
+    QList<Bite> list;
+    for (int i = 0; i < count; ++i) list.append(Bite::note(QString::number(first + i)));
+    return list;
+}
+
+TEST(Items, TheThirteenthPushesTheOldestOut) {
+    CreatureFixture f;
+    EXPECT_EQ(f.m.addItems(files(12)), 12);
+    EXPECT_EQ(f.m.addItems({file(QStringLiteral("/g"))}), 1);
+    EXPECT_EQ(f.m.items->size(), 12);
+    EXPECT_EQ(f.m.items->first(), file(QStringLiteral("/f/1")));
+    EXPECT_EQ(f.m.items->last(), file(QStringLiteral("/g")));
+    EXPECT_EQ(f.m.addItems(files(20, 100)), 12);
+    EXPECT_EQ(f.m.items->first(), file(QStringLiteral("/f/108")));
+}
+
+TEST(Items, OneFileIsHeldOnceUnderAnyOfItsPaths) {
+    CreatureFixture f;
+    EXPECT_EQ(
+        f.m.addItems({file(QStringLiteral("/a/b")), file(QStringLiteral("/a/./b")), file(QStringLiteral("/a/c/../b"))}),
+        1);
+    EXPECT_EQ(f.m.items->first(), file(QStringLiteral("/a/b")));
+    const int writes = f.preferences.writes;
+    EXPECT_EQ(f.m.addItems({file(QStringLiteral("/a/./b"))}), 0);
+    EXPECT_EQ(f.preferences.writes, writes);
+}
+
+TEST(Bites, KeepTheLastEightAndAreToldApartByKindAndText) {
+    CreatureFixture f;
+    EXPECT_EQ(f.m.addBites(notes(10)), 8);
+    EXPECT_EQ(*f.m.bites->first().text(), QStringLiteral("2"));
+    f.m.bites = QList<Bite>();
+    EXPECT_EQ(f.m.addBites({Bite::note(QStringLiteral("hello")), Bite::link(QUrl(QStringLiteral("hello"))),
+                            Bite::note(QStringLiteral("hello")), Bite::note(QStringLiteral("hello "))}),
+              3);
+    EXPECT_EQ(biteKey(f.m.bites->at(0)), QStringLiteral("n:hello"));
+    EXPECT_EQ(biteKey(f.m.bites->at(1)), QStringLiteral("l:hello"));
+    f.m.removeBite(Bite::note(QStringLiteral("hello")));
+    EXPECT_EQ(f.m.bites->size(), 2);
+}
+
+TEST(Timers, RoundTheirMinutesButNotTheirTime) {
+    struct Case {
+        double length;
+        int minutes;
+    };
+    for (const auto& [length, minutes] : std::vector<Case>{{2.5, 3}, {0.2, 1}, {25, 25}, {0, 1}, {-3, 1}, {1.49, 1}}) {
+        CreatureFixture f;
+        f.m.asleep = true;
+        f.m.addTimer(length);
+        EXPECT_EQ(f.m.timers->first().minutes, minutes) << length;
+        EXPECT_NEAR(f.m.timers->first().fireAt - f.clock.now(), length * 60, 1e-6);
+        EXPECT_EQ(f.m.swallowCount, 1);
+        EXPECT_FALSE(f.m.asleep);
+    }
+}
+
+TEST(Timers, RingOnceAndAreClearedOrRemoved) {
+    CreatureFixture f;
+    f.m.addTimer(1);
+    f.m.addTimer(5);
+    f.m.addTimer(1);
+    f.loop.advance(60);
+    EXPECT_TRUE(f.m.tickTimers());
+    EXPECT_FALSE(f.m.tickTimers());
+    EXPECT_TRUE(f.m.timers->at(0).done && !f.m.timers->at(1).done && f.m.timers->at(2).done);
+    f.m.removeTimer(f.m.timers->at(2));
+    EXPECT_EQ(f.m.timers->size(), 2);
+    f.m.clearDoneTimers();
+    ASSERT_EQ(f.m.timers->size(), 1);
+    EXPECT_EQ(f.m.timers->first().minutes, 5);
+}
+
+TEST(Json, BitesHaveExactlyThisForm) {
+    EXPECT_EQ(encodeBites({Bite::note(QStringLiteral("buy milk"))}), "[{\"note\":{\"_0\":\"buy milk\"}}]");
+    EXPECT_EQ(encodeBites({Bite::link(QUrl(QStringLiteral("https://a.example/b c")))}),
+              "[{\"link\":{\"_0\":\"https:\\/\\/a.example\\/b%20c\"}}]");
+    EXPECT_EQ(encodeBites({}), "[]");
+    const QList<Bite> both{Bite::note(QStringLiteral("\"\\/\n\u00e4\U0001F600")),
+                           Bite::link(QUrl(QStringLiteral("mailto:x@y")))};
+    EXPECT_EQ(decodeBites(encodeBites(both)), both);
+    EXPECT_EQ(decodeBites("[{\"link\":{\"_0\":\"https://a.example/b\"},\"extra\":1}]"),
+              (QList<Bite>{Bite::link(QUrl(QStringLiteral("https://a.example/b")))}));
+}
+
+TEST(Json, OneMalformedBiteFailsAll) {
+    const QByteArray good = "{\"note\":{\"_0\":\"x\"}}";
+    for (const QByteArray& bad :
+         {QByteArray("{}"), QByteArray("{\"note\":{\"_0\":\"x\"},\"link\":{\"_0\":\"http:\\/\\/x\"}}"),
+          QByteArray("{\"note\":\"x\"}"), QByteArray("{\"note\":{\"_1\":\"x\"}}"), QByteArray("{\"note\":{\"_0\":5}}"),
+          QByteArray("{\"link\":{\"_0\":\"\"}}"), QByteArray("{\"link\":{\"_0\":\"http://[\"}}"), QByteArray("null"),
+          QByteArray("[]"), QByteArray("{\"note\":{\"_0\":\"x\"}")}) {
+        EXPECT_FALSE(decodeBites('[' + good + ',' + bad + ']')) << bad.constData();
+    }
+    for (const QByteArray& bad :
+         {QByteArray(), QByteArray("{}"), QByteArray("7"), QByteArray("[1"), QByteArray("\0\1\2", 3)})
+        EXPECT_FALSE(decodeBites(bad)) << bad.constData();
+}
+
+TEST(Json, TimersReadWhatWasWrittenAndNothingElse) {
+    const QByteArray json =
+        "[{\"id\":\"5E0B4B61-2C7E-4F43-A3E1-1C3A6F2D9B10\",\"fireAt\":785001234.5,\"minutes\":5,\"done\":false}]";
+    const auto read = decodeTimers(json);
+    ASSERT_TRUE(read && read->size() == 1);
+    EXPECT_EQ(read->first().fireAt.seconds, 785001234.5);
+    EXPECT_EQ(read->first().minutes, 5);
+    EXPECT_EQ(decodeTimers(encodeTimers(*read)), read);
+    EXPECT_TRUE(encodeTimers(*read).contains("\"5E0B4B61-2C7E-4F43-A3E1-1C3A6F2D9B10\""));
+    for (const auto& [from, to] : std::vector<std::pair<const char*, const char*>>{{"\"done\":false", "\"done\":0"},
+                                                                                   {",\"done\":false", ""},
+                                                                                   {"785001234.5", "\"soon\""},
+                                                                                   {"\"minutes\":5", "\"minutes\":5.5"},
+                                                                                   {"5E0B4B61", "XE0B4B61"},
+                                                                                   {"-1C3A6F2D9B10", ""}}) {
+        EXPECT_FALSE(decodeTimers(QByteArray(json).replace(from, to))) << from;
+    }
+}
+
+/// What a restart does: another model over the same preferences and files.
+struct Restarted {
+    explicit Restarted(CreatureFixture& f)
+        : m(f.clock, f.loop, f.preferences, f.files, QStringLiteral("/nonexistent")) {
+        m.loadShelf();
+        m.loadHeld();
+    }
+    NotchModel m;
+};
+
+TEST(Store, ARestartKeepsWhatIsHeldButRungTimers) {
+    CreatureFixture f;
+    f.m.addItems(files(3));
+    f.m.addBites(notes(2));
+    f.m.addTimer(1);
+    f.m.addTimer(2);
+    f.m.addTimer(3);
+    f.loop.advance(61);
+    f.m.tickTimers();
+    f.m.hidden = true;
+    f.loop.advance(70);  // the second falls due while nothing looks
+    Restarted again(f);
+    EXPECT_EQ(again.m.items.get(), f.m.items.get());
+    EXPECT_EQ(again.m.bites.get(), f.m.bites.get());
+    EXPECT_TRUE(again.m.hidden);
+    ASSERT_EQ(again.m.timers->size(), 2);
+    EXPECT_EQ(again.m.timers->first().minutes, 2);
+    EXPECT_TRUE(again.m.tickTimers());
+}
+
+TEST(Store, AFileThatIsGoneAtTheNextStartIsForgotten) {
+    CreatureFixture f;
+    f.m.addItems(files(3));
+    f.files.missing.insert(QStringLiteral("/f/1"));
+    Restarted again(f);
+    EXPECT_EQ(again.m.items->size(), 2);
+    EXPECT_EQ(f.preferences.dataList(QStringLiteral("glimmet.shelf"))->size(), 2);
+}
+
+TEST(Store, WhatCannotBeReadStaysUntilItIsWrittenAnew) {
+    CreatureFixture f;
+    const QString key = QStringLiteral("glimmet.bites");
+    f.preferences.setData(key, "[{]");
+    f.preferences.setBoolean(QStringLiteral("glimmet.timers"), true);
+    f.preferences.setData(QStringLiteral("glimmet.shelf"), "not a list");
+    Restarted again(f);
+    EXPECT_TRUE(again.m.bites->isEmpty() && again.m.timers->isEmpty() && again.m.items->isEmpty());
+    EXPECT_EQ(f.preferences.data(key), QByteArray("[{]"));
+    again.m.addBites(notes(1));
+    EXPECT_EQ(f.preferences.data(key), encodeBites(notes(1)));
+}
+
+}  // namespace
