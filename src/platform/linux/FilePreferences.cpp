@@ -114,6 +114,10 @@ FilePreferences::FilePreferences(QString path, SerialQueue& queue)
 }
 
 FilePreferences::~FilePreferences() {
+    flush();
+}
+
+void FilePreferences::flush() {
     std::promise<void> reached;
     queue_.run([&reached] { reached.set_value(); });
     reached.get_future().wait();

@@ -18,6 +18,9 @@ class FilePreferences : public Preferences {
     FilePreferences(QString path, SerialQueue& queue);
     ~FilePreferences() override;
 
+    /// Waits until all that was set has been written, or could not be.
+    void flush();
+
     /// Where the user's preferences belong.
     static QString defaultPath();
 
