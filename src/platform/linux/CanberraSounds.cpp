@@ -2,6 +2,8 @@
 
 #include <canberra.h>
 
+#include <QByteArray>
+#include <QList>
 #include <chrono>
 #include <memory>
 #include <semaphore>

@@ -15,7 +15,7 @@
 class FilePreferences : public Preferences {
  public:
     /// Reads the file. `queue` does the writing and must outlive the object, which on its end leaves nothing unwritten.
-    FilePreferences(QString path, SerialQueue& queue);
+    FilePreferences(const QString& path, SerialQueue& queue);
     ~FilePreferences() override;
 
     /// Waits until all that was set has been written, or could not be.

@@ -30,8 +30,8 @@ void setShape(xcb_window_t window, xcb_shape_sk_t kind, const QRegion& region, d
 }
 }  // namespace
 
-X11PanelWindow::X11PanelWindow(std::shared_ptr<X11Connection> connection, std::shared_ptr<PointerSampler> sampler,
-                               MainLoop& loop)
+X11PanelWindow::X11PanelWindow(const std::shared_ptr<X11Connection>& connection,
+                               std::shared_ptr<PointerSampler> sampler, MainLoop& loop)
     : sampler_(std::move(sampler)),
       neverShaped_(underXWayland(*connection)),
       compositor_(connection, [this] { applyOutline(); }) {
