@@ -61,6 +61,7 @@ AppDelegate::Launch AppDelegate::launch() {
 void AppDelegate::startSensors() {
     behaviour_.installMonitors(ports_.monitors, ports_.workspace);
     ports_.monitors.onRightMouseDown = [this](QPointF pointer) { rightMouseDown(pointer); };
+    ports_.monitors.onPressElsewhere = ports_.closePopUp;
     ports_.monitors.onCapsLockChanged = [this](bool on) { capsLock_.capsChanged(on); };
     ports_.monitors.start();
     m_.capsOn = ports_.monitors.capsLock();

@@ -37,6 +37,8 @@ struct Ports {
     std::function<double()> random;
     /// Shows a menu at a point of the screen (y growing upwards) and returns at once.
     std::function<void(const QList<MenuItem>&, QPointF)> popUp;
+    /// Closes it if it is still there.
+    std::function<void()> closePopUp;
     /// Asks for an orderly end.
     std::function<void()> quit;
     /// Where the user's programs keep their data.

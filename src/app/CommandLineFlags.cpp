@@ -26,7 +26,7 @@ Sky skyNamed(const QString& name) {
 std::optional<double> parseNumber(const QString& text) {
     bool ok = false;
     const double value = text.toDouble(&ok);
-    return ok && std::isfinite(value) ? std::optional(value) : std::nullopt;
+    return ok && std::isfinite(value) && text == text.trimmed() ? std::optional(value) : std::nullopt;
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "app/PopupMenu.h"
 
+#include <QApplication>
 #include <QMenu>
 #include <QStringList>
 
@@ -42,8 +43,14 @@ void fill(QMenu& menu, const QList<MenuItem>& items) {
 }  // namespace
 
 void popUp(const QList<MenuItem>& items, const QPoint& position) {
+    closePopUp();
     auto* menu = new QMenu;
     menu->setAttribute(Qt::WA_DeleteOnClose);
     fill(*menu, items);
     menu->popup(position);
+}
+
+void closePopUp() {
+    // A submenu first, then the menu that it belongs to.
+    while (QWidget* open = QApplication::activePopupWidget()) open->close();
 }

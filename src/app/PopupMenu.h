@@ -22,3 +22,7 @@ QStringList describeMenu(const QList<MenuItem>& items);
 /// Shows `items` as a menu at `position` (Qt's global coordinates) and runs the action of the chosen row. Returns at
 /// once; the menu deletes itself when it closes.
 void popUp(const QList<MenuItem>& items, const QPoint& position);
+
+/// Closes the menu that popUp() has opened, if it is still there. A menu that could not take the pointer, because
+/// another program's menu had it, does not hear of a press elsewhere by itself.
+void closePopUp();

@@ -10,7 +10,7 @@ struct Date {
     /// Earlier than every other moment.
     static constexpr Date distantPast() { return {-std::numeric_limits<double>::infinity()}; }
 
-    friend constexpr auto operator<=>(Date, Date) = default;
+    friend constexpr auto operator<=>(Date, Date) = default;  // NOLINT(modernize-use-nullptr): not ours
     /// Seconds from `b` to `a`.
     friend constexpr double operator-(Date a, Date b) { return a.seconds - b.seconds; }
     friend constexpr Date operator+(Date a, double seconds) { return {a.seconds + seconds}; }

@@ -25,6 +25,8 @@ class EventMonitors {
     /// `pointer` is the place of the press. One that went to another program is reported once that program has let go
     /// of the pointer, since before that no menu could open.
     std::function<void(QPointF pointer)> onRightMouseDown;
+    /// Any button went down on another program's window or the bare desktop.
+    std::function<void()> onPressElsewhere;
     /// Wheel steps; positive is away from the user or to the right.
     std::function<void(QPointF pointer, QPointF steps)> onScroll;
     std::function<void(bool capsLock)> onCapsLockChanged;

@@ -21,7 +21,7 @@ std::optional<QList<T>> decodeArray(const QByteArray& json, const Decode& decode
     const QJsonDocument document = QJsonDocument::fromJson(json);
     if (!document.isArray()) return {};
     QList<T> values;
-    for (const QJsonValue& element : document.array()) {
+    for (const auto& element : document.array()) {
         if (!element.isObject()) return {};
         const std::optional<T> value = decode(element.toObject());
         if (!value) return {};

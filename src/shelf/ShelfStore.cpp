@@ -20,7 +20,8 @@ void NotchModel::loadShelf() {
     for (const QByteArray& bookmark : *stored) {
         if (const auto file = files_.resolve(bookmark)) found.append(*file);
     }
-    if (found != items.get()) items = found;
+    // As if they were given anew, so that a file that somebody has edited keeps to the limits too.
+    addItems(found);
 }
 
 void NotchModel::loadHeld() {

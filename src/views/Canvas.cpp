@@ -83,7 +83,7 @@ void Canvas::stroke(const QPainterPath& path, const QBrush& brush, double width)
 void Canvas::shadow(const QPainterPath& shape, const QColor& color, double radius, const QPointF& offset,
                     const QRectF& hole) {
     if (color.alpha() == 0 || shape.isEmpty()) return;
-    const auto& made = caches_.shadows.shadow(shape, radius, color, ratio_);
+    const auto made = caches_.shadows.shadow(shape, radius, color, ratio_);
     drawScaled(made.bounds.translated(offset), made.image, hole);
 }
 
@@ -91,21 +91,20 @@ void Canvas::kept(const QByteArray& key, const QRectF& bounds, const QRectF& hol
                   const std::function<void(Canvas&)>& draw) {
     const double scale = pixelsPerPoint();
     const QByteArray fullKey = key + ' ' + QByteArray::number(scale);
-    const QImage* image = caches_.drawings.object(fullKey);
     const QSize size(int(std::ceil(bounds.width() * scale)), int(std::ceil(bounds.height() * scale)));
-    if (!image) {
-        auto* made = new QImage(size, QImage::Format_ARGB32_Premultiplied);
-        made->fill(Qt::transparent);
-        QPainter painter(made);
+    const QImage* known = caches_.drawings.object(fullKey);
+    QImage image = known ? *known : QImage(size, QImage::Format_ARGB32_Premultiplied);
+    if (!known) {
+        image.fill(Qt::transparent);
+        QPainter painter(&image);
         painter.scale(scale, scale);
         painter.translate(-bounds.topLeft());
         Canvas canvas(painter, caches_, ratio_);
         draw(canvas);
         painter.end();
-        caches_.drawings.insert(fullKey, made);
-        image = made;
+        caches_.drawings.insert(fullKey, new QImage(image));
     }
-    drawScaled(QRectF(bounds.topLeft(), QSizeF(size) / scale), *image, hole);
+    drawScaled(QRectF(bounds.topLeft(), QSizeF(size) / scale), image, hole);
 }
 
 // In bands of few rows: the toolkit hands a scaled picture of more rows to several threads, whose waking costs more

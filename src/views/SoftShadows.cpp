@@ -93,13 +93,13 @@ void blurMask(std::vector<uchar>& mask, int width, int height, double sigma) {
     }
 }
 
-const SoftShadows::Shadow& SoftShadows::shadow(const QPainterPath& shape, double radius, const QColor& color,
-                                               double pixelsPerPoint) {
+SoftShadows::Shadow SoftShadows::shadow(const QPainterPath& shape, double radius, const QColor& color,
+                                        double pixelsPerPoint) {
     // Four pixels per standard deviation are as smooth as the eye can tell once they are interpolated.
     const double scale = std::min(pixelsPerPoint, 4 / std::max(radius / 2, 0.1));
     const QByteArray key = keyOf(shape, radius, color, scale);
     if (const auto* found = cache_.object(key)) return *found;
-    auto* made = new Shadow(render(shape, radius, color, scale));
-    cache_.insert(key, made);
-    return *made;
+    const Shadow made = render(shape, radius, color, scale);
+    cache_.insert(key, new Shadow(made));
+    return made;
 }

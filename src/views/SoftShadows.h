@@ -16,8 +16,8 @@ class SoftShadows {
     };
 
     /// The shadow of `shape` with this blur `radius` (points, two standard deviations of the blur), at most
-    /// `pixelsPerPoint` fine; a wide blur needs, and gets, fewer pixels. Valid until the next call.
-    const Shadow& shadow(const QPainterPath& shape, double radius, const QColor& color, double pixelsPerPoint);
+    /// `pixelsPerPoint` fine; a wide blur needs, and gets, fewer pixels.
+    Shadow shadow(const QPainterPath& shape, double radius, const QColor& color, double pixelsPerPoint);
 
  private:
     QCache<QByteArray, Shadow> cache_{24};

@@ -9,13 +9,13 @@ QImage Symbols::image(const QString& name, int pixels, const QColor& color) {
 
     QSvgRenderer drawing(QStringLiteral(":/symbols/%1.svg").arg(name));
     if (!drawing.isValid()) return {};
-    auto* image = new QImage(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
-    image->fill(Qt::transparent);
-    QPainter painter(image);
+    QImage image(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
     drawing.render(&painter);
     painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
-    painter.fillRect(image->rect(), color);
+    painter.fillRect(image.rect(), color);
     painter.end();
-    cache_.insert(key, image);
-    return *image;
+    cache_.insert(key, new QImage(image));
+    return image;
 }

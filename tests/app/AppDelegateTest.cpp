@@ -28,7 +28,7 @@ struct ProgramFixture {
         for (const char* argument : arguments) list.append(QLatin1String(argument));
         delegate.emplace(Ports{clock, loop, preferences, files, screens, window, monitors, workspace, sounds,
                                [] { return 0.5; }, [this](const QList<MenuItem>& items, QPointF) { menu = items; },
-                               [this] { quit = true; }, QStringLiteral("/nonexistent")},
+                               [] {}, [this] { quit = true; }, QStringLiteral("/nonexistent")},
                          list);
         ::testing::internal::CaptureStderr();
         const auto result = delegate->launch();

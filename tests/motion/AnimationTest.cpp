@@ -164,6 +164,14 @@ TEST(Animated, InitialVelocityIsAShareOfTheWay) {
     EXPECT_NEAR(value.velocity(0), 200, 1e-9);
 }
 
+TEST(Animated, APointArrivesOnlyWhenBothItsCoordinatesHave) {
+    Animated<QPointF> value(QPointF(0, 0));
+    value.aim(QPointF(0, 100), Animation::interpolatingSpring(1, 220, 18), 0);
+    EXPECT_TRUE(value.moving(0.3));
+    EXPECT_NE(value.at(0.3).y(), 100);
+    EXPECT_FALSE(value.moving(3));
+}
+
 TEST(Animated, DoesNotDependOnHowOftenItIsAsked) {
     Animated<double> often(0);
     Animated<double> once(0);

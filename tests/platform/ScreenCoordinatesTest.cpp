@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 
+#include "platform/linux/QtScreens.h"
 #include "platform/linux/ScreenCoordinates.h"
+#include "support/ManualLoop.h"
+#include "support/MemoryPorts.h"
 
 namespace {
 /// main() arranges the screens for this suite: the main one, 800 by 600 points of two pixels each, at (1000, 200), and
@@ -39,5 +42,16 @@ TEST_F(TwoScreens, ScaleNativePointsByTheirOwnRatio) {
     };
     for (const auto& [native, model] : points)
         EXPECT_EQ(nativeToModel(native), model) << native.x() << ',' << native.y();
+}
+
+TEST_F(TwoScreens, HaveTheUsersHousingOnTheMainOneOnly) {
+    MemoryPreferences preferences;
+    preferences.setText(QStringLiteral("glimmet.notch"), QStringLiteral("200x30"));
+    ManualClock clock;
+    ManualLoop loop(clock);
+    const QList<Screen> found = QtScreens(preferences, loop).screens();
+    ASSERT_EQ(found.size(), 2);
+    EXPECT_TRUE(found.contains(Screen{{0, 0, 800, 600}, QRectF(0, 570, 300, 30), QRectF(500, 570, 300, 30), true}));
+    EXPECT_TRUE(found.contains(Screen{{-1000, -280, 1000, 1080}, {}, {}, false}));
 }
 }  // namespace

@@ -4,6 +4,8 @@
 #include <QDateTime>
 #include <QElapsedTimer>
 #include <QEventLoop>
+#include <QGuiApplication>
+#include <QScreen>
 #include <QTemporaryDir>
 #include <QTemporaryFile>
 #include <QTimer>
@@ -14,6 +16,7 @@
 #include "platform/linux/QtScreens.h"
 #include "platform/linux/SystemClock.h"
 #include "platform/linux/ThreadQueues.h"
+#include "support/ManualLoop.h"
 #include "support/MemoryPorts.h"
 
 namespace {
@@ -62,6 +65,25 @@ TEST(QtMainLoop, TimersMayDropThemselvesAndOthers) {
     EXPECT_TRUE(runUntil([&] { return late; }));
     EXPECT_EQ(ticks, 3);
     EXPECT_EQ(never, 0);
+}
+
+TEST(QtMainLoop, ADroppedTimerIsSilentEvenIfItIsDueAlready) {
+    QtMainLoop loop;
+    std::vector<int> fired;
+    TimerHandle timers[2];
+    for (int i = 0; i < 2; ++i) {
+        timers[i] = loop.after(0.001, [&, i] {
+            fired.push_back(i);
+            timers[1 - i].cancel();
+        });
+    }
+    QElapsedTimer time;
+    time.start();
+    while (time.elapsed() < 20) continue;  // both are due now, in one turn of the loop
+    bool over = false;
+    const TimerHandle end = loop.after(0.02, [&] { over = true; });
+    EXPECT_TRUE(runUntil([&] { return over; }));
+    EXPECT_EQ(fired.size(), 1U);
 }
 
 TEST(SystemClock, CountsFromItsReferenceAndKnowsTheLocalHour) {
@@ -115,9 +137,27 @@ TEST(QtScreens, TakeTheHousingFromThePreference) {
     EXPECT_EQ(notched.auxiliaryTopRightArea->left() - notched.auxiliaryTopLeftArea->right(), 200);
     EXPECT_EQ(notched.auxiliaryTopLeftArea->bottom(), frame.bottom());
     EXPECT_EQ(notched.auxiliaryTopLeftArea->height(), 38);
-    for (const char* odd : {"none", "200", "x", "99999x9", "200x38x2", "-1x3"}) {
+    for (const char* odd : {"none", "200", "x", "99999x9", "200x38x2", "-1x3", "0x0", "200x0", "00x38", "2000x38"}) {
         preferences.setText(QStringLiteral("glimmet.notch"), QLatin1String(odd));
         EXPECT_FALSE(screens.screens().first().auxiliaryTopLeftArea) << odd;
+    }
+}
+
+TEST(QtScreens, AnnounceSeveralChangesOnce) {
+    MemoryPreferences preferences;
+    ManualClock clock;
+    ManualLoop loop(clock);
+    QtScreens screens(preferences, loop);
+    int calls = 0;
+    screens.onChange = [&] { ++calls; };
+    QScreen* screen = QGuiApplication::primaryScreen();
+    for (int i = 1; i <= 2; ++i) {
+        Q_EMIT screen->geometryChanged({});
+        Q_EMIT qGuiApp->primaryScreenChanged(screen);
+        Q_EMIT screen->geometryChanged({});
+        EXPECT_EQ(calls, i - 1) << "not in the middle of it";
+        loop.advance(0.1);
+        EXPECT_EQ(calls, i);
     }
 }
 

@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <QDir>
+#include <QTemporaryDir>
+
 #include "creature/NotchModel.h"
 #include "support/Creature.h"
 
@@ -39,8 +42,17 @@ TEST(Items, OneFileIsHeldOnceUnderAnyOfItsPaths) {
         1);
     EXPECT_EQ(f.m.items->first(), file(QStringLiteral("/a/b")));
     const int writes = f.preferences.writes;
-    EXPECT_EQ(f.m.addItems({file(QStringLiteral("/a/./b"))}), 0);
+    for (const char* same : {"/a/./b", "/a//b", "/a/b/"})
+        EXPECT_EQ(f.m.addItems({file(QLatin1String(same))}), 0) << same;
     EXPECT_EQ(f.preferences.writes, writes);
+}
+
+TEST(Items, OnlyTheNamedOneIsRemoved) {
+    CreatureFixture f;
+    f.m.addItems(files(3));
+    f.m.removeItem(file(QStringLiteral("/f/1")));
+    f.m.removeItem(file(QStringLiteral("/nowhere")));
+    EXPECT_EQ(f.m.items.get(), (QList<QUrl>{file(QStringLiteral("/f/0")), file(QStringLiteral("/f/2"))}));
 }
 
 TEST(Bites, KeepTheLastEightAndAreToldApartByKindAndText) {
@@ -82,7 +94,9 @@ TEST(Timers, RingOnceAndAreClearedOrRemoved) {
     EXPECT_TRUE(f.m.tickTimers());
     EXPECT_FALSE(f.m.tickTimers());
     EXPECT_TRUE(f.m.timers->at(0).done && !f.m.timers->at(1).done && f.m.timers->at(2).done);
-    f.m.removeTimer(f.m.timers->at(2));
+    HeldTimer shown = f.m.timers->at(2);
+    shown.done = false;  // a chip may be older than the model
+    f.m.removeTimer(shown);
     EXPECT_EQ(f.m.timers->size(), 2);
     f.m.clearDoneTimers();
     ASSERT_EQ(f.m.timers->size(), 1);
@@ -106,8 +120,9 @@ TEST(Json, OneMalformedBiteFailsAll) {
     for (const QByteArray& bad :
          {QByteArray("{}"), QByteArray("{\"note\":{\"_0\":\"x\"},\"link\":{\"_0\":\"http:\\/\\/x\"}}"),
           QByteArray("{\"note\":\"x\"}"), QByteArray("{\"note\":{\"_1\":\"x\"}}"), QByteArray("{\"note\":{\"_0\":5}}"),
-          QByteArray("{\"link\":{\"_0\":\"\"}}"), QByteArray("{\"link\":{\"_0\":\"http://[\"}}"), QByteArray("null"),
-          QByteArray("[]"), QByteArray("{\"note\":{\"_0\":\"x\"}")}) {
+          QByteArray("{\"link\":{\"_0\":\"\"}}"), QByteArray("{\"link\":{\"_0\":\"http://[\"}}"),
+          QByteArray("{\"link\":{\"_0\":\"http://a/%zz\"}}"), QByteArray("null"), QByteArray("[]"),
+          QByteArray("{\"note\":{\"_0\":\"x\"}")}) {
         EXPECT_FALSE(decodeBites('[' + good + ',' + bad + ']')) << bad.constData();
     }
     for (const QByteArray& bad :
@@ -124,12 +139,15 @@ TEST(Json, TimersReadWhatWasWrittenAndNothingElse) {
     EXPECT_EQ(read->first().minutes, 5);
     EXPECT_EQ(decodeTimers(encodeTimers(*read)), read);
     EXPECT_TRUE(encodeTimers(*read).contains("\"5E0B4B61-2C7E-4F43-A3E1-1C3A6F2D9B10\""));
-    for (const auto& [from, to] : std::vector<std::pair<const char*, const char*>>{{"\"done\":false", "\"done\":0"},
-                                                                                   {",\"done\":false", ""},
-                                                                                   {"785001234.5", "\"soon\""},
-                                                                                   {"\"minutes\":5", "\"minutes\":5.5"},
-                                                                                   {"5E0B4B61", "XE0B4B61"},
-                                                                                   {"-1C3A6F2D9B10", ""}}) {
+    for (const auto& [from, to] :
+         std::vector<std::pair<const char*, const char*>>{{"\"done\":false", "\"done\":0"},
+                                                          {",\"done\":false", ""},
+                                                          {"785001234.5", "\"soon\""},
+                                                          {"\"minutes\":5", "\"minutes\":5.5"},
+                                                          {"\"minutes\":5", "\"minutes\":1e10"},
+                                                          {"5E0B4B61", "{5E0B4B61"},
+                                                          {"5E0B4B61", "XE0B4B61"},
+                                                          {"-1C3A6F2D9B10", ""}}) {
         EXPECT_FALSE(decodeTimers(QByteArray(json).replace(from, to))) << from;
     }
 }
@@ -177,13 +195,25 @@ TEST(Store, WhatCannotBeReadStaysUntilItIsWrittenAnew) {
     CreatureFixture f;
     const QString key = QStringLiteral("glimmet.bites");
     f.preferences.setData(key, "[{]");
-    f.preferences.setBoolean(QStringLiteral("glimmet.timers"), true);
+    f.preferences.setData(QStringLiteral("glimmet.timers"), "[7]");
     f.preferences.setData(QStringLiteral("glimmet.shelf"), "not a list");
     Restarted again(f);
     EXPECT_TRUE(again.m.bites->isEmpty() && again.m.timers->isEmpty() && again.m.items->isEmpty());
     EXPECT_EQ(f.preferences.data(key), QByteArray("[{]"));
     again.m.addBites(notes(1));
     EXPECT_EQ(f.preferences.data(key), encodeBites(notes(1)));
+}
+
+TEST(Store, TheDroppedFolderIsMadeWheneverItIsAskedFor) {
+    CreatureFixture f;
+    const QTemporaryDir folder;
+    const NotchModel m(f.clock, f.loop, f.preferences, f.files, folder.path());
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(m.droppedFolder(), file(folder.filePath(QStringLiteral("Glimmet/Dropped/"))));
+        QDir dropped(folder.filePath(QStringLiteral("Glimmet/Dropped")));
+        EXPECT_TRUE(dropped.exists());
+        dropped.removeRecursively();
+    }
 }
 
 }  // namespace

@@ -67,9 +67,11 @@ TEST(Agents, ShowUpToThreeProjectsInOrder) {
     f.agent("f", "");
     f.agent(".hidden", "no");
     f.write("g.txt", "1\n2\n3\nno\n");
+    f.write(".ask", "");
     f.watcher.scanAgents();
     EXPECT_EQ(f.m.agentsWorking, 6);
     EXPECT_EQ(f.m.agentProjects.get(), QStringLiteral("Zoo · api · core"));
+    EXPECT_FALSE(f.m.needsYou);
 }
 
 TEST(Agents, TheTerminalComesFromTheFirstAlertElseFromTheAsk) {
@@ -96,6 +98,36 @@ TEST(Agents, TheTerminalComesFromTheFirstAlertElseFromTheAsk) {
     EXPECT_EQ(f.m.agentsWorking, 0);
 }
 
+TEST(Agents, TheFirstOfSeveralAlertsIsFirstByName) {
+    AgentFixture f;
+    for (const char* name : {"m", "z", "c", "x", "a", "k", "b"}) {
+        f.agent(name, "x", name);
+        f.write(qPrintable(QLatin1String(name) + QLatin1String(".flag")), "alert");
+    }
+    f.watcher.scanAgents();
+    EXPECT_EQ(f.m.blockedTerminal, QStringLiteral("a"));
+}
+
+TEST(Agents, OnlyWhatChangedIsWrittenAndEachInItsOwnWay) {
+    AgentFixture f;
+    std::vector<std::optional<Animation>> changes;
+    const auto seen = f.m.objectDidChange.subscribe([&](const auto& how) { changes.push_back(how); });
+    const auto scan = [&] {
+        changes.clear();
+        f.watcher.scanAgents();
+        return changes;
+    };
+    using Changes = decltype(changes);
+    EXPECT_EQ(scan(), Changes());
+    f.agent("a", "");
+    EXPECT_EQ(scan(), (Changes{std::nullopt, Animation::spring(0.4, 0.7)})) << "a spawn, then the number";
+    f.agent("a", "web");
+    EXPECT_EQ(scan(), Changes{std::nullopt}) << "the projects";
+    EXPECT_EQ(scan(), Changes());
+    f.write("a.ask", "");
+    EXPECT_EQ(scan(), (Changes{Animation::easeInOut(0.4), std::nullopt})) << "the need, then a spawn";
+}
+
 TEST(Agents, ANewOneIsNoticedButNotAtTheFirstLook) {
     AgentFixture f;
     f.agent("a", "x");
@@ -116,8 +148,13 @@ TEST(Agents, ANewOneIsNoticedButNotAtTheFirstLook) {
     f.loop.advance(2.5);
     EXPECT_EQ(f.m.spawnCount, 2);
     QFile::remove(f.path(QStringLiteral("c.flag")));
+    QFile::remove(f.path(QStringLiteral("c")));
     f.loop.advance(2.5);
     EXPECT_EQ(f.m.spawnCount, 2);
+    f.m.toy = Toy::critter;
+    f.agent("c", "x");
+    f.loop.advance(2.5);
+    EXPECT_EQ(f.m.spawnCount, 3) << "more than at the scan before, though not more than ever";
 }
 
 TEST(Agents, NothingInTheDirectoryCanHoldUpTheScan) {
@@ -127,7 +164,14 @@ TEST(Agents, NothingInTheDirectoryCanHoldUpTheScan) {
     ASSERT_EQ(mkfifo(name("fifo").constData(), 0600), 0);
     ASSERT_EQ(mkfifo(name("good.flag").constData(), 0600), 0);
     ASSERT_EQ(symlink("/dev/zero", name("link").constData()), 0);
-    ASSERT_EQ(symlink(name("good").constData(), name("alias").constData()), 0);
+    AgentFixture elsewhere;
+    elsewhere.agent("secret", "secret");
+    ASSERT_EQ(
+        symlink(QFile::encodeName(elsewhere.path(QStringLiteral("secret"))).constData(), name("alias").constData()), 0);
+    ASSERT_EQ(mkfifo(name("full").constData(), 0600), 0);
+    QFile full(f.path(QStringLiteral("full")));  // open at both ends, so that a reader finds what is in it
+    ASSERT_TRUE(full.open(QIODevice::ReadWrite | QIODevice::Unbuffered | QIODevice::ExistingOnly));
+    full.write("1\n2\n3\nsecret\n");
     ASSERT_EQ(mkdir(name("folder").constData(), 0700), 0);
     const int socket = ::socket(AF_UNIX, SOCK_STREAM, 0);
     sockaddr_un address{};
@@ -139,18 +183,29 @@ TEST(Agents, NothingInTheDirectoryCanHoldUpTheScan) {
     f.watcher.scanAgents();
     close(socket);
     // All of them count; only what is a regular file and text has a project.
-    EXPECT_EQ(f.m.agentsWorking, 8);
+    EXPECT_EQ(f.m.agentsWorking, 9);
     EXPECT_TRUE(f.m.agentProjects->contains(QStringLiteral("web")));
     EXPECT_EQ(f.m.agentProjects->size(), 3 + 3 + 64 * 1024 - 6);
 }
 
 TEST(Agents, ACharacterCutAtTheLimitDoesNotSpoilTheRest) {
+    for (const QByteArray& character : {QByteArray("ä"), QByteArray("日"), QByteArray("🐸")}) {
+        for (qsizetype before = 0; before <= character.size(); ++before) {
+            AgentFixture f;
+            QByteArray record = "1\n2\n3\nweb\n";
+            record += QByteArray(64 * 1024 - before - record.size(), 'x') + character + " and more\n";
+            f.write("a", record);
+            f.watcher.scanAgents();
+            EXPECT_EQ(f.m.agentProjects.get(), QStringLiteral("web")) << character.constData() << ' ' << before;
+        }
+    }
+}
+
+TEST(Agents, AHugeDirectoryIsNotReadToItsEnd) {
     AgentFixture f;
-    QByteArray record = "1\n2\n3\nweb\n";
-    record += QByteArray(64 * 1024 - 1 - record.size(), 'x') + "\xc3\xa4 and more\n";
-    f.write("a", record);
+    for (int i = 0; i < 5000; ++i) f.write(qPrintable(QString::number(i)), {});
     f.watcher.scanAgents();
-    EXPECT_EQ(f.m.agentProjects.get(), QStringLiteral("web"));
+    EXPECT_EQ(f.m.agentsWorking, 4096);
 }
 
 TEST(CapsLockSense, TellsOnlyChanges) {

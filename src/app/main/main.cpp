@@ -2,6 +2,7 @@
 #include <QRandomGenerator>
 #include <QStandardPaths>
 #include <algorithm>
+#include <cstdlib>
 
 #include "app/AppDelegate.h"
 #include "app/EndSignals.h"
@@ -61,9 +62,13 @@ int main(int argc, char** argv) {
               .sounds = sounds,
               .random = [] { return QRandomGenerator::global()->generateDouble(); },
               .popUp = [](const QList<MenuItem>& items, QPointF at) { popUp(items, toQt(at).toPoint()); },
+              .closePopUp = closePopUp,
               .quit = quit,
               .dataFolder = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)},
         arguments);
     if (delegate.launch() != AppDelegate::Launch::running) return 0;
-    return QApplication::exec();
+    const int status = QApplication::exec();
+    // Nothing else is worth waiting for: a held file's disk that does not answer, or a chime, would hold up the end.
+    preferences.flush();
+    std::_Exit(status);
 }

@@ -86,7 +86,8 @@ bool AtomicFile::replace(const QByteArray& contents) {
         if (!QDir().mkpath(QFile::decodeName(folder))) return false;
         ::chmod(folder.constData(), 0700);
     }
-    const QByteArray temporary = path_ + ".new";
+    // A name of this process's own: two programs that write at once must not rename each other's half-written file.
+    const QByteArray temporary = path_ + ".new-" + QByteArray::number(::getpid());
     if (!writeTemporary(temporary, contents)) {
         ::unlink(temporary.constData());
         return false;

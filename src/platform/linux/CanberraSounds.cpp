@@ -2,6 +2,8 @@
 
 #include <canberra.h>
 
+#include <QByteArray>
+#include <QList>
 #include <chrono>
 #include <memory>
 #include <semaphore>
@@ -29,7 +31,9 @@ struct PropertiesDeleter {
 using End = std::counting_semaphore<>;
 
 // Called when the sound has ended, and by some of the library's backends again when the context is destroyed.
-void finished(ca_context* /*context*/, uint32_t /*id*/, int /*code*/, void* end) { static_cast<End*>(end)->release(); }
+void finished(ca_context* /*context*/, uint32_t /*id*/, int /*code*/, void* end) {
+    static_cast<End*>(end)->release();
+}
 
 /// Plays the sound to its end; false if the theme lacks it or nothing can play it.
 bool playToEnd(const QByteArray& sound) {
@@ -37,6 +41,8 @@ bool playToEnd(const QByteArray& sound) {
     ca_context* made = nullptr;
     if (ca_context_create(&made) != CA_SUCCESS) return false;
     const std::unique_ptr<ca_context, ContextDeleter> context(made);
+    // The ALSA backend may be unloaded while its player thread still runs in it.
+    ca_context_set_driver(made, "pulse");
     ca_context_change_props(made, CA_PROP_APPLICATION_NAME, "Glimmet", CA_PROP_APPLICATION_ID, "glimmet", nullptr);
 
     ca_proplist* list = nullptr;

@@ -70,6 +70,7 @@ bool displayReachable() {
     return std::any_of(platforms.begin(), platforms.end(), [](const QString& platform) {
         const QString name = platform.section(u':', 0, 0);
         if (name.startsWith(QLatin1String("wayland"))) return waylandReachable();
-        return name != QLatin1String("xcb") || X11Connection::reachable();
+        if (name == QLatin1String("xcb")) return X11Connection::reachable();
+        return name == QLatin1String("offscreen") || name == QLatin1String("minimal");
     });
 }

@@ -70,7 +70,7 @@ QVariant readValue(const QByteArray& type, const QByteArray& rest) {
 /// Takes whole contents from the main thread and writes the newest of them, in the queue.
 class FilePreferences::Writer {
  public:
-    explicit Writer(QString path) : file_(std::move(path)) {}
+    explicit Writer(const QString& path) : file_(path) {}
 
     AtomicFile& file() { return file_; }
 
@@ -97,8 +97,8 @@ class FilePreferences::Writer {
     std::optional<QByteArray> waiting_;
 };
 
-FilePreferences::FilePreferences(QString path, SerialQueue& queue)
-    : writer_(std::make_shared<Writer>(std::move(path))), queue_(queue) {
+FilePreferences::FilePreferences(const QString& path, SerialQueue& queue)
+    : writer_(std::make_shared<Writer>(path)), queue_(queue) {
     const auto contents = writer_->file().read(kLargest);
     if (!contents) return;
     for (qsizetype start = 0; start < contents->size();) {
@@ -114,6 +114,10 @@ FilePreferences::FilePreferences(QString path, SerialQueue& queue)
 }
 
 FilePreferences::~FilePreferences() {
+    flush();
+}
+
+void FilePreferences::flush() {
     std::promise<void> reached;
     queue_.run([&reached] { reached.set_value(); });
     reached.get_future().wait();

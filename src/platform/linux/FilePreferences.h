@@ -15,8 +15,11 @@
 class FilePreferences : public Preferences {
  public:
     /// Reads the file. `queue` does the writing and must outlive the object, which on its end leaves nothing unwritten.
-    FilePreferences(QString path, SerialQueue& queue);
+    FilePreferences(const QString& path, SerialQueue& queue);
     ~FilePreferences() override;
+
+    /// Waits until all that was set has been written, or could not be.
+    void flush();
 
     /// Where the user's preferences belong.
     static QString defaultPath();

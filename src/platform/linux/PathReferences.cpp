@@ -9,6 +9,7 @@
 namespace {
 
 constexpr std::chrono::milliseconds kPatience(200);
+constexpr std::chrono::milliseconds kPatienceWithSlowDisks(10);
 
 bool exists(const QByteArray& path) {
     struct stat status = {};
@@ -28,6 +29,7 @@ std::optional<QUrl> PathReferences::resolve(const QByteArray& bookmark) const {
     const auto answer = std::make_shared<std::promise<bool>>();
     auto found = answer->get_future();
     queue_.run([answer, bookmark] { answer->set_value(exists(bookmark)); });
-    if (found.wait_for(kPatience) == std::future_status::ready && !found.get()) return {};
+    slow_ = found.wait_for(slow_ ? kPatienceWithSlowDisks : kPatience) != std::future_status::ready;
+    if (!slow_ && !found.get()) return {};
     return QUrl::fromLocalFile(QString::fromUtf8(bookmark));
 }

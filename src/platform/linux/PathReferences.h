@@ -6,7 +6,8 @@
 /// References that are absolute paths. Main thread only; the queue must outlive the object.
 class PathReferences : public FileReferences {
  public:
-    /// Disks are asked on `queue`, and given a fifth of a second to answer.
+    /// Disks are asked on `queue`, and given a fifth of a second to answer; once one was too slow, the next questions
+    /// get less, so that many files on it do not add up.
     explicit PathReferences(BackgroundQueue& queue) : queue_(queue) {}
 
     std::optional<QByteArray> bookmark(const QUrl& file) const override;
@@ -14,4 +15,5 @@ class PathReferences : public FileReferences {
 
  private:
     BackgroundQueue& queue_;
+    mutable bool slow_ = false;  // a disk did not answer in time
 };

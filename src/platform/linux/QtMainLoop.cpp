@@ -18,12 +18,12 @@ TimerHandle start(double seconds, bool repeats, Qt::TimerType type, MainLoop::Ca
     });
     timer->setTimerType(type);
     timer->setSingleShot(!repeats);
-    QObject::connect(timer.get(), &QTimer::timeout,
-                     [callback = std::make_shared<MainLoop::Callback>(std::move(callback))] {
-                         // Disconnecting destroys this closure; the callback itself stays until it has returned.
-                         const auto kept = callback;
-                         (*kept)();
-                     });
+    QObject::connect(
+        timer.get(), &QTimer::timeout, [callback = std::make_shared<MainLoop::Callback>(std::move(callback))] {
+            // Disconnecting destroys this closure; the callback itself stays until it has returned.
+            const auto kept = callback;  // NOLINT(performance-unnecessary-copy-initialization): the copy is the point
+            (*kept)();
+        });
     timer->start(int(std::ceil(seconds * 1000)));
     return TimerHandle(timer);
 }

@@ -4,6 +4,7 @@
 #include <QGuiApplication>
 #include <QMimeData>
 #include <QMouseEvent>
+#include <algorithm>
 
 #include "platform/linux/ScreenCoordinates.h"
 
@@ -60,7 +61,11 @@ QtPanelWindow::QtPanelWindow()
 QtPanelWindow::~QtPanelWindow() = default;
 
 void QtPanelWindow::setFrame(const QRectF& frame) {
-    window_->setGeometry(toQt(frame).toRect());
+    // As far as a window system can place a window; it keeps its size wherever it goes.
+    constexpr double farthest = 30000;
+    const QRectF wanted = toQt(frame);
+    const QPointF corner(std::clamp(wanted.left(), -farthest, farthest), std::clamp(wanted.top(), -farthest, farthest));
+    window_->setGeometry(QRect(corner.toPoint(), wanted.size().toSize()));
 }
 
 QRectF QtPanelWindow::frame() const {

@@ -51,11 +51,13 @@ QList<Screen> QtScreens::screens() const {
 std::optional<QSizeF> QtScreens::housing(const QScreen& screen, bool main) const {
     if (const auto setting = preferences_.text(QStringLiteral("glimmet.notch"))) {
         if (*setting == QLatin1String("none")) return {};
-        static const QRegularExpression size(QStringLiteral("^([1-9]\\d{1,3})x([1-9]\\d{0,2})$"));
-        const auto match = size.match(*setting);
+        static const QRegularExpression form(QStringLiteral("^([1-9]\\d{1,3})x([1-9]\\d{0,2})$"));
+        const auto match = form.match(*setting);
         if (match.hasMatch()) {
             const QSizeF wanted(match.captured(1).toDouble(), match.captured(2).toDouble());
-            return main && wanted.width() < screen.geometry().width() ? std::optional(wanted) : std::nullopt;
+            const QSize size = screen.geometry().size();
+            return main && wanted.width() < size.width() && wanted.height() < size.height() ? std::optional(wanted)
+                                                                                            : std::nullopt;
         }
     }
     const QSize pixels = nativeGeometry(screen).size().toSize();

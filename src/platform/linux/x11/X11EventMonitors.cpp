@@ -92,14 +92,17 @@ void X11EventMonitors::handle(const xcb_generic_event_t& event) {
 void X11EventMonitors::pressed(int button) {
     if (const QPointF step = wheelStep(button); !step.isNull()) {
         if (onScroll) onScroll(pointerLocation(), step);
-    } else if (button == rightButton) {
-        const auto sample = sampler_->sample();
-        rightPressElsewhere_.reset();
-        if (!ownWindow_(sample.window))
-            rightPressElsewhere_ = sample.pointer;
-        else if (onRightMouseDown)
-            onRightMouseDown(sample.pointer);
+        return;
     }
+    const auto sample = sampler_->sample();
+    const bool elsewhere = !ownWindow_(sample.window);
+    if (elsewhere && onPressElsewhere) onPressElsewhere();
+    if (button != rightButton) return;
+    rightPressElsewhere_.reset();
+    if (elsewhere)
+        rightPressElsewhere_ = sample.pointer;
+    else if (onRightMouseDown)
+        onRightMouseDown(sample.pointer);
 }
 
 void X11EventMonitors::released(int button) {

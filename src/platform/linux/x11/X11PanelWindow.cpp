@@ -30,8 +30,8 @@ void setShape(xcb_window_t window, xcb_shape_sk_t kind, const QRegion& region, d
 }
 }  // namespace
 
-X11PanelWindow::X11PanelWindow(std::shared_ptr<X11Connection> connection, std::shared_ptr<PointerSampler> sampler,
-                               MainLoop& loop)
+X11PanelWindow::X11PanelWindow(const std::shared_ptr<X11Connection>& connection,
+                               std::shared_ptr<PointerSampler> sampler, MainLoop& loop)
     : sampler_(std::move(sampler)),
       neverShaped_(underXWayland(*connection)),
       compositor_(connection, [this] { applyOutline(); }) {
@@ -59,6 +59,8 @@ void X11PanelWindow::prepareDrawing() {
 // Not through Qt's backing store: that shares memory with the server and asks it, before each frame, whether it has
 // done with the last one, which costs two wake-ups. The few pixels that change are sent instead.
 void X11PanelWindow::paint(const QRegion& damage, const std::function<void(QPainter&)>& draw) {
+    // Pixels of other sizes are the toolkit's business.
+    if (depth_ != 32 && depth_ != 24) return QtPanelWindow::paint(damage, draw);
     if (!window().isExposed()) return;
     const double ratio = devicePixelRatio();
     const QSize size = (QSizeF(window().size()) * ratio).toSize();

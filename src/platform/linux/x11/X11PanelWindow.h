@@ -14,7 +14,8 @@
 /// Hardware motion does not wake the program: drags are sampled.
 class X11PanelWindow : public QtPanelWindow {
  public:
-    X11PanelWindow(std::shared_ptr<X11Connection> connection, std::shared_ptr<PointerSampler> sampler, MainLoop& loop);
+    X11PanelWindow(const std::shared_ptr<X11Connection>& connection, std::shared_ptr<PointerSampler> sampler,
+                   MainLoop& loop);
     ~X11PanelWindow() override;
 
     void orderFrontRegardless() override;

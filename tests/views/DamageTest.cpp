@@ -1,0 +1,102 @@
+#include <gtest/gtest.h>
+
+#include "views/Picture.h"
+
+namespace {
+
+/// The panel as the program keeps it: each frame clears and paints only what differs from the frame before.
+class Screen {
+ public:
+    explicit Screen(double ratio)
+        : ratio_(ratio), image_((QSizeF(360, 230) * ratio).toSize(), QImage::Format_ARGB32_Premultiplied) {
+        image_.setDevicePixelRatio(ratio);
+        image_.fill(Qt::transparent);
+    }
+
+    void draw(const DisplayList& next, const QRegion& damage) {
+        QPainter painter(&image_);
+        painter.setCompositionMode(QPainter::CompositionMode_Source);
+        for (const QRect& part : damage) painter.fillRect(part, Qt::transparent);
+        painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+        painter.setClipRegion(damage);
+        Canvas canvas(painter, caches_, ratio_);
+        next.paint(canvas, damage);
+    }
+
+    const QImage& image() const { return image_; }
+
+ private:
+    double ratio_;
+    QImage image_;
+    PictureCaches caches_;
+};
+
+const QRegion kPanel(0, 0, 360, 230);
+
+/// The largest difference of a channel between two pictures.
+int difference(const QImage& a, const QImage& b) {
+    int most = 0;
+    for (int y = 0; y < a.height(); ++y) {
+        const uchar* p = a.constScanLine(y);
+        const uchar* q = b.constScanLine(y);
+        for (int x = 0; x < a.width() * 4; ++x) most = std::max(most, std::abs(p[x] - q[x]));
+    }
+    return most;
+}
+
+struct Step {
+    const char* name;
+    std::function<void(NotchModel&)> change;
+};
+
+void spring(NotchModel& m, const std::function<void()>& change) {
+    m.withAnimation(commonSpring(), change);
+}
+
+const std::vector<Step> kLife{
+    {"looks", [](NotchModel& m) { m.cursor = QPointF(100, 300); }},
+    {"opens", [](NotchModel& m) { spring(m, [&] { m.hovering = true; }); }},
+    {"boops", [](NotchModel& m) { ++m.boopCount; }},
+    {"closes at once", [](NotchModel& m) { spring(m, [&] { m.hovering = false; }); }},
+    {"is startled", [](NotchModel& m) { ++m.startleCount; }},
+    {"charges", [](NotchModel& m) { m.charging = true; }},
+    {"holds", [](NotchModel& m) { spring(m, [&] { m.addTimer(5); }); }},
+    {"gets a drag", [](NotchModel& m) { spring(m, [&] { m.dragNear = true; }); }},
+    {"and loses it", [](NotchModel& m) { spring(m, [&] { m.dragNear = false; }); }},
+    {"full disk", [](NotchModel& m) { m.diskFull = true; }},
+    {"sleeps", [](NotchModel& m) { m.withAnimation(Animation::easeInOut(0.7), [&] { m.asleep = true; }); }},
+    {"wakes", [](NotchModel& m) { m.markActivity(); }},
+    {"downloads", [](NotchModel& m) { m.downloading = true; }},
+    {"hides", [](NotchModel& m) { spring(m, [&] { m.hidden = true; }); }},
+    {"is tapped", [](NotchModel& m) { m.notchTapped(); }},
+    {"camera", [](NotchModel& m) { m.withAnimation(Animation::easeInOut(0.45), [&] { m.cameraInUse = true; }); }},
+    {"weather", [](NotchModel& m) { m.pickToy(Toy::weather); }},
+    {"critter", [](NotchModel& m) { m.pickToy(Toy::critter); }},
+};
+
+TEST(Damage, PaintingOnlyWhatChangedLeavesTheSamePictureAsPaintingAll) {
+    for (const double ratio : {1.0, 1.5, 2.0}) {
+        PictureFixture f;
+        Screen kept(ratio);
+        DisplayList shown;
+        f.root.compose(shown);
+        kept.draw(shown, kPanel);
+        for (const Step& step : kLife) {
+            step.change(f.m);
+            for (int frame = 0; frame < 24; ++frame) {
+                f.loop.advance(frame < 12 ? 1.0 / 60 : 0.11);
+                DisplayList next;
+                f.root.compose(next);
+                kept.draw(next, shown.changesTo(next) & kPanel);
+                shown = std::move(next);
+                Screen fresh(ratio);
+                fresh.draw(shown, kPanel);
+                // Clipping to a region and to an edge at once rounds a little differently than to the edge alone.
+                ASSERT_LE(difference(kept.image(), fresh.image()), 8)
+                    << step.name << ", frame " << frame << " at ratio " << ratio;
+            }
+        }
+    }
+}
+
+}  // namespace
