@@ -99,7 +99,7 @@ SoftShadows::Shadow SoftShadows::shadow(const QPainterPath& shape, double radius
     const double scale = std::min(pixelsPerPoint, 4 / std::max(radius / 2, 0.1));
     const QByteArray key = keyOf(shape, radius, color, scale);
     if (const auto* found = cache_.object(key)) return *found;
-    const Shadow made = render(shape, radius, color, scale);
+    Shadow made = render(shape, radius, color, scale);
     cache_.insert(key, new Shadow(made));
     return made;
 }
