@@ -2,19 +2,9 @@
 
 #include <QList>
 #include <QPoint>
-#include <QString>
 #include <QStringList>
-#include <functional>
 
-/// One row of the popup menu.
-struct MenuItem {
-    QString title;                 ///< empty: a separator
-    std::function<void()> action;  ///< none: opens the submenu, or cannot be chosen
-    bool checked = false;
-    QList<MenuItem> submenu;
-
-    bool separator() const { return title.isEmpty(); }
-};
+#include "platform/MenuItem.h"
 
 /// The lines that describe the menu in a terminal, one per top-level row, without line ends.
 QStringList describeMenu(const QList<MenuItem>& items);

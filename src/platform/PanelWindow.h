@@ -4,7 +4,11 @@
 #include <QPointF>
 #include <QRectF>
 #include <QRegion>
+#include <QUrl>
 #include <functional>
+#include <memory>
+
+#include "platform/Drop.h"
 
 /// The borderless window that the creature lives in: above everything, on every desktop, never focused. Main thread
 /// only.
@@ -43,9 +47,20 @@ class PanelWindow {
     /// The pointer moved while a button pressed inside the window is held. Sampled at display rate.
     std::function<void(QPointF pointer)> onDrag;
     std::function<void(Button button, QPointF pointer)> onRelease;
-    /// A drag of files, links, text or an image came over the window (true) or left it. A drop itself is refused, and
-    /// so stays with its source.
+
+    /// Begins to drag `file` out of the window, while a button is held in it: other programs take a copy of the file.
+    /// `icon` goes along under the pointer, `grip` (points) being the place in it where the pointer is. Returns at
+    /// once; onRelease does not come for this press.
+    virtual void dragOut(const QUrl& file, const QImage& icon, QPointF grip) = 0;
+
+    /// A drag of files, links, text, an image or a promised file came over the window (true), or left it or was
+    /// dropped (false).
+    /// The window's own drags are none of these.
     std::function<void(bool targeted)> onDropTargeted;
+    /// Whether a drop would be taken now; asked while a drag is over the window. None: no.
+    std::function<bool()> acceptsDrop;
+    /// Something was dropped on the window while acceptsDrop() held.
+    std::function<void(std::shared_ptr<Drop> drop)> onDrop;
     /// All of the window must be drawn again: it was exposed, or its device pixel ratio changed.
     std::function<void()> onExpose;
 };

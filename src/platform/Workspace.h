@@ -15,8 +15,10 @@ class Workspace {
     /// Brings the running application with this display name to the front; if none runs under it, the user's default
     /// terminal is brought to the front or started. Nothing happens where there is neither.
     virtual void activateOrOpenTerminal(const QString& displayName) = 0;
-    /// Opens `url` with the user's default program for it.
+    /// Opens `url`, a file or a link, with the user's default program for it.
     virtual void open(const QUrl& url) = 0;
+    /// Shows `file` selected in the user's file manager; where that cannot be done, opens its folder.
+    virtual void reveal(const QUrl& file) = 0;
 
     /// Another application became the active one; a change of window within one application is not reported.
     std::function<void()> onApplicationActivated;

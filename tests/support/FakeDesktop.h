@@ -31,6 +31,9 @@ class FakePanelWindow : public PanelWindow {
         draw(painter);
     }
 
+    void dragOut(const QUrl& file, const QImage&, QPointF) override { draggedOut.append(file); }
+
+    QList<QUrl> draggedOut;
     QRectF place;
     QRegion input, outline, painted;
     int raised = 0, paints = 0;

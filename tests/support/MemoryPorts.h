@@ -70,8 +70,9 @@ class MemoryWorkspace : public Workspace {
     void start() override { started = true; }
     void activateOrOpenTerminal(const QString& displayName) override { activated.append(displayName); }
     void open(const QUrl& url) override { opened.append(url); }
+    void reveal(const QUrl& file) override { revealed.append(file); }
 
     bool started = false;
     QStringList activated;
-    QList<QUrl> opened;
+    QList<QUrl> opened, revealed;
 };

@@ -29,6 +29,7 @@ class PlainWorkspace : public Workspace {
     void start() override {}
     void activateOrOpenTerminal(const QString&) override {}
     void open(const QUrl& url) override { QDesktopServices::openUrl(url); }
+    void reveal(const QUrl&) override {}
 };
 
 bool waylandReachable() {

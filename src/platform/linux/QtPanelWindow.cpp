@@ -157,6 +157,8 @@ bool QtPanelWindow::dragged(QEvent& event) {
     }
 }
 
+void QtPanelWindow::dragOut(const QUrl&, const QImage&, QPointF) {}
+
 void QtPanelWindow::exposed() {
     if (window_->isExposed() && onExpose) onExpose();
 }

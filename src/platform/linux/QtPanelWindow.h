@@ -21,6 +21,7 @@ class QtPanelWindow : public PanelWindow {
     double devicePixelRatio() const override;
     double refreshRate() const override;
     void paint(const QRegion& damage, const std::function<void(QPainter&)>& draw) override;
+    void dragOut(const QUrl& file, const QImage& icon, QPointF grip) override;
 
     /// What Qt sends drag and drop events to. Belongs to this object.
     QWindow& window() { return *window_; }

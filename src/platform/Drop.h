@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QByteArray>
+#include <QStringList>
+#include <QUrl>
+#include <functional>
+#include <optional>
+
+/// What was dropped on the panel, in the forms that its source offers. Nothing is read until it is asked for, and
+/// reading never blocks. Main thread only. Deleting it tells the source that everything has been taken; answers that
+/// are still out do not come then.
+class Drop {
+ public:
+    virtual ~Drop() = default;
+
+    /// The MIME types on offer, best first in the source's opinion. Plain text in any of its older names is
+    /// "text/plain;charset=utf-8".
+    virtual QStringList types() const = 0;
+    /// Reads one form; absent when the source refuses, stalls for more than five seconds, or sends more than 64 MiB.
+    virtual void load(const QString& type, std::function<void(std::optional<QByteArray>)> done) = 0;
+
+    /// The base name of a file that the source offers to write where we say, as the source gives it: to be trusted in
+    /// nothing. Absent when it makes no such offer.
+    virtual std::optional<QByteArray> promisedName() const = 0;
+    /// Lets the source write that file as `target`, an absolute file URL whose folder exists; ten seconds at most.
+    /// `done` gets whether the file is there. On failure the other forms can still be loaded.
+    virtual void savePromise(const QUrl& target, std::function<void(bool saved)> done) = 0;
+};

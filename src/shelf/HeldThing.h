@@ -1,0 +1,10 @@
+#pragma once
+
+#include <QUrl>
+#include <variant>
+
+#include "shelf/Bite.h"
+#include "shelf/HeldTimer.h"
+
+/// One thing on the shelf: a file, a link or note, or a countdown.
+using HeldThing = std::variant<QUrl, Bite, HeldTimer>;

@@ -1,0 +1,5 @@
+#include "worker/ReadText.h"
+
+Result<QString> readText(const QByteArray&) {
+    return Failure{7, QStringLiteral("no text found")};
+}

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QString>
+#include <variant>
+
+/// Why a job failed: a code of the domain "chew" and its text, which may be empty.
+struct Failure {
+    int code = 0;
+    QString description;
+
+    friend bool operator==(const Failure&, const Failure&) = default;
+};
+
+/// What a job made, or why it did not.
+template <class T>
+using Result = std::variant<T, Failure>;
