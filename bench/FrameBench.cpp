@@ -37,7 +37,8 @@ class Panel {
     }
 
     CreatureFixture f;
-    RootView root{f.m, f.clock, f.loop, [] { return 0.5; }};
+    MemoryIcons icons;
+    RootView root{f.m, {icons, {}, {}, {}, false}, f.clock, f.loop, [] { return 0.5; }};
 
  private:
     int ratio_;

@@ -9,6 +9,7 @@
 namespace {
 
 constexpr double kMenuMargin = 14;
+constexpr double kSharingAbove = 6;  // points above the panel's lower edge
 
 }  // namespace
 
@@ -16,8 +17,11 @@ AppDelegate::AppDelegate(const Ports& ports, const QStringList& arguments)
     : ports_(ports),
       arguments_(arguments),
       diagnostics_(arguments),
-      m_(ports.clock, ports.loop, ports.preferences, ports.files, ports.dataFolder),
-      root_(m_, ports.clock, ports.loop, ports.random),
+      m_(ports.clock, ports.loop,
+         {ports.preferences, ports.files, ports.worker, ports.jobs, ports.pasteboard, ports.dataFolder}),
+      drops_(m_, ports.clock, ports.loop, ports.dragPasteboard, ports.disk),
+      chipActions_(m_, ports.workspace, ports.pasteboard, ports.sharing),
+      root_(m_, chipPorts(), ports.clock, ports.loop, ports.random),
       panel_(m_, root_, ports.window, ports.clock, ports.loop),
       behaviour_(m_, ports.clock, ports.loop, ports.sounds, ports.random,
                  [this](const QString& line) { diagnostics_.trace(line); }),
@@ -25,16 +29,33 @@ AppDelegate::AppDelegate(const Ports& ports, const QStringList& arguments)
       commands_(m_, ports.clock, ports.preferences, ports.workspace),
       capsLock_(m_),
       agents_(m_, ports.loop, ports.workspace),
-      flags_(m_, ports.loop, [this] { panel_.setIgnoresMouseEvents(false); }),
-      screenTest_(m_, ports.loop, placement_, panel_) {
+      flags_(m_, ports.loop, arguments, [this] { panel_.setIgnoresMouseEvents(false); }),
+      screenTest_(m_, ports.loop, placement_, panel_),
+      shelfTest_(m_, ports.loop, drops_) {
     connect();
 }
 
 void AppDelegate::connect() {
     behaviour_.updateMousePassThrough = [this] { panel_.updateMousePassThrough(); };
     commands_.updateMousePassThrough = [this] { panel_.updateMousePassThrough(); };
+    drops_.updateMousePassThrough = [this] { panel_.updateMousePassThrough(); };
+    ports_.window.acceptsDrop = [this] { return drops_.acceptsDrops(); };
+    ports_.window.onDrop = [this](std::shared_ptr<Drop> drop) { drops_.handleDrop(std::move(drop)); };
+    // Below the panel, in its middle.
+    chipActions_.showSharing = [this](const QList<MenuItem>& items) {
+        const QRectF panel = panel_.frame();
+        ports_.popUp(items, {panel.center().x() - 1, panel.top() + kSharingAbove});
+    };
     commands_.quit = ports_.quit;
     m_.onFocusBlockedTerminal = [this] { agents_.focusBlockedTerminal(); };
+}
+
+ChipPorts AppDelegate::chipPorts() {
+    return {.icons = ports_.icons,
+            .trace = [this](const QString& line) { diagnostics_.trace(line); },
+            .use = [this](const HeldThing& thing) { chipActions_.use(thing); },
+            .remove = [this](const HeldThing& thing) { chipActions_.remove(thing); },
+            .showX = arguments_.contains(QStringLiteral("--showx"))};
 }
 
 AppDelegate::Launch AppDelegate::launch() {
@@ -43,7 +64,9 @@ AppDelegate::Launch AppDelegate::launch() {
         return Launch::noScreen;
     }
     m_.loadShelf();
+    watchDrags();
     panel_.show(placement_.homeFrame());
+    if (const auto paths = flags_.value("--droptest=")) shelfTest_.startDrop(*paths);
     m_.loadHeld();
     placement_.follow(panel_, behaviour_);
     behaviour_.watchSlides();
@@ -51,19 +74,29 @@ AppDelegate::Launch AppDelegate::launch() {
         dumpMenu();
         return Launch::menuDumped;
     }
-    const FlagEffects effects = flags_.apply(arguments_);
+    const FlagEffects effects = flags_.apply();
     if (effects.screenTest) screenTest_.start();
+    if (effects.chewTest) shelfTest_.startChew(*effects.chewTest);
     if (!effects.demo) startSensors();
+    ports_.monitors.start();
     logStart();
     return Launch::running;
 }
 
+void AppDelegate::watchDrags() {
+    ports_.monitors.onLeftMouseDragged = [this](QPointF pointer) { drops_.dragMoved(pointer); };
+    ports_.monitors.onLeftMouseUp = [this](QPointF) { drops_.dragEnded(); };
+}
+
 void AppDelegate::startSensors() {
-    behaviour_.installMonitors(ports_.monitors, ports_.workspace);
+    ports_.monitors.onMouseMoved = [this](QPointF pointer) {
+        behaviour_.pointerMoved(pointer);
+        panel_.pointerMoved(pointer);
+    };
+    ports_.workspace.onApplicationActivated = [this] { behaviour_.applicationActivated(); };
     ports_.monitors.onRightMouseDown = [this](QPointF pointer) { rightMouseDown(pointer); };
     ports_.monitors.onPressElsewhere = ports_.closePopUp;
     ports_.monitors.onCapsLockChanged = [this](bool on) { capsLock_.capsChanged(on); };
-    ports_.monitors.start();
     m_.capsOn = ports_.monitors.capsLock();
     ports_.workspace.start();
     behaviour_.startTicks();
@@ -73,7 +106,8 @@ void AppDelegate::startSensors() {
 void AppDelegate::rightMouseDown(QPointF pointer) {
     if (!behaviour_.inHoverZone(pointer, kMenuMargin)) return;
     panel_.letGo();
-    ports_.popUp(commands_.menu(), pointer);
+    const Chip* chip = panel_.chipAt(pointer);
+    ports_.popUp(chip ? chipActions_.menu(chip->thing()) : commands_.menu(), pointer);
 }
 
 void AppDelegate::dumpMenu() {

@@ -9,16 +9,24 @@
 #include "app/NotchPanel.h"
 #include "app/PanelPlacement.h"
 #include "app/ScreenTest.h"
+#include "app/ShelfSelfTest.h"
 #include "creature/BehaviourEngine.h"
 #include "creature/NotchModel.h"
+#include "shelf/ChipActions.h"
+#include "shelf/DropIntake.h"
 #include "views/RootView.h"
 #include "watchers/AgentWatcher.h"
 #include "watchers/CapsLock.h"
 
+class BackgroundQueue;
+class DragPasteboard;
 class EventMonitors;
+class FileIcons;
 class PanelWindow;
+class Pasteboard;
 class Preferences;
 class Screens;
+class Sharing;
 class Sounds;
 class Workspace;
 
@@ -33,6 +41,14 @@ struct Ports {
     EventMonitors& monitors;
     Workspace& workspace;
     Sounds& sounds;
+    DragPasteboard& dragPasteboard;
+    Pasteboard& pasteboard;
+    Sharing& sharing;
+    FileIcons& icons;
+    Worker& worker;
+    /// Where files are written, and where the worker is waited for: it must not hold up the others.
+    BackgroundQueue& disk;
+    BackgroundQueue& jobs;
     /// Uniformly distributed in [0, 1).
     std::function<double()> random;
     /// Shows a menu at a point of the screen (y growing upwards) and returns at once.
@@ -60,6 +76,8 @@ class AppDelegate {
 
  private:
     void connect();
+    void watchDrags();
+    ChipPorts chipPorts();
     void startSensors();
     void rightMouseDown(QPointF pointer);
     void dumpMenu();
@@ -69,6 +87,8 @@ class AppDelegate {
     QStringList arguments_;
     Diagnostics diagnostics_;
     NotchModel m_;
+    DropIntake drops_;
+    ChipActions chipActions_;
     RootView root_;
     NotchPanel panel_;
     BehaviourEngine behaviour_;
@@ -78,4 +98,5 @@ class AppDelegate {
     AgentWatcher agents_;
     CommandLineFlags flags_;
     ScreenTest screenTest_;
+    ShelfSelfTest shelfTest_;
 };

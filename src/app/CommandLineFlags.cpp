@@ -31,8 +31,9 @@ std::optional<double> parseNumber(const QString& text) {
 
 }  // namespace
 
-CommandLineFlags::CommandLineFlags(NotchModel& model, MainLoop& loop, std::function<void()> takeMouse)
-    : m_(model), loop_(loop), takeMouse_(std::move(takeMouse)) {}
+CommandLineFlags::CommandLineFlags(NotchModel& model, MainLoop& loop, QStringList arguments,
+                                   std::function<void()> takeMouse)
+    : m_(model), loop_(loop), arguments_(std::move(arguments)), takeMouse_(std::move(takeMouse)) {}
 
 bool CommandLineFlags::has(const char* flag) const {
     return arguments_.contains(QLatin1String(flag));
@@ -57,8 +58,7 @@ void CommandLineFlags::later(std::function<void()> reaction) {
 
 // The flags take effect in a fixed order, whatever their order on the command line: later ones see the earlier ones'
 // work.
-FlagEffects CommandLineFlags::apply(const QStringList& arguments) {
-    arguments_ = arguments;
+FlagEffects CommandLineFlags::apply() {
     FlagEffects effects;
     applyToy(effects);
     if (has("--targeted")) m_.dropTargeted = true;
@@ -67,6 +67,7 @@ FlagEffects CommandLineFlags::apply(const QStringList& arguments) {
     applyPowerAndMood(effects);
     applySenses(effects);
     effects.screenTest = has("--screentest");
+    effects.chewTest = value("--chewtest=");
     applyHeldAndPlace();
     return effects;
 }

@@ -13,6 +13,7 @@ struct FlagEffects {
     bool batteryPinned = false;  ///< battery, charging and disk are as the flags say
     bool privacyPinned = false;  ///< camera and microphone are as the flags say
     bool screenTest = false;     ///< the screen self-test was asked for
+    std::optional<QString> chewTest;  ///< the chew self-test was, with this request
 };
 
 /// Puts the creature into the state that the command line asks for. Unknown and malformed flags are ignored. Main
@@ -20,15 +21,15 @@ struct FlagEffects {
 class CommandLineFlags {
  public:
     /// `takeMouse` lets the panel take the pointer, as it must for a creature that attends without one.
-    CommandLineFlags(NotchModel& model, MainLoop& loop, std::function<void()> takeMouse);
+    CommandLineFlags(NotchModel& model, MainLoop& loop, QStringList arguments, std::function<void()> takeMouse);
 
-    /// Applies the flags among `arguments`, which hold the process's name too. One-shot reactions follow 1.5 s later,
-    /// for as long as this object lives.
-    FlagEffects apply(const QStringList& arguments);
+    /// Applies the flags. One-shot reactions follow 1.5 s later, for as long as this object lives.
+    FlagEffects apply();
+    /// What follows `flag`, which ends in "=", in the first argument that begins with it.
+    std::optional<QString> value(const char* flag) const;
 
  private:
     bool has(const char* flag) const;
-    std::optional<QString> value(const char* flag) const;
     std::optional<double> number(const char* flag) const;
 
     void applyToy(FlagEffects& effects);
@@ -41,7 +42,7 @@ class CommandLineFlags {
 
     NotchModel& m_;
     MainLoop& loop_;
-    std::function<void()> takeMouse_;
     QStringList arguments_;
+    std::function<void()> takeMouse_;
     std::vector<TimerHandle> reactions_;
 };

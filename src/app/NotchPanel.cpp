@@ -2,10 +2,14 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
+
+#include "views/FilePicture.h"
 
 namespace {
 
 constexpr double kDragDistance = 12;
+constexpr QPointF kFarAway(1000, 1000);  // a press that ends here was not meant
 
 /// The part of the panel inside `outline`, row by row.
 QRegion regionInside(const QPainterPath& outline) {
@@ -20,7 +24,7 @@ NotchPanel::NotchPanel(NotchModel& model, RootView& root, PanelWindow& window, C
     window_.onExpose = [this] { drawFrame(true); };
     window_.onPress = [this](auto button, QPointF position, QPointF pointer) { pressed(button, position, pointer); };
     window_.onDrag = [this](QPointF pointer) { draggedTo(pointer); };
-    window_.onRelease = [this](auto button, QPointF) { released(button); };
+    window_.onRelease = [this](auto button, QPointF pointer) { released(button, pointer); };
     window_.onDropTargeted = [this](bool targeted) { dropTargeted(targeted); };
 }
 
@@ -96,27 +100,58 @@ void NotchPanel::updateRegions() {
 }
 
 void NotchPanel::pressed(PanelWindow::Button button, QPointF position, QPointF pointer) {
-    if (button == PanelWindow::Button::left) press_ = Press{position, pointer};
+    if (button == PanelWindow::Button::left) press_ = Press{position, pointer, false, root_.press(position)};
 }
 
 void NotchPanel::draggedTo(QPointF pointer) {
-    if (!press_) return;
+    if (!press_ || press_->remove) return;
     const QPointF way = pointer - press_->pointer;
     if (!press_->dragged && std::hypot(way.x(), way.y()) < kDragDistance) return;
+    if (!press_->dragged) {
+        const Chip* chip = root_.chipAt(press_->position);
+        if (chip && std::holds_alternative<QUrl>(chip->thing())) return dragOut(*chip);
+    }
     press_->dragged = true;
     // Measured on the screen, since the panel moves along under the pointer.
     root_.slide(way.x());
 }
 
-void NotchPanel::released(PanelWindow::Button button) {
+void NotchPanel::dragOut(const Chip& chip) {
+    press_.reset();
+    const double middle = FilePicture::side / 2 + FilePicture::margin;
+    window_.dragOut(std::get<QUrl>(chip.thing()), chip.picture(), {middle, middle});
+}
+
+void NotchPanel::released(PanelWindow::Button button, QPointF pointer) {
     if (button != PanelWindow::Button::left || !press_) return;
-    if (!press_->dragged) root_.tap(press_->position);
-    letGo();
+    const Press press = *std::exchange(press_, std::nullopt);
+    if (press.remove)
+        root_.release(pointer - press.pointer);
+    else if (press.dragged)
+        root_.slideEnded();
+    else
+        root_.tap(press.position);
 }
 
 void NotchPanel::letGo() {
     if (press_ && press_->dragged) root_.slideEnded();
+    if (press_ && press_->remove) root_.release(kFarAway);
     press_.reset();
+}
+
+QPointF NotchPanel::inPanel(QPointF pointer) const {
+    const QRectF frame = window_.frame();
+    return {pointer.x() - frame.left(), frame.bottom() - pointer.y()};
+}
+
+void NotchPanel::pointerMoved(QPointF pointer) {
+    const QPointF place = inPanel(pointer);
+    const QRectF panel(0, 0, RootView::kPanelWidth, RootView::kPanelHeight);
+    root_.pointerMoved(panel.contains(place) ? std::optional(place) : std::nullopt);
+}
+
+const Chip* NotchPanel::chipAt(QPointF pointer) const {
+    return root_.chipAt(inPanel(pointer));
 }
 
 void NotchPanel::dropTargeted(bool targeted) {

@@ -23,6 +23,11 @@ class NotchPanel {
     void updateMousePassThrough();
     /// Takes or leaves the pointer until the next updateMousePassThrough().
     void setIgnoresMouseEvents(bool ignores);
+    /// The pointer is here on the screen now, with no button held in the panel.
+    void pointerMoved(QPointF pointer);
+    /// The chip under a place of the screen; null for none. It lives until the model changes.
+    const Chip* chipAt(QPointF pointer) const;
+
     /// Ends a press that is under way, without a tap: its release will not come, because something else takes the
     /// pointer.
     void letGo();
@@ -32,6 +37,7 @@ class NotchPanel {
         QPointF position;  // in the panel
         QPointF pointer;   // on the screen
         bool dragged = false;
+        bool remove = false;  // on a chip's remove button
     };
 
     void contentChanged();
@@ -40,7 +46,9 @@ class NotchPanel {
     void updateRegions();
     void pressed(PanelWindow::Button button, QPointF position, QPointF pointer);
     void draggedTo(QPointF pointer);
-    void released(PanelWindow::Button button);
+    void released(PanelWindow::Button button, QPointF pointer);
+    void dragOut(const Chip& chip);
+    QPointF inPanel(QPointF pointer) const;
     void dropTargeted(bool targeted);
 
     NotchModel& m_;

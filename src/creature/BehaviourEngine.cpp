@@ -50,11 +50,6 @@ BehaviourEngine::BehaviourEngine(NotchModel& model, Clock& clock, MainLoop& loop
       activeStreakStart_(clock.now()),
       nextYawn_(clock.now() + 45) {}
 
-void BehaviourEngine::installMonitors(EventMonitors& monitors, Workspace& workspace) {
-    monitors.onMouseMoved = [this](QPointF pointer) { pointerMoved(pointer); };
-    workspace.onApplicationActivated = [this] { applicationActivated(); };
-}
-
 void BehaviourEngine::startTicks() {
     vitalsTick();
     vitalsTimer_ = loop_.every(15, [this] { vitalsTick(); });

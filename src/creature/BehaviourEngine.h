@@ -19,7 +19,6 @@ class BehaviourEngine {
 
     /// Sends the input of `monitors` and the activations of `workspace` here. Other receivers of their callbacks are
     /// set by whoever owns them.
-    void installMonitors(EventMonitors& monitors, Workspace& workspace);
     /// Runs the vitals tick once and starts the vitals and the life tick.
     void startTicks();
     /// Starts the handling of slides; it runs from the beginning, even in demo mode.

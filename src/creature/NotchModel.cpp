@@ -2,14 +2,13 @@
 
 #include <algorithm>
 
-NotchModel::NotchModel(Clock& clock, MainLoop& loop, Preferences& preferences, FileReferences& files,
-                       QString dataFolder)
+NotchModel::NotchModel(Clock& clock, MainLoop& loop, const ShelfPorts& shelf)
     : lastActivity(clock.now()),
       clock_(clock),
       loop_(loop),
-      preferences_(preferences),
-      files_(files),
-      dataFolder_(std::move(dataFolder)) {}
+      shelf_(shelf),
+      chewer_(shelf_.worker),
+      self_(std::make_shared<NotchModel*>(this)) {}
 
 bool NotchModel::isSleepy() const {
     if (battery < 0.2 && !charging) return true;

@@ -7,6 +7,7 @@
 #include <QString>
 #include <QUrl>
 #include <functional>
+#include <memory>
 #include <optional>
 
 #include "creature/Published.h"
@@ -15,10 +16,24 @@
 #include "platform/Clock.h"
 #include "platform/MainLoop.h"
 #include "shelf/Bite.h"
+#include "shelf/Chewer.h"
 #include "shelf/HeldTimer.h"
 
+class BackgroundQueue;
 class FileReferences;
+class Pasteboard;
 class Preferences;
+
+/// What the shelf needs of the desktop. All of it must outlive the model.
+struct ShelfPorts {
+    Preferences& preferences;
+    FileReferences& files;
+    Worker& worker;
+    BackgroundQueue& jobs;  ///< where the worker is waited for
+    Pasteboard& pasteboard;
+    /// Where the user's programs keep their data; files that were dropped as data go below it.
+    QString dataFolder;
+};
 
 /// The curve of most changes that the user causes: opening, hiding, picking a toy.
 inline Animation commonSpring() {
@@ -31,8 +46,7 @@ inline Animation commonSpring() {
 /// The ports must outlive the model.
 class NotchModel : public ObservableObject {
  public:
-    /// `dataFolder` is where the user's programs keep their data; files that were dropped as data go below it.
-    NotchModel(Clock& clock, MainLoop& loop, Preferences& preferences, FileReferences& files, QString dataFolder);
+    NotchModel(Clock& clock, MainLoop& loop, const ShelfPorts& shelf);
 
     Published<std::optional<QImage>> artwork{*this, std::nullopt};  ///< cover of the current track
     Published<Toy> toy{*this, Toy::critter};
@@ -123,8 +137,14 @@ class NotchModel : public ObservableObject {
     void clearDoneTimers();
     /// Where files that were dropped as data are written; made when missing. A failure to make it shows when writing.
     QUrl droppedFolder() const;
+    /// Converts a held image in the background and holds the result; nothing while another job is under way.
+    void chew(const QUrl& file, Chewer::Mode mode);
+    /// Reads the text out of a held image or PDF in the background, puts it on the clipboard and holds its beginning as
+    /// a note; nothing while another job is under way.
+    void readText(const QUrl& file);
 
  private:
+    void munch(std::function<std::function<bool()>()> job);
     void saveItems();
     void saveBites();
     void saveTimers();
@@ -132,8 +152,9 @@ class NotchModel : public ObservableObject {
 
     Clock& clock_;
     MainLoop& loop_;
-    Preferences& preferences_;
-    FileReferences& files_;
-    QString dataFolder_;
+    ShelfPorts shelf_;
+    Chewer chewer_;
     TimerHandle yawnEnd_;
+    TimerHandle chewEnd_;
+    std::shared_ptr<NotchModel*> self_;  // for what comes back from the background
 };

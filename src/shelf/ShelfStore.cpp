@@ -14,23 +14,23 @@ const QString kHidden = QStringLiteral("glimmet.hidden");
 }  // namespace
 
 void NotchModel::loadShelf() {
-    const auto stored = preferences_.dataList(kShelf);
+    const auto stored = shelf_.preferences.dataList(kShelf);
     if (!stored) return;
     QList<QUrl> found;
     for (const QByteArray& bookmark : *stored) {
-        if (const auto file = files_.resolve(bookmark)) found.append(*file);
+        if (const auto file = shelf_.files.resolve(bookmark)) found.append(*file);
     }
     // As if they were given anew, so that a file that somebody has edited keeps to the limits too.
     addItems(found);
 }
 
 void NotchModel::loadHeld() {
-    if (preferences_.boolean(kHidden)) hidden = true;
-    if (const auto json = preferences_.data(kBites)) {
+    if (shelf_.preferences.boolean(kHidden)) hidden = true;
+    if (const auto json = shelf_.preferences.data(kBites)) {
         const auto stored = decodeBites(*json);
         if (stored && *stored != bites.get()) bites = *stored;
     }
-    if (const auto json = preferences_.data(kTimers)) {
+    if (const auto json = shelf_.preferences.data(kTimers)) {
         auto stored = decodeTimers(*json);
         if (!stored) return;
         stored->removeIf([](const HeldTimer& timer) { return timer.done; });
@@ -41,25 +41,25 @@ void NotchModel::loadHeld() {
 void NotchModel::saveItems() {
     QList<QByteArray> bookmarks;
     for (const QUrl& file : items.get()) {
-        if (const auto bookmark = files_.bookmark(file)) bookmarks.append(*bookmark);
+        if (const auto bookmark = shelf_.files.bookmark(file)) bookmarks.append(*bookmark);
     }
-    preferences_.setDataList(kShelf, bookmarks);
+    shelf_.preferences.setDataList(kShelf, bookmarks);
 }
 
 void NotchModel::saveBites() {
-    preferences_.setData(kBites, encodeBites(bites));
+    shelf_.preferences.setData(kBites, encodeBites(bites));
 }
 
 void NotchModel::saveTimers() {
-    preferences_.setData(kTimers, encodeTimers(timers));
+    shelf_.preferences.setData(kTimers, encodeTimers(timers));
 }
 
 void NotchModel::saveHidden() {
-    preferences_.setBoolean(kHidden, hidden);
+    shelf_.preferences.setBoolean(kHidden, hidden);
 }
 
 QUrl NotchModel::droppedFolder() const {
-    const QString path = dataFolder_ + QStringLiteral("/Glimmet/Dropped");
+    const QString path = shelf_.dataFolder + QStringLiteral("/Glimmet/Dropped");
     QDir().mkpath(path);
     return QUrl::fromLocalFile(path + u'/');
 }

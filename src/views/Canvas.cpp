@@ -156,6 +156,11 @@ double Canvas::textWidth(const QString& line, const TextStyle& style) {
     return QFontMetricsF(font(style.face, style.weight)).horizontalAdvance(line) * style.size / kFontPixels;
 }
 
+QString Canvas::elidedMiddle(const QString& line, double width, const TextStyle& style) {
+    return QFontMetricsF(font(style.face, style.weight))
+        .elidedText(line, Qt::ElideMiddle, width * kFontPixels / style.size);
+}
+
 // Rounded up to quarters, so that the small steps of breathing reuse what was rendered.
 double Canvas::pixelsPerPoint() const {
     const QTransform t = painter_.deviceTransform();

@@ -60,8 +60,13 @@ class Canvas {
     /// One line of text, centred at `center`.
     void text(const QString& line, const QPointF& center, const TextStyle& style, const QColor& color);
 
+    /// `image` over all of `frame`.
+    void picture(const QImage& image, const QRectF& frame) { painter_.drawImage(frame, image); }
+
     /// Width in points that `line` takes.
     static double textWidth(const QString& line, const TextStyle& style);
+    /// `line` shortened in its middle to at most `width` points.
+    static QString elidedMiddle(const QString& line, double width, const TextStyle& style);
 
  private:
     double pixelsPerPoint() const;

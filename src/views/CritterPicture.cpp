@@ -35,7 +35,7 @@ void CritterView::compose(DisplayList& list) const {
     const double sleep = sleep_.at(now);
     list.with(QTransform(), 1 - sleep, [&] {
         composeFace(list, now);
-        shelf_.compose(list, now, padding_.at(now) + eyeSize_.at(now));
+        shelf_.compose(list, shelfTop());
         composeBadge(list, now);
         composeGlyph(list, now);
     });

@@ -11,11 +11,13 @@
 namespace {
 
 constexpr double kBlinkEvery = 3.4;  // seconds
+constexpr double kShelfGap = 12;    // points below the eyes
 constexpr double kGazeReach = 160;   // points at which the pupils have gone all their way
 
 }  // namespace
 
-CritterView::CritterView(NotchModel& model, Clock& clock, MainLoop& loop, std::function<void()> changed)
+CritterView::CritterView(NotchModel& model, const ChipPorts& ports, Clock& clock, MainLoop& loop,
+                         std::function<void()> changed)
     : m_(model),
       clock_(clock),
       loop_(loop),
@@ -29,7 +31,7 @@ CritterView::CritterView(NotchModel& model, Clock& clock, MainLoop& loop, std::f
       seenStretches_(m_.stretchCount),
       seenHovering_(m_.hovering),
       seenCharging_(m_.charging),
-      shelf_(model) {
+      shelf_(model, ports, clock, loop, changed_) {
     blinkTimer_ = loop_.every(kBlinkEvery, [this] { blink(); });
     update(std::nullopt);
 }
@@ -44,7 +46,7 @@ void CritterView::update(const std::optional<Animation>& how) {
     aimLayout(how, now);
     aimEyes(how, now);
     mouth_.aim(mouthState(), how, now);
-    shelf_.update(how, now);
+    shelf_.update(how);
     aimGlyph(how, now);
     // Last, because a reaction updates again with a curve of its own.
     react();
@@ -227,15 +229,15 @@ double CritterView::nextFrame() const {
           &arcWidth_, &arcHeight_, &arcDroop_, &zzz_, &badge_, &glyphOpacity_, &width_}) {
         if (value->moving(now)) return now;
     }
-    if (leftEye_.moving(now) || rightEye_.moving(now) || mouth_.moving(now) || shelf_.moving(now)) return now;
+    if (leftEye_.moving(now) || rightEye_.moving(now) || mouth_.moving(now)) return now;
     const double wall = clock_.now().seconds;
     if (mouth_.chewing(wall)) return now;
-    double next = now + mouth_.untilNextChew(wall);
+    double next = std::min(now + mouth_.untilNextChew(wall), shelf_.nextFrame());
     if (m_.asleep && m_.attending()) next = std::min(next, now + 1.0 / 24);
     return next;
 }
 
-bool CritterView::tap(const QPointF& point) {
+double CritterView::shelfTop() const {
     const double now = clock_.uptime();
-    return shelf_.tap(point, padding_.at(now) + eyeSize_.at(now));
+    return padding_.at(now) + eyeSize_.at(now) + kShelfGap;
 }

@@ -18,7 +18,8 @@
 class CritterView {
  public:
     /// `changed` is called whenever a state of the face's own has changed; the picture has then to be drawn again.
-    CritterView(NotchModel& model, Clock& clock, MainLoop& loop, std::function<void()> changed);
+    CritterView(NotchModel& model, const ChipPorts& ports, Clock& clock, MainLoop& loop,
+                std::function<void()> changed);
 
     /// Stops the face's clocks; it may go on to fade out.
     void disappear();
@@ -31,8 +32,9 @@ class CritterView {
     double nextFrame() const;
     void compose(DisplayList& list) const;
 
-    /// Gives a tap to what lies at `point`, in the frame of reference of the last picture; false: nothing took it.
-    bool tap(const QPointF& point);
+    /// The shelf below the face, and the height at which it begins.
+    ShelfArea& shelf() { return shelf_; }
+    double shelfTop() const;
 
  private:
     /// Values whose changes move the eyes with curves of their own.

@@ -2,5 +2,20 @@
 
 /// Names of the pieces of a DisplayList, one for each thing on the panel.
 namespace piece {
-enum : int { body, chevron, cheeks, leftEye, rightEye, mouth, sleepingArcs, zzz, badge, glyph, shelf, confetti };
+enum : int {
+    body,
+    chevron,
+    cheeks,
+    leftEye,
+    rightEye,
+    mouth,
+    sleepingArcs,
+    zzz,
+    badge,
+    glyph,
+    pill,
+    whisper,
+    confetti,
+    chips  ///< this and all above: two for each chip
+};
 }

@@ -32,8 +32,9 @@ bool showsCritter(const NotchModel& m) {
 
 }  // namespace
 
-RootView::RootView(NotchModel& model, Clock& clock, MainLoop& loop, std::function<double()> random)
+RootView::RootView(NotchModel& model, ChipPorts ports, Clock& clock, MainLoop& loop, std::function<double()> random)
     : m_(model),
+      ports_(std::move(ports)),
       clock_(clock),
       loop_(loop),
       width_(model.shapeWidth()),
@@ -88,7 +89,7 @@ void RootView::showOrHideCritter(const std::optional<Animation>& how, double now
     const bool shown = critter_ && critterContent_.target() == 1;
     if (show && !shown) {
         // A face that comes back while it fades out begins anew.
-        critter_ = std::make_unique<CritterView>(m_, clock_, loop_, [this] { changed(); });
+        critter_ = std::make_unique<CritterView>(m_, ports_, clock_, loop_, [this] { changed(); });
     } else if (!show && shown) {
         critter_->disappear();
     }
@@ -180,9 +181,36 @@ void RootView::composeChevron(DisplayList& list, double now) const {
 }
 
 void RootView::tap(const QPointF& point) {
-    const QPointF inside = wholeTransform(clock_.uptime()).inverted().map(point);
-    if (critter_ && critter_->tap(inside)) return;
+    ShelfArea* things = shelf();
+    if (things && things->tap(inside(point), critter_->shelfTop())) return;
     m_.notchTapped();
+}
+
+QPointF RootView::inside(const QPointF& point) const {
+    return wholeTransform(clock_.uptime()).inverted().map(point);
+}
+
+ShelfArea* RootView::shelf() {
+    return critter_ && showsCritter(m_) ? &critter_->shelf() : nullptr;
+}
+
+void RootView::pointerMoved(const std::optional<QPointF>& point) {
+    ShelfArea* things = shelf();
+    if (things) things->pointerMoved(point ? std::optional(inside(*point)) : std::nullopt, critter_->shelfTop());
+}
+
+bool RootView::press(const QPointF& point) {
+    ShelfArea* things = shelf();
+    return things && things->press(inside(point), critter_->shelfTop());
+}
+
+void RootView::release(const QPointF& way) {
+    if (critter_) critter_->shelf().release(way);
+}
+
+const Chip* RootView::chipAt(const QPointF& point) {
+    ShelfArea* things = shelf();
+    return things ? things->chipAt(inside(point), critter_->shelfTop()) : nullptr;
 }
 
 void RootView::slide(double translation) {

@@ -19,7 +19,7 @@ class RootView {
     static constexpr double kPanelHeight = 230;
 
     /// `random` gives uniformly distributed numbers in [0, 1).
-    RootView(NotchModel& model, Clock& clock, MainLoop& loop, std::function<double()> random);
+    RootView(NotchModel& model, ChipPorts ports, Clock& clock, MainLoop& loop, std::function<double()> random);
 
     /// Called when the picture has changed or begun to move.
     std::function<void()> onChange;
@@ -32,6 +32,14 @@ class RootView {
     QPainterPath outline() const;
 
     void tap(const QPointF& point);
+    /// The pointer is at `point` now, or away from the panel.
+    void pointerMoved(const std::optional<QPointF>& point);
+    /// Takes a press on a chip's remove button; tells whether it did.
+    bool press(const QPointF& point);
+    /// Ends a press that was taken, released `way` points from where it began.
+    void release(const QPointF& way);
+    /// The chip at `point`; null for none. It lives until the model changes.
+    const Chip* chipAt(const QPointF& point);
     /// The pointer has been pulled sideways by `translation` points since it was pressed. Begins a slide or goes on
     /// with it.
     void slide(double translation);
@@ -46,11 +54,15 @@ class RootView {
     void changed();
 
     QTransform wholeTransform(double now) const;
+    QPointF inside(const QPointF& point) const;
+    /// The shelf if it can be touched; null while no face is shown.
+    ShelfArea* shelf();
     QRectF bodyRect(double now) const;
     void composeBody(DisplayList& list, double now) const;
     void composeChevron(DisplayList& list, double now) const;
 
     NotchModel& m_;
+    ChipPorts ports_;
     Clock& clock_;
     MainLoop& loop_;
 

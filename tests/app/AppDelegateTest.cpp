@@ -19,7 +19,14 @@ struct ProgramFixture {
     FakeMonitors monitors;
     MemoryWorkspace workspace;
     MemorySounds sounds;
+    MemoryDragPasteboard dragPasteboard;
+    MemoryPasteboard pasteboard;
+    MemorySharing sharing;
+    MemoryIcons icons;
+    MemoryWorker worker;
+    InlineQueue disk, jobs;
     QList<MenuItem> menu;
+    QPointF menuAt;
     bool quit = false;
     std::optional<AppDelegate> delegate;
 
@@ -27,7 +34,11 @@ struct ProgramFixture {
         QStringList list{QStringLiteral("glimmet")};
         for (const char* argument : arguments) list.append(QLatin1String(argument));
         delegate.emplace(Ports{clock, loop, preferences, files, screens, window, monitors, workspace, sounds,
-                               [] { return 0.5; }, [this](const QList<MenuItem>& items, QPointF) { menu = items; },
+                               dragPasteboard, pasteboard, sharing, icons, worker, disk, jobs, [] { return 0.5; },
+                               [this](const QList<MenuItem>& items, QPointF at) {
+                                   menu = items;
+                                   menuAt = at;
+                               },
                                [] {}, [this] { quit = true; }, QStringLiteral("/nonexistent")},
                          list);
         ::testing::internal::CaptureStderr();
@@ -63,7 +74,7 @@ TEST(Launch, DemoModeLeavesTheSensorsOff) {
     ProgramFixture f;
     f.launch({"--toy=wea"});
     EXPECT_NE(f.log.find("toy=Weather"), std::string::npos);
-    EXPECT_FALSE(f.monitors.started || f.workspace.started);
+    EXPECT_FALSE(f.monitors.onMouseMoved || f.monitors.onRightMouseDown || f.workspace.started);
     EXPECT_FALSE(f.window.input.isEmpty());
     f.loop.advance(120);
     EXPECT_FALSE(f.m().asleep);

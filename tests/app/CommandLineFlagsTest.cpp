@@ -7,12 +7,12 @@ namespace {
 
 struct FlagsFixture : CreatureFixture {
     bool tookMouse = false;
-    CommandLineFlags flags{m, loop, [this] { tookMouse = true; }};
+    std::optional<CommandLineFlags> flags;
 
     FlagEffects apply(std::initializer_list<const char*> arguments) {
         QStringList list{QStringLiteral("glimmet")};
         for (const char* argument : arguments) list.append(QString::fromUtf8(argument));
-        return flags.apply(list);
+        return flags.emplace(m, loop, list, [this] { tookMouse = true; }).apply();
     }
 };
 

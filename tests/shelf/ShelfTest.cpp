@@ -155,7 +155,7 @@ TEST(Json, TimersReadWhatWasWrittenAndNothingElse) {
 /// What a restart does: another model over the same preferences and files.
 struct Restarted {
     explicit Restarted(CreatureFixture& f)
-        : m(f.clock, f.loop, f.preferences, f.files, QStringLiteral("/nonexistent")) {
+        : m(f.clock, f.loop, f.shelf()) {
         m.loadShelf();
         m.loadHeld();
     }
@@ -207,7 +207,7 @@ TEST(Store, WhatCannotBeReadStaysUntilItIsWrittenAnew) {
 TEST(Store, TheDroppedFolderIsMadeWheneverItIsAskedFor) {
     CreatureFixture f;
     const QTemporaryDir folder;
-    const NotchModel m(f.clock, f.loop, f.preferences, f.files, folder.path());
+    const NotchModel m(f.clock, f.loop, f.shelf(folder.path()));
     for (int i = 0; i < 2; ++i) {
         EXPECT_EQ(m.droppedFolder(), file(folder.filePath(QStringLiteral("Glimmet/Dropped/"))));
         QDir dropped(folder.filePath(QStringLiteral("Glimmet/Dropped")));

@@ -17,7 +17,13 @@ struct CreatureFixture {
     ManualLoop loop{clock};
     MemoryPreferences preferences;
     MemoryFiles files;
-    NotchModel m{clock, loop, preferences, files, QStringLiteral("/nonexistent")};
+    MemoryWorker worker;
+    HeldQueue jobs;
+    MemoryPasteboard pasteboard;
+    ShelfPorts shelf(const QString& dataFolder = QStringLiteral("/nonexistent")) {
+        return {preferences, files, worker, jobs, pasteboard, dataFolder};
+    }
+    NotchModel m{clock, loop, shelf()};
 };
 
 /// The same with its behaviour. `traces` collects the trace lines.

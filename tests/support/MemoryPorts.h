@@ -1,13 +1,21 @@
 #pragma once
 
+#include <QFile>
 #include <QHash>
 #include <QSet>
 #include <QStringList>
 #include <QVariant>
 
+#include "platform/BackgroundQueue.h"
+#include "platform/DragPasteboard.h"
+#include "platform/Drop.h"
+#include "platform/FileIcons.h"
 #include "platform/FileReferences.h"
+#include "platform/Pasteboard.h"
 #include "platform/Preferences.h"
+#include "platform/Sharing.h"
 #include "platform/Sounds.h"
+#include "platform/Worker.h"
 #include "platform/Workspace.h"
 
 /// Preferences that live as long as the object; `writes` counts what was set.
@@ -75,4 +83,98 @@ class MemoryWorkspace : public Workspace {
     bool started = false;
     QStringList activated;
     QList<QUrl> opened, revealed;
+};
+
+/// Keeps the jobs until the test lets them run.
+class HeldQueue : public SerialQueue {
+ public:
+    void run(std::function<void()> job) override { jobs.append(std::move(job)); }
+    void runAll() {
+        while (!jobs.isEmpty()) jobs.takeFirst()();
+    }
+    QList<std::function<void()>> jobs;
+};
+
+/// Runs jobs at once.
+class InlineQueue : public SerialQueue {
+ public:
+    void run(std::function<void()> job) override { job(); }
+};
+
+/// Answers every request with `answer`.
+class MemoryWorker : public Worker {
+ public:
+    std::optional<QJsonObject> run(const QStringList& request) override {
+        requests.append(request);
+        return answer;
+    }
+    QList<QStringList> requests;
+    std::optional<QJsonObject> answer;
+};
+
+class MemoryPasteboard : public Pasteboard {
+ public:
+    void setString(const QString& text) override { texts.append(text); }
+    QStringList texts;
+};
+
+/// `begin` is a new drag by another program; the test answers what it carries.
+class MemoryDragPasteboard : public DragPasteboard {
+ public:
+    int changeCount() const override { return count; }
+    void canReadUsable(std::function<void(bool)> done) override {
+        ++questions;
+        answer = std::move(done);
+    }
+    int count = 0, questions = 0;
+    std::function<void(bool)> answer;
+};
+
+/// A drop whose forms answer at once, but for those without data, which are refused. `saved` is what the source writes
+/// when it keeps its promise.
+class MemoryDrop : public Drop {
+ public:
+    QStringList types() const override { return offered; }
+    void load(const QString& type, std::function<void(std::optional<QByteArray>)> done) override {
+        loaded.append(type);
+        const auto found = forms.find(type);
+        done(found == forms.end() ? std::nullopt : std::optional(*found));
+    }
+    std::optional<QByteArray> promisedName() const override { return promise; }
+    void savePromise(const QUrl& target, std::function<void(bool)> done) override {
+        QFile file(target.toLocalFile());
+        if (saved && file.open(QFile::WriteOnly)) file.write(*saved);
+        file.close();
+        done(kept);
+    }
+    void offer(const char* type, const QByteArray& data) {
+        offered.append(QString::fromLatin1(type));
+        forms.insert(QString::fromLatin1(type), data);
+    }
+
+    QStringList offered, loaded;
+    QHash<QString, QByteArray> forms;
+    std::optional<QByteArray> promise, saved;
+    bool kept = true;
+};
+
+/// Files have no icons until the test gives one.
+class MemoryIcons : public FileIcons {
+ public:
+    void find(const QUrl& file, int, std::function<void(const QImage&)> done) override {
+        asked.append(file);
+        waiting.append(std::move(done));
+    }
+    QList<QUrl> asked;
+    QList<std::function<void(const QImage&)>> waiting;
+};
+
+class MemorySharing : public Sharing {
+ public:
+    void offers(const QUrl& thing, std::function<void(const QList<ShareOffer>&)> found) override {
+        asked.append(thing);
+        found(list);
+    }
+    QList<QUrl> asked;
+    QList<ShareOffer> list;
 };

@@ -332,7 +332,7 @@ TEST(Shelf, ItsPillUnfoldsItAndLeavingFoldsIt) {
     f.m.items = files;
     f.openUp();
     const QImage image = f.rested();
-    const auto pill = f.bounds(image, {-150, 86, 300, 54}, [](QColor c) { return c.lightness() > 25; });
+    const auto pill = f.bounds(image, {68, 86, 70, 54}, [](QColor c) { return c.lightness() > 25; });
     ASSERT_TRUE(pill);
     f.root.tap(QPointF(180, 0) + pill->center());
     EXPECT_TRUE(f.m.shelfExpanded);

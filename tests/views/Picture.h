@@ -16,7 +16,18 @@ struct PictureFixture : CreatureFixture {
 
     PictureFixture() { clock.setNow({86400.0 * 7000 + 12 * 3600 + 0.0}); }
 
-    RootView root{m, clock, loop, [] { return 0.5; }};
+    MemoryIcons icons;
+    QStringList traces;
+    QList<HeldThing> used, removed;
+    RootView root{m,
+                  {.icons = icons,
+                   .trace = [this](const QString& line) { traces.append(line); },
+                   .use = [this](const HeldThing& thing) { used.append(thing); },
+                   .remove = [this](const HeldThing& thing) { removed.append(thing); },
+                   .showX = false},
+                  clock,
+                  loop,
+                  [] { return 0.5; }};
     PictureCaches caches;
 
     QImage picture() {

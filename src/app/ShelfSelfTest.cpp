@@ -1,0 +1,89 @@
+#include "app/ShelfSelfTest.h"
+
+#include <QFileInfo>
+
+#include "app/Diagnostics.h"
+#include "platform/FileUrls.h"
+#include "shelf/DropIntake.h"
+
+namespace {
+
+/// A drop of files that no other program takes part in.
+class DropOfFiles : public Drop {
+ public:
+    DropOfFiles(MainLoop& loop, const QList<QUrl>& files) : loop_(loop) {
+        for (const QUrl& file : files) list_ += file.toEncoded() + "\r\n";
+    }
+    QStringList types() const override { return {QStringLiteral("text/uri-list")}; }
+    void load(const QString&, std::function<void(std::optional<QByteArray>)> done) override {
+        loop_.post([done = std::move(done), list = list_] { done(list); });
+    }
+    std::optional<QByteArray> promisedName() const override { return {}; }
+    void savePromise(const QUrl&, std::function<void(bool)> done) override {
+        loop_.post([done = std::move(done)] { done(false); });
+    }
+
+ private:
+    MainLoop& loop_;
+    QByteArray list_;
+};
+
+QUrl fileAt(const QString& path) {
+    return QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath());
+}
+
+}  // namespace
+
+ShelfSelfTest::ShelfSelfTest(NotchModel& model, MainLoop& loop, DropIntake& drops)
+    : m_(model), loop_(loop), drops_(drops) {}
+
+void ShelfSelfTest::startDrop(const QString& paths) {
+    const QStringList named = paths.split(u',', Qt::SkipEmptyParts);
+    QList<QUrl> files;
+    for (const QString& path : named) {
+        if (QFileInfo::exists(path)) files.append(fileAt(path));
+    }
+    Diagnostics::write(QStringLiteral("droptest: %1 paths → %2 providers").arg(named.size()).arg(files.size()));
+    drop_ = loop_.after(1, [this, files] {
+        drops_.handleDrop(std::make_shared<DropOfFiles>(loop_, files));
+        drop_ = loop_.after(2.5, [this] { reportDrop(); });
+    });
+}
+
+void ShelfSelfTest::reportDrop() {
+    Diagnostics::write(QStringLiteral("droptest: shelf now [%1]").arg(heldNames()));
+}
+
+void ShelfSelfTest::startChew(const QString& request) {
+    const QStringList parts = request.split(u',', Qt::SkipEmptyParts);
+    if (parts.isEmpty()) return;
+    const QUrl file = fileAt(parts[0]);
+    // All after the first comma, so that a kind with a comma in it is an unknown one.
+    const QString kind = parts.size() > 1 ? parts.mid(1).join(u',') : QStringLiteral("jpeg");
+    m_.items = QList{file};
+    chew_ = loop_.after(1, [this, file, kind] {
+        chew(file, kind);
+        chew_ = loop_.after(3, [this] { reportChew(); });
+    });
+}
+
+void ShelfSelfTest::chew(const QUrl& file, const QString& kind) {
+    if (kind == QLatin1String("read"))
+        m_.readText(file);
+    else if (kind == QLatin1String("jpeg"))
+        m_.chew(file, Chewer::Mode::toJPEG);
+    else if (kind == QLatin1String("png"))
+        m_.chew(file, Chewer::Mode::toPNG);
+    else if (kind == QLatin1String("smaller"))
+        m_.chew(file, Chewer::Mode::smaller);
+}
+
+void ShelfSelfTest::reportChew() {
+    Diagnostics::write(QStringLiteral("chewtest: held=[%1] notes=%2").arg(heldNames()).arg(m_.bites->size()));
+}
+
+QString ShelfSelfTest::heldNames() const {
+    QStringList names;
+    for (const QUrl& file : m_.items.get()) names.append(file.adjusted(QUrl::StripTrailingSlash).fileName());
+    return names.join(QStringLiteral(", "));
+}

@@ -1,0 +1,59 @@
+#include "creature/NotchModel.h"
+#include "platform/BackgroundQueue.h"
+#include "platform/Pasteboard.h"
+#include "shelf/NoteText.h"
+
+namespace {
+
+constexpr double kAfterTaste = 1.1;  // seconds that the creature goes on chewing when the job is done
+
+}  // namespace
+
+// `job` runs in the background and gives what is to be done with its result in the end: that tells whether it went well.
+void NotchModel::munch(std::function<std::function<bool()>()> job) {
+    if (chewing) return;
+    withAnimation(Animation::easeInOut(0.3), [this] { chewing = true; });
+    shelf_.jobs.run([&loop = loop_, self = std::weak_ptr(self_), job = std::move(job)] {
+        loop.post([self, take = job()] {
+            const auto model = self.lock();
+            if (!model) return;
+            NotchModel& m = **model;
+            m.chewEnd_ = m.loop_.after(kAfterTaste, [&m, take] {
+                bool well = false;
+                m.withAnimation(Animation::spring(0.32, 0.8), [&] {
+                    m.chewing = false;
+                    well = take();
+                });
+                if (!well) ++m.worryCount;
+            });
+        });
+    });
+}
+
+void NotchModel::chew(const QUrl& file, Chewer::Mode mode) {
+    munch([this, chewer = chewer_, file, mode, folder = droppedFolder()]() mutable -> std::function<bool()> {
+        const auto result = chewer.chew(file, mode, folder);
+        return [this, result] {
+            const QUrl* made = std::get_if<QUrl>(&result);
+            if (!made) return false;
+            addItems({*made});
+            ++swallowCount;
+            return true;
+        };
+    });
+}
+
+void NotchModel::readText(const QUrl& file) {
+    munch([this, chewer = chewer_, file]() mutable -> std::function<bool()> {
+        const auto result = chewer.readText(file);
+        return [this, result] {
+            const QString* text = std::get_if<QString>(&result);
+            if (!text) return false;
+            shelf_.pasteboard.setString(*text);
+            addBites({Bite::note(firstCharacters(*text))});
+            ++boopCount;
+            markActivity();
+            return true;
+        };
+    });
+}

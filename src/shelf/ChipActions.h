@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QList>
+#include <functional>
+
+#include "creature/NotchModel.h"
+#include "platform/MenuItem.h"
+#include "shelf/HeldThing.h"
+
+class Pasteboard;
+class Sharing;
+class Workspace;
+
+/// What can be done with a thing on the shelf. Main thread only; the references must outlive it.
+class ChipActions {
+ public:
+    ChipActions(NotchModel& model, Workspace& workspace, Pasteboard& pasteboard, Sharing& sharing)
+        : m_(model), workspace_(workspace), pasteboard_(pasteboard), sharing_(sharing) {}
+
+    /// Shows a menu of ways to share something; called a while after the user has asked for it.
+    std::function<void(const QList<MenuItem>&)> showSharing;
+
+    /// The chip's context menu.
+    QList<MenuItem> menu(const HeldThing& thing);
+    /// What a click on the chip does: opens a file or a link, copies a note.
+    void use(const HeldThing& thing);
+    /// Takes it off the shelf. A file stays where it is on the disk.
+    void remove(const HeldThing& thing);
+
+ private:
+    QList<MenuItem> fileMenu(const QUrl& file);
+    QList<MenuItem> biteMenu(const Bite& bite);
+    MenuItem shareItem(const QUrl& thing);
+    MenuItem removeItem(const HeldThing& thing);
+
+    NotchModel& m_;
+    Workspace& workspace_;
+    Pasteboard& pasteboard_;
+    Sharing& sharing_;
+};

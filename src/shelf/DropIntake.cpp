@@ -1,0 +1,91 @@
+#include "shelf/DropIntake.h"
+
+#include <QDateTime>
+#include <QLocale>
+#include <cmath>
+
+#include "platform/BackgroundQueue.h"
+#include "platform/DragPasteboard.h"
+#include "shelf/DropReading.h"
+
+namespace {
+
+constexpr double kNearBelow = 90;   // points under the top of the screen
+constexpr double kNearBeside = 190;  // points from the notch's middle
+constexpr double kFarewell = 0.45;   // seconds that the mouth stays open after the button's release
+
+}  // namespace
+
+DropIntake::DropIntake(NotchModel& model, Clock& clock, MainLoop& loop, DragPasteboard& pasteboard,
+                       BackgroundQueue& disk)
+    : m_(model),
+      clock_(clock),
+      loop_(loop),
+      pasteboard_(pasteboard),
+      disk_(disk),
+      self_(std::make_shared<DropIntake*>(this)) {}
+
+DropIntake::~DropIntake() = default;
+
+bool DropIntake::nearNotch(QPointF pointer) const {
+    return pointer.y() > m_.screenTop - kNearBelow && std::abs(pointer.x() - m_.centerX) < kNearBeside;
+}
+
+void DropIntake::dragMoved(QPointF pointer) {
+    if (!acceptsDrops()) return;
+    lastDrag_ = pointer;
+    if (const int count = pasteboard_.changeCount(); count != dragPBCount_) {
+        dragPBCount_ = count;
+        dragIsFiles_ = false;
+        pasteboard_.canReadUsable([this](bool usable) {
+            dragIsFiles_ = usable;
+            judge(lastDrag_);
+        });
+    }
+    judge(pointer);
+}
+
+void DropIntake::judge(QPointF pointer) {
+    const bool near = dragIsFiles_ && acceptsDrops() && nearNotch(pointer);
+    if (near && m_.hidden) m_.withAnimation(commonSpring(), [this] { m_.hidden = false; });
+    if (near != m_.dragNear) setNear(near);
+}
+
+void DropIntake::setNear(bool near) {
+    m_.withAnimation(Animation::spring(0.3, 0.7), [&] { m_.dragNear = near; });
+    if (updateMousePassThrough) updateMousePassThrough();
+}
+
+void DropIntake::dragEnded() {
+    // What is dragged next need not be a drag of things: a window, a selection, the creature itself.
+    dragIsFiles_ = false;
+    if (!m_.dragNear) return;
+    farewell_ = loop_.after(kFarewell, [this] {
+        m_.withAnimation(Animation::easeOut(0.25), [this] { m_.dragNear = false; });
+        if (updateMousePassThrough) updateMousePassThrough();
+    });
+}
+
+QString DropIntake::droppedFileName(const QString& extension) const {
+    const QDateTime reference(QDate(2001, 1, 1), QTime(0, 0), Qt::UTC);
+    const QDateTime now = reference.addMSecs(qint64(clock_.now().seconds * 1000)).toLocalTime();
+    return QStringLiteral("Dropped %1.%2")
+        .arg(QLocale().toString(now, QStringLiteral("yyyy-MM-dd 'at' HH.mm.ss")), extension);
+}
+
+void DropIntake::handleDrop(std::shared_ptr<Drop> drop) {
+    const auto name = [this, self = std::weak_ptr(self_)](const QString& extension) {
+        return self.expired() ? QString() : droppedFileName(extension);
+    };
+    DropReading::start(std::move(drop), m_.droppedFolder(), name, loop_, disk_,
+                       [this, self = std::weak_ptr(self_)](const QList<QUrl>& files, const QList<Bite>& bites) {
+                           if (!self.expired()) take(files, bites);
+                       });
+}
+
+void DropIntake::take(const QList<QUrl>& files, const QList<Bite>& bites) {
+    m_.withAnimation(Animation::spring(0.32, 0.8), [&] {
+        const int count = m_.addItems(files) + m_.addBites(bites);
+        if (count > 0) ++m_.swallowCount;
+    });
+}

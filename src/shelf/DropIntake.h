@@ -1,0 +1,59 @@
+#pragma once
+
+#include <QList>
+#include <QPointF>
+#include <QString>
+#include <QUrl>
+#include <functional>
+#include <memory>
+
+#include "creature/NotchModel.h"
+#include "platform/Drop.h"
+
+class BackgroundQueue;
+class DragPasteboard;
+
+/// Sees what other programs drag towards the notch, and takes in what is dropped on it. Main thread only; the
+/// references must outlive it.
+class DropIntake {
+ public:
+    /// Files are written on `disk`.
+    DropIntake(NotchModel& model, Clock& clock, MainLoop& loop, DragPasteboard& pasteboard, BackgroundQueue& disk);
+    ~DropIntake();
+
+    /// Called after a change that may let the panel take the pointer or leave it alone.
+    std::function<void()> updateMousePassThrough;
+
+    /// The pointer moved with the left button held, anywhere.
+    void dragMoved(QPointF pointer);
+    /// The left button was released, anywhere.
+    void dragEnded();
+
+    /// Whether a drop would be taken now.
+    bool acceptsDrops() const { return m_.toy == Toy::critter; }
+    /// Reads what was dropped, each thing in the best of its forms, and puts it on the shelf when all of it is there.
+    void handleDrop(std::shared_ptr<Drop> drop);
+
+    /// Name for a file that was dropped as data, by the user's local time; `extension` without a dot.
+    QString droppedFileName(const QString& extension) const;
+
+ private:
+    class Reading;
+
+    bool nearNotch(QPointF pointer) const;
+    void judge(QPointF pointer);
+    void setNear(bool near);
+    void take(const QList<QUrl>& files, const QList<Bite>& bites);
+
+    NotchModel& m_;
+    Clock& clock_;
+    MainLoop& loop_;
+    DragPasteboard& pasteboard_;
+    BackgroundQueue& disk_;
+
+    int dragPBCount_ = 0;      // the drag that was asked about last
+    bool dragIsFiles_ = false;  // what is dragged now can be held
+    QPointF lastDrag_;
+    TimerHandle farewell_;
+    std::shared_ptr<DropIntake*> self_;  // for what comes back from the disk
+};
