@@ -9,10 +9,10 @@
 
 /// What the flags do beyond setting the model.
 struct FlagEffects {
-    bool demo = false;           ///< the live sensors stay off
-    bool batteryPinned = false;  ///< battery, charging and disk are as the flags say
-    bool privacyPinned = false;  ///< camera and microphone are as the flags say
-    bool screenTest = false;     ///< the screen self-test was asked for
+    bool demo = false;                ///< the live sensors stay off
+    bool batteryPinned = false;       ///< battery, charging and disk are as the flags say
+    bool privacyPinned = false;       ///< camera and microphone are as the flags say
+    bool screenTest = false;          ///< the screen self-test was asked for
     std::optional<QString> chewTest;  ///< the chew self-test was, with this request
 };
 

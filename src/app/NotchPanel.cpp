@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <utility>
 
 #include "views/FilePicture.h"
@@ -11,9 +12,32 @@ namespace {
 constexpr double kDragDistance = 12;
 constexpr QPointF kFarAway(1000, 1000);  // a press that ends here was not meant
 
-/// The part of the panel inside `outline`, row by row.
+/// The part of the panel inside `outline`, which each row crosses once from the left to the right: its rows' middles
+/// decide.
 QRegion regionInside(const QPainterPath& outline) {
-    return QRegion(outline.toFillPolygon().toPolygon());
+    const QPolygonF polygon = outline.toFillPolygon();
+    const int top = int(std::floor(polygon.boundingRect().top())), bottom = int(polygon.boundingRect().bottom());
+    QList<QRect> bands;
+    for (int y = std::max(top, 0); y <= bottom; ++y) {
+        const double middle = y + 0.5;
+        double left = std::numeric_limits<double>::infinity(), right = -left;
+        for (qsizetype i = 1; i < polygon.size(); ++i) {
+            const QPointF a = polygon[i - 1], b = polygon[i];
+            if ((a.y() <= middle) == (b.y() <= middle)) continue;
+            const double x = a.x() + (b.x() - a.x()) * (middle - a.y()) / (b.y() - a.y());
+            left = std::min(left, x);
+            right = std::max(right, x);
+        }
+        if (!(left < right)) continue;
+        const int from = int(std::lround(left)), to = int(std::lround(right));
+        if (!bands.isEmpty() && bands.last().left() == from && bands.last().width() == to - from)
+            bands.last().setBottom(y);
+        else if (to > from)
+            bands.append(QRect(from, y, to - from, 1));
+    }
+    QRegion region;
+    region.setRects(bands.constData(), int(bands.size()));
+    return region;
 }
 
 }  // namespace
@@ -38,7 +62,7 @@ NotchPanel::~NotchPanel() {
 }
 
 void NotchPanel::show(const QRectF& frame) {
-    window_.setFrame(frame);
+    setFrame(frame);
     visible_ = true;
     updateRegions();
     window_.orderFrontRegardless();
@@ -46,7 +70,18 @@ void NotchPanel::show(const QRectF& frame) {
 }
 
 void NotchPanel::setFrame(const QRectF& frame) {
-    window_.setFrame(frame);
+    frame_ = frame;
+    window_.setFrame(frame_.adjusted(0, frame_.height() - height_, 0, 0));
+}
+
+// A shelf with many rows hangs lower than the panel. The window becomes longer before the shelf grows, and shorter when
+// it has shrunk.
+void NotchPanel::fitWindow() {
+    double height = std::max(RootView::kPanelHeight, std::ceil(root_.depth()));
+    if (root_.growing()) height = std::max(height, height_);
+    if (height == height_) return;
+    height_ = height;
+    setFrame(frame_);
 }
 
 void NotchPanel::updateMousePassThrough() {
@@ -59,7 +94,9 @@ void NotchPanel::setIgnoresMouseEvents(bool ignores) {
 }
 
 void NotchPanel::contentChanged() {
-    if (visible_) scheduleFrame(clock_.uptime());
+    if (!visible_) return;
+    fitWindow();
+    scheduleFrame(clock_.uptime());
 }
 
 // Frames come no faster than the screen shows them.
@@ -74,9 +111,10 @@ void NotchPanel::drawFrame(bool all) {
     if (!visible_) return;
     frameTimer_.cancel();
     lastFrame_ = clock_.uptime();
+    fitWindow();
     DisplayList next;
     root_.compose(next);
-    const QRegion panel(0, 0, int(RootView::kPanelWidth), int(RootView::kPanelHeight));
+    const QRegion panel(0, 0, int(RootView::kPanelWidth), int(height_));
     const QRegion damage = all ? panel : shown_.changesTo(next) & panel;
     if (!damage.isEmpty()) {
         window_.paint(damage, [&](QPainter& painter) {
@@ -92,7 +130,7 @@ void NotchPanel::drawFrame(bool all) {
 
 void NotchPanel::updateRegions() {
     const QRegion outline = regionInside(root_.outline());
-    const QRegion whole(0, 0, int(RootView::kPanelWidth), int(RootView::kPanelHeight));
+    const QRegion whole(0, 0, int(RootView::kPanelWidth), int(height_));
     const bool takesDrop = m_.dragNear || m_.dropTargeted;
     const QRegion input = ignoresMouse_ ? QRegion() : takesDrop ? whole : outline;
     if (input != inputRegion_) window_.setInputRegion(inputRegion_ = input);
@@ -140,13 +178,12 @@ void NotchPanel::letGo() {
 }
 
 QPointF NotchPanel::inPanel(QPointF pointer) const {
-    const QRectF frame = window_.frame();
-    return {pointer.x() - frame.left(), frame.bottom() - pointer.y()};
+    return {pointer.x() - frame_.left(), frame_.bottom() - pointer.y()};
 }
 
 void NotchPanel::pointerMoved(QPointF pointer) {
     const QPointF place = inPanel(pointer);
-    const QRectF panel(0, 0, RootView::kPanelWidth, RootView::kPanelHeight);
+    const QRectF panel(0, 0, RootView::kPanelWidth, height_);
     root_.pointerMoved(panel.contains(place) ? std::optional(place) : std::nullopt);
 }
 

@@ -16,7 +16,8 @@ class NotchPanel {
 
     void show(const QRectF& frame);
     void setFrame(const QRectF& frame);
-    QRectF frame() const { return window_.frame(); }
+    /// Where the panel is; its window hangs lower while the shelf has more rows than fit.
+    QRectF frame() const { return frame_; }
 
     /// Lets the panel take the pointer exactly while the creature attends, is aimed at with a drop, or is off its
     /// place.
@@ -41,6 +42,7 @@ class NotchPanel {
     };
 
     void contentChanged();
+    void fitWindow();
     void scheduleFrame(double when);
     void drawFrame(bool all);
     void updateRegions();
@@ -60,6 +62,8 @@ class NotchPanel {
     PictureCaches caches_;
     DisplayList shown_;
     QRegion inputRegion_, outline_;
+    QRectF frame_;
+    double height_ = RootView::kPanelHeight;  // of the window
     bool visible_ = false;
     bool ignoresMouse_ = true;
     std::optional<Press> press_;

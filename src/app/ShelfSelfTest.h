@@ -6,8 +6,8 @@
 
 class DropIntake;
 
-/// The shelf's self-tests: drop files as a program would, or chew one, and report on standard error what the shelf holds
-/// then. They run for as long as the object lives. Main thread.
+/// The shelf's self-tests: drop files as a program would, or chew one, and report on standard error what the shelf
+/// holds then. They run for as long as the object lives. Main thread.
 class ShelfSelfTest {
  public:
     ShelfSelfTest(NotchModel& model, MainLoop& loop, DropIntake& drops);

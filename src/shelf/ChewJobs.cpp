@@ -9,7 +9,8 @@ constexpr double kAfterTaste = 1.1;  // seconds that the creature goes on chewin
 
 }  // namespace
 
-// `job` runs in the background and gives what is to be done with its result in the end: that tells whether it went well.
+// `job` runs in the background and gives what is to be done with its result in the end: that tells whether it went
+// well.
 void NotchModel::munch(std::function<std::function<bool()>()> job) {
     if (chewing) return;
     withAnimation(Animation::easeInOut(0.3), [this] { chewing = true; });

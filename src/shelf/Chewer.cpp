@@ -56,9 +56,9 @@ bool Chewer::canRead(const QUrl& file) {
 }
 
 std::variant<QUrl, ChewError> Chewer::chew(const QUrl& source, Mode mode, const QUrl& fallbackFolder) {
-    const auto result = answered(
-        worker_.run({QStringLiteral("chew"), nameOf(mode), encoded(source), encoded(fallbackFolder)}),
-        QStringLiteral("file"));
+    const auto result =
+        answered(worker_.run({QStringLiteral("chew"), nameOf(mode), encoded(source), encoded(fallbackFolder)}),
+                 QStringLiteral("file"));
     if (const auto* error = std::get_if<ChewError>(&result)) return *error;
     return QUrl::fromEncoded(std::get<QString>(result).toLatin1());
 }

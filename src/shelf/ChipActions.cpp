@@ -23,10 +23,9 @@ QList<MenuItem> ChipActions::menu(const HeldThing& thing) {
 }
 
 QList<MenuItem> ChipActions::fileMenu(const QUrl& file) {
-    QList<MenuItem> items{
-        {QStringLiteral("Open"), [this, file] { use(file); }, false, {}},
-        {QStringLiteral("Reveal in Finder"), [this, file] { workspace_.reveal(file); }, false, {}},
-        shareItem(file)};
+    QList<MenuItem> items{{QStringLiteral("Open"), [this, file] { use(file); }, false, {}},
+                          {QStringLiteral("Reveal in Finder"), [this, file] { workspace_.reveal(file); }, false, {}},
+                          shareItem(file)};
     if (Chewer::canChew(file)) {
         const auto into = [&](const QString& title, Chewer::Mode mode) {
             return MenuItem{title, [this, file, mode] { m_.chew(file, mode); }, false, {}};

@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr double kNearBelow = 90;   // points under the top of the screen
+constexpr double kNearBelow = 90;    // points under the top of the screen
 constexpr double kNearBeside = 190;  // points from the notch's middle
 constexpr double kFarewell = 0.45;   // seconds that the mouth stays open after the button's release
 

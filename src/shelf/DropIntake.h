@@ -51,7 +51,7 @@ class DropIntake {
     DragPasteboard& pasteboard_;
     BackgroundQueue& disk_;
 
-    int dragPBCount_ = 0;      // the drag that was asked about last
+    int dragPBCount_ = 0;       // the drag that was asked about last
     bool dragIsFiles_ = false;  // what is dragged now can be held
     QPointF lastDrag_;
     TimerHandle farewell_;

@@ -23,9 +23,8 @@ const QString kText = QStringLiteral("text/plain;charset=utf-8");
 
 }  // namespace
 
-void DropReading::start(std::shared_ptr<Drop> drop, const QUrl& folder,
-                        std::function<QString(const QString&)> nameFor, MainLoop& loop, BackgroundQueue& disk,
-                        Done done) {
+void DropReading::start(std::shared_ptr<Drop> drop, const QUrl& folder, std::function<QString(const QString&)> nameFor,
+                        MainLoop& loop, BackgroundQueue& disk, Done done) {
     const std::shared_ptr<DropReading> reading(
         new DropReading(std::move(drop), folder, std::move(nameFor), loop, disk, std::move(done)));
     reading->readUrls();
@@ -71,9 +70,8 @@ void DropReading::savePromise() {
            [self = shared_from_this(), name](const std::optional<QUrl>& inbox) {
                if (!inbox) return self->readImage(0);
                const QUrl target = inbox->resolved(QUrl::fromLocalFile(inbox->toLocalFile() + name));
-               self->drop_->savePromise(target, [self, inbox, name](bool saved) {
-                   self->promiseSaved(*inbox, saved ? name : QString());
-               });
+               self->drop_->savePromise(
+                   target, [self, inbox, name](bool saved) { self->promiseSaved(*inbox, saved ? name : QString()); });
            });
 }
 

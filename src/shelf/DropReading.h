@@ -15,8 +15,8 @@ class BackgroundQueue;
 /// The reading of one drop: asks for its forms in the order of preference until one of them gives something. Lives as
 /// long as an answer is out. Main thread only.
 ///
-/// Files come first, then a file that the source writes for us, an image, a link, and text. So an image out of a browser
-/// becomes a file, not a link to it.
+/// Files come first, then a file that the source writes for us, an image, a link, and text. So an image out of a
+/// browser becomes a file, not a link to it.
 class DropReading : public std::enable_shared_from_this<DropReading> {
  public:
     using Done = std::function<void(const QList<QUrl>& files, const QList<Bite>& bites)>;

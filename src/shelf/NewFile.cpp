@@ -64,7 +64,8 @@ std::optional<QUrl> emptyInbox(const QUrl& inbox, const QString& name, const QUr
     QFile file(dir.filePath(name));
     const QFileInfo info(file);
     std::optional<QUrl> taken;
-    if (!name.isEmpty() && info.isFile() && !info.isSymLink()) taken = moveUnder(file, QDir(folder.toLocalFile()), name);
+    if (!name.isEmpty() && info.isFile() && !info.isSymLink())
+        taken = moveUnder(file, QDir(folder.toLocalFile()), name);
     dir.removeRecursively();
     return taken;
 }

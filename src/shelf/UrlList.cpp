@@ -35,7 +35,8 @@ std::optional<QUrl> parseUrl(const QByteArray& line) {
 QList<QUrl> parseUrls(const QString& type, const QByteArray& bytes) {
     const bool list = type == QLatin1String("text/uri-list");
     QByteArray text = bytes;
-    if (type == QLatin1String("text/x-moz-url")) text = QString(QStringDecoder(QStringDecoder::Utf16LE)(bytes)).toUtf8();
+    if (type == QLatin1String("text/x-moz-url"))
+        text = QString(QStringDecoder(QStringDecoder::Utf16LE)(bytes)).toUtf8();
     QList<QUrl> urls;
     for (const QByteArray& line : ending(text).split('\n')) {
         if (line.startsWith('#')) continue;

@@ -15,7 +15,7 @@ namespace {
 
 constexpr double kOuter = 3;
 constexpr double kCorner = 10;
-constexpr double kGlyphMiddle = -6;     // from the chip's middle
+constexpr double kGlyphMiddle = -6;  // from the chip's middle
 constexpr double kCaptionMiddle = 16.5;
 constexpr double kCaptionWidth = 42;
 constexpr double kGlyphSize = 15;
@@ -167,7 +167,11 @@ Chip::Look Chip::look() const {
     const QColor fill = QColor::fromRgbF(mixed(plain.redF(), lit.redF()), mixed(plain.greenF(), lit.greenF()),
                                          mixed(plain.blueF(), lit.blueF()), mixed(plain.alphaF(), lit.alphaF()));
     if (timer() && timer()->done)
-        return {QStringLiteral("bell.fill"), accentOrange(), QStringLiteral("done!"), kDone, accentOrange(),
+        return {QStringLiteral("bell.fill"),
+                accentOrange(),
+                QStringLiteral("done!"),
+                kDone,
+                accentOrange(),
                 accentOrange(0.2)};
     if (timer()) return {QStringLiteral("timer"), white(0.85), countdown(), kCountdown, white(0.7), plain};
     QString symbol;

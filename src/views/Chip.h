@@ -22,8 +22,8 @@ class Chip {
     static constexpr double width = 50;   ///< a 42 point caption with 4 on either side
     static constexpr double height = 54;  ///< a 30 point glyph, 3 points, a 9 point caption, 6 above and below
 
-    /// `number` tells the chip from all others that there were; `middle` is the place of its middle. `changed` is called
-    /// when the chip looks different from before or has begun to move.
+    /// `number` tells the chip from all others that there were; `middle` is the place of its middle. `changed` is
+    /// called when the chip looks different from before or has begun to move.
     Chip(int number, HeldThing thing, const QPointF& middle, const ChipPorts& ports, Clock& clock, MainLoop& loop,
          std::function<void()> changed);
 
@@ -82,6 +82,6 @@ class Chip {
     RemoveX remove_;
     Animated<QPointF> middle_;
     Animated<double> presence_{0, 0.002};
-    Animated<double> glow_{0, 0.002};  // 1 under the pointer
+    Animated<double> glow_{0, 0.002};                       // 1 under the pointer
     std::shared_ptr<int> alive_ = std::make_shared<int>();  // for an icon that comes late
 };

@@ -11,7 +11,7 @@
 namespace {
 
 constexpr double kBlinkEvery = 3.4;  // seconds
-constexpr double kShelfGap = 12;    // points below the eyes
+constexpr double kShelfGap = 12;     // points below the eyes
 constexpr double kGazeReach = 160;   // points at which the pupils have gone all their way
 
 }  // namespace

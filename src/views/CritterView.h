@@ -18,8 +18,7 @@
 class CritterView {
  public:
     /// `changed` is called whenever a state of the face's own has changed; the picture has then to be drawn again.
-    CritterView(NotchModel& model, const ChipPorts& ports, Clock& clock, MainLoop& loop,
-                std::function<void()> changed);
+    CritterView(NotchModel& model, const ChipPorts& ports, Clock& clock, MainLoop& loop, std::function<void()> changed);
 
     /// Stops the face's clocks; it may go on to fade out.
     void disappear();

@@ -70,7 +70,8 @@ QImage shadowOf(const QImage& picture) {
     const int width = picture.width(), height = picture.height();
     std::vector<uchar> mask(size_t(width) * size_t(height));
     for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < width; ++x) mask[size_t(y) * size_t(width) + size_t(x)] = uchar(qAlpha(picture.pixel(x, y)));
+        for (int x = 0; x < width; ++x)
+            mask[size_t(y) * size_t(width) + size_t(x)] = uchar(qAlpha(picture.pixel(x, y)));
     }
     blurMask(mask, width, height, kShadowRadius / 2 * kPixelsPerPoint);
     QImage shadow(picture.size(), QImage::Format_ARGB32_Premultiplied);

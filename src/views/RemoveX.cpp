@@ -7,8 +7,8 @@
 
 namespace {
 
-constexpr double kReach = 4;        // points around the circle that count as on it
-constexpr double kMeant = 14;       // points that a press may wander
+constexpr double kReach = 4;   // points around the circle that count as on it
+constexpr double kMeant = 14;  // points that a press may wander
 constexpr double kPressedScale = 0.86;
 constexpr double kRim = 0.6;
 

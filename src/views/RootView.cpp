@@ -129,6 +129,10 @@ QRectF RootView::bodyRect(double now) const {
     return {-width / 2, 0, width, std::max(height_.at(now), 1.0)};
 }
 
+double RootView::depth() const {
+    return height_.target() + kShadowDrop + 1.5 * kShadowRadius;
+}
+
 QPainterPath RootView::outline() const {
     const double now = clock_.uptime();
     return wholeTransform(now).map(notchShape(bodyRect(now), bottomRadius_.at(now), kTopRadius));

@@ -28,6 +28,10 @@ class RootView {
     void compose(DisplayList& list);
     /// When the picture must be drawn next if nothing else happens: Clock::uptime(), or infinity.
     double nextFrame() const;
+    /// How far down the picture reaches, its shadow included, once the body has come to rest.
+    double depth() const;
+    /// Whether the body is on its way to another size.
+    bool growing() const { return height_.moving(clock_.uptime()); }
     /// The body's outline as it is drawn now; the panel is transparent elsewhere.
     QPainterPath outline() const;
 

@@ -12,9 +12,9 @@ namespace {
 
 constexpr double kRowHeight = 56;
 constexpr double kChipGap = 6;
-constexpr double kTightGap = 2;      // between many chips
-constexpr double kWidest = 304;      // that a row may be inside the open body
-constexpr double kPillGap = 2;       // above the pill that folds
+constexpr double kTightGap = 2;  // between many chips
+constexpr double kWidest = 304;  // that a row may be inside the open body
+constexpr double kPillGap = 2;   // above the pill that folds
 constexpr int kChipsPerRow = 5;
 constexpr int kFoldedFiles = 3;
 constexpr int kFoldedBites = 2;

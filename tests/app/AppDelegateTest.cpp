@@ -33,13 +33,30 @@ struct ProgramFixture {
     AppDelegate::Launch launch(std::initializer_list<const char*> arguments = {}) {
         QStringList list{QStringLiteral("glimmet")};
         for (const char* argument : arguments) list.append(QLatin1String(argument));
-        delegate.emplace(Ports{clock, loop, preferences, files, screens, window, monitors, workspace, sounds,
-                               dragPasteboard, pasteboard, sharing, icons, worker, disk, jobs, [] { return 0.5; },
+        delegate.emplace(Ports{clock,
+                               loop,
+                               preferences,
+                               files,
+                               screens,
+                               window,
+                               monitors,
+                               workspace,
+                               sounds,
+                               dragPasteboard,
+                               pasteboard,
+                               sharing,
+                               icons,
+                               worker,
+                               disk,
+                               jobs,
+                               [] { return 0.5; },
                                [this](const QList<MenuItem>& items, QPointF at) {
                                    menu = items;
                                    menuAt = at;
                                },
-                               [] {}, [this] { quit = true; }, QStringLiteral("/nonexistent")},
+                               [] {},
+                               [this] { quit = true; },
+                               QStringLiteral("/nonexistent")},
                          list);
         ::testing::internal::CaptureStderr();
         const auto result = delegate->launch();

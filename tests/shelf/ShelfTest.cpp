@@ -154,8 +154,7 @@ TEST(Json, TimersReadWhatWasWrittenAndNothingElse) {
 
 /// What a restart does: another model over the same preferences and files.
 struct Restarted {
-    explicit Restarted(CreatureFixture& f)
-        : m(f.clock, f.loop, f.shelf()) {
+    explicit Restarted(CreatureFixture& f) : m(f.clock, f.loop, f.shelf()) {
         m.loadShelf();
         m.loadHeld();
     }

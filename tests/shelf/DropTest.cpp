@@ -1,0 +1,272 @@
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include "platform/FileUrls.h"
+#include "shelf/DropIntake.h"
+#include "shelf/NewFile.h"
+#include "shelf/NoteText.h"
+#include "shelf/UrlList.h"
+#include "support/Creature.h"
+
+namespace {
+
+/// An intake whose dropped folder is a real one.
+struct DropFixture {
+    CreatureFixture f;
+    QTemporaryDir home;
+    MemoryDragPasteboard pasteboard;
+    InlineQueue disk;
+    NotchModel m{f.clock, f.loop, f.shelf(home.path())};
+    DropIntake drops{m, f.clock, f.loop, pasteboard, disk};
+    int passThroughUpdates = 0;
+
+    DropFixture() {
+        m.centerX = 756;
+        m.screenTop = 982;
+        drops.updateMousePassThrough = [this] { ++passThroughUpdates; };
+    }
+
+    /// Moves a drag to a place relative to the top centre of the screen (y downwards).
+    void drag(double x, double down) { drops.dragMoved({m.centerX + x, m.screenTop - down}); }
+    void beginUsableDrag() {
+        ++pasteboard.count;
+        drag(600, 400);
+        pasteboard.answer(true);
+    }
+    std::shared_ptr<MemoryDrop> drop = std::make_shared<MemoryDrop>();
+    void handle() {
+        drops.handleDrop(std::move(drop));
+        f.loop.drain();
+        drop = std::make_shared<MemoryDrop>();
+    }
+    QStringList folder() const {
+        return QDir(home.filePath(QStringLiteral("Glimmet/Dropped")))
+            .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    }
+    static QByteArray contents(const QUrl& file) {
+        QFile opened(file.toLocalFile());
+        return opened.open(QFile::ReadOnly) ? opened.readAll() : QByteArray("unreadable");
+    }
+};
+
+TEST(DragWatch, TheZoneIsOpenAtItsEdges) {
+    DropFixture f;
+    f.beginUsableDrag();
+    const struct {
+        double x, down;
+        bool near;
+    } cases[] = {{0, 89.9, true},  {0, 90, false},    {189.9, 10, true},
+                 {190, 10, false}, {-190, 10, false}, {-189, 0, true}};
+    for (const auto& c : cases) {
+        f.drag(c.x, c.down);
+        EXPECT_EQ(f.m.dragNear, c.near) << c.x << ' ' << c.down;
+    }
+}
+
+TEST(DragWatch, AsksOncePerDragAndNoticesALateAnswer) {
+    DropFixture f;
+    ++f.pasteboard.count;
+    for (int i = 0; i < 5; ++i) f.drag(0, 10 + i);
+    EXPECT_EQ(f.pasteboard.questions, 1);
+    EXPECT_FALSE(f.m.dragNear);
+    f.pasteboard.answer(true);
+    EXPECT_TRUE(f.m.dragNear);
+    EXPECT_EQ(f.passThroughUpdates, 1);
+
+    ++f.pasteboard.count;  // another drag, of a colour
+    f.drag(0, 12);
+    EXPECT_FALSE(f.m.dragNear);
+    f.pasteboard.answer(false);
+    f.drag(0, 13);
+    EXPECT_FALSE(f.m.dragNear);
+    EXPECT_EQ(f.pasteboard.questions, 2);
+}
+
+TEST(DragWatch, ReleasingClosesTheMouthALittleLater) {
+    DropFixture f;
+    f.beginUsableDrag();
+    f.drag(0, 10);
+    f.drops.dragEnded();
+    f.f.loop.advance(0.44);
+    EXPECT_TRUE(f.m.dragNear);
+    f.f.loop.advance(0.02);
+    EXPECT_FALSE(f.m.dragNear);
+    // A window that is moved afterwards is no drag of things.
+    f.drag(0, 10);
+    EXPECT_FALSE(f.m.dragNear);
+}
+
+TEST(DragWatch, ANearDragBringsAHiddenCreatureBackButNotTheWeather) {
+    DropFixture f;
+    f.m.hidden = true;
+    f.beginUsableDrag();
+    EXPECT_TRUE(f.m.hidden);
+    f.drag(0, 10);
+    EXPECT_FALSE(f.m.hidden);
+    EXPECT_FALSE(f.f.preferences.boolean(QStringLiteral("glimmet.hidden")));
+
+    DropFixture w;
+    w.m.toy = Toy::weather;
+    ++w.pasteboard.count;
+    w.drag(0, 10);
+    EXPECT_EQ(w.pasteboard.questions, 0);
+    EXPECT_FALSE(w.drops.acceptsDrops());
+}
+
+TEST(Drop, FilesGoBeforeLinksAndEverythingElse) {
+    DropFixture f;
+    f.drop->offer("image/png", "png");
+    f.drop->offer("text/plain;charset=utf-8", "/a b");
+    f.drop->offer("text/uri-list",
+                  "# two files\r\nfile:///a%20b\r\nhttp://example.org/x\r\nfile:///c\r\nfile:///a%20b\r\n");
+    f.handle();
+    EXPECT_EQ(f.m.items.get(),
+              (QList{QUrl::fromLocalFile(QStringLiteral("/a b")), QUrl::fromLocalFile(QStringLiteral("/c"))}));
+    EXPECT_EQ(f.m.bites.get(), QList{Bite::link(QUrl(QStringLiteral("http://example.org/x")))});
+    EXPECT_EQ(f.m.swallowCount, 1);
+    EXPECT_TRUE(f.folder().isEmpty());
+
+    f.drop->offer("text/uri-list", "file:///c\r\n");
+    f.handle();
+    EXPECT_EQ(f.m.swallowCount, 1) << "what is held already is not swallowed again";
+}
+
+TEST(Drop, AnImageOutOfABrowserBecomesAFile) {
+    DropFixture f;
+    for (int i = 0; i < 2; ++i) {
+        f.drop->offer("text/uri-list", "https://example.org/cat.jpg");
+        f.drop->offer("text/html", "<img>");
+        f.drop->offer("image/tiff", "");
+        f.drop->offer("image/jpeg", i ? "second" : "first");
+        f.handle();
+    }
+    ASSERT_EQ(f.m.items->size(), 2);
+    const QString name = f.m.items->first().fileName();
+    EXPECT_EQ(name, f.drops.droppedFileName(QStringLiteral("jpg")));
+    EXPECT_EQ(name.left(8), QStringLiteral("Dropped "));
+    EXPECT_EQ(name.mid(18, 4), QStringLiteral(" at "));
+    EXPECT_EQ(f.contents(f.m.items->first()), "first");
+    EXPECT_EQ(f.contents(f.m.items->last()), "second");
+    EXPECT_EQ(f.folder().size(), 2) << "drafts are not left behind";
+    EXPECT_TRUE(f.m.bites->isEmpty());
+}
+
+TEST(Drop, APromisedFileIsTakenWholeUnderAHarmlessName) {
+    DropFixture f;
+    f.drop->promise = "../../etc/pass\nwd.txt";
+    f.drop->saved = "secret";
+    f.drop->offer("text/plain;charset=utf-8", "no");
+    f.handle();
+    ASSERT_EQ(f.m.items->size(), 1);
+    EXPECT_EQ(f.m.items->first(), fileUrl(f.home.filePath(QStringLiteral("Glimmet/Dropped/passwd.txt")).toUtf8()));
+    EXPECT_EQ(f.contents(f.m.items->first()), "secret");
+    f.drop->promise = "passwd.txt";
+    f.drop->saved = "another";
+    f.handle();
+    EXPECT_EQ(f.m.items->last().fileName(), QStringLiteral("passwd-2.txt"));
+    EXPECT_EQ(f.folder().size(), 2);
+}
+
+TEST(Drop, ABrokenPromiseFallsBackOnTheNextForm) {
+    for (const bool half : {false, true}) {
+        DropFixture f;
+        f.drop->promise = "big.iso";
+        if (half) f.drop->saved = "half of";
+        f.drop->kept = !half;  // says that it is there, but it is not; or leaves half of it and says so
+        f.drop->offer("text/uri-list", "https://example.org/big.iso");
+        f.handle();
+        EXPECT_TRUE(f.m.items->isEmpty());
+        EXPECT_EQ(f.m.bites->size(), 1);
+        EXPECT_TRUE(f.folder().isEmpty()) << half;
+    }
+}
+
+TEST(Drop, TextIsTrimmedAndCut) {
+    DropFixture f;
+    f.drop->offer("text/plain;charset=utf-8", "  \n" + QByteArray("x").repeated(1000) + "\n ");
+    f.handle();
+    ASSERT_EQ(f.m.bites->size(), 1);
+    EXPECT_EQ(*f.m.bites->first().text(), QString(400, u'x'));
+    f.drop->offer("text/plain;charset=utf-8", " \n\t\r\n");
+    f.handle();
+    f.drop->offer("application/x-color", "1");
+    f.handle();
+    EXPECT_EQ(f.m.swallowCount, 1);
+}
+
+TEST(Drop, WithoutAFolderToWriteInNothingIsLostButTheImage) {
+    DropFixture f;
+    QFile blocked(f.home.filePath(QStringLiteral("Glimmet")));
+    ASSERT_TRUE(blocked.open(QFile::WriteOnly));
+    f.drop->promise = "a.txt";
+    f.drop->saved = "x";
+    f.drop->offer("image/png", "png");
+    f.drop->offer("text/uri-list", "https://example.org/");
+    f.handle();
+    EXPECT_TRUE(f.m.items->isEmpty());
+    EXPECT_EQ(f.m.bites->size(), 1);
+}
+
+TEST(UrlList, ReadsWhatProgramsSend) {
+    const auto parsed = [](const char* type, const QByteArray& bytes) {
+        QStringList list;
+        for (const QUrl& url : parseUrls(QString::fromLatin1(type), bytes))
+            list.append(QString::fromLatin1(url.toEncoded()));
+        return list.join(u' ');
+    };
+    const QByteArray utf16 = QByteArray(reinterpret_cast<const char*>(u"https://a.example/\nTitle"), 24 * 2);
+    EXPECT_EQ(parsed("text/x-moz-url", utf16), QStringLiteral("https://a.example/"));
+    EXPECT_EQ(parsed("_NETSCAPE_URL", "https://a.example/ä\nhttps://title/"),
+              QStringLiteral("https://a.example/%C3%A4"));
+    const QByteArray host = QSysInfo::machineHostName().toUtf8();
+    EXPECT_EQ(parsed("text/uri-list",
+                     "file://localhost/a\nfile://" + host + "/b\nrelative\n\n/c\nfile:d\nmailto:x@y.example"),
+              QStringLiteral("file:///a file:///b mailto:x@y.example"));
+    // Any bytes make a name, and equal paths make equal URLs.
+    EXPECT_EQ(parsed("text/uri-list", "file:///t%FF%0A%2520%3a"), QStringLiteral("file:///t%FF%0A%2520%3A"));
+    EXPECT_EQ(parseUrls(QStringLiteral("text/uri-list"), "file:///x%3Ay").value(0),
+              QUrl::fromLocalFile(QStringLiteral("/x:y")));
+    EXPECT_EQ(parsed("text/uri-list", "file:///a%00b"), QString());
+}
+
+TEST(UrlList, OfAnEndlessListTheEndCounts) {
+    QByteArray list;
+    for (int i = 0; i < 300000; ++i) list += "file:///f/" + QByteArray::number(i) + "\r\n";
+    const auto urls = parseUrls(QStringLiteral("text/uri-list"), list);
+    ASSERT_GE(urls.size(), 12);
+    EXPECT_LE(urls.size(), 2000);
+    EXPECT_EQ(urls.last(), QUrl(QStringLiteral("file:///f/299999")));
+}
+
+TEST(NoteText, CountsCharactersAsAPersonDoes) {
+    const QString family = QString::fromUtf8("👨‍👩‍👧‍👦"), flag = QString::fromUtf8("🇫🇷"),
+                  accented = QString::fromUtf8("e\u0301");
+    for (const QString& one : {family, flag, accented, QStringLiteral("x")}) {
+        EXPECT_EQ(firstCharacters(one.repeated(401)), one.repeated(400));
+        EXPECT_EQ(firstCharacters(one.repeated(400)), one.repeated(400));
+        EXPECT_EQ(firstCharacters(one), one);
+    }
+    EXPECT_LT(firstCharacters(QStringLiteral("ab") + QString(5000000, QChar(0x301))).size(), 20000);
+    EXPECT_EQ(firstCharacters(QString()), QString());
+}
+
+TEST(NewFile, NamesAreMadeHarmless) {
+    const QByteArray longName = QByteArray("é").repeated(200);
+    const std::vector<std::pair<QByteArray, QString>> cases{{"a.txt", QStringLiteral("a.txt")},
+                                                            {"/x/../b", QStringLiteral("b")},
+                                                            {"..", QStringLiteral("Dropped")},
+                                                            {"", QStringLiteral("Dropped")},
+                                                            {"x/", QStringLiteral("Dropped")},
+                                                            {".bashrc", QStringLiteral("bashrc")},
+                                                            {QByteArray("n\0u\x1bl", 5), QStringLiteral("nul")}};
+    for (const auto& [given, wanted] : cases) EXPECT_EQ(sanitizedFileName(given), wanted) << given.toStdString();
+    const QString cut = sanitizedFileName(longName + ".png");
+    EXPECT_TRUE(cut.endsWith(QString::fromUtf8("é.png")));
+    EXPECT_LE(cut.toUtf8().size(), 240);
+    EXPECT_FALSE(sanitizedFileName("\xff.png").isEmpty());
+}
+
+}  // namespace

@@ -1,0 +1,213 @@
+#include <gtest/gtest.h>
+
+#include "views/FilePicture.h"
+#include "views/Picture.h"
+
+namespace {
+
+struct ShelfFixture : PictureFixture {
+    ShelfFixture() {
+        QList<QUrl> held;
+        for (const char* name : {"a.png", "b.pdf", "c", "d.txt"})
+            held.append(QUrl::fromLocalFile(QStringLiteral("/f/") + QLatin1String(name)));
+        m.items = held;
+        m.bites = QList{Bite::note(QStringLiteral("soup")), Bite::link(QUrl(QStringLiteral("https://a.example/b")))};
+        m.hovering = true;
+        rest();
+    }
+
+    /// Where chip `i` of the folded row has its middle, on the panel.
+    QPointF chip(int i) {
+        for (double x = 20; x < 340; x += 0.5) {
+            const Chip* found = root.chipAt({x, kRow});
+            if (found && found->thing() == things()[i]) return {x + Chip::width / 2, kRow};
+        }
+        return {};
+    }
+    QList<HeldThing> things() const {
+        QList<HeldThing> all;
+        for (const HeldTimer& timer : m.timers.get()) all.append(timer);
+        for (const QUrl& file : m.items->mid(0, 3)) all.append(file);
+        for (const Bite& bite : m.bites->mid(0, 2)) all.append(bite);
+        return all;
+    }
+    QPointF removeButton(int i) { return chip(i) + QPointF(18, -20); }
+    bool removeShown(int i) {
+        rest(0.3);
+        const QPointF middle = removeButton(i) - QPointF(180, 0);
+        return bounds(picture(), QRectF(middle - QPointF(4, 4), QSizeF(8, 8)), isLight).has_value();
+    }
+    void tapAt(const QPointF& point) { root.tap(point); }
+
+    static constexpr double kRow = 42 + 30 + 12 + 28;
+};
+
+TEST(Shelf, ClicksUseFilesAndBitesButNotTimers) {
+    ShelfFixture f;
+    f.m.addTimer(5);
+    f.rest();
+    for (int i = 0; i < 6; ++i) {
+        f.tapAt(f.chip(i));
+        f.rest();
+    }
+    EXPECT_EQ(f.used, f.things().mid(1));
+    EXPECT_EQ(f.m.boopCount, 1) << "a tap on a countdown is one on the creature";
+}
+
+TEST(Shelf, HoverIsTracedAndHeldForAMoment) {
+    ShelfFixture f;
+    f.root.pointerMoved(f.chip(0));
+    EXPECT_TRUE(f.removeShown(0));
+    f.root.pointerMoved(f.chip(1));
+    EXPECT_EQ(f.traces,
+              (QStringList{QStringLiteral("chip a.png hover → true"), QStringLiteral("chip a.png hover → false"),
+                           QStringLiteral("chip b.pdf hover → true")}));
+    f.loop.advance(0.4);
+    EXPECT_TRUE(f.root.press(f.removeButton(0))) << "still there for who is on the way to it";
+    f.root.release({100, 0});
+    f.loop.advance(0.1);
+    EXPECT_FALSE(f.root.press(f.removeButton(0)));
+    f.root.pointerMoved(std::nullopt);
+    f.loop.advance(0.5);
+    EXPECT_FALSE(f.removeShown(1));
+}
+
+TEST(Shelf, TheRemoveButtonForgivesThirteenPoints) {
+    const std::vector<std::pair<QPointF, bool>> cases{
+        {{13, 13}, true}, {{-13.9, 0}, true}, {{14, 0}, false}, {{0, -14}, false}, {{20, 0}, false}};
+    for (const auto& [way, removes] : cases) {
+        ShelfFixture f;
+        f.root.pointerMoved(f.chip(0));
+        ASSERT_TRUE(f.root.press(f.removeButton(0)));
+        f.root.release(way);
+        EXPECT_EQ(f.removed.size(), removes ? 1 : 0) << way.x() << ' ' << way.y();
+    }
+    ShelfFixture f;
+    EXPECT_FALSE(f.root.press(f.removeButton(0))) << "it is not there without the pointer";
+    f.root.pointerMoved(f.chip(0));
+    EXPECT_FALSE(f.root.press(f.removeButton(0) + QPointF(0, 13))) << "beside it";
+}
+
+TEST(Shelf, AHoveredChipGrowsAndGlows) {
+    ShelfFixture f;
+    const auto glow = [&](int i) {
+        const QPointF middle = f.chip(i) - QPointF(180, 0);
+        f.rest(0.5);
+        return f.bounds(f.picture(), QRectF(middle - QPointF(31, 29.5), QSizeF(62, 60)),
+                        [](QColor c) { return c.red() > 60 && c.blue() < 30; });
+    };
+    f.m.items = QList<QUrl>();  // notes have no orange of their own
+    f.rest();
+    EXPECT_FALSE(glow(0));
+    f.root.pointerMoved(f.chip(0));
+    const auto rim = glow(0);
+    ASSERT_TRUE(rim);
+    EXPECT_NEAR(rim->width(), Chip::width * 1.07, 1.1);
+    EXPECT_NEAR(rim->height(), Chip::height * 1.07, 1.1);
+}
+
+TEST(Shelf, CountsDownBySecondsAndNotBetweenThem) {
+    ShelfFixture f;
+    f.m.items = QList<QUrl>();
+    f.m.bites = QList<Bite>();
+    f.m.addTimer(5);
+    f.rest();
+    const QRectF caption(-21, ShelfFixture::kRow + 10, 42, 13);
+    const auto picture = [&] {
+        return f.picture().copy(QRect(int((180 + caption.left()) * 2), int(caption.top() * 2), 84, 26));
+    };
+    QImage before = picture();
+    int changes = 0;
+    for (int i = 0; i < 100; ++i) {
+        f.loop.advance(0.1);
+        const QImage now = picture();
+        changes += now != before;
+        before = now;
+    }
+    EXPECT_EQ(changes, 10);
+    // One that fell due shows zero until it is told that it has rung.
+    f.loop.advance(300);
+    const QImage zero = picture();
+    f.loop.advance(1);
+    EXPECT_EQ(picture(), zero);
+    f.m.tickTimers();
+    EXPECT_NE(picture(), zero);
+}
+
+TEST(Shelf, TheCountdownAsksForOneFrameASecond) {
+    ShelfFixture f;
+    f.m.bites = QList<Bite>();
+    f.m.addTimer(5);
+    f.rest(8);
+    const double wait = f.root.nextFrame() - f.clock.uptime();
+    EXPECT_GT(wait, 0);
+    EXPECT_LE(wait, 1);
+    f.m.timers = QList<HeldTimer>();
+    f.rest(8);
+    EXPECT_GT(f.root.nextFrame() - f.clock.uptime(), 1e6);
+}
+
+TEST(Shelf, AnyNumberOfThingsFitsIntoTheBody) {
+    for (const int timers : {0, 1, 3, 12}) {
+        ShelfFixture f;
+        for (int i = 0; i < timers; ++i) f.m.addTimer(5);
+        f.rest();
+        const auto light = f.bounds(f.picture(), {-175, 82, 350, 60},
+                                    [](QColor c) { return c.lightness() > 25 && c.lightness() < 100; });
+        // The grey ground is lighter than a chip; what is found are chips, their pictures' edges and the rim.
+        ASSERT_TRUE(light);
+        const Chip* last = nullptr;
+        for (double x = 179; x > 0 && !last; x -= 0.25) last = f.root.chipAt({180 + x, ShelfFixture::kRow});
+        ASSERT_TRUE(last);
+        EXPECT_FALSE(f.root.chipAt({180 + 153, ShelfFixture::kRow}));
+        EXPECT_FALSE(f.root.chipAt({180 - 153, ShelfFixture::kRow}));
+    }
+}
+
+TEST(Shelf, UnfoldsIntoRowsOfFive) {
+    ShelfFixture f;
+    f.m.shelfExpanded = true;
+    f.rest();
+    const double second = ShelfFixture::kRow + 56;
+    const Chip* sixth = f.root.chipAt({180, second});
+    ASSERT_TRUE(sixth);
+    EXPECT_EQ(sixth->thing(), HeldThing(f.m.bites->last()));
+    f.tapAt({180, second + 28 + 9});
+    EXPECT_FALSE(f.m.shelfExpanded) << "the pill below the rows";
+}
+
+TEST(Shelf, AsleepOrAwayNothingCanBeTouched) {
+    ShelfFixture f;
+    const QPointF place = f.chip(0);
+    f.root.pointerMoved(place);
+    f.m.hovering = false;
+    EXPECT_FALSE(f.root.chipAt(place) || f.root.press(f.removeButton(0)));
+    EXPECT_TRUE(f.traces.last().endsWith(QStringLiteral("false")));
+    f.m.hovering = true;
+    f.m.asleep = true;
+    EXPECT_FALSE(f.root.chipAt(place));
+    f.m.asleep = false;
+    f.m.hidden = true;
+    EXPECT_FALSE(f.root.chipAt(place));
+}
+
+TEST(Shelf, IconsThatComeLateAreShownAndThoseForNobodyForgotten) {
+    ShelfFixture f;
+    ASSERT_EQ(f.icons.asked.size(), 3);
+    QImage red(64, 32, QImage::Format_RGB32);
+    red.fill(Qt::red);
+    f.icons.waiting[0](red);
+    const QPointF middle = f.chip(0) - QPointF(180, 6);
+    f.rest(0.3);
+    const auto seen = f.bounds(f.picture(), QRectF(middle - QPointF(20, 20), QSizeF(40, 40)),
+                               [](QColor c) { return c.red() > 200 && c.green() < 60; });
+    ASSERT_TRUE(seen);
+    EXPECT_NEAR(seen->width(), 30, 1);
+    EXPECT_NEAR(seen->height(), 15, 1) << "as wide as the place, in its own proportion";
+    f.m.items = QList<QUrl>();
+    f.rest(1);
+    f.m.bites = QList<Bite>();
+    for (const auto& done : f.icons.waiting) done(red);
+}
+
+}  // namespace
