@@ -18,14 +18,11 @@ class IconTheme {
 
  private:
     struct Folder {
-        QString path;  // below the theme's folder
-        int smallest, largest;
+        QString path;           // ends in a slash
+        int smallest, largest;  // pixels
         int distance(int pixels) const;
     };
-    struct Theme {
-        QStringList roots;  // the theme's folders
-        QList<Folder> folders;
-    };
+    using Theme = QList<Folder>;
 
     void add(const QString& name, const QStringList& roots, QStringList& seen);
 

@@ -47,10 +47,9 @@ QImage readPng(const QString& path) {
 }
 
 QImage fitted(const QImage& image, int pixels) {
-    if (image.isNull()) return image;
-    const QImage drawable = image.convertToFormat(QImage::Format_ARGB32_Premultiplied);
-    if (image.width() <= pixels && image.height() <= pixels) return drawable;
-    return drawable.scaled(pixels, pixels, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    const bool small = image.width() <= pixels && image.height() <= pixels;
+    const QImage fits = small ? image : image.scaled(pixels, pixels, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    return fits.convertToFormat(QImage::Format_ARGB32_Premultiplied);
 }
 
 QImage thumbnailOf(const QByteArray& path, int pixels) {
