@@ -1,16 +1,19 @@
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <QCoreApplication>
 #include <QDateTime>
+#include <QDir>
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QGuiApplication>
 #include <QScreen>
 #include <QTemporaryDir>
-#include <QTemporaryFile>
 #include <QTimer>
+#include <fstream>
 #include <thread>
 
+#include "platform/FileUrls.h"
 #include "platform/linux/PathReferences.h"
 #include "platform/linux/QtMainLoop.h"
 #include "platform/linux/QtScreens.h"
@@ -105,22 +108,86 @@ class StuckQueue : public BackgroundQueue {
     void run(std::function<void()>) override {}
 };
 
-TEST(PathReferences, FindFilesAndGiveSlowDisksTheBenefitOfTheDoubt) {
-    ThreadQueue queue;
-    const PathReferences references(queue);
-    QTemporaryFile file;
-    ASSERT_TRUE(file.open());
-    const QUrl url = QUrl::fromLocalFile(file.fileName());
-    const auto bookmark = references.bookmark(url);
-    ASSERT_TRUE(bookmark);
-    EXPECT_EQ(references.resolve(*bookmark), url);
-    EXPECT_FALSE(references.resolve("/no/such/file"));
-    EXPECT_FALSE(references.resolve("relative"));
-    EXPECT_FALSE(references.resolve(QByteArray("/a\0b", 4)));
-    EXPECT_FALSE(references.bookmark(QUrl(QStringLiteral("https://a.example/"))));
+class PathReferencesTest : public testing::Test {
+ protected:
+    QByteArray path(const QByteArray& name) const { return folder.path().toUtf8() + '/' + name; }
+    void make(const QByteArray& name) const { std::ofstream(path(name).toStdString()) << "x"; }
+    void rename(const QByteArray& from, const QByteArray& to) const {
+        ASSERT_EQ(::rename(path(from).constData(), path(to).constData()), 0);
+    }
+    /// Of an existing file; with its identity.
+    QByteArray bookmark(const QByteArray& name) const {
+        const auto bytes = references.bookmark(fileUrl(path(name)));
+        EXPECT_TRUE(bytes && !bytes->startsWith('/') && bytes->endsWith(path(name)));
+        return bytes.value_or(QByteArray());
+    }
 
+    QTemporaryDir folder;
+    ThreadQueue queue;
+    const PathReferences references{queue};
+};
+
+TEST_F(PathReferencesTest, FindFilesByPathAndByIdentityInTheirFolder) {
+    const QByteArray names[] = {"plain",           "two words", "line\nbreak",       "50%",
+                                "caf\xe9 (latin)", "a:b",       QByteArray(255, 'n')};
+    for (const QByteArray& name : names) {
+        make(name);
+        const QByteArray stored = bookmark(name);
+        EXPECT_EQ(references.resolve(stored), fileUrl(path(name)));
+        EXPECT_EQ(references.resolve(path(name)), fileUrl(path(name))) << "a path alone is a reference too";
+        rename(name, "elsewhere");
+        EXPECT_EQ(references.resolve(stored), fileUrl(path("elsewhere"))) << name.constData();
+        EXPECT_FALSE(references.resolve(path(name)));
+
+        make(name);
+        EXPECT_EQ(references.resolve(stored), fileUrl(path(name))) << "the path goes first";
+        QFile::remove(folder.filePath(QStringLiteral("elsewhere")));
+        ::unlink(path(name).constData());
+        make("successor");  // which may get the inode
+        EXPECT_FALSE(references.resolve(stored)) << name.constData();
+        ::unlink(path("successor").constData());
+    }
+}
+
+TEST_F(PathReferencesTest, FoldersAndLinksAreFilesToo) {
+    QDir(folder.path()).mkdir(QStringLiteral("d"));
+    make("target");
+    ASSERT_EQ(::symlink("target", path("link").constData()), 0);
+    const QByteArray directory = bookmark("d/"), link = bookmark("link");
+    rename("d", "moved");
+    rename("link", "moved link");
+    EXPECT_EQ(references.resolve(directory), fileUrl(path("moved")));
+    EXPECT_EQ(references.resolve(link), fileUrl(path("moved link")));
+    rename("target", "gone");
+    EXPECT_FALSE(references.resolve(link)) << "it leads nowhere";
+    EXPECT_EQ(references.resolve(bookmark("moved link")), std::nullopt);
+}
+
+TEST_F(PathReferencesTest, TakeNothingForAReferenceThatIsNone) {
+    make("file");
+    const QByteArray stored = bookmark("file");
+    rename("file", "renamed");
+    const qsizetype colon = stored.indexOf(':');
+    EXPECT_FALSE(references.resolve("9" + stored)) << "on another device";
+    for (const QByteArray& odd : {QByteArray("/no/such/file"), QByteArray("relative"), QByteArray("/a\0b", 4),
+                                  QByteArray("1:2:3"), QByteArray(), "x" + stored, stored.mid(colon + 1), "1:" + stored,
+                                  ":::" + path("renamed"), "-1" + stored.mid(colon)})
+        EXPECT_FALSE(references.resolve(odd)) << odd.constData();
+    for (const char* url : {"https://a.example/", "file:", "relative", "file:///a%00b"})
+        EXPECT_FALSE(references.bookmark(QUrl(QLatin1String(url)))) << url;
+}
+
+TEST_F(PathReferencesTest, GiveSlowDisksTheBenefitOfTheDoubtOnce) {
     StuckQueue stuck;
-    EXPECT_EQ(PathReferences(stuck).resolve("/no/such/file"), QUrl::fromLocalFile(QStringLiteral("/no/such/file")));
+    const PathReferences waiting(stuck);
+    QElapsedTimer time;
+    time.start();
+    const QUrl url = fileUrl("/no/such/caf\xe9");
+    for (int i = 0; i < 100; ++i) {
+        EXPECT_EQ(waiting.resolve("1:2:3:/no/such/caf\xe9"), url);
+        EXPECT_EQ(waiting.bookmark(url), "/no/such/caf\xe9");
+    }
+    EXPECT_LT(time.elapsed(), 1500) << "one wait for all";
 }
 
 TEST(QtScreens, TakeTheHousingFromThePreference) {

@@ -5,11 +5,11 @@
 #include <unistd.h>
 
 #include <QCursor>
-#include <QDesktopServices>
 #include <QDir>
 #include <QFile>
 #include <QGuiApplication>
 
+#include "platform/linux/Openers.h"
 #include "platform/linux/QtPanelWindow.h"
 #include "platform/linux/ScreenCoordinates.h"
 #include "platform/linux/x11/X11EventMonitors.h"
@@ -26,10 +26,15 @@ class PlainMonitors : public EventMonitors {
 
 class PlainWorkspace : public Workspace {
  public:
+    explicit PlainWorkspace(BackgroundQueue& queue) : queue_(queue) {}
+
     void start() override {}
     void activateOrOpenTerminal(const QString&) override {}
-    void open(const QUrl& url) override { QDesktopServices::openUrl(url); }
-    void reveal(const QUrl&) override {}
+    void open(const QUrl& url) override { openUrl(queue_, url); }
+    void reveal(const QUrl& file) override { revealFile(queue_, file); }
+
+ private:
+    BackgroundQueue& queue_;
 };
 
 bool waylandReachable() {
@@ -56,7 +61,8 @@ Desktop makeDesktop(MainLoop& loop, BackgroundQueue& queue) {
                     std::make_unique<X11Workspace>(connection, loop, queue)};
         }
     }
-    return {std::make_unique<QtPanelWindow>(), std::make_unique<PlainMonitors>(), std::make_unique<PlainWorkspace>()};
+    return {std::make_unique<QtPanelWindow>(), std::make_unique<PlainMonitors>(),
+            std::make_unique<PlainWorkspace>(queue)};
 }
 
 bool choosePlatform() {

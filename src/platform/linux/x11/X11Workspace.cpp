@@ -1,9 +1,10 @@
 #include "platform/linux/x11/X11Workspace.h"
 
-#include <QDesktopServices>
 #include <QFileInfo>
-#include <QProcess>
 #include <QStandardPaths>
+
+#include "platform/linux/Openers.h"
+#include "platform/linux/Programs.h"
 
 X11Workspace::X11Workspace(std::shared_ptr<X11Connection> connection, MainLoop& loop, BackgroundQueue& queue)
     : connection_(std::move(connection)), loop_(loop), queue_(queue), self_(std::make_shared<X11Workspace*>(this)) {}
@@ -60,7 +61,9 @@ void X11Workspace::activateOrOpenTerminal(const QString& displayName) {
         };
         const auto choice = chooseApplicationOrTerminal(displayName, windows, readDesktopEntries(dataFolders()),
                                                         qEnvironmentVariable("TERMINAL"), findProgram);
-        if (!choice.command.isEmpty()) QProcess::startDetached(choice.command.first(), choice.command.mid(1));
+        QList<QByteArray> command;
+        for (const QString& word : choice.command) command.append(word.toLocal8Bit());
+        if (!command.isEmpty()) startProgram(command);
         if (!choice.window) return;
         loop.post([self, window = choice.window] {
             if (const auto workspace = self.lock()) (*workspace)->activate(window);
@@ -83,5 +86,9 @@ void X11Workspace::activate(xcb_window_t window) {
 }
 
 void X11Workspace::open(const QUrl& url) {
-    QDesktopServices::openUrl(url);
+    openUrl(queue_, url);
+}
+
+void X11Workspace::reveal(const QUrl& file) {
+    revealFile(queue_, file);
 }

@@ -18,7 +18,7 @@ class X11Workspace : public Workspace {
     void start() override;
     void activateOrOpenTerminal(const QString& displayName) override;
     void open(const QUrl& url) override;
-    void reveal(const QUrl&) override {}
+    void reveal(const QUrl& file) override;
 
  private:
     void activeWindowChanged();

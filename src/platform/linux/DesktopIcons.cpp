@@ -1,0 +1,77 @@
+#include "platform/linux/DesktopIcons.h"
+
+#include <QFile>
+#include <QPainter>
+#include <QSvgRenderer>
+#include <algorithm>
+#include <mutex>
+
+#include "platform/FileUrls.h"
+#include "platform/linux/IconTheme.h"
+#include "platform/linux/KeyFile.h"
+#include "platform/linux/MimeTypes.h"
+#include "platform/linux/Thumbnails.h"
+
+struct DesktopIcons::LazyTheme {
+    std::once_flag once;
+    std::optional<IconTheme> theme;
+
+    const IconTheme& get() {
+        std::call_once(once, [this] { theme.emplace(iconThemeNames(), iconRoots()); });
+        return *theme;
+    }
+};
+
+namespace {
+/// The names of icons for the file at `path`, best first.
+QStringList iconNames(const QByteArray& path) {
+    const QMimeType type = mimeTypeOf(path);
+    if (!type.isValid()) return {};
+    QStringList names{type.iconName(), type.genericIconName()};
+    if (type.inherits(QStringLiteral("application/x-desktop"))) {
+        // Never the path of a picture, which anybody may have put there.
+        const KeyFile entry = readKeyFile(QString::fromUtf8(path));
+        names.prepend(entry.value(QStringLiteral("Desktop Entry")).value(QStringLiteral("Icon")));
+    }
+    names.append({QStringLiteral("application-x-generic"), QStringLiteral("unknown")});
+    return names;
+}
+
+QImage renderSvg(const QString& path, int pixels) {
+    QFile file(path);
+    if (!file.open(QFile::ReadOnly) || file.size() > kLargestPictureFile) return {};
+    QSvgRenderer renderer(file.readAll());
+    if (!renderer.isValid()) return {};
+    QImage image(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    renderer.setAspectRatioMode(Qt::KeepAspectRatio);
+    renderer.render(&painter);
+    return image;
+}
+
+QImage find(const IconTheme& theme, const QByteArray& path, int pixels) {
+    const QString file = theme.find(iconNames(path), pixels);
+    return file.endsWith(QLatin1String(".svg")) ? renderSvg(file, pixels) : fitted(readPng(file), pixels);
+}
+}  // namespace
+
+DesktopIcons::DesktopIcons(BackgroundQueue& queue, MainLoop& loop)
+    : queue_(queue), loop_(loop), theme_(std::make_shared<LazyTheme>()) {}
+
+DesktopIcons::~DesktopIcons() = default;
+
+void DesktopIcons::find(const QUrl& file, int pixels, std::function<void(const QImage&)> done) {
+    constexpr int most = 512;
+    queue_.run([&loop = loop_, weak = std::weak_ptr(theme_), path = pathOf(file), size = std::clamp(pixels, 1, most),
+                done = std::move(done)] {
+        QImage image;
+        if (const auto theme = weak.lock(); theme && path.startsWith('/')) {
+            image = thumbnailOf(path, size);
+            if (image.isNull()) image = ::find(theme->get(), path, size);
+        }
+        loop.post([weak, image, done] {
+            if (!weak.expired()) done(image);
+        });
+    });
+}

@@ -1,0 +1,149 @@
+#include "platform/linux/IconTheme.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QHash>
+#include <QStandardPaths>
+#include <algorithm>
+
+#include "platform/linux/DesktopEntries.h"
+#include "platform/linux/KeyFile.h"
+#include "platform/linux/x11/XSettings.h"
+
+namespace {
+/// What an index.theme says, without the hundreds of folders' keys that do not matter here.
+struct Index {
+    struct Folder {
+        int size = 0, scale = 1, threshold = 2, smallest = 0, largest = 0;
+        QByteArray type = "Threshold";
+    };
+    QByteArray folders, parents;  // separated by commas
+    QHash<QByteArray, Folder> details;
+};
+
+Index readIndex(const QString& path) {
+    constexpr qint64 longest = 1 << 20;
+    Index index;
+    QFile file(path);
+    if (!file.open(QFile::ReadOnly)) return index;
+    const QByteArray text = file.read(longest);
+    QByteArray group;
+    for (qsizetype start = 0, end = 0; start < text.size(); start = end + 1) {
+        end = text.indexOf('\n', start);
+        if (end < 0) end = text.size();
+        const QByteArrayView line = QByteArrayView(text).sliced(start, end - start).trimmed();
+        if (line.startsWith('[') && line.endsWith(']')) group = line.sliced(1).chopped(1).toByteArray();
+        const qsizetype equals = line.indexOf('=');
+        if (equals < 0 || group.isEmpty()) continue;
+        const QByteArrayView key = line.first(equals).trimmed(), value = line.sliced(equals + 1).trimmed();
+        if (group == "Icon Theme") {
+            if (key == "Directories" || key == "ScaledDirectories") index.folders += value.toByteArray() + ',';
+            if (key == "Inherits") index.parents = value.toByteArray();
+            continue;
+        }
+        Index::Folder& folder = index.details[group];
+        constexpr int largest = 1 << 12;  // pixels
+        const int number = std::clamp(value.toInt(), 0, largest);
+        if (key == "Type") folder.type = value.toByteArray();
+        if (key == "Size") folder.size = number;
+        if (key == "Scale") folder.scale = std::clamp(number, 1, 8);
+        if (key == "Threshold") folder.threshold = number;
+        if (key == "MinSize") folder.smallest = number;
+        if (key == "MaxSize") folder.largest = number;
+    }
+    return index;
+}
+
+std::pair<int, int> rangeOf(const Index::Folder& folder) {
+    if (folder.type == "Scalable")
+        return {folder.smallest ? folder.smallest : folder.size, folder.largest ? folder.largest : folder.size};
+    const int slack = folder.type == "Threshold" ? folder.threshold : 0;
+    return {folder.size - slack, folder.size + slack};
+}
+}  // namespace
+
+IconTheme::IconTheme(const QStringList& names, const QStringList& roots) {
+    QStringList seen;
+    for (const QString& name : names) add(name, roots, seen);
+}
+
+void IconTheme::add(const QString& name, const QStringList& roots, QStringList& seen) {
+    constexpr int mostThemes = 20;
+    if (name.isEmpty() || name.contains(u'/') || seen.contains(name) || seen.size() >= mostThemes) return;
+    seen.append(name);
+    Index index;
+    QStringList places;
+    for (const QString& root : roots) {
+        const QString place = root + u'/' + name + u'/';
+        if (!QFileInfo::exists(place)) continue;
+        places.append(place);
+        if (index.folders.isEmpty()) index = readIndex(place + QStringLiteral("index.theme"));
+    }
+    Theme theme;
+    for (const QByteArray& path : index.folders.split(',')) {
+        const auto details = index.details.value(path.trimmed());
+        if (details.size == 0) continue;
+        const auto [smallest, largest] = rangeOf(details);
+        for (const QString& place : places) {
+            const QString folder = place + QString::fromUtf8(path.trimmed()) + u'/';
+            if (QFileInfo::exists(folder)) theme.append({folder, smallest * details.scale, largest * details.scale});
+        }
+    }
+    if (!theme.isEmpty()) themes_.append(theme);
+    for (const QByteArray& parent : index.parents.split(',')) {
+        // Every theme's last resort: it comes after all that were chosen.
+        if (parent.trimmed() != "hicolor") add(QString::fromUtf8(parent.trimmed()), roots, seen);
+    }
+}
+
+int IconTheme::Folder::distance(int pixels) const {
+    constexpr int worseThanAnyLarger = 1 << 20;
+    if (pixels > largest) return worseThanAnyLarger + pixels - largest;
+    return std::max(smallest - pixels, 0);
+}
+
+QString IconTheme::find(const QStringList& icons, int pixels) const {
+    for (const Theme& theme : themes_) {
+        Theme folders = theme;
+        std::stable_sort(folders.begin(), folders.end(),
+                         [&](const Folder& a, const Folder& b) { return a.distance(pixels) < b.distance(pixels); });
+        for (const QString& icon : icons) {
+            if (icon.isEmpty() || icon.contains(u'/')) continue;
+            for (const Folder& folder : folders) {
+                for (const char* suffix : {".png", ".svg"}) {
+                    const QString file = folder.path + icon + QLatin1String(suffix);
+                    if (QFileInfo::exists(file)) return file;
+                }
+            }
+        }
+    }
+    return {};
+}
+
+QStringList iconThemeNames() {
+    QStringList names{xSetting("Net/IconThemeName")};
+    const auto configs = QStandardPaths::standardLocations(QStandardPaths::GenericConfigLocation);
+    const auto tell = [&](const char* file, const char* group, const char* key) {
+        for (const QString& folder : configs)
+            names.append(
+                readKeyFile(folder + QLatin1String(file)).value(QLatin1String(group)).value(QLatin1String(key)));
+    };
+    const bool plasma = qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(u':').contains(QLatin1String("KDE"));
+    if (plasma) {
+        names.clear();
+        tell("/kdeglobals", "Icons", "Theme");
+        names.append(QStringLiteral("breeze"));
+    }
+    tell("/gtk-4.0/settings.ini", "Settings", "gtk-icon-theme-name");
+    tell("/gtk-3.0/settings.ini", "Settings", "gtk-icon-theme-name");
+    for (const char* common : {"Adwaita", "breeze", "Papirus", "gnome", "oxygen", "hicolor"})
+        names.append(QLatin1String(common));
+    return names;
+}
+
+QStringList iconRoots() {
+    QStringList roots{QDir::homePath() + QStringLiteral("/.icons")};
+    for (const QString& folder : dataFolders()) roots.append(folder + QStringLiteral("/icons"));
+    return roots;
+}

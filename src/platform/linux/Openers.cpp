@@ -1,0 +1,37 @@
+#include "platform/linux/Openers.h"
+
+#include "platform/FileUrls.h"
+#include "platform/linux/MessageBus.h"
+#include "platform/linux/Programs.h"
+
+namespace {
+constexpr double kFileManagersPatience = 3;
+
+void open(const QUrl& url) {
+    // It begins with its scheme's letter, so no program can take it for an option.
+    const QByteArray address = url.toEncoded();
+    if (!startProgram({"xdg-open", address})) startProgram({"gio", "open", address});
+}
+
+bool showInFileManager(const QUrl& file) {
+    const MessageBus::Peer manager{QStringLiteral("org.freedesktop.FileManager1"),
+                                   QStringLiteral("/org/freedesktop/FileManager1"),
+                                   QStringLiteral("org.freedesktop.FileManager1")};
+    const QStringList files{QString::fromLatin1(file.toEncoded(QUrl::StripTrailingSlash))};
+    const auto answer =
+        MessageBus::session().call(manager, QStringLiteral("ShowItems"), {files, QString()}, kFileManagersPatience);
+    return answer.type() == QDBusMessage::ReplyMessage;
+}
+}  // namespace
+
+void openUrl(BackgroundQueue& queue, const QUrl& url) {
+    if (!url.isValid() || url.scheme().isEmpty()) return;
+    queue.run([url] { open(url); });
+}
+
+void revealFile(BackgroundQueue& queue, const QUrl& file) {
+    if (!pathOf(file).startsWith('/')) return;
+    queue.run([file] {
+        if (!showInFileManager(file)) open(file.adjusted(QUrl::StripTrailingSlash).adjusted(QUrl::RemoveFilename));
+    });
+}

@@ -1,0 +1,64 @@
+#include "platform/linux/Programs.h"
+
+#include <fcntl.h>
+#include <linux/close_range.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <QFile>
+#include <QStandardPaths>
+#include <vector>
+
+namespace {
+
+// Both run in a copy of this process that has only one of its threads, so nothing here may allocate or lock.
+
+[[noreturn]] void become(char* const* arguments, int failure) {
+    setsid();
+    sigset_t none;
+    sigemptyset(&none);
+    sigprocmask(SIG_SETMASK, &none, nullptr);
+    for (int number = 1; number < NSIG; ++number) signal(number, SIG_DFL);
+    const int nothing = open("/dev/null", O_RDWR);
+    for (int standard : {0, 1, 2}) dup2(nothing, standard);
+    close_range(3, ~0U, CLOSE_RANGE_CLOEXEC);
+    execv(arguments[0], arguments);
+    const char failed = 1;
+    [[maybe_unused]] const ssize_t told = write(failure, &failed, 1);
+    _exit(1);
+}
+
+/// The program is the child of a child that ends at once, so that nobody here has to wait for its end.
+[[noreturn]] void becomeParentOf(char* const* arguments, int failure) {
+    const pid_t child = fork();
+    if (child == 0) become(arguments, failure);
+    _exit(child < 0 ? 1 : 0);
+}
+
+}  // namespace
+
+bool startProgram(const QList<QByteArray>& command) {
+    const QByteArray path = QFile::encodeName(QStandardPaths::findExecutable(QFile::decodeName(command.first())));
+    if (path.isEmpty()) return false;
+    QList<QByteArray> words = command;
+    words.first() = path;
+    std::vector<char*> arguments;
+    for (QByteArray& word : words) arguments.push_back(word.data());
+    arguments.push_back(nullptr);
+
+    // Closed by a successful exec; else it tells of the failure.
+    int failure[2];
+    if (pipe2(failure, O_CLOEXEC) != 0) return false;
+    const pid_t child = fork();
+    if (child == 0) becomeParentOf(arguments.data(), failure[1]);
+    close(failure[1]);
+    int status = -1;
+    if (child > 0) {
+        while (waitpid(child, &status, 0) < 0 && errno == EINTR) continue;
+    }
+    char failed = 0;
+    while (status == 0 && read(failure[0], &failed, 1) < 0 && errno == EINTR) continue;
+    close(failure[0]);
+    return status == 0 && !failed;
+}

@@ -1,0 +1,70 @@
+#include "platform/linux/Thumbnails.h"
+
+#include <sys/stat.h>
+
+#include <QCryptographicHash>
+#include <QFile>
+#include <QImageReader>
+#include <QStandardPaths>
+#include <algorithm>
+#include <array>
+
+#include "platform/FileUrls.h"
+
+namespace {
+struct Size {
+    const char* folder;
+    int pixels;
+};
+constexpr std::array<Size, 4> kSizes{{{"normal", 128}, {"large", 256}, {"x-large", 512}, {"xx-large", 1024}}};
+
+/// From the smallest that is large enough up, and then the smaller ones.
+std::array<Size, 4> sizesFor(int pixels) {
+    auto sizes = kSizes;
+    const auto enough =
+        std::find_if(sizes.begin(), sizes.end(), [&](const Size& size) { return size.pixels >= pixels; });
+    std::reverse(sizes.begin(), enough);
+    std::rotate(sizes.begin(), enough, sizes.end());
+    return sizes;
+}
+
+/// The addresses under which programs may have filed the file: toolkits differ in what they encode.
+QByteArrayList addressesOf(const QByteArray& path) {
+    QByteArrayList addresses{"file://" + path.toPercentEncoding("/!*'()&=:@+$,"), fileUrl(path).toEncoded()};
+    if (addresses.first() == addresses.last()) addresses.removeLast();
+    return addresses;
+}
+}  // namespace
+
+QImage readPng(const QString& path) {
+    constexpr int most = 1024;
+    QFile file(path);
+    if (path.isEmpty() || !file.open(QFile::ReadOnly) || file.size() > kLargestPictureFile) return {};
+    QImageReader reader(&file, "png");
+    const QSize size = reader.size();
+    if (!size.isValid() || size.width() > most || size.height() > most) return {};
+    return reader.read();
+}
+
+QImage fitted(const QImage& image, int pixels) {
+    const bool small = image.width() <= pixels && image.height() <= pixels;
+    const QImage fits = small ? image : image.scaled(pixels, pixels, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    return fits.convertToFormat(QImage::Format_ARGB32_Premultiplied);
+}
+
+QImage thumbnailOf(const QByteArray& path, int pixels) {
+    struct stat status = {};
+    if (::stat(path.constData(), &status) != 0) return {};
+    const QString cache =
+        QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) + QStringLiteral("/thumbnails/");
+    for (const Size& size : sizesFor(pixels)) {
+        for (const QByteArray& address : addressesOf(path)) {
+            const QByteArray name = QCryptographicHash::hash(address, QCryptographicHash::Md5).toHex();
+            const QImage image = readPng(cache + QLatin1String(size.folder) + u'/' + QLatin1String(name) + u".png"_qs);
+            // Some programs write a fraction.
+            const QString modified = image.text(QStringLiteral("Thumb::MTime")).section(u'.', 0, 0);
+            if (!image.isNull() && modified == QString::number(status.st_mtim.tv_sec)) return fitted(image, pixels);
+        }
+    }
+    return {};
+}

@@ -1,0 +1,135 @@
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "TestBus.h"
+#include "TestPrograms.h"
+#include "platform/FileUrls.h"
+#include "platform/linux/Openers.h"
+#include "platform/linux/ThreadQueues.h"
+#include "support/XSession.h"
+
+namespace {
+
+/// A queue that does nothing until it is told to.
+class HeldQueue : public BackgroundQueue {
+ public:
+    void run(std::function<void()> job) override { jobs.push_back(std::move(job)); }
+    void work() {
+        for (const auto& job : std::exchange(jobs, {})) job();
+    }
+    std::vector<std::function<void()>> jobs;
+};
+
+class Openers : public testing::Test {
+ protected:
+    testing::AssertionResult tells(const QByteArray& program, const QByteArrayList& arguments) {
+        auto result = waitFor([&] { return programs.told(program) == arguments; }, 10);
+        return result ? result : (result << ": " << programs.told(program).join(' ').constData());
+    }
+
+    TestPrograms programs;
+    ThreadQueue queue;
+};
+
+TEST_F(Openers, PassTheUrlEncoded) {
+    programs.install("gio");
+    openUrl(queue, QUrl(QStringLiteral("https://a.example/")));
+    EXPECT_TRUE(tells("gio", {"open", "https://a.example/"})) << "where there is nothing better";
+    programs.install("xdg-open");
+    const struct {
+        QUrl url;
+        const char* address;
+    } cases[] = {
+        {QUrl(QStringLiteral("https://a.example/b?c=d&e=%20f#g")), "https://a.example/b?c=d&e=%20f#g"},
+        {QUrl(QStringLiteral("mailto:a@a.example")), "mailto:a@a.example"},
+        {QUrl(QStringLiteral("https://b\u00fccher.example/\u00fc")), "https://xn--bcher-kva.example/%C3%BC"},
+        {fileUrl("/tmp/two words\n50%caf\xe9'$(x)"), "file:///tmp/two%20words%0A50%25caf%E9%27%24%28x%29"},
+        {fileUrl("/-rf"), "file:///-rf"},
+    };
+    for (const auto& [url, address] : cases) {
+        openUrl(queue, url);
+        EXPECT_TRUE(tells("xdg-open", {address}));
+        programs.forget("xdg-open");
+    }
+    HeldQueue held;
+    for (const char* odd : {"", "--help", "//a.example/", "-x:y", "http://a:b:c/"}) {
+        openUrl(held, QUrl(QLatin1String(odd)));
+        EXPECT_TRUE(held.jobs.empty()) << odd;
+    }
+}
+
+TEST_F(Openers, WaitForNothing) {
+    HeldQueue held;
+    const QUrl url(QStringLiteral("https://a.example/"));
+    openUrl(held, url);
+    held.work();  // there is no opener at all
+
+    programs.install("xdg-open", "while [ ! -e " + programs.folder() + "/go ]; do /bin/sleep 0.01; done");
+    openUrl(held, url);
+    held.work();
+    EXPECT_TRUE(programs.told("xdg-open").isEmpty()) << "it has begun, and waits for what comes next";
+    QFile go(QString::fromUtf8(programs.folder() + "/go"));
+    ASSERT_TRUE(go.open(QFile::WriteOnly));
+    EXPECT_TRUE(tells("xdg-open", {"https://a.example/"}));
+    EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "it was no child";
+    EXPECT_EQ(errno, ECHILD);
+}
+
+TEST_F(Openers, StartProgramsWithoutWhatIsOurs) {
+    const int ours = open("/dev/null", O_RDONLY);  // inherited by careless starters
+    programs.install("xdg-open", "/bin/ls -l /proc/$$/fd > " + programs.folder() +
+                                     "/descriptors; /bin/grep -E "
+                                     "'^(SigBlk|SigIgn)' /proc/$$/status > " +
+                                     programs.folder() + "/signals");
+    sigset_t blocked;
+    sigemptyset(&blocked);
+    sigaddset(&blocked, SIGTERM);
+    HeldQueue held;
+    openUrl(held, QUrl(QStringLiteral("a:b")));
+    pthread_sigmask(SIG_BLOCK, &blocked, nullptr);
+    held.work();
+    pthread_sigmask(SIG_UNBLOCK, &blocked, nullptr);
+    ASSERT_TRUE(tells("xdg-open", {"a:b"}));
+    const QByteArray descriptors = programs.read("descriptors");
+    EXPECT_EQ(descriptors.count("/dev/null"), 3) << descriptors.constData();
+    EXPECT_FALSE(descriptors.contains(" " + QByteArray::number(ours) + " -> ")) << descriptors.constData();
+    EXPECT_EQ(programs.read("signals"), "SigBlk:\t0000000000000000\nSigIgn:\t0000000000000000\n");
+    close(ours);
+}
+
+TEST_F(Openers, RevealInTheFileManagerElseOpenTheFolder) {
+    programs.install("xdg-open");
+    const TestBus bus;
+    const QUrl file = fileUrl("/tmp/a b/caf\xe9");
+    const QByteArrayList folder{"file:///tmp/a%20b/"};
+    revealFile(queue, file);
+    EXPECT_TRUE(tells("xdg-open", folder)) << "no file manager";
+    programs.forget("xdg-open");
+
+    TestService manager(QStringLiteral("org.freedesktop.FileManager1"));
+    revealFile(queue, file);
+    ASSERT_TRUE(waitFor([&] { return !manager.calls.isEmpty(); }));
+    const QDBusMessage& call = manager.calls.first();
+    EXPECT_EQ(call.path(), QStringLiteral("/org/freedesktop/FileManager1"));
+    EXPECT_EQ(call.interface() + u'.' + call.member(), QStringLiteral("org.freedesktop.FileManager1.ShowItems"));
+    EXPECT_EQ(call.signature(), QStringLiteral("ass"));
+    EXPECT_EQ(call.arguments(), (QVariantList{QStringList{QStringLiteral("file:///tmp/a%20b/caf%E9")}, QString()}));
+
+    manager.answer = [](const QDBusMessage& message) { return message.createErrorReply(QDBusError::Failed, {}); };
+    revealFile(queue, fileUrl("/tmp/folder/"));
+    EXPECT_TRUE(tells("xdg-open", {"file:///tmp/"})) << "it cannot";
+    EXPECT_EQ(manager.calls.last().arguments().first(), QStringList{QStringLiteral("file:///tmp/folder")});
+    manager.answer = [](const QDBusMessage&) { return QDBusMessage(); };
+    revealFile(queue, file);
+    EXPECT_TRUE(tells("xdg-open", folder)) << "it hangs";
+}
+
+TEST_F(Openers, RevealWithoutABus) {
+    programs.install("xdg-open");
+    const EnvironmentVariable none("DBUS_SESSION_BUS_ADDRESS", "unix:path=/no/such/bus");
+    revealFile(queue, fileUrl("/tmp/x"));
+    EXPECT_TRUE(tells("xdg-open", {"file:///tmp/"}));
+}
+
+}  // namespace
