@@ -30,6 +30,9 @@ constexpr int kThreads = 2;
 /// libvips, with no decoder but those that are called here, and no memory of what it did.
 bool startVips() {
     if (vips_init("glimmet-worker") != 0) return false;
+    // A broken file is no news here.
+    g_log_set_handler(
+        "VIPS", G_LOG_LEVEL_WARNING, [](const char*, GLogLevelFlags, const char*, gpointer) {}, nullptr);
     vips_concurrency_set(kThreads);
     vips_cache_set_max(0);
     vips_operation_block_set("VipsForeignLoad", TRUE);
