@@ -1,0 +1,25 @@
+#pragma once
+
+#include <unistd.h>
+
+#include <utility>
+
+/// A file descriptor that closes itself. Negative when there is none.
+class Descriptor {
+ public:
+    explicit Descriptor(int fd = -1) : fd_(fd) {}
+    ~Descriptor() {
+        if (fd_ >= 0) ::close(fd_);
+    }
+    Descriptor(Descriptor&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
+    Descriptor& operator=(Descriptor&& other) noexcept {
+        std::swap(fd_, other.fd_);
+        return *this;
+    }
+
+    explicit operator bool() const { return fd_ >= 0; }
+    int get() const { return fd_; }
+
+ private:
+    int fd_;
+};

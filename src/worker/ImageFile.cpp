@@ -1,0 +1,119 @@
+#include "worker/ImageFile.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <array>
+#include <memory>
+
+#include "worker/BmpFile.h"
+#include "worker/Descriptor.h"
+#include "worker/ImageKind.h"
+
+using vips::VError;
+using vips::VImage;
+using vips::VOption;
+using vips::VSource;
+
+namespace {
+
+// JPEG can hold no longer side, and what the best cameras stitch together is smaller: 20000 x 20000 passes.
+constexpr int kLongestSide = 65500;
+constexpr qint64 kMostPixels = 500'000'000;
+
+// Halving by a decoder is coarse, so it leaves the proper resampling at least this factor.
+constexpr double kLeftToResampling = 2;
+
+constexpr int kThreads = 2;
+
+/// libvips, with no decoder but those that are called here, and no memory of what it did.
+bool startVips() {
+    if (vips_init("glimmet-worker") != 0) return false;
+    // A broken file is no news here.
+    g_log_set_handler(
+        "VIPS", G_LOG_LEVEL_WARNING, [](const char*, GLogLevelFlags, const char*, gpointer) {}, nullptr);
+    vips_concurrency_set(kThreads);
+    vips_cache_set_max(0);
+    vips_operation_block_set("VipsForeignLoad", TRUE);
+    for (const char* decoder : {"VipsForeignLoadPng", "VipsForeignLoadJpeg", "VipsForeignLoadHeif",
+                                "VipsForeignLoadTiff", "VipsForeignLoadWebp", "VipsForeignLoadNsgif"})
+        vips_operation_block_set(decoder, FALSE);
+    return true;
+}
+
+Descriptor openRegularFile(const QByteArray& path) {
+    Descriptor file(::open(path.constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    struct stat status = {};
+    if (file && (::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode))) return Descriptor();
+    return file;
+}
+
+/// A file that breaks off is no picture, also where the decoder could fill the rest with grey.
+VOption* rowByRow() {
+    return VImage::option()->set("access", VIPS_ACCESS_SEQUENTIAL)->set("fail_on", VIPS_FAIL_ON_TRUNCATED);
+}
+
+VImage openJpeg(const VSource& source, double shrink) {
+    int factor = 8;
+    while (factor > 1 && factor * kLeftToResampling > shrink) factor /= 2;
+    return VImage::jpegload_source(source, rowByRow()->set("shrink", factor));
+}
+
+VImage openWebp(const VSource& source, double shrink) {
+    return VImage::webpload_source(source, rowByRow()->set("scale", std::min(1.0, kLeftToResampling / shrink)));
+}
+
+VImage openWith(ImageKind kind, const VSource& source, double shrink) {
+    switch (kind) {
+        case ImageKind::png:
+            return VImage::pngload_source(source, rowByRow());
+        case ImageKind::jpeg:
+            return openJpeg(source, shrink);
+        case ImageKind::heif:
+            return VImage::heifload_source(source, rowByRow());
+        case ImageKind::tiff:
+            return VImage::tiffload_source(source, rowByRow());
+        case ImageKind::webp:
+            return openWebp(source, shrink);
+        case ImageKind::gif:
+            return VImage::gifload_source(source, rowByRow());
+        case ImageKind::bmp:
+            break;
+    }
+    throw VError("not a kind that libvips decodes");
+}
+
+bool isSane(QSize size) {
+    return std::max(size.width(), size.height()) <= kLongestSide && qint64(size.width()) * size.height() <= kMostPixels;
+}
+
+}  // namespace
+
+std::optional<ImageFile> ImageFile::open(const QByteArray& path) {
+    static const bool ready = startVips();
+    const auto file = std::make_shared<Descriptor>(openRegularFile(path));
+    std::array<char, kKindBytes> start{};
+    const ssize_t got = *file ? ::pread(file->get(), start.data(), start.size(), 0) : -1;
+    const auto kind = imageKind(QByteArray(start.data(), std::max<ssize_t>(got, 0)));
+    if (!ready || !kind) return {};
+
+    if (kind == ImageKind::bmp) {
+        const auto size = bmpSize(file->get());
+        if (!size || !isSane(*size)) return {};
+        return ImageFile([file](double) { return decodeBmp(file->get()); }, *size);
+    }
+    try {
+        const auto source = VSource::new_from_descriptor(file->get());
+        const VImage header = openWith(*kind, source, 1);
+        const QSize size(header.width(), header.height());
+        if (!isSane(size)) return {};
+        return ImageFile([source, kind](double shrink) { return openWith(*kind, source, shrink); }, size);
+    } catch (const VError&) {
+        return {};
+    }
+}
+
+VImage ImageFile::decode(double shrink) const {
+    return decoder_(shrink);
+}

@@ -1,0 +1,357 @@
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <set>
+#include <thread>
+
+#include "Images.h"
+#include "worker/Chew.h"
+
+namespace {
+
+using testing::Contains;
+using testing::ContainsRegex;
+using testing::MatchesRegex;
+using testing::Not;
+using testing::Pointwise;
+
+constexpr ChewMode kModes[] = {ChewMode::jpeg, ChewMode::png, ChewMode::smaller};
+
+QByteArray chewed(const Folder& folder, const QByteArray& name, ChewMode mode) {
+    const auto result = chew(folder / name, mode, folder.fallback);
+    const auto* failure = std::get_if<Failure>(&result);
+    EXPECT_EQ(failure, nullptr) << name.toStdString() << ": " << failure->code;
+    return failure ? QByteArray() : std::get<QByteArray>(result);
+}
+
+int failureCode(const Result<QByteArray>& result) {
+    const auto* failure = std::get_if<Failure>(&result);
+    return failure ? failure->code : 0;
+}
+
+/// Opened by what it is, not by what it is called.
+VImage opened(const QByteArray& path) {
+    const bool isPng = load(path).startsWith("\x89PNG");
+    return (isPng ? VImage::pngload(path.constData()) : VImage::jpegload(path.constData())).copy_memory();
+}
+
+MATCHER_P(Near, distance, "") {
+    return std::abs(std::get<0>(arg) - std::get<1>(arg)) <= distance;
+}
+
+/// The colours in the middle of the quarters, row by row.
+void expectQuarters(const VImage& image, const Quarters& colours, double distance = 6) {
+    for (int i = 0; i < 4; ++i) {
+        auto at = image.getpoint(image.width() * (1 + 2 * (i % 2)) / 4, image.height() * (1 + 2 * (i / 2)) / 4);
+        at.resize(3);
+        EXPECT_THAT(at, Pointwise(Near(distance), colours[size_t(i)])) << "quarter " << i;
+    }
+}
+
+/// The names of all that the file says besides its pixels.
+std::set<std::string> fields(const VImage& image) {
+    char** const names = vips_image_get_fields(image.get_image());
+    std::set<std::string> all;
+    for (char** name = names; *name; ++name) all.insert(*name);
+    g_strfreev(names);
+    return all;
+}
+
+TEST(Chew, MakesEveryKindIntoEveryOther) {
+    for (const char* extension : {"png", "jpg", "jpeg", "heic", "heif", "tiff", "tif", "webp", "gif", "bmp"}) {
+        const Folder folder;
+        const QByteArray name = QByteArray("photo.") + extension;
+        save(folder / name, quarters(300, 200));
+        const QByteArray source = load(folder / name);
+        for (const auto mode : kModes) {
+            SCOPED_TRACE(name.toStdString() + " " + std::to_string(int(mode)));
+            const QByteArray result = chewed(folder, name, mode);
+            const QByteArray plain = mode == ChewMode::smaller ? "photo-small" : "photo";
+            const QByteArray end = mode == ChewMode::png ? ".png" : ".jpg";
+            if (plain + end == name) {
+                EXPECT_THAT(result.toStdString(), MatchesRegex(".*/photo-[1-9][0-9][.](png|jpg)"));
+                EXPECT_TRUE(result.endsWith(end));
+            } else {
+                EXPECT_EQ(result, folder / (plain + end));
+            }
+            const VImage image = opened(result);
+            EXPECT_EQ(load(result).startsWith("\x89PNG"), mode == ChewMode::png);
+            EXPECT_EQ(QSize(image.width(), image.height()), QSize(300, 200));
+            expectQuarters(image, {kRed, kGreen, kBlue, kGrey});
+            struct stat status = {};
+            ASSERT_EQ(::stat(result.constData(), &status), 0);
+            const mode_t mask = ::umask(0);
+            ::umask(mask);
+            EXPECT_EQ(status.st_mode & 07777, 0666 & ~mask);
+        }
+        EXPECT_EQ(load(folder / name), source);
+        EXPECT_EQ(folder.names().size(), 4);
+        EXPECT_FALSE(QFile::exists(QFile::decodeName(folder.fallback)));
+    }
+}
+
+TEST(Chew, MakesSmallerWhatIsLargerThanTwoThousand) {
+    const struct {
+        QSize from, to;
+    } cases[] = {
+        {{4000, 3000}, {2000, 1500}}, {{3001, 1000}, {2000, 666}},  {{1800, 1200}, {1800, 1200}},
+        {{2000, 2000}, {2000, 2000}}, {{2001, 2001}, {2000, 2000}}, {{1000, 3001}, {666, 2000}},
+        {{9000, 3}, {2000, 1}},       {{16001, 77}, {2000, 9}},     {{7, 20000}, {1, 2000}},
+    };
+    for (const char* extension : {"jpg", "webp", "png", "tif"}) {
+        const Folder folder;
+        for (const auto& [from, to] : cases) {
+            if (extension != QByteArray("jpg") && from.height() > 1000) continue;
+            SCOPED_TRACE(std::string(extension) + " " + std::to_string(from.width()));
+            save(folder / (QByteArray("a.") + extension), quarters(from.width(), from.height()));
+            const VImage image = opened(chewed(folder, QByteArray("a.") + extension, ChewMode::smaller));
+            EXPECT_EQ(QSize(image.width(), image.height()), to);
+            if (to.width() > 20 && to.height() > 20) expectQuarters(image, {kRed, kGreen, kBlue, kGrey});
+        }
+    }
+}
+
+TEST(Chew, CompressesAsHardAsItsModeSays) {
+    // The first quantiser of the standard luminance table, 16, scaled for the quality.
+    const struct {
+        ChewMode mode;
+        int quantiser;
+    } cases[] = {{ChewMode::jpeg, 5}, {ChewMode::smaller, 11}};
+    const Folder folder;
+    save(folder / "a.png", quarters(64, 64));
+    for (const auto& [mode, quantiser] : cases) {
+        const QByteArray bytes = load(chewed(folder, "a.png", mode));
+        const qsizetype table = bytes.indexOf("\xff\xdb");
+        ASSERT_GT(table, 0);
+        EXPECT_EQ(int(bytes[table + 5]), quantiser);
+    }
+}
+
+TEST(Chew, TurnsPicturesUpright) {
+    // What is seen, row by row, when a camera stored these quarters and noted this orientation.
+    const std::vector<Quarters> seen = {{kRed, kGreen, kBlue, kGrey}, {kGreen, kRed, kGrey, kBlue},
+                                        {kGrey, kBlue, kGreen, kRed}, {kBlue, kGrey, kRed, kGreen},
+                                        {kRed, kBlue, kGreen, kGrey}, {kBlue, kRed, kGrey, kGreen},
+                                        {kGrey, kGreen, kBlue, kRed}, {kGreen, kGrey, kRed, kBlue}};
+    for (const char* extension : {"jpg", "tif", "webp"}) {
+        for (int orientation = 1; orientation <= 8; ++orientation) {
+            const Folder folder;
+            const QByteArray name = QByteArray("a.") + extension;
+            VImage image = quarters(2400, 800).copy();
+            image.set(VIPS_META_ORIENTATION, orientation);
+            save(folder / name, image);
+            for (const auto mode : kModes) {
+                SCOPED_TRACE(name.toStdString() + " " + std::to_string(orientation) + " " + std::to_string(int(mode)));
+                const VImage result = opened(chewed(folder, name, mode));
+                QSize size = mode == ChewMode::smaller ? QSize(2000, 666) : QSize(2400, 800);
+                if (orientation > 4) size.transpose();
+                EXPECT_EQ(QSize(result.width(), result.height()), size);
+                EXPECT_EQ(vips_image_get_orientation(const_cast<VImage&>(result).get_image()), 1);
+                expectQuarters(result, seen[size_t(orientation - 1)]);
+            }
+        }
+    }
+}
+
+TEST(Chew, KeepsTheProfileAndForgetsWhereItWas) {
+    VImage image = quarters(400, 300).copy();
+    image.set("exif-ifd3-GPSLatitude", "52/1 31/1 1/1 (52, 31, 1, Rational, 3 components, 24 bytes)");
+    image.set("exif-ifd0-Model", "SecretCamera (SecretCamera, ASCII, 13 components, 13 bytes)");
+    QByteArray xmp("<x:xmpmeta>SecretXmp</x:xmpmeta>");
+    image.set(VIPS_META_XMP_NAME, nullptr, xmp.data(), size_t(xmp.size()));
+    image.set("png-comment-0-Comment", "SecretComment");
+    VipsBlob* profile = nullptr;
+    ASSERT_EQ(vips_profile_load("p3", &profile, nullptr), 0);
+    size_t size = 0;
+    const void* data = vips_blob_get(profile, &size);
+    const QByteArray icc(static_cast<const char*>(data), qsizetype(size));
+    vips_area_unref(VIPS_AREA(profile));
+
+    for (const bool hasProfile : {true, false}) {
+        if (hasProfile) image.set(VIPS_META_ICC_NAME, nullptr, QByteArray(icc).data(), size);
+        for (const char* name : {"a.jpg", "a.png", "a.tif", "a.webp"}) {
+            const Folder folder;
+            save(folder / name, image);
+            const auto known = fields(VImage::new_from_file((folder / name).constData()));
+            ASSERT_TRUE(known.contains("xmp-data"));
+            ASSERT_TRUE(known.contains("exif-ifd3-GPSLatitude") || name != QByteArray("a.jpg"));
+            for (const auto mode : kModes) {
+                SCOPED_TRACE(std::string(name) + " " + std::to_string(int(mode)));
+                const QByteArray result = chewed(folder, name, mode);
+                EXPECT_FALSE(load(result).contains("Secret"));
+                const VImage made = opened(result);
+                EXPECT_THAT(fields(made), Not(Contains(ContainsRegex("GPS|Model|xmp|comment"))));
+                ASSERT_EQ(fields(made).contains(VIPS_META_ICC_NAME), hasProfile);
+                if (hasProfile) {
+                    size_t kept = 0;
+                    const void* bytes = made.get_blob(VIPS_META_ICC_NAME, &kept);
+                    EXPECT_EQ(QByteArray(static_cast<const char*>(bytes), qsizetype(kept)), icc);
+                }
+                expectQuarters(made, {kRed, kGreen, kBlue, kGrey});
+            }
+        }
+        image = image.copy();
+        vips_image_remove(image.get_image(), VIPS_META_ICC_NAME);
+    }
+}
+
+TEST(Chew, LaysTransparencyOnWhiteOnlyWhereItMust) {
+    const auto half = [](double most) { return VImage::black(64, 64) + Colour{0, 0, 0, most / 2}; };
+    const struct {
+        const char* name;
+        VImage image;
+        int most;
+    } cases[] = {
+        {"8.png", half(255).cast(VIPS_FORMAT_UCHAR), 255},
+        {"16.png", half(65535).cast(VIPS_FORMAT_USHORT), 65535},
+        {"16.tif", half(65535).cast(VIPS_FORMAT_USHORT), 65535},
+        {"grey.png", half(255).extract_band(2, VImage::option()->set("n", 2)).cast(VIPS_FORMAT_UCHAR), 255},
+    };
+    for (const auto& [name, image, most] : cases) {
+        SCOPED_TRACE(name);
+        const int bands = const_cast<VImage&>(image).bands();
+        const auto tag = bands == 2      ? VIPS_INTERPRETATION_B_W
+                         : most == 65535 ? VIPS_INTERPRETATION_RGB16
+                                         : VIPS_INTERPRETATION_sRGB;
+        const Folder folder;
+        save(folder / name, image.copy(VImage::option()->set("interpretation", tag)));
+        for (const auto mode : {ChewMode::jpeg, ChewMode::smaller})
+            EXPECT_THAT(opened(chewed(folder, name, mode)).getpoint(32, 32),
+                        Pointwise(Near(2), Colour(size_t(bands - 1), 127)));
+        Colour kept(size_t(bands), 0);
+        kept.back() = most / 2;
+        EXPECT_THAT(opened(chewed(folder, name, ChewMode::png)).getpoint(32, 32), Pointwise(Near(0), kept));
+    }
+}
+
+TEST(Chew, ShowsOtherColoursAsTheyLook) {
+    // No colours but those that inks can show.
+    const Quarters colours{{200, 60, 60}, {80, 150, 80}, {70, 90, 150}, kGrey};
+    const VImage rgb = quarters(200, 200, colours);
+    const VImage cmyk = rgb.icc_transform("cmyk", VImage::option()->set("input_profile", "srgb"));
+    const VImage bareCmyk = cmyk.copy();
+    vips_image_remove(bareCmyk.get_image(), VIPS_META_ICC_NAME);
+    const struct {
+        const char* name;
+        VImage image;
+    } cases[] = {
+        {"cmyk.jpg", cmyk},
+        {"cmyk.tif", cmyk},
+        {"barecmyk.jpg", bareCmyk},
+        {"lab.tif", rgb.colourspace(VIPS_INTERPRETATION_LAB)},
+        {"linear.tif", rgb.colourspace(VIPS_INTERPRETATION_scRGB)},
+        {"deep.tif", rgb.colourspace(VIPS_INTERPRETATION_RGB16)},
+        {"palette.png", rgb},
+    };
+    for (const auto& [name, image] : cases) {
+        const Folder folder;
+        if (name == QByteArray("palette.png"))
+            image.pngsave((folder / name).constData(), VImage::option()->set("palette", true));
+        else
+            save(folder / name, image);
+        for (const auto mode : kModes) {
+            SCOPED_TRACE(std::string(name) + " " + std::to_string(int(mode)));
+            const VImage result = opened(chewed(folder, name, mode));
+            const bool staysDeep = name == QByteArray("deep.tif") && mode == ChewMode::png;
+            EXPECT_EQ(result.interpretation(), staysDeep ? VIPS_INTERPRETATION_RGB16 : VIPS_INTERPRETATION_sRGB);
+            expectQuarters(staysDeep ? result / 257 : result, colours, 12);
+        }
+    }
+}
+
+TEST(Chew, TakesTheFirstPictureOfMany) {
+    const int height = 40;
+    const VImage first = quarters(60, height);
+    VImage pages = first.join(first.invert(), VIPS_DIRECTION_VERTICAL).copy();
+    pages.set(VIPS_META_PAGE_HEIGHT, height);
+    for (const char* name : {"a.gif", "a.webp", "a.tif"}) {
+        const Folder folder;
+        save(folder / name, pages);
+        for (const auto mode : kModes) {
+            const VImage result = opened(chewed(folder, name, mode));
+            EXPECT_EQ(result.height(), height);
+            expectQuarters(result, {kRed, kGreen, kBlue, kGrey}, 20);
+        }
+    }
+}
+
+TEST(Chew, NeverTakesANameThatIsTaken) {
+    const Folder folder;
+    save(folder / "a.png", quarters(8, 8));
+    save(folder / "a.jpg", QByteArray("mine"));
+    for (int number = 10; number < 99; ++number) save(folder / ("a-" + QByteArray::number(number) + ".jpg"), "mine");
+    EXPECT_EQ(chewed(folder, "a.png", ChewMode::jpeg), folder / "a-99.jpg");
+    EXPECT_EQ(chewed(folder, "a.png", ChewMode::jpeg), folder / "a-100.jpg");
+    // A link that leads nowhere is a name, too.
+    ASSERT_EQ(::symlink("nowhere", (folder / "a-small.jpg").constData()), 0);
+    EXPECT_NE(chewed(folder, "a.png", ChewMode::smaller), folder / "a-small.jpg");
+    EXPECT_EQ(load(folder / "a.jpg"), "mine");
+    EXPECT_EQ(load(folder / "a-50.jpg"), "mine");
+}
+
+TEST(Chew, NamesResultsAfterAnyName) {
+    const QByteArray umlauts = QByteArray("ü").repeated(126);
+    const struct {
+        QByteArray source, result;
+    } cases[] = {
+        {"two.dots.png", "two.dots.jpg"},
+        {".png", ".png.jpg"},
+        {"none", "none.jpg"},
+        {"end.", "end..jpg"},
+        {"a\nb \"%20\xff\xfe.png", "a\nb \"%20\xff\xfe.jpg"},
+        {QByteArray(250, 'x') + ".heic", QByteArray(250, 'x') + ".jpg"},
+        {QByteArray(251, 'x') + ".pn", QByteArray(251, 'x') + ".jpg"},
+        {QByteArray(252, 'x') + ".b", QByteArray(251, 'x') + ".jpg"},
+        // 126 two-byte letters; 251 bytes would end in the middle of the last.
+        {umlauts + ".b", umlauts.left(250) + ".jpg"},
+        {QByteArray(255, '\x80'), QByteArray(248, '\x80') + ".jpg"},
+    };
+    for (const auto& [source, result] : cases) {
+        const Folder folder;
+        // QFile would not write all of these names.
+        quarters(8, 8).pngsave((folder / "x").constData());
+        ASSERT_EQ(::rename((folder / "x").constData(), (folder / source).constData()), 0) << source.toStdString();
+        EXPECT_EQ(chewed(folder, source, ChewMode::jpeg), folder / result);
+    }
+    const Folder folder;
+    const QByteArray longName(251, 'x');
+    save(folder / (longName + ".png"), quarters(8, 8));
+    EXPECT_EQ(chewed(folder, longName + ".png", ChewMode::smaller), folder / (QByteArray(245, 'x') + "-small.jpg"));
+    EXPECT_EQ(chewed(folder, longName + ".png", ChewMode::smaller).size(), folder.path.size() + 1 + 255);
+}
+
+/// Runs it as somebody for whom permissions count, which they do not for root.
+template <class F>
+void asNobody(F f) {
+    std::thread([&] {
+        constexpr int kNobody = 65534;
+        // The bare call changes this thread only.
+        const bool isNobody = ::geteuid() != 0 || ::syscall(SYS_setresuid, kNobody, kNobody, kNobody) == 0;
+        ASSERT_TRUE(isNobody);
+        f();
+    }).join();
+}
+
+TEST(Chew, FallsBackWhereItCannotWrite) {
+    const Folder folder;
+    save(folder / "a.png", quarters(8, 8));
+    save(folder / "b.png", quarters(8, 8));
+    save(folder / "b.jpg", QByteArray("mine"));
+    ASSERT_EQ(::chmod(folder.parent.constData(), 0777), 0);
+    ASSERT_EQ(::chmod(folder.path.constData(), 0555), 0);
+    asNobody([&] {
+        EXPECT_EQ(chewed(folder, "a.png", ChewMode::jpeg), folder.fallback + "/a.jpg");
+        EXPECT_THAT(chewed(folder, "a.png", ChewMode::jpeg).toStdString(),
+                    MatchesRegex(folder.fallback.toStdString() + "/a-[1-9][0-9].jpg"));
+        // It gets the number that it would have had beside its source.
+        EXPECT_THAT(chewed(folder, "b.png", ChewMode::jpeg).toStdString(),
+                    MatchesRegex(folder.fallback.toStdString() + "/b-[1-9][0-9].jpg"));
+        EXPECT_EQ(failureCode(chew(folder / "a.png", ChewMode::png, "/proc/nothing/here")), 2);
+    });
+    EXPECT_EQ(folder.names().size(), 3);
+    ASSERT_EQ(::chmod(folder.path.constData(), 0755), 0);
+}
+
+}  // namespace

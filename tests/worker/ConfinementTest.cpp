@@ -1,0 +1,108 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <linux/landlock.h>
+#include <netinet/in.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+
+#include <thread>
+
+#include "Images.h"
+#include "worker/Confinement.h"
+
+namespace {
+
+#ifdef __SANITIZE_ADDRESS__
+constexpr bool kIsSanitized = true;
+#else
+constexpr bool kIsSanitized = false;
+#endif
+
+bool isRefused(long result) {
+    return result < 0 && (errno == EPERM || errno == EACCES);
+}
+
+/// Runs it in a process of its own, which tells by its exit code which line was wrong.
+#define CHECK_HERE(condition) \
+    if (!(condition)) ::_exit(__LINE__ % 256)
+
+template <class F>
+int exitCode(F f) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+        f();
+        ::_exit(0);
+    }
+    int status = 0;
+    EXPECT_EQ(::waitpid(child, &status, 0), child);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+}
+
+TEST(Confinement, ReachesNobody) {
+    const Folder folder;
+    save(folder / "mine", QByteArray("mine"));
+    EXPECT_EQ(exitCode([&] {
+                  CHECK_HERE(restrictAccess(folder.path));
+                  CHECK_HERE(isRefused(::socket(AF_INET, SOCK_STREAM, 0)));
+                  CHECK_HERE(isRefused(::socket(AF_UNIX, SOCK_STREAM, 0)));
+                  char name[] = "/bin/true";
+                  char* const argv[] = {name, nullptr};
+                  CHECK_HERE(isRefused(::execv(name, argv)));
+                  CHECK_HERE(isRefused(::fork()));
+                  std::thread([] {}).join();
+                  CHECK_HERE(isRefused(::kill(::getppid(), 0)));
+                  CHECK_HERE(::kill(::getpid(), 0) == 0);
+                  CHECK_HERE(isRefused(::syscall(SYS_io_uring_setup, 1, nullptr)));
+                  CHECK_HERE(isRefused(::chmod((folder / "mine").constData(), 0)));
+              }),
+              0);
+}
+
+TEST(Confinement, WritesOnlyWhereTheResultGoes) {
+    if (::syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION) < 1)
+        GTEST_SKIP() << "this kernel has no Landlock";
+    const Folder folder, other;
+    save(other / "mine", QByteArray("mine"));
+    const auto opens = [](const QByteArray& path, int flags) { return ::open(path.constData(), flags, 0666); };
+    EXPECT_EQ(exitCode([&] {
+                  CHECK_HERE(restrictAccess(folder.path));
+                  CHECK_HERE(opens(folder.path, O_TMPFILE | O_RDWR) >= 0);
+                  CHECK_HERE(opens(folder / "new", O_CREAT | O_WRONLY) >= 0);
+                  CHECK_HERE(opens("/dev/null", O_WRONLY) >= 0);
+                  CHECK_HERE(opens(other / "mine", O_RDONLY) >= 0);
+                  CHECK_HERE(isRefused(opens(other.path, O_TMPFILE | O_RDWR)));
+                  CHECK_HERE(isRefused(opens(other / "new", O_CREAT | O_WRONLY)));
+                  CHECK_HERE(isRefused(opens(other / "mine", O_WRONLY)));
+                  CHECK_HERE(isRefused(::unlink((other / "mine").constData())));
+                  CHECK_HERE(isRefused(::truncate((other / "mine").constData(), 0)));
+              }),
+              0);
+    EXPECT_EQ(exitCode([&] {
+                  CHECK_HERE(restrictAccess({}));
+                  CHECK_HERE(isRefused(opens(folder / "newer", O_CREAT | O_WRONLY)));
+              }),
+              0);
+    EXPECT_EQ(load(other / "mine"), "mine");
+}
+
+TEST(Confinement, HasLimits) {
+    EXPECT_EQ(exitCode([] {
+                  CHECK_HERE(limitResources());
+                  const auto limitOf = [](auto resource) {
+                      rlimit limit{};
+                      ::getrlimit(resource, &limit);
+                      return limit.rlim_max;
+                  };
+                  CHECK_HERE(limitOf(RLIMIT_CORE) <= 1);
+                  CHECK_HERE(limitOf(RLIMIT_CPU) <= 65);
+                  CHECK_HERE(limitOf(RLIMIT_FSIZE) <= 512U << 20);
+                  CHECK_HERE(::alarm(0) > 50);
+                  CHECK_HERE(kIsSanitized || limitOf(RLIMIT_AS) <= 2048U << 20);
+              }),
+              0);
+}
+
+}  // namespace

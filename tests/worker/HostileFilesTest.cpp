@@ -1,0 +1,180 @@
+#include <gmock/gmock.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include <QtEndian>
+#include <csignal>
+
+#include "Images.h"
+#include "worker/Chew.h"
+
+namespace {
+
+constexpr ChewMode kModes[] = {ChewMode::jpeg, ChewMode::png, ChewMode::smaller};
+
+/// The codes of the failures in all modes; 0 for a success.
+std::vector<int> codes(const Folder& folder, const QByteArray& name) {
+    std::vector<int> all;
+    for (const auto mode : kModes) {
+        const auto result = chew(folder / name, mode, folder.fallback);
+        const auto* failure = std::get_if<Failure>(&result);
+        all.push_back(failure ? failure->code : 0);
+    }
+    return all;
+}
+
+const std::vector<int> kCannotOpen{1, 1, 1};
+const std::vector<int> kCannotFinish{3, 3, 3};
+const std::vector<int> kDone{0, 0, 0};
+
+QByteArray bigEndian(quint32 number) {
+    QByteArray bytes(4, '\0');
+    qToBigEndian(number, bytes.data());
+    return bytes;
+}
+
+QByteArray littleEndian(quint32 number) {
+    QByteArray bytes = bigEndian(number);
+    std::ranges::reverse(bytes);
+    return bytes;
+}
+
+QByteArray pngOfSize(quint32 width, quint32 height) {
+    const QByteArray header = "IHDR" + bigEndian(width) + bigEndian(height) + QByteArray("\x08\x02\0\0\0", 5);
+    quint32 crc = ~0U;
+    for (const char byte : header) {
+        crc ^= uchar(byte);
+        for (int bit = 0; bit < 8; ++bit) crc = crc >> 1 ^ (crc & 1 ? 0xedb88320U : 0);
+    }
+    return "\x89PNG\r\n\x1a\n" + bigEndian(13) + header + bigEndian(~crc) + bigEndian(1000) + "IDAT" +
+           QByteArray(1004, 'x');
+}
+
+QByteArray bmpOfSize(quint32 width, quint32 height) {
+    return "BM" + littleEndian(2000) + littleEndian(0) + littleEndian(54) + littleEndian(40) + littleEndian(width) +
+           littleEndian(height) + QByteArray("\x01\0\x18\0", 4) + QByteArray(2000, '\0');
+}
+
+TEST(HostileFiles, AreNoPictures) {
+    const struct {
+        const char* what;
+        QByteArray bytes;
+    } cases[] = {
+        {"empty", ""},
+        {"text", "hello"},
+        {"svg", "<?xml version=\"1.0\"?><svg xmlns=\"http://www.w3.org/2000/svg\" width=\"9\" height=\"9\"/>"},
+        {"pdf", "%PDF-1.4\n1 0 obj<</Type/Catalog>>endobj\n"},
+        {"mvg", "push graphic-context\nviewbox 0 0 9 9\nimage over 0,0 0,0 '/etc/passwd'\npop graphic-context\n"},
+        {"ppm", "P6 1 1 255 abc"},
+        {"vips", QByteArray("\xb6\xa6\xf2\x08") + QByteArray(100, '\0')},
+        {"png header", "\x89PNG\r\n\x1a\n"},
+        {"jpeg header", "\xff\xd8\xff\xe0"},
+        {"gif header", "GIF89a"},
+        {"tiff header", QByteArray("II*\0\x08\0\0\0", 8)},
+        {"webp header", QByteArray("RIFF\x10\0\0\0WEBPVP8 ", 16)},
+        {"heif header", QByteArray("\0\0\0\x18"
+                                   "ftypheic\0\0\0\0mif1heic",
+                                   24)},
+        {"bmp header", "BM"},
+        {"huge png", pngOfSize(0x7fffffff, 0x7fffffff)},
+        {"png bomb", pngOfSize(60000, 60000)},
+        {"wide png", pngOfSize(70000, 1)},
+        {"huge jpeg",
+         QByteArray("\xff\xd8\xff\xc0\0\x11\x08\xff\xdc\xff\xdc\x03\x01\x22\0\x02\x11\x01\x03\x11\x01", 21) +
+             QByteArray(100, '\0')},
+        {"huge gif", QByteArray("GIF89a\xff\xff\xff\xff\0\0\0,\0\0\0\0\xff\xff\xff\xff\0\x02\x02\x4c\x01\0;", 29)},
+        {"huge bmp", bmpOfSize(0x7fffffff, 0x7fffffff)},
+        {"bmp bomb", bmpOfSize(65000, 7000)},
+        {"bmp that breaks off", bmpOfSize(100, 100)},
+        {"bmp upside down", bmpOfSize(100, 0x80000000)},
+    };
+    for (const auto& [what, bytes] : cases) {
+        const Folder folder;
+        save(folder / "a.png", bytes);
+        EXPECT_EQ(codes(folder, "a.png"), kCannotOpen) << what;
+        EXPECT_EQ(folder.names().size(), 1) << what;
+    }
+}
+
+TEST(HostileFiles, AreNotEvenFiles) {
+    const Folder folder;
+    ASSERT_EQ(::mkfifo((folder / "pipe.png").constData(), 0666), 0);
+    ASSERT_EQ(::mkdir((folder / "folder.png").constData(), 0777), 0);
+    ASSERT_EQ(::symlink("loop.png", (folder / "loop.png").constData()), 0);
+    for (const char* name : {"pipe.png", "folder.png", "loop.png", "missing.png"})
+        EXPECT_EQ(codes(folder, name), kCannotOpen) << name;
+    const auto device = chew("/dev/zero", ChewMode::png, folder.fallback);
+    EXPECT_TRUE(std::holds_alternative<Failure>(device));
+}
+
+TEST(HostileFiles, ThatBreakOffLeaveNothingBehind) {
+    // Noise, so that all of the file matters.
+    const VImage noise = (quarters(300, 300) + VImage::gaussnoise(300, 300, VImage::option()->set("sigma", 20)))
+                             .cast(VIPS_FORMAT_UCHAR)
+                             .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB));
+    for (const char* extension : {"png", "jpg", "heic", "tif", "webp", "gif", "bmp"}) {
+        const Folder folder;
+        const QByteArray name = QByteArray("a.") + extension;
+        save(folder / name, noise);
+        const QByteArray whole = load(folder / name);
+        for (int sixteenth = 0; sixteenth < 16; ++sixteenth) {
+            save(folder / name, whole.left(whole.size() * sixteenth / 16));
+            const auto result = codes(folder, name);
+            EXPECT_TRUE(result == kCannotOpen || result == kCannotFinish)
+                << extension << " " << sixteenth << ": " << testing::PrintToString(result);
+            EXPECT_EQ(folder.names().size(), 1);
+        }
+        save(folder / name, whole);
+        EXPECT_EQ(codes(folder, name), kDone) << extension;
+    }
+}
+
+TEST(HostileFiles, AreWhatTheyAreWhateverTheyAreCalled) {
+    for (const char* extension : {"png", "jpg", "heic", "tif", "webp", "gif", "bmp"}) {
+        const Folder folder;
+        const QByteArray honest = QByteArray("a.") + extension;
+        save(folder / honest, quarters(30, 30));
+        ASSERT_EQ(::rename((folder / honest).constData(), (folder / "a.xyz").constData()), 0);
+        EXPECT_EQ(codes(folder, "a.xyz"), kDone) << extension;
+    }
+}
+
+TEST(HostileFiles, WithBrokenProfilesAreStillPictures) {
+    VImage image = quarters(30, 30).copy();
+    QByteArray profile("no profile at all");
+    image.set(VIPS_META_ICC_NAME, nullptr, profile.data(), size_t(profile.size()));
+    const Folder folder;
+    image.jpegsave((folder / "a.jpg").constData());
+    EXPECT_EQ(codes(folder, "a.jpg"), kDone);
+}
+
+/// While it lives, files can grow no larger, as on a full disk.
+class SmallDisk {
+ public:
+    explicit SmallDisk(rlim_t bytes) {
+        std::signal(SIGXFSZ, SIG_IGN);
+        EXPECT_EQ(::getrlimit(RLIMIT_FSIZE, &before_), 0);
+        const rlimit small{bytes, before_.rlim_max};
+        EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
+    }
+    ~SmallDisk() {
+        ::setrlimit(RLIMIT_FSIZE, &before_);
+        std::signal(SIGXFSZ, SIG_DFL);
+    }
+
+ private:
+    rlimit before_{};
+};
+
+TEST(FullDisk, LeavesNothingBehind) {
+    const Folder folder;
+    save(folder / "a.png", VImage::gaussnoise(600, 600).cast(VIPS_FORMAT_UCHAR));
+    for (const rlim_t bytes : {0, 1, 4096, 30000}) {
+        const SmallDisk disk(bytes);
+        EXPECT_EQ(codes(folder, "a.png"), kCannotFinish) << bytes;
+        EXPECT_EQ(folder.names().size(), 1) << bytes;
+    }
+    EXPECT_EQ(codes(folder, "a.png"), kDone);
+}
+
+}  // namespace

@@ -1,0 +1,86 @@
+#pragma once
+
+#include <gtest/gtest.h>
+#include <stdlib.h>
+#include <sys/stat.h>
+
+#include <QByteArray>
+#include <QDir>
+#include <QFile>
+#include <QImage>
+#include <filesystem>
+#include <vector>
+#include <vips/vips8>
+
+using vips::VImage;
+
+// Pictures to chew, made here, and folders to chew them in. Must come before everything else that uses libvips.
+
+using Colour = std::vector<double>;
+inline const Colour kRed{220, 30, 30};
+inline const Colour kGreen{30, 200, 30};
+inline const Colour kBlue{30, 30, 220};
+inline const Colour kGrey{128, 128, 128};
+
+using Quarters = std::vector<Colour>;
+
+/// Four colours, row by row: every way of turning it looks different.
+inline VImage quarters(int width, int height, const Quarters& colours = {kRed, kGreen, kBlue, kGrey}) {
+    static const bool ready = vips_init("test") == 0;
+    EXPECT_TRUE(ready);
+    const auto flat = [&](const Colour& colour, int w, int h) {
+        return (VImage::black(w, h) + colour).cast(VIPS_FORMAT_UCHAR);
+    };
+    const int left = width / 2, top = height / 2;
+    return flat(colours[0], left, top)
+        .join(flat(colours[1], width - left, top), VIPS_DIRECTION_HORIZONTAL)
+        .join(flat(colours[2], left, height - top)
+                  .join(flat(colours[3], width - left, height - top), VIPS_DIRECTION_HORIZONTAL),
+              VIPS_DIRECTION_VERTICAL)
+        .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB));
+}
+
+inline void save(const QByteArray& path, const QByteArray& bytes) {
+    QFile file(QFile::decodeName(path));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    ASSERT_EQ(file.write(bytes), bytes.size());
+}
+
+inline QByteArray load(const QByteArray& path) {
+    QFile file(QFile::decodeName(path));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/// As the file at `path` would hold it, by its extension.
+inline void save(const QByteArray& path, const VImage& image) {
+    if (!path.endsWith(".bmp")) return image.write_to_file(path.constData());
+    const VImage rgb = image.extract_band(0, VImage::option()->set("n", 3)).copy_memory();
+    const QImage bmp(static_cast<const uchar*>(rgb.data()), rgb.width(), rgb.height(), rgb.width() * 3,
+                     QImage::Format_RGB888);
+    ASSERT_TRUE(bmp.save(QFile::decodeName(path), "bmp"));
+}
+
+/// A folder with another one in it, to fall back to, that is not made yet.
+struct Folder {
+    QByteArray parent = QFile::encodeName(QDir::tempPath()) + "/chew-XXXXXX";
+    QByteArray path;
+    QByteArray fallback;
+
+    Folder() {
+        EXPECT_NE(::mkdtemp(parent.data()), nullptr);
+        path = parent + "/in";
+        fallback = parent + "/out/dropped";
+        EXPECT_EQ(::mkdir(path.constData(), 0777), 0);
+    }
+    // QTemporaryDir cannot remove names that are not UTF-8.
+    ~Folder() { std::filesystem::remove_all(parent.toStdString()); }
+    Folder(const Folder&) = delete;
+    Folder& operator=(const Folder&) = delete;
+
+    QByteArray operator/(const QByteArray& name) const { return path + '/' + name; }
+    /// The names in it, hidden ones included.
+    QStringList names() const {
+        return QDir(QFile::decodeName(path))
+            .entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+    }
+};

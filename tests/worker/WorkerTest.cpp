@@ -1,0 +1,85 @@
+#include <gmock/gmock.h>
+#include <sys/resource.h>
+
+#include "Images.h"
+#include "platform/FileUrls.h"
+#include "platform/linux/WorkerProcess.h"
+
+namespace {
+
+QString url(const QByteArray& path) {
+    return QString::fromLatin1(fileUrl(path).toEncoded());
+}
+
+QStringList chewing(const char* mode, const QByteArray& source, const QByteArray& fallback) {
+    return {QStringLiteral("chew"), QString::fromLatin1(mode), url(source), url(fallback)};
+}
+
+/// The worker, started with stricter limits than its own.
+QByteArray workerWith(const Folder& folder, const QByteArray& limits) {
+    const QByteArray path = folder.parent + "/worker";
+    save(path, "#!/bin/sh\n" + limits + "\nexec " GLIMMET_WORKER " \"$@\"\n");
+    EXPECT_EQ(::chmod(path.constData(), 0755), 0);
+    return path;
+}
+
+TEST(GlimmetWorker, ChewsAnyName) {
+    WorkerProcess worker(GLIMMET_WORKER);
+    const Folder folder;
+    const QByteArray name = folder / "a\nb #?%20 \xff";
+    quarters(30, 20).pngsave((folder / "x").constData());
+    ASSERT_EQ(::rename((folder / "x").constData(), (name + ".png").constData()), 0);
+    for (const char* mode : {"jpeg", "smaller"}) {
+        const auto answer = worker.run(chewing(mode, name + ".png", folder.fallback));
+        ASSERT_TRUE(answer);
+        const QByteArray result = name + (mode == QByteArray("jpeg") ? ".jpg" : "-small.jpg");
+        EXPECT_EQ(pathOf(QUrl::fromEncoded((*answer)[u"file"].toString().toLatin1())), result);
+        EXPECT_TRUE(load(result).startsWith("\xff\xd8") || VImage::jpegload(result.constData()).width() == 30);
+    }
+}
+
+TEST(GlimmetWorker, ToldWhatFails) {
+    const Folder folder;
+    save(folder / "empty.png", QByteArray());
+    VImage::gaussnoise(600, 600).cast(VIPS_FORMAT_UCHAR).pngsave((folder / "noise.png").constData());
+    const QByteArray noFolder = "/proc/no/folder";
+    const struct {
+        const char* limits;
+        QByteArray source, fallback;
+        int code;
+        QString description;
+    } cases[] = {
+        {"", folder / "empty.png", folder.fallback, 1, QStringLiteral("couldn't open the image")},
+        {"", "/proc/self/cmdline", noFolder, 1, QStringLiteral("couldn't open the image")},
+        {"ulimit -f 8", folder / "noise.png", folder.fallback, 3, QStringLiteral("couldn't finish the file")},
+    };
+    for (const auto& [limits, source, fallback, code, description] : cases) {
+        const auto answer = WorkerProcess(workerWith(folder, limits)).run(chewing("png", source, fallback));
+        ASSERT_TRUE(answer) << code;
+        const QJsonObject error = (*answer)[u"error"].toObject();
+        EXPECT_EQ(error[u"domain"].toString(), u"chew"_qs);
+        EXPECT_EQ(error[u"code"].toInt(), code);
+        EXPECT_EQ(error[u"description"].toString(), description);
+    }
+    EXPECT_EQ(folder.names().size(), 2);
+}
+
+TEST(GlimmetWorker, LeavesNothingWhenItIsKilled) {
+    const Folder folder;
+    // Takes seconds to write as a PNG.
+    VImage::gaussnoise(6000, 6000).cast(VIPS_FORMAT_UCHAR).jpegsave((folder / "noise.jpg").constData());
+    const auto request = chewing("png", folder / "noise.jpg", folder.fallback);
+    EXPECT_FALSE(WorkerProcess(GLIMMET_WORKER, std::chrono::milliseconds(700)).run(request));
+    EXPECT_FALSE(WorkerProcess(workerWith(folder, "ulimit -t 1")).run(request));
+    EXPECT_EQ(folder.names().size(), 1);
+    EXPECT_TRUE(WorkerProcess(GLIMMET_WORKER).run(chewing("smaller", folder / "noise.jpg", folder.fallback)));
+}
+
+TEST(GlimmetWorker, KnowsItsJobs) {
+    WorkerProcess worker(GLIMMET_WORKER);
+    for (const QStringList& request :
+         {QStringList{}, QStringList{u"chew"_qs}, chewing("gif", "/a.png", "/tmp"), QStringList{u"read"_qs}})
+        EXPECT_FALSE(worker.run(request)) << request.join(u' ').toStdString();
+}
+
+}  // namespace
