@@ -12,6 +12,7 @@
 
 #include "platform/linux/QtPanelWindow.h"
 #include "platform/linux/ScreenCoordinates.h"
+#include "platform/linux/x11/X11DragPasteboard.h"
 #include "platform/linux/x11/X11EventMonitors.h"
 #include "platform/linux/x11/X11PanelWindow.h"
 #include "platform/linux/x11/X11Workspace.h"
@@ -30,6 +31,12 @@ class PlainWorkspace : public Workspace {
     void activateOrOpenTerminal(const QString&) override {}
     void open(const QUrl& url) override { QDesktopServices::openUrl(url); }
     void reveal(const QUrl&) override {}
+};
+
+class PlainDragPasteboard : public DragPasteboard {
+ public:
+    int changeCount() const override { return 0; }
+    void canReadUsable(std::function<void(bool usable)> answer) override { answer(false); }
 };
 
 bool waylandReachable() {
@@ -53,10 +60,12 @@ Desktop makeDesktop(MainLoop& loop, BackgroundQueue& queue) {
             const auto sampler = std::make_shared<PointerSampler>(connection, loop);
             return {std::make_unique<X11PanelWindow>(connection, sampler, loop),
                     std::make_unique<X11EventMonitors>(connection, sampler, &X11PanelWindow::ownWindow),
-                    std::make_unique<X11Workspace>(connection, loop, queue)};
+                    std::make_unique<X11Workspace>(connection, loop, queue),
+                    std::make_unique<X11DragPasteboard>(connection, loop, &X11PanelWindow::ownWindow)};
         }
     }
-    return {std::make_unique<QtPanelWindow>(), std::make_unique<PlainMonitors>(), std::make_unique<PlainWorkspace>()};
+    return {std::make_unique<QtPanelWindow>(), std::make_unique<PlainMonitors>(), std::make_unique<PlainWorkspace>(),
+            std::make_unique<PlainDragPasteboard>()};
 }
 
 bool choosePlatform() {
