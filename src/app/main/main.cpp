@@ -1,4 +1,5 @@
 #include <QApplication>
+#include <QFile>
 #include <QRandomGenerator>
 #include <QStandardPaths>
 #include <algorithm>
@@ -9,13 +10,17 @@
 #include "app/MainMenu.h"
 #include "platform/linux/CanberraSounds.h"
 #include "platform/linux/Desktop.h"
+#include "platform/linux/DesktopIcons.h"
 #include "platform/linux/FilePreferences.h"
 #include "platform/linux/PathReferences.h"
 #include "platform/linux/QtMainLoop.h"
+#include "platform/linux/QtPasteboard.h"
 #include "platform/linux/QtScreens.h"
 #include "platform/linux/ScreenCoordinates.h"
 #include "platform/linux/SystemClock.h"
 #include "platform/linux/ThreadQueues.h"
+#include "platform/linux/WorkerProcess.h"
+#include "platform/Sharing.h"
 
 int main(int argc, char** argv) {
     const QStringList arguments = [&] {
@@ -42,10 +47,15 @@ int main(int argc, char** argv) {
     ThreadQueue background;
     ThreadSerialQueue writing;
     ThreadSerialQueue playing;
+    ThreadSerialQueue jobs;
     FilePreferences preferences(FilePreferences::defaultPath(), writing);
     PathReferences files(background);
     QtScreens screens(preferences, loop);
     CanberraSounds sounds(playing);
+    QtPasteboard pasteboard;
+    DesktopIcons icons(background, loop);
+    struct NoSharing : Sharing { void offers(const QUrl&, std::function<void(const QList<ShareOffer>&)> f) override { f({}); } } sharing;
+    WorkerProcess worker(QFile::encodeName(QCoreApplication::applicationDirPath() + QStringLiteral("/glimmet-worker")));
     const Desktop desktop = makeDesktop(loop, background);
     const EndSignals endSignals(quit);
     MainMenu mainMenu(application, quit);
@@ -60,6 +70,13 @@ int main(int argc, char** argv) {
               .monitors = *desktop.monitors,
               .workspace = *desktop.workspace,
               .sounds = sounds,
+              .dragPasteboard = *desktop.dragPasteboard,
+              .pasteboard = pasteboard,
+              .sharing = sharing,
+              .icons = icons,
+              .worker = worker,
+              .disk = background,
+              .jobs = jobs,
               .random = [] { return QRandomGenerator::global()->generateDouble(); },
               .popUp = [](const QList<MenuItem>& items, QPointF at) { popUp(items, toQt(at).toPoint()); },
               .closePopUp = closePopUp,

@@ -12,6 +12,7 @@
 #include "platform/linux/Openers.h"
 #include "platform/linux/QtPanelWindow.h"
 #include "platform/linux/ScreenCoordinates.h"
+#include "platform/linux/x11/X11DragPasteboard.h"
 #include "platform/linux/x11/X11EventMonitors.h"
 #include "platform/linux/x11/X11PanelWindow.h"
 #include "platform/linux/x11/X11Workspace.h"
@@ -37,6 +38,12 @@ class PlainWorkspace : public Workspace {
     BackgroundQueue& queue_;
 };
 
+class PlainDragPasteboard : public DragPasteboard {
+ public:
+    int changeCount() const override { return 0; }
+    void canReadUsable(std::function<void(bool usable)> answer) override { answer(false); }
+};
+
 bool waylandReachable() {
     const QString name = qEnvironmentVariable("WAYLAND_DISPLAY");
     if (name.isEmpty()) return false;
@@ -58,11 +65,12 @@ Desktop makeDesktop(MainLoop& loop, BackgroundQueue& queue) {
             const auto sampler = std::make_shared<PointerSampler>(connection, loop);
             return {std::make_unique<X11PanelWindow>(connection, sampler, loop),
                     std::make_unique<X11EventMonitors>(connection, sampler, &X11PanelWindow::ownWindow),
-                    std::make_unique<X11Workspace>(connection, loop, queue)};
+                    std::make_unique<X11Workspace>(connection, loop, queue),
+                    std::make_unique<X11DragPasteboard>(connection, loop, &X11PanelWindow::ownWindow)};
         }
     }
     return {std::make_unique<QtPanelWindow>(), std::make_unique<PlainMonitors>(),
-            std::make_unique<PlainWorkspace>(queue)};
+            std::make_unique<PlainWorkspace>(queue), std::make_unique<PlainDragPasteboard>()};
 }
 
 bool choosePlatform() {

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "platform/BackgroundQueue.h"
+#include "platform/DragPasteboard.h"
 #include "platform/EventMonitors.h"
 #include "platform/MainLoop.h"
 #include "platform/PanelWindow.h"
@@ -13,10 +14,12 @@ struct Desktop {
     std::unique_ptr<PanelWindow> panelWindow;
     std::unique_ptr<EventMonitors> monitors;
     std::unique_ptr<Workspace> workspace;
+    std::unique_ptr<DragPasteboard> dragPasteboard;
 };
 
-/// On a platform other than X11 the monitors see nothing but where the pointer is, and the workspace only opens and
-/// reveals. Needs a QGuiApplication. `loop` must live longer than `queue`, and `queue` longer than the parts.
+/// On a platform other than X11 the monitors see nothing but where the pointer is, the workspace only opens and reveals,
+/// and no drag is seen from outside. Needs a QGuiApplication. `loop` must live longer than `queue`, and `queue` longer
+/// than the parts.
 Desktop makeDesktop(MainLoop& loop, BackgroundQueue& queue);
 
 /// Prefers X11, through XWayland if need be, where the user has chosen nothing: elsewhere no window can be placed. To

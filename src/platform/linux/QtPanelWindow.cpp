@@ -1,11 +1,14 @@
 #include "platform/linux/QtPanelWindow.h"
 
-#include <QDragEnterEvent>
+#include <QDrag>
+#include <QDropEvent>
 #include <QGuiApplication>
-#include <QMimeData>
 #include <QMouseEvent>
+#include <QPointer>
 #include <algorithm>
+#include <utility>
 
+#include "platform/linux/CopiedDrop.h"
 #include "platform/linux/ScreenCoordinates.h"
 
 namespace {
@@ -122,6 +125,7 @@ void QtPanelWindow::pressed(QMouseEvent& event) {
 }
 
 void QtPanelWindow::released(QMouseEvent& event) {
+    draggedOut_.setFlag(event.button(), false);
     if (!held_.testFlag(event.button())) return;
     held_.setFlag(event.button(), false);
     if (onRelease) onRelease(*portButton(event.button()), toModel(event.globalPosition()));
@@ -132,32 +136,63 @@ void QtPanelWindow::moved(QMouseEvent& event) {
 }
 
 bool QtPanelWindow::dragged(QEvent& event) {
-    const auto tell = [this](bool targeted) {
-        if (onDropTargeted) onDropTargeted(targeted);
-    };
     switch (event.type()) {
-        case QEvent::DragEnter: {
-            auto& enter = static_cast<QDragEnterEvent&>(event);
-            const QMimeData* offered = enter.mimeData();
-            const bool wanted = offered->hasUrls() || offered->hasText() || offered->hasImage();
-            enter.setAccepted(wanted);
-            if (wanted) tell(true);
+        case QEvent::DragEnter:
+        case QEvent::DragMove: {
+            auto& drag = static_cast<QDropEvent&>(event);
+            const bool taken = takes(drag);
+            drag.setDropAction(Qt::CopyAction);  // so that no source deletes what it dragged
+            drag.setAccepted(taken);
+            setTargeted(taken);
             return true;
         }
         case QEvent::DragLeave:
-            tell(false);
+            setTargeted(false);
             return true;
-        case QEvent::Drop:
-            // Refused until there is somebody to take it, so that the source does not think it has been moved.
-            event.ignore();
-            tell(false);
+        case QEvent::Drop: {
+            auto& drag = static_cast<QDropEvent&>(event);
+            const bool taken = takes(drag);
+            drag.setDropAction(Qt::CopyAction);
+            drag.setAccepted(taken);
+            setTargeted(false);
+            if (taken) onDrop(std::make_shared<CopiedDrop>(*drag.mimeData()));
             return true;
+        }
         default:
             return false;
     }
 }
 
-void QtPanelWindow::dragOut(const QUrl&, const QImage&, QPointF) {}
+bool QtPanelWindow::takes(const QDropEvent& drag) const {
+    const bool ours = drag.source();
+    return !ours && onDrop && acceptsDrop && CopiedDrop::usable(*drag.mimeData()) && acceptsDrop();
+}
+
+void QtPanelWindow::setTargeted(bool targeted) {
+    if (targeted == std::exchange(targeted_, targeted)) return;
+    if (onDropTargeted) onDropTargeted(targeted);
+}
+
+void QtPanelWindow::dragOut(const QUrl& file, const QImage& icon, QPointF grip) {
+    if (!held_ || draggedOut_) return;
+    draggedOut_ = std::exchange(held_, {});
+    // Later, because a drag runs an event loop of its own.
+    const auto begin = [this, file, icon, grip] { runDrag(file, icon, grip); };
+    QMetaObject::invokeMethod(window_.get(), begin, Qt::QueuedConnection);
+}
+
+void QtPanelWindow::runDrag(const QUrl& file, const QImage& icon, QPointF grip) {
+    if (!draggedOut_) return;  // released meanwhile
+    auto* offer = new QMimeData;
+    offer->setData(QStringLiteral("text/uri-list"), file.toEncoded() + "\r\n");
+    auto* drag = new QDrag(window_.get());  // deletes itself once the receiver has read it
+    drag->setMimeData(offer);
+    drag->setPixmap(QPixmap::fromImage(icon));
+    drag->setHotSpot(grip.toPoint());
+    const QPointer<QWindow> window = window_.get();
+    drag->exec(Qt::CopyAction);
+    if (window) draggedOut_ = {};
+}
 
 void QtPanelWindow::exposed() {
     if (window_->isExposed() && onExpose) onExpose();

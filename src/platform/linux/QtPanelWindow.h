@@ -6,6 +6,8 @@
 
 #include "platform/PanelWindow.h"
 
+class QDropEvent;
+
 /// The panel as any Qt platform can show it: frameless, translucent, drawn by software. Buttons outside the input
 /// region are ignored, but only a platform's own subclass can let them reach what lies below.
 class QtPanelWindow : public PanelWindow {
@@ -27,8 +29,8 @@ class QtPanelWindow : public PanelWindow {
     QWindow& window() { return *window_; }
 
  protected:
-    /// Buttons that were pressed inside and whose release has not been seen. It may never be: a menu that opens or a
-    /// drag that begins takes it.
+    /// Buttons that were pressed inside and whose release has not been seen. It may never be: a menu that opens
+    /// takes it.
     Qt::MouseButtons held() const { return held_; }
     virtual void pressed(QMouseEvent& event);
     /// Clears `area` of `device` and draws there, in points.
@@ -43,10 +45,16 @@ class QtPanelWindow : public PanelWindow {
     void moved(QMouseEvent& event);
     /// True if the event belongs to a drag and has been dealt with.
     bool dragged(QEvent& event);
+    bool takes(const QDropEvent& drag) const;
+    void setTargeted(bool targeted);
+    void runDrag(const QUrl& file, const QImage& icon, QPointF grip);
     void exposed();
 
     std::unique_ptr<QWindow> window_;
     std::unique_ptr<QBackingStore> store_;
     QRegion inputRegion_;
     Qt::MouseButtons held_;
+    /// Those whose press became a drag out of the window.
+    Qt::MouseButtons draggedOut_;
+    bool targeted_ = false;
 };

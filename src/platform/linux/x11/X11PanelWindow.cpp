@@ -43,6 +43,7 @@ X11PanelWindow::X11PanelWindow(const std::shared_ptr<X11Connection>& connection,
     xcb_flush(qtConnection());
     stacking_ = std::make_unique<StackingGuard>(connection, loop, id(), &X11PanelWindow::ownWindow,
                                                 [this] { window().raise(); });
+    drops_ = std::make_unique<X11DropTarget>(connection, loop, id(), *this);
 }
 
 X11PanelWindow::~X11PanelWindow() {

@@ -7,6 +7,7 @@
 #include "platform/linux/x11/CompositorWatch.h"
 #include "platform/linux/x11/PointerSampler.h"
 #include "platform/linux/x11/StackingGuard.h"
+#include "platform/linux/x11/X11DropTarget.h"
 
 /// The panel on X11: a window that no window manager touches, on every desktop and over full-screen windows. Clicks
 /// outside its input region go to what lies below. Without a compositor it has the shape of its outline.
@@ -48,4 +49,5 @@ class X11PanelWindow : public QtPanelWindow {
     xcb_gcontext_t context_ = XCB_NONE;
     Observation drags_;
     std::unique_ptr<StackingGuard> stacking_;
+    std::unique_ptr<X11DropTarget> drops_;
 };

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QMap>
+#include <QMimeData>
+
+#include "platform/Drop.h"
+
+/// A drop whose forms were all read when it happened. It promises no file.
+class CopiedDrop : public Drop {
+ public:
+    explicit CopiedDrop(const QMimeData& offered);
+    /// Whether any of the forms on offer is one that drops are made of.
+    static bool usable(const QMimeData& offered);
+
+    QStringList types() const override { return types_; }
+    void load(const QString& type, std::function<void(std::optional<QByteArray>)> done) override;
+    std::optional<QByteArray> promisedName() const override { return {}; }
+    void savePromise(const QUrl&, std::function<void(bool saved)> done) override { done(false); }
+
+ private:
+    QStringList types_;
+    QMap<QString, QByteArray> forms_;
+};

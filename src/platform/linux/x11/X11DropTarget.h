@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QAbstractNativeEventFilter>
+
+#include "platform/PanelWindow.h"
+#include "platform/linux/x11/X11Drop.h"
+
+/// The panel's end of drags from other programs, by the XDND protocol, version 5. Qt's own end would wait for the other
+/// program whenever something is read, so this takes the messages before Qt sees them. Main thread only.
+///
+/// Drops are taken as copies only, so that no source deletes what it dragged.
+class X11DropTarget : private QAbstractNativeEventFilter {
+ public:
+    /// `window` is the window of `panel`, whose callbacks are called. Both and `loop` must live longer than this, and
+    /// `loop` longer than the drops.
+    X11DropTarget(std::shared_ptr<X11Connection> connection, MainLoop& loop, xcb_window_t window, PanelWindow& panel);
+    ~X11DropTarget() override;
+
+ private:
+    bool nativeEventFilter(const QByteArray& type, void* message, qintptr* result) override;
+    void entered(const xcb_client_message_data_t& message);
+    void moved(const xcb_client_message_data_t& message);
+    void dropped(const xcb_client_message_data_t& message);
+
+    /// What other clients and the hardware do while a drag is over the panel.
+    void watch(const xcb_generic_event_t& event);
+    bool watchSource(bool on);
+    void forgetSource();
+    bool accepts() const;
+    void setTargeted(bool targeted);
+    void sendStatus(xcb_window_t source, bool accepted);
+
+    std::shared_ptr<X11Connection> connection_;
+    MainLoop& loop_;
+    xcb_window_t window_;
+    PanelWindow& panel_;
+    int inputOpcode_ = -1;
+    Observation events_;
+    xcb_window_t source_ = XCB_NONE;
+    std::vector<DragForm> forms_;
+    bool targeted_ = false;
+    /// Runs from a button's release to the message about how the drag ended.
+    TimerHandle end_;
+};

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QProcess>
+#include <QStringList>
+
+#include "support/XSession.h"
+
+/// A program from tests/tools on the session's screen: a window of 100 x 100 device pixels that is dragged from or
+/// dropped on. Ends, by its own id, with this object. Needs a QCoreApplication.
+class DragTool {
+ public:
+    enum class Kind { source, target };
+
+    /// Starts it with its window's corner at `place`, and returns once the window is there. What a source offers is
+    /// told by `arguments`, see gtk-drag-source.cpp.
+    DragTool(const XSession& session, Kind kind, QPoint place, const QList<QByteArray>& arguments = {});
+    ~DragTool();
+
+    QPoint middle() const { return place_ + QPoint(50, 50); }
+    qint64 pid() const { return process_.processId(); }
+    /// The lines on standard output so far.
+    const QStringList& lines();
+    bool said(const QString& line) { return lines().contains(line); }
+
+    /// Presses the left button in the middle of a source and moves to `place` like a hand, with the button held.
+    /// Returns once the program has begun the drag.
+    [[nodiscard]] testing::AssertionResult drag(XSession& session, QPoint place);
+
+ private:
+    QPoint place_;
+    QProcess process_;
+    QStringList lines_;
+};

@@ -1,0 +1,166 @@
+// A GTK window that is dragged from, like a file manager's or a browser's.
+//
+//   gtk-drag-source X Y [--hang] [--promise works|fails|silent NAME CONTENTS] [TARGET=TEXT | TARGET@FILE]...
+//
+// It lies at (X, Y), 100 x 100 device pixels, and offers each TARGET (an X11 name such as text/uri-list, image/png or
+// UTF8_STRING) as the given text or the bytes of a file, and a promised file by the Direct Save Protocol, whose writing
+// works, is refused, or is never answered. With --hang it stops itself when it is first asked for data.
+//
+// Lines on standard output: "ready"; for each drag "drag-begin", "data TARGET" for what was asked for, "saved PATH" for
+// the promised file, "delete" if it is told to delete what was moved, "drag-failed RESULT" (GTK's number), and
+// "drag-end ACTION", with what became of the promise ("kept" or "void") if there was one.
+
+#include <gtk/gtk.h>
+#include <signal.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <vector>
+
+namespace {
+constexpr char promiseTarget[] = "XdndDirectSave0";
+
+struct Offer {
+    bool hang = false;
+    std::string promise;  // how it goes; empty for none
+    std::string promisedName, promisedContents;
+    std::vector<std::pair<std::string, std::string>> forms;
+};
+
+template <class... Arguments>
+void say(const char* format, Arguments... arguments) {
+    std::printf(format, arguments...);
+    std::fflush(stdout);
+}
+
+std::string contentsOf(const char* file) {
+    char* bytes = nullptr;
+    gsize length = 0;
+    if (!g_file_get_contents(file, &bytes, &length, nullptr)) {
+        std::fprintf(stderr, "cannot read %s\n", file);
+        std::exit(2);
+    }
+    std::string result(bytes, length);
+    g_free(bytes);
+    return result;
+}
+
+Offer offerOf(char** argument) {
+    Offer offer;
+    for (; *argument; ++argument) {
+        const std::string text = *argument;
+        if (text == "--hang") {
+            offer.hang = true;
+        } else if (text == "--promise" && argument[1] && argument[2] && argument[3]) {
+            offer.promise = *++argument;
+            offer.promisedName = *++argument;
+            offer.promisedContents = *++argument;
+        } else {
+            // The target's own parameter is no separator, as in "text/plain;charset=utf-8=hello".
+            const std::string parameter = ";charset=";
+            const auto place = text.find(parameter);
+            const auto sign = text.find_first_of("=@", place == std::string::npos ? 0 : place + parameter.size());
+            if (sign == std::string::npos) std::exit(2);
+            const std::string value = text.substr(sign + 1);
+            offer.forms.emplace_back(text.substr(0, sign), text[sign] == '@' ? contentsOf(value.c_str()) : value);
+        }
+    }
+    return offer;
+}
+
+GdkAtom atom(const char* name) {
+    return gdk_atom_intern(name, false);
+}
+
+std::string promisedUri(GdkDragContext* context) {
+    guchar* bytes = nullptr;
+    gint length = 0;
+    gdk_property_get(gdk_drag_context_get_source_window(context), atom(promiseTarget), atom("text/plain"), 0, 4096,
+                     false, nullptr, nullptr, &length, &bytes);
+    std::string result(reinterpret_cast<char*>(bytes), bytes ? size_t(length) : 0);
+    g_free(bytes);
+    return result;
+}
+
+void setPromise(GdkDragContext* context, const std::string& name) {
+    gdk_property_change(gdk_drag_context_get_source_window(context), atom(promiseTarget), atom("text/plain"), 8,
+                        GDK_PROP_MODE_REPLACE, reinterpret_cast<const guchar*>(name.data()), gint(name.size()));
+}
+
+void began(GtkWidget*, GdkDragContext* context, Offer* offer) {
+    if (!offer->promise.empty()) setPromise(context, offer->promisedName);
+    say("drag-begin\n");
+}
+
+void keepPromise(GdkDragContext* context, GtkSelectionData* answer, const Offer& offer) {
+    // A loop within the loop: the program lives on, but this answer never goes out.
+    if (offer.promise == "silent") g_main_loop_run(g_main_loop_new(nullptr, false));
+    bool saved = false;
+    char* host = nullptr;
+    char* path = g_filename_from_uri(promisedUri(context).c_str(), &host, nullptr);
+    if (path && offer.promise == "works" && (!host || !strcmp(host, g_get_host_name())))
+        saved =
+            g_file_set_contents(path, offer.promisedContents.data(), gssize(offer.promisedContents.size()), nullptr);
+    if (saved) say("saved %s\n", path);
+    g_free(path);
+    g_free(host);
+    gtk_selection_data_set(answer, gtk_selection_data_get_target(answer), 8,
+                           reinterpret_cast<const guchar*>(saved ? "S" : "F"), 1);
+}
+
+void asked(GtkWidget*, GdkDragContext* context, GtkSelectionData* answer, guint number, guint, Offer* offer) {
+    char* target = gdk_atom_name(gtk_selection_data_get_target(answer));
+    say("data %s\n", target);
+    g_free(target);
+    if (offer->hang) raise(SIGSTOP);
+    if (number == offer->forms.size()) return keepPromise(context, answer, *offer);
+    const std::string& bytes = offer->forms[number].second;
+    gtk_selection_data_set(answer, gtk_selection_data_get_target(answer), 8,
+                           reinterpret_cast<const guchar*>(bytes.data()), gint(bytes.size()));
+}
+
+void ended(GtkWidget*, GdkDragContext* context, Offer* offer) {
+    const GdkDragAction action = gdk_drag_context_get_selected_action(context);
+    const char* name = action == GDK_ACTION_COPY ? "copy" : action == GDK_ACTION_MOVE ? "move" : "none";
+    if (offer->promise.empty())
+        say("drag-end %s\n", name);
+    else
+        say("drag-end %s %s\n", name, promisedUri(context).empty() ? "void" : "kept");
+}
+
+gboolean failed(GtkWidget*, GdkDragContext*, GtkDragResult result) {
+    say("drag-failed %d\n", int(result));
+    return true;  // no picture that flies back
+}
+}  // namespace
+
+int main(int argc, char** argv) {
+    gdk_set_allowed_backends("x11");
+    gtk_init(&argc, &argv);
+    if (argc < 3) return 2;
+    Offer offer = offerOf(argv + 3);
+
+    GtkWidget* window = gtk_window_new(GTK_WINDOW_POPUP);
+    gtk_window_set_default_size(GTK_WINDOW(window), 100, 100);
+    gtk_window_move(GTK_WINDOW(window), std::atoi(argv[1]), std::atoi(argv[2]));
+    std::vector<GtkTargetEntry> targets;
+    for (auto& form : offer.forms) targets.push_back({form.first.data(), 0, guint(targets.size())});
+    std::string promise = promiseTarget;
+    if (!offer.promise.empty()) targets.push_back({promise.data(), 0, guint(targets.size())});
+    gtk_drag_source_set(window, GDK_BUTTON1_MASK, targets.data(), gint(targets.size()),
+                        GdkDragAction(GDK_ACTION_COPY | GDK_ACTION_MOVE));
+    g_signal_connect(window, "drag-begin", G_CALLBACK(began), &offer);
+    g_signal_connect(window, "drag-data-get", G_CALLBACK(asked), &offer);
+    g_signal_connect(window, "drag-data-delete", G_CALLBACK(+[] { say("delete\n"); }), nullptr);
+    g_signal_connect(window, "drag-failed", G_CALLBACK(failed), nullptr);
+    g_signal_connect(window, "drag-end", G_CALLBACK(ended), &offer);
+    g_signal_connect(window, "map-event", G_CALLBACK(+[](GtkWidget*) -> gboolean {
+                         say("ready\n");
+                         return false;
+                     }),
+                     nullptr);
+    gtk_widget_show(window);
+    gtk_main();
+}
