@@ -7,19 +7,10 @@
 #include "platform/FileUrls.h"
 #include "platform/linux/Openers.h"
 #include "platform/linux/ThreadQueues.h"
+#include "support/HeldQueue.h"
 #include "support/XSession.h"
 
 namespace {
-
-/// A queue that does nothing until it is told to.
-class HeldQueue : public BackgroundQueue {
- public:
-    void run(std::function<void()> job) override { jobs.push_back(std::move(job)); }
-    void work() {
-        for (const auto& job : std::exchange(jobs, {})) job();
-    }
-    std::vector<std::function<void()>> jobs;
-};
 
 class Openers : public testing::Test {
  protected:
@@ -127,7 +118,7 @@ TEST_F(Openers, RevealInTheFileManagerElseOpenTheFolder) {
 
 TEST_F(Openers, RevealWithoutABus) {
     programs.install("xdg-open");
-    const EnvironmentVariable none("DBUS_SESSION_BUS_ADDRESS", "unix:path=/no/such/bus");
+    const EnvironmentVariable none("DBUS_SESSION_BUS_ADDRESS", TestBus::address());
     revealFile(queue, fileUrl("/tmp/x"));
     EXPECT_TRUE(tells("xdg-open", {"file:///tmp/"}));
 }
