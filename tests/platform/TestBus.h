@@ -32,13 +32,15 @@ class TestBus {
         daemon_.waitForFinished();
     }
 
+    /// Where it listens; nobody does while there is none. The bus library remembers the addresses that it was told
+    /// first, so it is the same for all of this process.
+    static QByteArray address() { return "unix:path=" + folder().path().toUtf8() + "/bus"; }
+
  private:
-    // The bus library remembers the addresses that it was told first, so all buses of this process have the same.
     static const QTemporaryDir& folder() {
         static const QTemporaryDir folder;
         return folder;
     }
-    static QByteArray address() { return "unix:path=" + folder().path().toUtf8() + "/bus"; }
 
     EnvironmentVariable session_{"DBUS_SESSION_BUS_ADDRESS", address()};
     EnvironmentVariable system_{"DBUS_SYSTEM_BUS_ADDRESS", address()};

@@ -7,17 +7,18 @@
 #include <QRegularExpression>
 #include <QSet>
 #include <QStandardPaths>
-#include <QTextStream>
+
+#include "platform/FileUrls.h"
 
 namespace {
 bool same(const QString& a, const QString& b) {
     return !a.isEmpty() && a.compare(b, Qt::CaseInsensitive) == 0;
 }
 
-/// The command of an Exec line. Arguments that stand for files, icons and names go; "%%" is a per cent sign.
-QStringList withoutFieldCodes(const QString& exec) {
+/// The command without the arguments that stand for files, icons and names; "%%" is a per cent sign.
+QStringList withoutFieldCodes(const QStringList& arguments) {
     QStringList result;
-    for (QString part : QProcess::splitCommand(exec)) {
+    for (QString part : arguments) {
         if (part.size() == 2 && part[0] == u'%' && part[1] != u'%') continue;
         result.append(part.replace(QStringLiteral("%%"), QStringLiteral("%")));
     }
@@ -31,10 +32,37 @@ QString DesktopEntry::program() const {
 
 bool DesktopEntry::owns(const QString& instance, const QString& className) const {
     if (!windowClass.isEmpty()) return same(windowClass, instance) || same(windowClass, className);
-    for (const QString& name : {id, id.section(u'.', -1), program()}) {
-        if (same(name, instance) || same(name, className)) return true;
+    for (const QString& own : {id, id.section(u'.', -1), program()}) {
+        if (same(own, instance) || same(own, className)) return true;
     }
     return false;
+}
+
+QList<QByteArray> commandFor(const DesktopEntry& entry, const QUrl& thing) {
+    const QByteArray address = thing.toEncoded();
+    const QByteArray path = thing.isLocalFile() ? pathOf(thing) : address;
+    QList<QByteArray> command;
+    bool placed = false;
+    for (const QString& text : entry.arguments) {
+        const QByteArray argument = text.toUtf8();
+        QByteArray word;
+        for (qsizetype i = 0; i < argument.size(); ++i) {
+            if (argument[i] != '%' || i + 1 == argument.size()) {
+                word += argument[i];
+                continue;
+            }
+            const char code = argument[++i];
+            const bool file = code == 'f' || code == 'F', url = code == 'u' || code == 'U';
+            if (code == '%') word += '%';
+            if (code == 'c') word += entry.name.toUtf8();
+            if (file || url) word += file ? path : address;
+            placed = placed || file || url;
+        }
+        const bool nothingToStandFor = word.isEmpty() && argument.startsWith('%');
+        if (!nothingToStandFor) command.append(word);
+    }
+    if (!placed) command.append(path);
+    return command;
 }
 
 std::optional<DesktopEntry> parseDesktopEntry(const QString& id, const QString& text) {
@@ -51,14 +79,21 @@ std::optional<DesktopEntry> parseDesktopEntry(const QString& id, const QString& 
         if (!inGroup || trimmed.startsWith(u'#') || equals < 0) continue;
         const QStringView key = trimmed.left(equals).trimmed();
         const QString value = trimmed.mid(equals + 1).trimmed().toString();
+        if (key == QLatin1String("Name")) entry.name = value;
         if (key == QLatin1String("Type"))
             application = value == QLatin1String("Application");
         else if (key == QLatin1String("Hidden") && value == QLatin1String("true"))
             return {};
+        else if (key == QLatin1String("Terminal"))
+            entry.inTerminal = value == QLatin1String("true");
+        else if (key == QLatin1String("TryExec"))
+            entry.condition = value;
+        else if (key == QLatin1String("MimeType"))
+            entry.mimeTypes = value.split(u';', Qt::SkipEmptyParts);
         else if (key == QLatin1String("Name") || key.startsWith(QLatin1String("Name[")))
             entry.names.append(value);
         else if (key == QLatin1String("Exec"))
-            entry.command = withoutFieldCodes(value);
+            entry.command = withoutFieldCodes(entry.arguments = QProcess::splitCommand(value));
         else if (key == QLatin1String("StartupWMClass"))
             entry.windowClass = value;
         else if (key == QLatin1String("Categories"))

@@ -1,0 +1,53 @@
+#include "platform/linux/DesktopSharing.h"
+
+#include <array>
+
+#include "platform/FileUrls.h"
+#include "platform/linux/ShareTargets.h"
+
+namespace {
+constexpr double kPatience = 2;
+constexpr std::array kFinders{mailOffers, kdeConnectOffers, bluetoothOffers, programOffers};
+
+/// Waits on the main thread for what the finders tell.
+struct Gathering {
+    std::array<QList<ShareOffer>, kFinders.size()> parts;
+    size_t missing = kFinders.size();
+    TimerHandle timeout;
+    std::function<void(const QList<ShareOffer>&)> found;  // empty once it was called
+
+    void finish(const ShareOffer& last) {
+        timeout.cancel();
+        const auto call = std::exchange(found, {});
+        if (!call) return;
+        QList<ShareOffer> all;
+        for (const auto& part : parts) all.append(part);
+        call(all << last);
+    }
+};
+
+ShareOffer copying(Pasteboard& pasteboard, const QUrl& thing) {
+    const bool file = thing.isLocalFile();
+    const QString text = file ? QString::fromUtf8(pathOf(thing)) : QString::fromLatin1(thing.toEncoded());
+    return {file ? QStringLiteral("Copy path") : QStringLiteral("Copy link"),
+            [&pasteboard, text] { pasteboard.setString(text); },
+            {}};
+}
+}  // namespace
+
+void DesktopSharing::offers(const QUrl& thing, std::function<void(const QList<ShareOffer>&)> found) {
+    const auto gathering = std::make_shared<Gathering>();
+    gathering->found = [alive = std::weak_ptr(alive_), found = std::move(found)](const QList<ShareOffer>& all) {
+        if (!alive.expired()) found(all);
+    };
+    const ShareOffer copy = copying(pasteboard_, thing);
+    gathering->timeout = loop_.after(kPatience, [gathering, copy] { gathering->finish(copy); });
+    for (size_t i = 0; i < kFinders.size(); ++i) {
+        queue_.run([&queue = queue_, &loop = loop_, gathering, copy, thing, i] {
+            loop.post([gathering, copy, i, part = kFinders[i](queue, thing)] {
+                gathering->parts[i] = part;
+                if (--gathering->missing == 0) gathering->finish(copy);
+            });
+        });
+    }
+}

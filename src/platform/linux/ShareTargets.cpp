@@ -1,0 +1,132 @@
+#include "platform/linux/ShareTargets.h"
+
+#include <QDBusArgument>
+#include <QDBusObjectPath>
+#include <QStandardPaths>
+
+#include "platform/FileUrls.h"
+#include "platform/linux/MessageBus.h"
+#include "platform/linux/MimeTypes.h"
+#include "platform/linux/Openers.h"
+#include "platform/linux/Programs.h"
+#include "platform/linux/ProgramsFor.h"
+
+namespace {
+constexpr double kPatience = 1;
+constexpr int kMostPrograms = 12;
+constexpr int kMostDevices = 8;
+
+const QString kKdeConnect = QStringLiteral("org.kde.kdeconnect");
+const QString kBluetooth = QStringLiteral("org.bluez");
+
+bool installed(const char* program) {
+    return !QStandardPaths::findExecutable(QLatin1String(program)).isEmpty();
+}
+
+bool succeeded(const QDBusMessage& answer) {
+    return answer.type() == QDBusMessage::ReplyMessage && !answer.arguments().isEmpty();
+}
+
+/// A name that others have given, fit for a menu.
+QString asTitle(const QString& name) {
+    constexpr int longest = 40;
+    const QString plain = name.simplified();
+    return plain.size() > longest ? plain.first(longest - 1) + u'\u2026' : plain;
+}
+
+/// Whether there is something in it to send: a link, or a file that is no folder.
+bool sendable(const QUrl& thing) {
+    if (!thing.isLocalFile()) return true;
+    const QMimeType type = mimeTypeOf(pathOf(thing));
+    return type.isValid() && type.name() != QLatin1String("inode/directory");
+}
+
+ShareOffer starting(BackgroundQueue& queue, const QString& title, const QList<QByteArray>& command) {
+    return {title, [&queue, command] { queue.run([command] { startProgram(command); }); }, {}};
+}
+
+/// The types under which programs are registered for the thing, the closest first.
+QStringList typesOf(const QUrl& thing) {
+    if (!thing.isLocalFile()) return {QStringLiteral("x-scheme-handler/") + thing.scheme()};
+    const QMimeType type = mimeTypeOf(pathOf(thing));
+    if (!type.isValid()) return {};
+    QStringList types = type.allAncestors();
+    types.prepend(type.name());
+    types.removeAll(QStringLiteral("application/octet-stream"));
+    return types;
+}
+
+MessageBus::Peer kdeConnectPeer(const QString& below, const char* interface) {
+    return {kKdeConnect, QStringLiteral("/modules/kdeconnect") + below, kKdeConnect + QLatin1String(interface)};
+}
+
+void shareByKdeConnect(const QString& device, const QString& address) {
+    constexpr double patience = 5;
+    const auto peer = kdeConnectPeer(QStringLiteral("/devices/") + device + QStringLiteral("/share"), ".device.share");
+    MessageBus::session().call(peer, QStringLiteral("shareUrl"), {address}, patience);
+}
+
+bool adapterIsOn() {
+    using Interfaces = QMap<QString, QVariantMap>;
+    const MessageBus bus = MessageBus::system();
+    if (!bus.owned(kBluetooth, kPatience)) return false;
+    const auto answer =
+        bus.call({kBluetooth, QStringLiteral("/"), QStringLiteral("org.freedesktop.DBus.ObjectManager")},
+                 QStringLiteral("GetManagedObjects"), {}, kPatience);
+    if (!succeeded(answer) || answer.signature() != QLatin1String("a{oa{sa{sv}}}")) return false;
+    const auto objects = qdbus_cast<QMap<QDBusObjectPath, Interfaces>>(answer.arguments().first());
+    return std::any_of(objects.begin(), objects.end(), [](const Interfaces& interfaces) {
+        return interfaces.value(QStringLiteral("org.bluez.Adapter1")).value(QStringLiteral("Powered")).toBool();
+    });
+}
+}  // namespace
+
+QList<ShareOffer> mailOffers(BackgroundQueue& queue, const QUrl& thing) {
+    const QString title = QStringLiteral("Send by mail\u2026");
+    const bool file = thing.isLocalFile();
+    if (file && !installed("xdg-email")) return {};
+    if (!sendable(thing) || programsFor({QStringLiteral("x-scheme-handler/mailto")}, 1).isEmpty()) return {};
+    if (file) return {starting(queue, title, {"xdg-email", "--attach", pathOf(thing)})};
+    const QUrl mail = QUrl::fromEncoded("mailto:?body=" + thing.toEncoded().toPercentEncoding());
+    return {{title, [&queue, mail] { openUrl(queue, mail); }, {}}};
+}
+
+QList<ShareOffer> kdeConnectOffers(BackgroundQueue& queue, const QUrl& thing) {
+    const MessageBus bus = MessageBus::session();
+    if (!bus.owned(kKdeConnect, kPatience) || !sendable(thing)) return {};
+    const auto answer = bus.call(kdeConnectPeer({}, ".daemon"), QStringLiteral("deviceNames"),
+                                 {true /* reachable */, true /* paired */}, kPatience);
+    if (!succeeded(answer) || answer.signature() != QLatin1String("a{ss}")) return {};
+    const auto names = qdbus_cast<QMap<QString, QString>>(answer.arguments().first());
+    QList<ShareOffer> offers;
+    for (auto device = names.begin(); device != names.end() && offers.size() < kMostDevices; ++device) {
+        const QString below = QStringLiteral("/devices/") + device.key();
+        const auto able = bus.call(kdeConnectPeer(below, ".device"), QStringLiteral("hasPlugin"),
+                                   {QStringLiteral("kdeconnect_share")}, kPatience);
+        if (!succeeded(able) || !able.arguments().first().toBool()) continue;
+        offers.append({QStringLiteral("Send to ") + asTitle(device.value()),
+                       [&queue, id = device.key(), address = QString::fromLatin1(thing.toEncoded())] {
+                           queue.run([id, address] { shareByKdeConnect(id, address); });
+                       },
+                       {}});
+    }
+    return offers;
+}
+
+QList<ShareOffer> bluetoothOffers(BackgroundQueue& queue, const QUrl& thing) {
+    if (!thing.isLocalFile()) return {};
+    for (const char* program : {"bluetooth-sendto", "blueman-sendto"}) {
+        if (!installed(program)) continue;
+        if (!sendable(thing) || !adapterIsOn()) return {};
+        return {starting(queue, QStringLiteral("Send over Bluetooth\u2026"), {program, pathOf(thing)})};
+    }
+    return {};
+}
+
+QList<ShareOffer> programOffers(BackgroundQueue& queue, const QUrl& thing) {
+    ShareOffer openWith{QStringLiteral("Open with"), {}, {}};
+    for (const DesktopEntry& entry : programsFor(typesOf(thing), kMostPrograms))
+        openWith.choices.append(starting(queue, asTitle(entry.name), commandFor(entry, thing)));
+    if (openWith.choices.isEmpty()) return {};
+    return {openWith};
+}
