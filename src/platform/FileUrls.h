@@ -11,7 +11,9 @@ inline QByteArray pathOf(const QUrl& file) {
     return QByteArray::fromPercentEncoding(file.path(QUrl::FullyEncoded).toLatin1());
 }
 
-/// The file URL of an absolute path.
+/// The file URL of an absolute path; equal for equal paths.
 inline QUrl fileUrl(const QByteArray& path) {
+    const QString text = QString::fromUtf8(path);
+    if (text.toUtf8() == path) return QUrl::fromLocalFile(text);
     return QUrl::fromEncoded("file://" + path.toPercentEncoding("/"));
 }
