@@ -21,8 +21,9 @@ QString earlyAfternoon() {
     return QStringLiteral("TST%1").arg(hour - 13);
 }
 
+/// The panel, which hangs lower while its shelf has many rows.
 bool isPanel(const QRect& frame) {
-    return frame.size() == QSize(360, 230);
+    return frame.width() == 360 && frame.height() >= 230 && frame.top() == 0;
 }
 
 QRect frameOf(const XSession& session, xcb_window_t window) {

@@ -53,7 +53,7 @@ class Glimmet {
     /// Gives it no chance to tidy up.
     void kill();
 
-    /// Its window of 360 x 230 points; 0 until it is there.
+    /// Its window of 360 x 230 points or more; 0 until it is there.
     xcb_window_t panel() const;
     QRect panelFrame() const;
     /// Where the panel takes the pointer, in its own coordinates.

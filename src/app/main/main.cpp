@@ -11,6 +11,7 @@
 #include "platform/linux/CanberraSounds.h"
 #include "platform/linux/Desktop.h"
 #include "platform/linux/DesktopIcons.h"
+#include "platform/linux/DesktopSharing.h"
 #include "platform/linux/FilePreferences.h"
 #include "platform/linux/PathReferences.h"
 #include "platform/linux/QtMainLoop.h"
@@ -20,7 +21,6 @@
 #include "platform/linux/SystemClock.h"
 #include "platform/linux/ThreadQueues.h"
 #include "platform/linux/WorkerProcess.h"
-#include "platform/Sharing.h"
 
 int main(int argc, char** argv) {
     const QStringList arguments = [&] {
@@ -54,7 +54,7 @@ int main(int argc, char** argv) {
     CanberraSounds sounds(playing);
     QtPasteboard pasteboard;
     DesktopIcons icons(background, loop);
-    struct NoSharing : Sharing { void offers(const QUrl&, std::function<void(const QList<ShareOffer>&)> f) override { f({}); } } sharing;
+    DesktopSharing sharing(background, loop, pasteboard);
     WorkerProcess worker(QFile::encodeName(QCoreApplication::applicationDirPath() + QStringLiteral("/glimmet-worker")));
     const Desktop desktop = makeDesktop(loop, background);
     const EndSignals endSignals(quit);

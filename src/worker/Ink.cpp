@@ -1,0 +1,221 @@
+#include "worker/Ink.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+
+#include "worker/FlatAreas.h"
+
+namespace {
+
+// Steps in brightness, of 255. Gradients and a lossy format's noise stay below the first, the palest text above the
+// second.
+constexpr int smoothStep = 3;
+constexpr int faintestInk = 28;
+
+/// Text is read off surfaces: the page, a panel, a button, a marked row. What is no surface is ink.
+class Surfaces {
+ public:
+    Surfaces(const GreyPicture& picture, const FlatAreas& flat) : picture_(picture), flat_(flat) {
+        for (const FlatAreas::Area& area : flat.areas) {
+            const auto label = uint32_t(surface_.size());
+            surface_.push_back(isBackdrop(area) || isPlate(label, area));
+        }
+    }
+
+    [[nodiscard]] bool contains(size_t pixel) const { return surface_[flat_.labels[pixel]]; }
+    [[nodiscard]] double share() const {
+        double pixels = 0;
+        for (size_t i = 0; i < surface_.size(); ++i) pixels += surface_[i] ? flat_.areas[i].pixels : 0;
+        return pixels / double(picture_.pixels.size());
+    }
+
+ private:
+    /// Large, and too large for a letter or running off the picture.
+    [[nodiscard]] bool isBackdrop(const FlatAreas::Area& area) const {
+        const double share = double(area.pixels) / double(picture_.pixels.size());
+        const bool runsOff =
+            area.left == 0 || area.top == 0 || area.right == picture_.width - 1 || area.bottom == picture_.height - 1;
+        return share > 0.2 || (share > 0.01 && runsOff);
+    }
+
+    /// Shaped like a rectangle, with round corners maybe, and large enough to write on. No letter fills its box like
+    /// this: all four sides and corners, even a little inside.
+    [[nodiscard]] bool isPlate(uint32_t label, const FlatAreas::Area& area) const {
+        if (area.width() < 24 || area.height() < 12 || area.width() < area.height() / 2) return false;
+        const int inside = std::min(area.width(), area.height()) / 8;
+        const int left = area.left + inside;
+        const int right = area.right - inside;
+        const int top = area.top + inside;
+        const int bottom = area.bottom - inside;
+        const auto has = [&](int x, int y) { return flat_.labels[picture_.at(x, y)] == label; };
+        if (!has(left, top) || !has(right, top) || !has(left, bottom) || !has(right, bottom)) return false;
+        int above = 0;
+        int below = 0;
+        for (int x = area.left; x <= area.right; ++x) {
+            above += has(x, top);
+            below += has(x, bottom);
+        }
+        int before = 0;
+        int after = 0;
+        for (int y = area.top; y <= area.bottom; ++y) {
+            before += has(left, y);
+            after += has(right, y);
+        }
+        return std::min(above, below) > 0.7 * area.width() && std::min(before, after) > 0.6 * area.height();
+    }
+
+    const GreyPicture& picture_;
+    const FlatAreas& flat_;
+    std::vector<bool> surface_;
+};
+
+/// Whether the pixel is where one surface passes into another: they are a pixel or two away, one brighter, one darker.
+bool isSeam(const GreyPicture& picture, const Surfaces& surfaces, int x, int y) {
+    constexpr int reach = 2;
+    const int value = picture.pixels[picture.at(x, y)];
+    bool brighter = false;
+    bool darker = false;
+    for (int ny = std::max(0, y - reach); ny <= std::min(picture.height - 1, y + reach); ++ny) {
+        for (int nx = std::max(0, x - reach); nx <= std::min(picture.width - 1, x + reach); ++nx) {
+            const size_t there = picture.at(nx, ny);
+            if (!surfaces.contains(there)) continue;
+            brighter |= picture.pixels[there] > value;
+            darker |= picture.pixels[there] < value;
+        }
+    }
+    return brighter && darker;
+}
+
+/// For each pixel, how far it is from the value of the surface nearest to it: 0 on the surface itself.
+std::vector<uint8_t> contrasts(const GreyPicture& picture, const Surfaces& surfaces) {
+    struct Nearest {
+        int distance;
+        uint8_t value;
+    };
+    std::vector<Nearest> nearest(picture.pixels.size(), {1 << 28, 0});
+    for (size_t i = 0; i < nearest.size(); ++i) {
+        if (surfaces.contains(i)) nearest[i] = {0, picture.pixels[i]};
+    }
+    // Two sweeps of a chamfer distance, 3 to a side and 4 to a corner.
+    const auto sweep = [&](int from, int to, int step) {
+        for (int row = from; row != to; row += step) {
+            for (int i = 0; i < picture.width; ++i) {
+                const int x = step > 0 ? i : picture.width - 1 - i;
+                Nearest& here = nearest[picture.at(x, row)];
+                const auto from_ = [&](int dx, int dy, int cost) {
+                    const int nx = x + dx;
+                    const int ny = row + dy;
+                    if (nx < 0 || ny < 0 || nx >= picture.width || ny >= picture.height) return;
+                    const Nearest& there = nearest[picture.at(nx, ny)];
+                    if (there.distance + cost < here.distance) here = {there.distance + cost, there.value};
+                };
+                from_(-step, 0, 3);
+                from_(-1, -step, 4);
+                from_(0, -step, 3);
+                from_(1, -step, 4);
+            }
+        }
+    };
+    sweep(0, picture.height, 1);
+    sweep(picture.height - 1, -1, -1);
+
+    std::vector<uint8_t> result(nearest.size());
+    for (int y = 0; y < picture.height; ++y) {
+        for (int x = 0; x < picture.width; ++x) {
+            const size_t i = picture.at(x, y);
+            if (nearest[i].distance == 0 || isSeam(picture, surfaces, x, y)) continue;
+            result[i] = uint8_t(std::abs(picture.pixels[i] - nearest[i].value));
+        }
+    }
+    return result;
+}
+
+/// The strongest contrast near each place, by tiles and their neighbours.
+class Neighbourhoods {
+ public:
+    explicit Neighbourhoods(const GreyPicture& contrast)
+        : columns_(contrast.width / tile + 1),
+          rows_(contrast.height / tile + 1),
+          strongest_(size_t(columns_) * size_t(rows_)) {
+        for (int y = 0; y < contrast.height; ++y) {
+            for (int x = 0; x < contrast.width; ++x) {
+                uint8_t& most = strongest_[size_t(y / tile * columns_ + x / tile)];
+                most = std::max(most, contrast.pixels[contrast.at(x, y)]);
+            }
+        }
+    }
+
+    [[nodiscard]] int strongestNear(int x, int y) const {
+        int most = 0;
+        for (int row = std::max(0, y / tile - 1); row <= std::min(rows_ - 1, y / tile + 1); ++row) {
+            for (int column = std::max(0, x / tile - 1); column <= std::min(columns_ - 1, x / tile + 1); ++column) {
+                most = std::max<int>(most, strongest_[size_t(row * columns_ + column)]);
+            }
+        }
+        return most;
+    }
+
+ private:
+    static constexpr int tile = 16;
+    int columns_;
+    int rows_;
+    std::vector<uint8_t> strongest_;
+};
+
+/// Brings each connected piece of ink to full contrast by itself, drops what is too faint, and measures the letters.
+/// Beside strong ink, a faint piece is a lossy format's noise, or a little paler text.
+Ink develop(const GreyPicture& contrast) {
+    GreyPicture mask = contrast;
+    for (uint8_t& value : mask.pixels) value = value > smoothStep ? 255 : 0;
+    const FlatAreas pieces = findFlatAreas(mask, 0);
+    std::vector<int> strongest(pieces.areas.size());
+    for (size_t i = 0; i < contrast.pixels.size(); ++i) {
+        int& most = strongest[pieces.labels[i]];
+        most = std::max<int>(most, contrast.pixels[i]);
+    }
+    const Neighbourhoods neighbourhoods(contrast);
+    for (size_t i = 0; i < pieces.areas.size(); ++i) {
+        const FlatAreas::Area& piece = pieces.areas[i];
+        const int near = neighbourhoods.strongestNear((piece.left + piece.right) / 2, (piece.top + piece.bottom) / 2);
+        if (strongest[i] < std::max(faintestInk, near / 5)) {
+            strongest[i] = 0;
+        } else {
+            strongest[i] = std::max(strongest[i], near / 2);
+        }
+    }
+    Ink ink{contrast, 0};
+    for (size_t i = 0; i < contrast.pixels.size(); ++i) {
+        const int most = strongest[pieces.labels[i]];
+        ink.picture.pixels[i] = most == 0 ? 255 : uint8_t(255 - 255 * contrast.pixels[i] / most);
+    }
+
+    // The median of the pieces' heights, where a piece counts for as much as it is wide: dots and rules do not.
+    std::array<long, 201> widths{};
+    long all = 0;
+    for (size_t i = 0; i < pieces.areas.size(); ++i) {
+        const FlatAreas::Area& piece = pieces.areas[i];
+        if (strongest[i] == 0 || piece.height() < 4 || piece.height() >= int(widths.size()) ||
+            piece.width() > 20 * piece.height())
+            continue;
+        widths[size_t(piece.height())] += piece.width();
+        all += piece.width();
+    }
+    long below = 0;
+    for (size_t height = 0; height < widths.size() && all > 0; ++height) {
+        below += widths[height];
+        if (2 * below >= all) {
+            ink.letterHeight = int(height);
+            break;
+        }
+    }
+    return ink;
+}
+
+}  // namespace
+
+Ink findInk(const GreyPicture& picture) {
+    const FlatAreas flat = findFlatAreas(picture, smoothStep);
+    const Surfaces surfaces(picture, flat);
+    return develop({picture.width, picture.height, contrasts(picture, surfaces)});
+}

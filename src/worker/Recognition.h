@@ -1,0 +1,11 @@
+#pragma once
+
+#include <QByteArray>
+#include <QStringList>
+#include <optional>
+
+#include "worker/GreyPicture.h"
+
+/// The lines of dark text on a light picture, in reading order: a column is read to its end before the next. Letters
+/// should be about thirty pixels tall. Absent when none of the languages is installed.
+std::optional<QStringList> recognise(const GreyPicture& picture, const QByteArray& languages);
