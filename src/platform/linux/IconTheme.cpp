@@ -112,7 +112,7 @@ QString IconTheme::find(const QStringList& icons, int pixels) const {
             if (icon.isEmpty() || icon.contains(u'/')) continue;
             for (const Folder& folder : folders) {
                 for (const char* suffix : {".png", ".svg"}) {
-                    const QString file = folder.path + icon + QLatin1String(suffix);
+                    QString file = folder.path + icon + QLatin1String(suffix);
                     if (QFileInfo::exists(file)) return file;
                 }
             }
