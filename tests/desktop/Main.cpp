@@ -1,9 +1,12 @@
 #include <gtest/gtest.h>
 
-#include <QCoreApplication>
+#include <QGuiApplication>
 
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
-    const QCoreApplication application(argc, argv);  // the tools' output arrives through its events
+    // The tools' output arrives through its events, and pictures are painted with its fonts.
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QGuiApplication application(argc, argv);
+    qunsetenv("QT_QPA_PLATFORM");
     return RUN_ALL_TESTS();
 }

@@ -64,11 +64,15 @@ QProcessEnvironment Home::environment() const {
 }
 
 Glimmet::Glimmet(const XSession& session, const Home& home, const QStringList& flags)
+    : Glimmet(session, home.environment(), home, flags) {}
+
+Glimmet::Glimmet(const XSession& session, const QProcessEnvironment& environment, const Home& home,
+                 const QStringList& flags)
     : Glimmet(
           [&] {
-              auto environment = home.environment();
-              environment.insert(QStringLiteral("DISPLAY"), QString::fromLatin1(session.display()));
-              return environment;
+              auto there = environment;
+              there.insert(QStringLiteral("DISPLAY"), QString::fromLatin1(session.display()));
+              return there;
           }(),
           home, flags) {
     session_ = &session;

@@ -31,6 +31,9 @@ class Glimmet {
  public:
     /// Starts it on the session's display. It has written nothing yet.
     Glimmet(const XSession& session, const Home& home, const QStringList& flags = {});
+    /// The same in an environment that has been changed.
+    Glimmet(const XSession& session, const QProcessEnvironment& environment, const Home& home,
+            const QStringList& flags);
     /// Starts it without a session, in the given environment.
     Glimmet(const QProcessEnvironment& environment, const Home& home, const QStringList& flags = {});
     ~Glimmet();

@@ -1,12 +1,10 @@
 #include <gtest/gtest.h>
 
-#include <QFileInfo>
-#include <QProcess>
 #include <QTemporaryDir>
 
 #include "platform/linux/CanberraSounds.h"
 #include "platform/linux/ThreadQueues.h"
-#include "support/XSession.h"
+#include "support/SoundServer.h"
 
 namespace {
 
@@ -20,25 +18,14 @@ class SoundsTest : public testing::Test {
     }
 
     void startServer() {
-        const std::string listen = "module-native-protocol-unix auth-anonymous=1 socket=" + socket_.toStdString();
-        server_ = std::make_unique<Child>(
-            std::vector<std::string>{"pulseaudio", "-n", "--daemonize=no", "--use-pid-file=no", "--exit-idle-time=-1",
-                                     "--disable-shm=yes", "-L", "module-null-sink", "-L", listen});
-        ASSERT_TRUE(waitFor([this] { return QFileInfo::exists(socket_) && !pactl({u"info"_qs}).isEmpty(); }, 20))
-            << "no sound server";
-    }
-
-    static QByteArray pactl(const QStringList& arguments) {
-        QProcess process;
-        process.start(u"pactl"_qs, arguments);
-        return process.waitForFinished(5000) && process.exitCode() == 0 ? process.readAllStandardOutput()
-                                                                        : QByteArray();
+        server_ = std::make_unique<SoundServer>(socket_);
+        ASSERT_TRUE(server_->started()) << "no sound server";
     }
 
     /// Whether the server plays something for this process now.
-    static bool playing() {
+    bool playing() const {
         const QByteArray ours = "application.process.id = \"" + QByteArray::number(getpid()) + '"';
-        return pactl({u"list"_qs, u"sink-inputs"_qs}).contains(ours);
+        return server_ && server_->pactl({u"list"_qs, u"sink-inputs"_qs}).contains(ours);
     }
 
     /// Whether all that was to be played has ended within `seconds`.
@@ -50,7 +37,7 @@ class SoundsTest : public testing::Test {
 
     QTemporaryDir folder_;
     QString socket_ = folder_.filePath(u"sound"_qs);
-    std::unique_ptr<Child> server_;
+    std::unique_ptr<SoundServer> server_;
     ThreadSerialQueue queue_;
     CanberraSounds sounds_{queue_};
 };
@@ -59,9 +46,9 @@ TEST_F(SoundsTest, PlayOnTheUsersServerAndLeaveIt) {
     startServer();
     for (const QString& name : {u"Glass"_qs, u"Pop"_qs}) {
         sounds_.play(name);
-        EXPECT_TRUE(waitFor([] { return playing(); })) << name.toStdString();
+        EXPECT_TRUE(waitFor([this] { return playing(); })) << name.toStdString();
         EXPECT_TRUE(ends(10)) << name.toStdString();
-        EXPECT_TRUE(waitFor([] { return !playing(); })) << name.toStdString();
+        EXPECT_TRUE(waitFor([this] { return !playing(); })) << name.toStdString();
     }
 }
 
@@ -80,7 +67,7 @@ TEST_F(SoundsTest, WithoutAServerNothingHappensForLong) {
 TEST_F(SoundsTest, AServerThatEndsInTheMiddleHoldsNothingUp) {
     startServer();
     sounds_.play(u"Glass"_qs);
-    ASSERT_TRUE(waitFor([] { return playing(); }));
+    ASSERT_TRUE(waitFor([this] { return playing(); }));
     server_.reset();
     EXPECT_TRUE(ends(12));
 }

@@ -9,6 +9,7 @@
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QProcess>
 #include <QThread>
 #include <cstring>
 #include <stdexcept>
@@ -160,6 +161,14 @@ xcb_window_t XSession::activeWindow() const {
     return reply && reply->value_len == 1 ? *static_cast<xcb_window_t*>(xcb_get_property_value(reply.get())) : XCB_NONE;
 }
 
+QByteArray XSession::clipboard() const {
+    QProcess reader;
+    reader.start(QStringLiteral("xclip"),
+                 {QStringLiteral("-display"), QString::fromLatin1(display_), QStringLiteral("-selection"),
+                  QStringLiteral("clipboard"), QStringLiteral("-o")});
+    return reader.waitForFinished(5000) ? reader.readAllStandardOutput() : QByteArray();
+}
+
 QList<xcb_window_t> XSession::stacking() const {
     const auto reply = owned(xcb_query_tree_reply(connection_, xcb_query_tree(connection_, root_), nullptr));
     const xcb_window_t* first = xcb_query_tree_children(reply.get());
@@ -183,6 +192,24 @@ void XSession::release(int button) {
 }
 void XSession::key(int keycode, bool down) {
     fake(down ? XCB_KEY_PRESS : XCB_KEY_RELEASE, keycode);
+}
+
+void XSession::tapKey(uint32_t keysym, int times) {
+    const xcb_setup_t* setup = xcb_get_setup(connection_);
+    const int first = setup->min_keycode, count = setup->max_keycode - first + 1;
+    const auto cookie = xcb_get_keyboard_mapping(connection_, uint8_t(first), uint8_t(count));
+    const auto mapping = owned(xcb_get_keyboard_mapping_reply(connection_, cookie, nullptr));
+    require(mapping != nullptr, "no keyboard mapping");
+    const xcb_keysym_t* symbols = xcb_get_keyboard_mapping_keysyms(mapping.get());
+    int keycode = 0;
+    for (int i = 0; i < count && !keycode; ++i) {
+        if (symbols[i * mapping->keysyms_per_keycode] == keysym) keycode = first + i;
+    }
+    require(keycode != 0, "no key has this symbol");
+    for (int i = 0; i < times; ++i) {
+        key(keycode, true);
+        key(keycode, false);
+    }
 }
 
 void XSession::click(QPoint place, int button) {

@@ -68,6 +68,8 @@ class XSession {
     QImage screenshot(const QRect& area) const;
     /// The window in _NET_ACTIVE_WINDOW; 0 for none.
     xcb_window_t activeWindow() const;
+    /// What another program gets as text from the clipboard.
+    QByteArray clipboard() const;
     /// The root's children, from the bottom to the top.
     QList<xcb_window_t> stacking() const;
 
@@ -77,6 +79,8 @@ class XSession {
     void release(int button);
     void click(QPoint place, int button = 1);
     void key(int keycode, bool down);
+    /// Presses and releases the key with this symbol `times` times.
+    void tapKey(uint32_t keysym, int times = 1);
     /// Moves the pointer in a straight line, one motion every `stepMilliseconds`; Qt works meanwhile.
     void glide(QPoint from, QPoint to, int steps, double stepMilliseconds);
 
