@@ -20,6 +20,9 @@ class Drop : public DesktopTest {
         source = std::make_unique<DragTool>(session, DragTool::Kind::source, kSource, offer);
         ASSERT_TRUE(source->drag(session, kOnNotch));
         ASSERT_TRUE(waitForBody(300, 120)) << "it opens its mouth";
+        // The source looks for its target when the pointer moves.
+        ASSERT_TRUE(waitFor([&] { return windowAt(kOnNotch) == glimmet->panel(); }));
+        session.glide(kOnNotch, kOnNotch + QPoint(0, 6), 6, 15);
         session.release(1);
     }
     bool ended() { return !source->lines().filter(QStringLiteral("drag-end")).isEmpty(); }
