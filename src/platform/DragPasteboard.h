@@ -7,10 +7,11 @@ class DragPasteboard {
  public:
     virtual ~DragPasteboard() = default;
 
-    /// Grows with each drag that begins anywhere; costs nothing to ask.
+    /// Grows with each drag that begins anywhere, and may grow when one is over; costs nothing to ask.
     virtual int changeCount() const = 0;
-    /// Asks what the latest drag carries and calls `answer` later, once: with true if it can be read as URLs, a
-    /// promised file or text. A source that does not answer within two seconds counts as carrying nothing of these.
-    /// A question that is overtaken by the next one is not answered.
+    /// Asks what the present drag carries and calls `answer` later, once: with true if it can be read as URLs, a
+    /// promised file or text, and with false if it cannot or nothing is being dragged, or this program drags. A source
+    /// that does not tell within a fraction of a second counts as carrying something of these: what it does carry is
+    /// known once it is over the panel. A question that is overtaken by the next one is not answered.
     virtual void canReadUsable(std::function<void(bool usable)> answer) = 0;
 };

@@ -13,10 +13,11 @@ class Drop {
  public:
     virtual ~Drop() = default;
 
-    /// The MIME types on offer, best first in the source's opinion. Plain text in any of its older names is
-    /// "text/plain;charset=utf-8".
+    /// Those MIME types on offer that are links, text or images, best first in the source's opinion. Plain text in any
+    /// of its older names is "text/plain;charset=utf-8".
     virtual QStringList types() const = 0;
-    /// Reads one form; absent when the source refuses, stalls for more than five seconds, or sends more than 64 MiB.
+    /// Reads one form and calls `done` once, perhaps at once; absent when the source refuses, sends nothing, stalls for
+    /// more than five seconds, takes more than a minute, or sends more than 64 MiB. Text is valid UTF-8.
     virtual void load(const QString& type, std::function<void(std::optional<QByteArray>)> done) = 0;
 
     /// The base name of a file that the source offers to write where we say, as the source gives it: to be trusted in

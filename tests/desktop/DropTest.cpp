@@ -17,7 +17,7 @@ class Drop : public DesktopTest {
 
     /// Drags from a new source onto the creature and lets go.
     void drop(const QList<QByteArray>& offer) {
-        source = std::make_unique<DragTool>(session, DragTool::Kind::source, kSource, offer);
+        source = std::make_unique<DragTool>(session, DragTool::Kind::gtkSource, kSource, offer);
         ASSERT_TRUE(source->drag(session, kOnNotch));
         ASSERT_TRUE(waitForBody(300, 120)) << "it opens its mouth";
         // The source looks for its target when the pointer moves.
@@ -48,7 +48,7 @@ class Drop : public DesktopTest {
 
 TEST_F(Drop, TheMouthOpensAsAUsableDragComesNearAndClosesAsItGoes) {
     source =
-        std::make_unique<DragTool>(session, DragTool::Kind::source, kSource, QList<QByteArray>{"UTF8_STRING=soup"});
+        std::make_unique<DragTool>(session, DragTool::Kind::gtkSource, kSource, QList<QByteArray>{"UTF8_STRING=soup"});
     ASSERT_TRUE(source->drag(session, {756, 400}));
     EXPECT_TRUE(waitForBody(185, 58));
     session.glide({756, 400}, {600, 80}, 20, 10);
@@ -59,7 +59,7 @@ TEST_F(Drop, TheMouthOpensAsAUsableDragComesNearAndClosesAsItGoes) {
     EXPECT_TRUE(waitFor([&] { return ended(); }));
     EXPECT_EQ(stored("glimmet.bites"), QByteArray());
 
-    source = std::make_unique<DragTool>(session, DragTool::Kind::source, kSource,
+    source = std::make_unique<DragTool>(session, DragTool::Kind::gtkSource, kSource,
                                         QList<QByteArray>{"application/x-color=12345678"});
     ASSERT_TRUE(source->drag(session, kOnNotch + QPoint(0, 40)));
     letPass(0.5);
@@ -152,7 +152,7 @@ TEST_F(Drop, ComesBackFromHidingForADragButNotForTheWeather) {
     ASSERT_TRUE(glimmet->started());
     ASSERT_TRUE(waitForBody(300, 94));
     source =
-        std::make_unique<DragTool>(session, DragTool::Kind::source, kSource, QList<QByteArray>{"UTF8_STRING=rain"});
+        std::make_unique<DragTool>(session, DragTool::Kind::gtkSource, kSource, QList<QByteArray>{"UTF8_STRING=rain"});
     ASSERT_TRUE(source->drag(session, kOnNotch));
     letPass(0.3);
     EXPECT_TRUE(waitForBody(300, 94)) << "the weather takes no drops";

@@ -123,7 +123,7 @@ TEST_F(ShelfOfChips, ANoteGoesToTheClipboardOfAnyProgram) {
 TEST_F(ShelfOfChips, AFileIsDraggedOutToAnotherProgram) {
     hold({file("out going.bin", QByteArray("\0\1\2bytes", 8))});
     start();
-    DragTool target(session, DragTool::Kind::target, {200, 600});
+    DragTool target(session, DragTool::Kind::gtkTarget, {200, 600});
     openShelf();
     hoverChip(0, 1);
     session.press(1);

@@ -1,4 +1,8 @@
+#include <gmock/gmock.h>
+
+#include <QColor>
 #include <QCoreApplication>
+#include <QMimeData>
 #include <QMouseEvent>
 
 #include "platform/linux/QtPanelWindow.h"
@@ -25,6 +29,17 @@ class PlainPanel : public testing::Test {
         QCoreApplication::sendEvent(&panel.window(), &event);
     }
 
+    /// A drag of `offer` comes over the window and is dropped there; whether each was accepted.
+    QList<bool> drop(const QMimeData& offer) {
+        const auto actions = Qt::CopyAction | Qt::MoveAction;
+        QDragEnterEvent enter({60, 10}, actions, &offer, Qt::LeftButton, Qt::NoModifier);
+        QDropEvent end({60, 10}, actions, &offer, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(&panel.window(), &enter);
+        QCoreApplication::sendEvent(&panel.window(), &end);
+        EXPECT_EQ(end.dropAction(), Qt::CopyAction) << "the source would delete what was moved";
+        return {enter.isAccepted(), end.isAccepted()};
+    }
+
     QtPanelWindow panel;
     QString events;
 };
@@ -43,6 +58,52 @@ TEST_F(PlainPanel, FollowsAPressThatBeganInsideTheInputRegion) {
     send(QEvent::MouseButtonRelease, outside, Qt::RightButton, Qt::NoButton);
     send(QEvent::MouseMove, inside, Qt::NoButton, Qt::NoButton);
     EXPECT_EQ(events, QStringLiteral("press0 drag press1 release0 release1 "));
+}
+
+TEST_F(PlainPanel, BeginsNoDragOnceTheButtonIsUp) {
+    const QPointF inside{60, 10};
+    for (int round = 0; round < 2; ++round) {
+        send(QEvent::MouseButtonPress, inside, Qt::LeftButton, Qt::LeftButton);
+        panel.dragOut(QUrl(QStringLiteral("file:///a")), QImage(10, 10, QImage::Format_RGB32), {});
+        send(QEvent::MouseMove, inside, Qt::NoButton, Qt::LeftButton);
+        send(QEvent::MouseButtonRelease, inside, Qt::LeftButton, Qt::NoButton);
+        QCoreApplication::processEvents();  // a drag would not return
+    }
+    EXPECT_EQ(events, QStringLiteral("press0 press0 "));
+    panel.dragOut(QUrl(QStringLiteral("file:///a")), QImage(10, 10, QImage::Format_RGB32), {});
+    QCoreApplication::processEvents();
+}
+
+TEST_F(PlainPanel, TakesDropsWhileItAcceptsThem) {
+    bool accepts = true;
+    std::shared_ptr<Drop> taken;
+    QList<bool> targeted;
+    panel.onDropTargeted = [&](bool over) { targeted.append(over); };
+    panel.onDrop = [&](std::shared_ptr<Drop> drop) { taken = std::move(drop); };
+    QMimeData offer, colour;
+    colour.setColorData(QColor(Qt::red));
+    offer.setData(QStringLiteral("a/a"), "1");
+    offer.setText(QStringLiteral("caf\u00e9"));
+    offer.setUrls({QUrl(QStringLiteral("file:///a%20%FF"))});
+    EXPECT_EQ(drop(offer), (QList{false, false})) << "nobody has said that drops are accepted";
+
+    panel.acceptsDrop = [&] { return accepts; };
+    EXPECT_EQ(drop(colour), (QList{false, false}));
+    accepts = false;
+    EXPECT_EQ(drop(offer), (QList{false, false}));
+    EXPECT_TRUE(targeted.empty());
+    accepts = true;
+    EXPECT_EQ(drop(offer), (QList{true, true}));
+    EXPECT_EQ(targeted, (QList{true, false}));
+
+    ASSERT_NE(taken, nullptr);
+    offer.clear();
+    const QString text = QStringLiteral("text/plain;charset=utf-8"), uris = QStringLiteral("text/uri-list");
+    EXPECT_THAT(taken->types(), testing::UnorderedElementsAre(text, uris));
+    QList<std::optional<QByteArray>> loaded;
+    for (const QString& type : {text, uris, QStringLiteral("a/a")})
+        taken->load(type, [&](const auto& bytes) { loaded.append(bytes); });
+    EXPECT_EQ(loaded, (QList<std::optional<QByteArray>>{"caf\xc3\xa9", "file:///a%20%FF\r\n", std::nullopt}));
 }
 
 TEST_F(PlainPanel, DrawsWhileVisibleOnlyAndAllOfItAfterAResize) {

@@ -15,8 +15,8 @@ const QString uriType = QStringLiteral("text/uri-list");
 class X11Drop : public X11Test {
  protected:
     /// Drags what `arguments` offer onto the panel and lets go there.
-    void drop(const QList<QByteArray>& arguments) {
-        source = std::make_unique<DragTool>(session(), DragTool::Kind::source, QPoint(100, 500), arguments);
+    void drop(const QList<QByteArray>& arguments, DragTool::Kind kind = DragTool::Kind::gtkSource) {
+        source = std::make_unique<DragTool>(session(), kind, QPoint(100, 500), arguments);
         ASSERT_TRUE(source->drag(session(), pixel({320, 60})));
         ASSERT_TRUE(waitFor([&] { return panel.targeted == QList{true}; }));
         session().release(1);
@@ -78,6 +78,15 @@ TEST_F(X11Drop, ReadsEveryFormThatProgramsOffer) {
     }
 }
 
+TEST_F(X11Drop, TakesACopyFromQt) {
+    drop({"text/uri-list=file:///a%20b", "text/plain=caf\xc3\xa9"}, DragTool::Kind::qtSource);
+    ASSERT_NE(panel.drop, nullptr);
+    EXPECT_EQ(panel.loads(uriType), "file:///a%20b\r\n");
+    EXPECT_EQ(panel.loads(textType), "caf\xc3\xa9");
+    panel.drop.reset();
+    EXPECT_TRUE(sourceSaid("drag-end copy"));
+}
+
 TEST_F(X11Drop, IsRefusedWhereThePanelDoesNotAcceptItOrCannotUseIt) {
     const struct {
         bool accepts;
@@ -85,7 +94,7 @@ TEST_F(X11Drop, IsRefusedWhereThePanelDoesNotAcceptItOrCannotUseIt) {
     } cases[] = {{false, "text/uri-list=file:///a\r\n"}, {true, "application/x-color=red"}};
     for (const auto& [accepts, offered] : cases) {
         panel.accepts = accepts;
-        source = std::make_unique<DragTool>(session(), DragTool::Kind::source, QPoint(100, 500), QList{offered});
+        source = std::make_unique<DragTool>(session(), DragTool::Kind::gtkSource, QPoint(100, 500), QList{offered});
         ASSERT_TRUE(source->drag(session(), pixel({320, 60})));
         if (!accepts) {
             ASSERT_TRUE(waitFor([&] { return panel.asked > 0; }));
@@ -99,7 +108,7 @@ TEST_F(X11Drop, IsRefusedWhereThePanelDoesNotAcceptItOrCannotUseIt) {
 
 TEST_F(X11Drop, TargetsThePanelOnlyWhileTheDragIsOverIt) {
     source =
-        std::make_unique<DragTool>(session(), DragTool::Kind::source, QPoint(100, 500), QList<QByteArray>{"TEXT=a"});
+        std::make_unique<DragTool>(session(), DragTool::Kind::gtkSource, QPoint(100, 500), QList<QByteArray>{"TEXT=a"});
     const QPoint over = pixel({320, 60}), away(900, 600);
     ASSERT_TRUE(source->drag(session(), over));
     ASSERT_TRUE(waitFor([&] { return panel.targeted == QList{true}; }));

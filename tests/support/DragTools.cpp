@@ -5,6 +5,20 @@
 #include <QFile>
 #include <stdexcept>
 
+namespace {
+QString program(DragTool::Kind kind) {
+    switch (kind) {
+        case DragTool::Kind::gtkSource:
+            return QStringLiteral(GLIMMET_TOOLS "/gtk-drag-source");
+        case DragTool::Kind::qtSource:
+            return QStringLiteral(GLIMMET_TOOLS "/qt-drag-source");
+        case DragTool::Kind::gtkTarget:
+            return QStringLiteral(GLIMMET_TOOLS "/gtk-drop-target");
+    }
+    return {};
+}
+}  // namespace
+
 DragTool::DragTool(const XSession& session, Kind kind, QPoint place, const QList<QByteArray>& arguments)
     : place_(place) {
     QStringList all{QString::number(place.x()), QString::number(place.y())};
@@ -13,11 +27,11 @@ DragTool::DragTool(const XSession& session, Kind kind, QPoint place, const QList
     environment.insert(QStringLiteral("DISPLAY"), QString::fromLatin1(session.display()));
     environment.insert(QStringLiteral("NO_AT_BRIDGE"), QStringLiteral("1"));
     environment.remove(QStringLiteral("GDK_SCALE"));
+    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
+    environment.remove(QStringLiteral("QT_SCALE_FACTOR"));
     process_.setProcessEnvironment(environment);
     process_.setStandardErrorFile(QProcess::nullDevice());
-    const QString folder = QStringLiteral(GLIMMET_TOOLS "/");
-    process_.start(
-        folder + (kind == Kind::source ? QStringLiteral("gtk-drag-source") : QStringLiteral("gtk-drop-target")), all);
+    process_.start(program(kind), all);
     if (!waitFor([this] { return said(QStringLiteral("ready")); }, 10)) throw std::runtime_error("no drag tool");
 }
 

@@ -9,10 +9,10 @@
 /// dropped on. Ends, by its own id, with this object. Needs a QCoreApplication.
 class DragTool {
  public:
-    enum class Kind { source, target };
+    enum class Kind { gtkSource, qtSource, gtkTarget };
 
     /// Starts it with its window's corner at `place`, and returns once the window is there. What a source offers is
-    /// told by `arguments`, see gtk-drag-source.cpp.
+    /// told by `arguments`, see gtk-drag-source.cpp and qt-drag-source.cpp.
     DragTool(const XSession& session, Kind kind, QPoint place, const QList<QByteArray>& arguments = {});
     ~DragTool();
 

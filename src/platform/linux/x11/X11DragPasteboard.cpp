@@ -1,6 +1,7 @@
 #include "platform/linux/x11/X11DragPasteboard.h"
 
 #include <xcb/xfixes.h>
+#include <xcb/xinput.h>
 
 #include <algorithm>
 #include <cstring>
@@ -9,7 +10,9 @@
 #include "platform/linux/x11/DragForms.h"
 
 namespace {
-constexpr double patience = 2;  // seconds
+// A source that lists its targets does so in some milliseconds; a drag is at the creature within half a second.
+constexpr double patience = 0.3;
+constexpr uint32_t lastRealButton = 3;  // the others are wheels, which turn during drags
 constexpr char selectionName[] = "XdndSelection";
 }  // namespace
 
@@ -22,20 +25,31 @@ X11DragPasteboard::X11DragPasteboard(std::shared_ptr<X11Connection> connection, 
     const auto* fixes = connection_->extension(xcb_xfixes_id);
     if (!fixes || !connection_->ask(xcb_xfixes_query_version, xcb_xfixes_query_version_reply, 1, 0)) return;
     firstEvent_ = fixes->first_event;
+    if (const auto* input = connection_->extension(xcb_input_id)) inputOpcode_ = input->major_opcode;
     events_ = connection_->handle([this](const xcb_generic_event_t& event) { handle(event); });
     xcb_xfixes_select_selection_input(connection_->xcb(), connection_->root(), selection_,
                                       XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
                                           XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
                                           XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
+    connection_->selectInputOnRoot(XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS, true);
     connection_->flush();
 }
 
 void X11DragPasteboard::handle(const xcb_generic_event_t& event) {
-    if (code(event) != firstEvent_ + XCB_XFIXES_SELECTION_NOTIFY) return;
-    const auto& notify = as<xcb_xfixes_selection_notify_event_t>(event);
-    if (notify.selection != selection_) return;
-    owner_ = notify.owner;
-    since_ = notify.selection_timestamp;
+    if (code(event) == firstEvent_ + XCB_XFIXES_SELECTION_NOTIFY) {
+        const auto& notify = as<xcb_xfixes_selection_notify_event_t>(event);
+        if (notify.selection == selection_) setOwner(notify.owner, notify.selection_timestamp);
+    } else if (code(event) == XCB_GE_GENERIC && as<xcb_ge_generic_event_t>(event).extension == inputOpcode_) {
+        const auto& raw = as<xcb_input_raw_button_press_event_t>(event);
+        const bool press = raw.event_type == XCB_INPUT_RAW_BUTTON_PRESS && raw.detail <= lastRealButton;
+        // Not every source gives the selection up after a drag, but no drag outlives the next press.
+        if (press && owner_ != XCB_NONE) setOwner(XCB_NONE, XCB_CURRENT_TIME);
+    }
+}
+
+void X11DragPasteboard::setOwner(xcb_window_t owner, xcb_timestamp_t since) {
+    owner_ = owner;
+    since_ = since;
     ++changeCount_;
 }
 
@@ -43,34 +57,22 @@ void X11DragPasteboard::canReadUsable(std::function<void(bool usable)> answer) {
     answer_ = std::move(answer);
     reader_.reset();
     if (owner_ == XCB_NONE || ownWindow_(owner_)) {
-        deadline_ = loop_.after(0, [this] { finish(false); });
+        none_ = loop_.after(0, [this] { finish(false); });
         return;
     }
-    deadline_ = loop_.after(patience, [this] { finish(false); });
+    none_.cancel();
     reader_ = std::make_unique<SelectionReader>(connection_, loop_, selectionName, since_);
     reader_->read(connection_->atom("TARGETS"), patience, [this](const auto& data) {
-        if (!data || data->format != 32 || data->bytes.isEmpty()) return askWithoutTargets();
+        if (!data || data->format != 32 || data->bytes.isEmpty()) return finish(usableByTypeList());
         std::vector<xcb_atom_t> targets(size_t(data->bytes.size()) / sizeof(xcb_atom_t));
         std::memcpy(targets.data(), data->bytes.constData(), targets.size() * sizeof(xcb_atom_t));
         finish(usable(targets));
     });
 }
 
-void X11DragPasteboard::askWithoutTargets() {
-    // Qt refuses to list the targets of a drag, and writes this property when they are more than three.
+bool X11DragPasteboard::usableByTypeList() {
     const auto types = connection_->values(owner_, "XdndTypeList", XCB_ATOM_ATOM);
-    if (!types.empty()) return finish(usable(types));
-    tryEach({"text/uri-list", "UTF8_STRING", "text/plain"});
-}
-
-void X11DragPasteboard::tryEach(std::vector<QByteArray> targets) {
-    if (targets.empty()) return finish(false);
-    const xcb_atom_t target = connection_->atom(targets.front());
-    targets.erase(targets.begin());
-    reader_->read(target, patience, [this, rest = std::move(targets)](const auto& data) {
-        if (data && data->format == 8 && !data->bytes.isEmpty()) return finish(true);
-        tryEach(rest);
-    });
+    return types.empty() || usable(types);
 }
 
 bool X11DragPasteboard::usable(const std::vector<xcb_atom_t>& targets) {
@@ -81,6 +83,6 @@ bool X11DragPasteboard::usable(const std::vector<xcb_atom_t>& targets) {
 
 void X11DragPasteboard::finish(bool usable) {
     reader_.reset();
-    deadline_.cancel();
+    none_.cancel();
     if (const auto answer = std::exchange(answer_, nullptr)) answer(usable);
 }

@@ -11,16 +11,16 @@ class X11DragPasteboard : public DragPasteboard {
     X11DragPasteboard(std::shared_ptr<X11Connection> connection, MainLoop& loop,
                       std::function<bool(xcb_window_t)> ownWindow);
 
-    /// Grows at the end of a drag, too, where its source gives the selection up.
     int changeCount() const override { return changeCount_; }
     void canReadUsable(std::function<void(bool usable)> answer) override;
 
  private:
     void handle(const xcb_generic_event_t& event);
-    /// Goes by the owner's list of types, or by trying where it has none.
-    void askWithoutTargets();
-    /// Answers whether the owner gives any of `targets`.
-    void tryEach(std::vector<QByteArray> targets);
+    void setOwner(xcb_window_t owner, xcb_timestamp_t since);
+    /// During a drag Qt answers nobody but the drop target, and writes a list of types only when they are more than
+    /// three, which those of a file's URL are not. So a source that tells nothing is taken to carry something; the
+    /// drop target will see what it is.
+    bool usableByTypeList();
     bool usable(const std::vector<xcb_atom_t>& targets);
     void finish(bool usable);
 
@@ -29,6 +29,7 @@ class X11DragPasteboard : public DragPasteboard {
     std::function<bool(xcb_window_t)> ownWindow_;
     xcb_atom_t selection_;
     int firstEvent_ = -1;
+    int inputOpcode_ = -1;
     Observation events_;
     int changeCount_ = 0;
     xcb_window_t owner_ = XCB_NONE;
@@ -36,5 +37,5 @@ class X11DragPasteboard : public DragPasteboard {
 
     std::function<void(bool)> answer_;
     std::unique_ptr<SelectionReader> reader_;
-    TimerHandle deadline_;
+    TimerHandle none_;  // the answer while nothing is being dragged
 };
