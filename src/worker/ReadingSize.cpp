@@ -3,12 +3,11 @@
 #include <algorithm>
 #include <cmath>
 
+#include "worker/Recognition.h"
 #include "worker/VipsPointer.h"
 
 namespace {
 
-// Pixels between a small letter and a capital; smaller and larger ones were measured to be read less well.
-constexpr double letterHeight = 24;
 // Recognition keeps several pictures of this size, and counts pixels in 16 bits.
 constexpr double mostPixels = 40e6;
 constexpr double longestSide = 30000;
@@ -19,7 +18,7 @@ GreyPicture atReadingSize(Ink ink) {
     GreyPicture& picture = ink.picture;
     const double pixels = double(picture.width) * picture.height;
     const double scale =
-        std::min({std::clamp(letterHeight / ink.letterHeight, 0.5, 4.0), std::sqrt(mostPixels / pixels),
+        std::min({std::clamp(double(readingHeight) / ink.letterHeight, 0.5, 4.0), std::sqrt(mostPixels / pixels),
                   longestSide / std::max(picture.width, picture.height)});
     const VipsPointer before(vips_image_new_from_memory(picture.pixels.data(), picture.pixels.size(), picture.width,
                                                         picture.height, 1, VIPS_FORMAT_UCHAR));
