@@ -14,7 +14,7 @@ namespace {
 /// little confidence too, but they look like writing.
 bool isText(const QString& line, float percent, int height) {
     const auto letters = std::count_if(line.begin(), line.end(), [](QChar c) { return c.isLetterOrNumber(); });
-    if (percent >= 70) return true;
+    if (percent >= 90) return true;
     if (percent >= 50) return letters > 0;
     return letters >= 4 && 2 * letters > line.size() && height < 4 * readingHeight;
 }
