@@ -3,12 +3,18 @@
 #include <leptonica/allheaders.h>
 #include <omp.h>
 #include <tesseract/baseapi.h>
+#include <tesseract/ocrclass.h>
 #include <tesseract/resultiterator.h>
 
 #include <algorithm>
+#include <chrono>
 #include <memory>
 
 namespace {
+
+// A screen that is full of small print takes ten seconds or more. When the time is up, what was read so far is the
+// answer.
+constexpr std::chrono::milliseconds patience = std::chrono::seconds(40);
 
 /// Whether a line is text, and not what was recognised in an icon or a photograph. Addresses and program text have
 /// little confidence too, but they look like writing.
@@ -50,6 +56,8 @@ std::optional<QStringList> recognise(const GreyPicture& picture, const QByteArra
     engine.SetVariable("tessedit_do_invert", "0");
     engine.SetPageSegMode(tesseract::PSM_AUTO);
     engine.SetImage(picture.pixels.data(), picture.width, picture.height, 1, picture.width);
-    if (engine.Recognize(nullptr) != 0) return QStringList();
+    tesseract::ETEXT_DESC monitor;
+    monitor.set_deadline_msecs(int(patience.count()));
+    engine.Recognize(&monitor);
     return linesOf(engine);
 }

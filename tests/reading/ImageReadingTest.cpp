@@ -128,6 +128,13 @@ TEST_F(ImageReading, ReadsAPictureLargerThanAnyScreen) {
     EXPECT_EQ(text("huge.png"), fruit[0] + u'\n' + fruit[2]);
 }
 
+TEST_F(ImageReading, FailsWhereNoLanguageIsInstalled) {
+    ASSERT_TRUE(fruitPage().save(path("a.png")));
+    qputenv("TESSDATA_PREFIX", QFile::encodeName(path(".")));
+    EXPECT_EQ(failure("a.png"), 0);
+    qunsetenv("TESSDATA_PREFIX");
+}
+
 TEST_F(ImageReading, CannotOpenWhatIsNoImage) {
     write("text.png", "Not a picture, though it is called one.");
     write("empty.png", {});
