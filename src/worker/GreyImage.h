@@ -1,10 +1,13 @@
 #pragma once
 
-#include <optional>
+#include <vips/vips8>
 
 #include "worker/GreyPicture.h"
-#include "worker/VipsPointer.h"
 
 /// The image upright and without colour. What is transparent becomes white, or black where the rest is bright; an image
-/// that has more pixels than any screen is made smaller. Absent when the image cannot be decoded to its end.
-std::optional<GreyPicture> greyPicture(VipsPointer image);
+/// that has more pixels than any screen is made smaller. Throws vips::VError when the image cannot be decoded to its
+/// end.
+GreyPicture greyPicture(const vips::VImage& image);
+
+/// The picture at another size, which is at least a pixel each way.
+GreyPicture resized(const GreyPicture& picture, double scale);

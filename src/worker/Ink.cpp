@@ -24,11 +24,6 @@ class Surfaces {
     }
 
     [[nodiscard]] bool contains(size_t pixel) const { return surface_[flat_.labels[pixel]]; }
-    [[nodiscard]] double share() const {
-        double pixels = 0;
-        for (size_t i = 0; i < surface_.size(); ++i) pixels += surface_[i] ? flat_.areas[i].pixels : 0;
-        return pixels / double(picture_.pixels.size());
-    }
 
  private:
     /// Large, and too large for a letter or running off the picture.
@@ -164,25 +159,27 @@ class Neighbourhoods {
 };
 
 /// Brings each connected piece of ink to full contrast by itself, drops what is too faint, and measures the letters.
-/// Beside strong ink, a faint piece is a lossy format's noise, or a little paler text.
+/// Beside strong ink, what is faint is a lossy format's noise; it must not connect the letters either.
 Ink develop(const GreyPicture& contrast) {
+    const Neighbourhoods neighbourhoods(contrast);
     GreyPicture mask = contrast;
-    for (uint8_t& value : mask.pixels) value = value > smoothStep ? 255 : 0;
+    for (int y = 0; y < mask.height; ++y) {
+        for (int x = 0; x < mask.width; ++x) {
+            uint8_t& value = mask.pixels[mask.at(x, y)];
+            value = value > std::max(smoothStep, neighbourhoods.strongestNear(x, y) / 8) ? 255 : 0;
+        }
+    }
     const FlatAreas pieces = findFlatAreas(mask, 0);
     std::vector<int> strongest(pieces.areas.size());
     for (size_t i = 0; i < contrast.pixels.size(); ++i) {
         int& most = strongest[pieces.labels[i]];
-        most = std::max<int>(most, contrast.pixels[i]);
+        if (mask.pixels[i] != 0) most = std::max<int>(most, contrast.pixels[i]);
     }
-    const Neighbourhoods neighbourhoods(contrast);
     for (size_t i = 0; i < pieces.areas.size(); ++i) {
         const FlatAreas::Area& piece = pieces.areas[i];
         const int near = neighbourhoods.strongestNear((piece.left + piece.right) / 2, (piece.top + piece.bottom) / 2);
-        if (strongest[i] < std::max(faintestInk, near / 5)) {
-            strongest[i] = 0;
-        } else {
-            strongest[i] = std::max(strongest[i], near / 2);
-        }
+        const bool isInk = strongest[i] >= std::max(faintestInk, near / 5);
+        strongest[i] = isInk ? std::max(strongest[i], near / 2) : 0;
     }
     Ink ink{contrast, 0};
     for (size_t i = 0; i < contrast.pixels.size(); ++i) {
@@ -212,9 +209,40 @@ Ink develop(const GreyPicture& contrast) {
     return ink;
 }
 
+/// The value that as many of the counted ones are below as above.
+int median(const std::array<size_t, 256>& counts) {
+    size_t all = 0;
+    for (const size_t count : counts) all += count;
+    size_t below = 0;
+    int value = 0;
+    while (value < 255 && (below += counts[size_t(value)]) * 2 < all) ++value;
+    return value;
+}
+
+/// Whether even neighbours on one surface differ: a camera's or a scanner's picture.
+bool isGrainy(const GreyPicture& picture) {
+    std::array<size_t, 256> steps{};
+    for (size_t i = 1; i < picture.pixels.size(); ++i) {
+        ++steps[size_t(std::abs(picture.pixels[i] - picture.pixels[i - 1]))];
+    }
+    return median(steps) > smoothStep;
+}
+
+Ink asDarkOnLight(const GreyPicture& picture) {
+    std::array<size_t, 256> values{};
+    for (const uint8_t value : picture.pixels) ++values[value];
+    // Cameras give more pixels than letters need; what is this small is a piece of something.
+    Ink ink{picture, picture.pixels.size() < 1'500'000 ? 12 : 24};
+    if (median(values) < 128) {
+        for (uint8_t& value : ink.picture.pixels) value = uint8_t(255 - value);
+    }
+    return ink;
+}
+
 }  // namespace
 
 Ink findInk(const GreyPicture& picture) {
+    if (isGrainy(picture)) return asDarkOnLight(picture);
     const FlatAreas flat = findFlatAreas(picture, smoothStep);
     const Surfaces surfaces(picture, flat);
     return develop({picture.width, picture.height, contrasts(picture, surfaces)});

@@ -1,12 +1,12 @@
 #pragma once
 
 #include <QByteArray>
+#include <vips/vips8>
 
 #include "worker/Result.h"
-#include "worker/VipsPointer.h"
 
 /// The first page of a PDF on white, two pixels a point. It is rendered while it is read, so that reading can still
-/// fail.
+/// throw vips::VError.
 ///
 /// Failures: 4 the file cannot be opened as a PDF, is locked or has no page, 5 the page is larger than any paper.
-Result<VipsPointer> openPdfPage(const QByteArray& path);
+Result<vips::VImage> openPdfPage(const QByteArray& path);

@@ -3,34 +3,43 @@
 #include <leptonica/allheaders.h>
 #include <omp.h>
 #include <tesseract/baseapi.h>
+#include <tesseract/ocrclass.h>
 #include <tesseract/resultiterator.h>
 
+#include <algorithm>
+#include <chrono>
 #include <memory>
 
 namespace {
 
-// Percent. What is recognised in pictures and icons is mostly below, real words are far above.
-constexpr float leastConfidence = 30;
+// A screen that is full of small print takes ten seconds or more. When the time is up, what was read so far is the
+// answer.
+constexpr std::chrono::milliseconds patience = std::chrono::seconds(40);
 
-QString confidentWords(tesseract::ResultIterator& words) {
-    QString line;
-    do {
-        const std::unique_ptr<char[]> word(words.GetUTF8Text(tesseract::RIL_WORD));
-        if (word && words.Confidence(tesseract::RIL_WORD) >= leastConfidence) {
-            line += QString::fromUtf8(word.get()) + u' ';
-        }
-    } while (!words.IsAtFinalElement(tesseract::RIL_TEXTLINE, tesseract::RIL_WORD) && words.Next(tesseract::RIL_WORD));
-    return line.simplified();
+/// Whether a line is text, and not what was recognised in an icon or a photograph. Addresses and program text have
+/// little confidence too, but they look like writing.
+bool isText(const QString& line, float percent, int height) {
+    const auto letters = std::count_if(line.begin(), line.end(), [](QChar c) { return c.isLetterOrNumber(); });
+    if (percent >= 90) return true;
+    if (percent >= 50) return letters > 0;
+    return letters >= 4 && 2 * letters > line.size() && height < 4 * readingHeight;
 }
 
-QStringList confidentLines(tesseract::TessBaseAPI& engine) {
+QStringList linesOf(tesseract::TessBaseAPI& engine) {
     QStringList lines;
-    const std::unique_ptr<tesseract::ResultIterator> words(engine.GetIterator());
-    if (!words) return lines;
+    const std::unique_ptr<tesseract::ResultIterator> place(engine.GetIterator());
+    if (!place) return lines;
+    constexpr auto level = tesseract::RIL_TEXTLINE;
     do {
-        if (words->Empty(tesseract::RIL_WORD)) continue;
-        if (const QString line = confidentWords(*words); !line.isEmpty()) lines += line;
-    } while (words->Next(tesseract::RIL_WORD));
+        const std::unique_ptr<char[]> text(place->GetUTF8Text(level));
+        int left = 0;
+        int top = 0;
+        int right = 0;
+        int bottom = 0;
+        if (!text || !place->BoundingBox(level, &left, &top, &right, &bottom)) continue;
+        const QString line = QString::fromUtf8(text.get()).simplified();
+        if (!line.isEmpty() && isText(line, place->Confidence(level), bottom - top)) lines += line;
+    } while (place->Next(level));
     return lines;
 }
 
@@ -47,6 +56,8 @@ std::optional<QStringList> recognise(const GreyPicture& picture, const QByteArra
     engine.SetVariable("tessedit_do_invert", "0");
     engine.SetPageSegMode(tesseract::PSM_AUTO);
     engine.SetImage(picture.pixels.data(), picture.width, picture.height, 1, picture.width);
-    if (engine.Recognize(nullptr) != 0) return QStringList();
-    return confidentLines(engine);
+    tesseract::ETEXT_DESC monitor;
+    monitor.set_deadline_msecs(int(patience.count()));
+    engine.Recognize(&monitor);
+    return linesOf(engine);
 }

@@ -6,6 +6,10 @@
 
 #include "worker/GreyPicture.h"
 
+/// What letters should measure, in pixels, between a small letter and a capital. Both smaller and larger ones are read
+/// less well, or more slowly.
+constexpr int readingHeight = 22;
+
 /// The lines of dark text on a light picture, in reading order: a column is read to its end before the next. Letters
 /// should be about thirty pixels tall. Absent when none of the languages is installed.
 std::optional<QStringList> recognise(const GreyPicture& picture, const QByteArray& languages);

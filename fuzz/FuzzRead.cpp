@@ -1,0 +1,44 @@
+// Opens images and PDF pages from bytes that may be anything, as far as the picture that recognition would be given.
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <string>
+
+#include "worker/GreyImage.h"
+#include "worker/Ink.h"
+#include "worker/OpenImage.h"
+#include "worker/PdfPage.h"
+#include "worker/ReadingSize.h"
+
+namespace {
+
+/// Gives the image, or throws; both are fine.
+template <class Open>
+void prepare(Open open) {
+    try {
+        const Ink ink = findInk(greyPicture(open()));
+        if (ink.letterHeight > 0) atReadingSize(ink);
+    } catch (const vips::VError&) {
+    }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerInitialize(int*, char*** argv) {
+    if (VIPS_INIT((*argv)[0]) != 0) abort();
+    vips_cache_set_max(0);
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    const int file = memfd_create("input", MFD_CLOEXEC);
+    if (file < 0 || write(file, data, size) != ssize_t(size)) abort();
+    const QByteArray path = QByteArray::fromStdString("/proc/self/fd/" + std::to_string(file));
+    prepare([&] { return openImage(path); });
+    Result<vips::VImage> page = openPdfPage(path);
+    if (const auto* image = std::get_if<vips::VImage>(&page)) prepare([&] { return *image; });
+    vips_error_clear();
+    close(file);
+    return 0;
+}

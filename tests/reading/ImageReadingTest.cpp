@@ -1,0 +1,149 @@
+#include <sys/stat.h>
+#include <vips/vips.h>
+
+#include <QPainter>
+#include <QRandomGenerator>
+
+#include "reading/Reading.h"
+#include "reading/Screenshots.h"
+
+namespace {
+
+const QStringList fruit{QStringLiteral("Apples and pears"), QStringLiteral("Plums"), QStringLiteral("Wild cherries")};
+
+QImage fruitPage() {
+    return drawPage(fruit, face(QStringLiteral("DejaVu Sans"), 15), darkOnLight);
+}
+
+class ImageReading : public Reading {};
+
+TEST_F(ImageReading, JoinsThreeLinesWithLineFeeds) {
+    ASSERT_TRUE(fruitPage().save(path("a.png")));
+    EXPECT_EQ(text("a.png"), QStringLiteral("Apples and pears\nPlums\nWild cherries"));
+}
+
+// What was measured when this was written is below half of each bound.
+TEST_F(ImageReading, ReadsScreenshots) {
+    double sum = 0;
+    const std::vector<Screenshot> shots = fewScreenshots();
+    for (const Screenshot& shot : shots) {
+        ASSERT_TRUE(shot.picture.save(path("shot.png")));
+        const QString got = text("shot.png");
+        const double wrong = characterErrorRate(shot.text, got);
+        EXPECT_LE(wrong, 0.02) << qPrintable(shot.name) << ":\n" << qPrintable(got);
+        sum += wrong;
+    }
+    EXPECT_LE(sum / double(shots.size()), 0.008);
+}
+
+TEST_F(ImageReading, ReadsACamerasGrain) {
+    QImage picture = drawPage(fruit, face(QStringLiteral("Liberation Serif"), 22), lightOnDark);
+    QRandomGenerator random(1);
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            const int value = std::clamp(qGray(picture.pixel(x, y)) + int(random.bounded(41)) - 20, 0, 255);
+            picture.setPixel(x, y, qRgb(value, value, value));
+        }
+    }
+    ASSERT_TRUE(picture.save(path("grain.png")));
+    EXPECT_EQ(text("grain.png"), fruit.join(u'\n'));
+}
+
+TEST_F(ImageReading, FindsNothingWhereNothingIsWritten) {
+    QImage picture(400, 300, QImage::Format_ARGB32);
+    for (const QColor color : {QColor(Qt::white), QColor(Qt::black), QColor(Qt::transparent)}) {
+        picture.fill(color);
+        ASSERT_TRUE(picture.save(path("blank.png")));
+        EXPECT_EQ(read("blank.png"), Result<QString>(Failure{7, QStringLiteral("no text found")}))
+            << qPrintable(color.name());
+    }
+    QLinearGradient sky(0, 0, 400, 300);
+    sky.setColorAt(0, QColor(0x20, 0x40, 0x90));
+    sky.setColorAt(1, QColor(0xf0, 0xc0, 0x90));
+    {
+        QPainter painter(&picture);
+        painter.fillRect(picture.rect(), sky);
+        painter.fillRect(100, 200, 30, 2, Qt::white);
+    }
+    ASSERT_TRUE(picture.save(path("sky.png")));
+    EXPECT_EQ(failure("sky.png"), 7);
+    ASSERT_TRUE(QImage(1, 1, QImage::Format_RGB32).save(path("dot.png")));
+    EXPECT_EQ(failure("dot.png"), 7);
+}
+
+TEST_F(ImageReading, ReadsLightTextOnNothing) {
+    for (const QColor color : {QColor(Qt::white), QColor(Qt::black)}) {
+        QImage picture(360, 60, QImage::Format_ARGB32);
+        picture.fill(Qt::transparent);
+        {
+            QPainter painter(&picture);
+            painter.setFont(face(QStringLiteral("DejaVu Sans"), 15));
+            painter.setPen(color);
+            painter.drawText(20, 35, fruit[0]);
+        }
+        ASSERT_TRUE(picture.save(path("label.png")));
+        EXPECT_EQ(text("label.png"), fruit[0]) << qPrintable(color.name());
+    }
+}
+
+TEST_F(ImageReading, TakesEveryKindOfImageByItsContent) {
+    ASSERT_TRUE(fruitPage().save(path("a.png")));
+    ASSERT_TRUE(fruitPage().save(path("a.bmp")));
+    VipsImage* picture = vips_image_new_from_file(QFile::encodeName(path("a.png")).constData(), nullptr);
+    ASSERT_NE(picture, nullptr);
+    std::vector<const char*> names{"a.png", "a.bmp"};
+    for (const char* name : {"a.jpg", "a.gif", "a.tiff", "a.webp", "a.heic"}) {
+        ASSERT_EQ(vips_image_write_to_file(picture, QFile::encodeName(path(name)).constData(), nullptr), 0) << name;
+        names.push_back(name);
+    }
+    g_object_unref(picture);
+    for (const char* name : names) {
+        ASSERT_TRUE(QFile::copy(path(name), path("any.jpeg")));
+        EXPECT_EQ(text("any.jpeg"), fruit.join(u'\n')) << name;
+        QFile::remove(path("any.jpeg"));
+    }
+}
+
+TEST_F(ImageReading, TurnsAPhotographUpright) {
+    ASSERT_TRUE(fruitPage().transformed(QTransform().rotate(-90)).save(path("a.png")));
+    VipsImage* picture = vips_image_new_from_file(QFile::encodeName(path("a.png")).constData(), nullptr);
+    ASSERT_NE(picture, nullptr);
+    vips_image_set_int(picture, VIPS_META_ORIENTATION, 6);
+    ASSERT_EQ(vips_image_write_to_file(picture, QFile::encodeName(path("turned.jpg")).constData(), "Q", 95, nullptr),
+              0);
+    g_object_unref(picture);
+    EXPECT_EQ(text("turned.jpg"), fruit.join(u'\n'));
+}
+
+TEST_F(ImageReading, ReadsAPictureLargerThanAnyScreen) {
+    QImage picture(6000, 4500, QImage::Format_Grayscale8);
+    picture.fill(Qt::white);
+    {
+        QPainter painter(&picture);
+        painter.setFont(face(QStringLiteral("DejaVu Sans"), 40));
+        painter.drawText(700, 3000, fruit[0]);
+        painter.drawText(700, 3100, fruit[2]);
+    }
+    ASSERT_TRUE(picture.save(path("huge.png")));
+    EXPECT_EQ(text("huge.png"), fruit[0] + u'\n' + fruit[2]);
+}
+
+TEST_F(ImageReading, FailsWhereNoLanguageIsInstalled) {
+    ASSERT_TRUE(fruitPage().save(path("a.png")));
+    qputenv("TESSDATA_PREFIX", QFile::encodeName(path(".")));
+    EXPECT_EQ(failure("a.png"), 0);
+    qunsetenv("TESSDATA_PREFIX");
+}
+
+TEST_F(ImageReading, CannotOpenWhatIsNoImage) {
+    write("text.png", "Not a picture, though it is called one.");
+    write("empty.png", {});
+    write("headless.png", QByteArray("\x89PNG\r\n\x1a\n", 8) + QByteArray(100, 'x'));
+    ASSERT_EQ(mkfifo(QFile::encodeName(path("pipe.png")).constData(), 0600), 0);
+    ASSERT_EQ(mkdir(QFile::encodeName(path("folder.png")).constData(), 0700), 0);
+    for (const char* name : {"text.png", "empty.png", "headless.png", "pipe.png", "folder.png", "missing.png"}) {
+        EXPECT_EQ(read(name), Result<QString>(Failure{1, QStringLiteral("couldn't open the image")})) << name;
+    }
+}
+
+}  // namespace

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QTemporaryDir>
+
+#include "worker/ReadText.h"
+
+/// A folder of its own, and what reading makes of a file in it.
+class Reading : public testing::Test {
+ protected:
+    QString path(const char* name) const { return folder_.filePath(QLatin1String(name)); }
+    Result<QString> read(const char* name) const { return readText(QFile::encodeName(path(name))); }
+
+    /// Empty when reading failed.
+    QString text(const char* name) const {
+        const Result<QString> result = read(name);
+        return std::holds_alternative<QString>(result) ? std::get<QString>(result) : QString();
+    }
+    /// -1 when it did not.
+    int failure(const char* name) const {
+        const Result<QString> result = read(name);
+        return std::holds_alternative<Failure>(result) ? std::get<Failure>(result).code : -1;
+    }
+    void write(const char* name, const QByteArray& bytes) const {
+        QFile file(path(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        ASSERT_EQ(file.write(bytes), bytes.size());
+    }
+
+ private:
+    QTemporaryDir folder_;
+};
