@@ -46,7 +46,8 @@ void write(const VImage& picture, ChewMode mode, int descriptor) {
     const bool isBare = vips_image_get_typeof(picture.get_image(), VIPS_META_ICC_NAME) == 0;
     auto* const options = VImage::option()->set("strip", isBare);
     if (mode == ChewMode::png)
-        picture.pngsave_target(target, options);
+        // Mostly photographs: smaller and, for 100 megapixels of noise, twice as fast as with the defaults.
+        picture.pngsave_target(target, options->set("filter", VIPS_FOREIGN_PNG_FILTER_SUB)->set("compression", 4));
     else
         picture.jpegsave_target(target, options->set("Q", mode == ChewMode::smaller ? 65 : 85));
 }

@@ -67,7 +67,7 @@ constexpr int kRefused[] = {
     SCMP_SYS(chmod), SCMP_SYS(fchmod), SCMP_SYS(fchmodat), SCMP_SYS(chown), SCMP_SYS(fchown), SCMP_SYS(lchown),
     SCMP_SYS(fchownat), SCMP_SYS(setxattr), SCMP_SYS(lsetxattr), SCMP_SYS(fsetxattr), SCMP_SYS(removexattr),
     SCMP_SYS(lremovexattr), SCMP_SYS(fremovexattr), SCMP_SYS(utime), SCMP_SYS(utimes), SCMP_SYS(futimesat),
-    SCMP_SYS(utimensat), SCMP_SYS(truncate)};
+    SCMP_SYS(utimensat), SCMP_SYS(truncate), SCMP_SYS(openat2)};
 
 bool refuseSystemCalls() {
     const Filter filter(seccomp_init(SCMP_ACT_ALLOW), &seccomp_release);
@@ -75,17 +75,22 @@ bool refuseSystemCalls() {
     const auto refuse = [&](int call, auto... when) {
         return seccomp_rule_add(filter.get(), SCMP_ACT_ERRNO(EPERM), call, sizeof...(when), when...) == 0;
     };
+    constexpr scmp_datum_t kOpening = O_ACCMODE | O_TRUNC;
     const bool isComplete =
         std::ranges::all_of(kRefused, [&](int call) { return refuse(call); }) &&
         // A thread that fails ends its own process.
         refuse(SCMP_SYS(kill), SCMP_A0(SCMP_CMP_NE, scmp_datum_t(::getpid()), 0)) &&
         refuse(SCMP_SYS(tgkill), SCMP_A0(SCMP_CMP_NE, scmp_datum_t(::getpid()), 0)) &&
         refuse(SCMP_SYS(prlimit64), SCMP_A0(SCMP_CMP_NE, 0, 0)) &&
+        // Opening without writing can still empty a file.
+        refuse(SCMP_SYS(open), SCMP_A1(SCMP_CMP_MASKED_EQ, kOpening, O_RDONLY | O_TRUNC)) &&
+        refuse(SCMP_SYS(open), SCMP_A1(SCMP_CMP_MASKED_EQ, kOpening, kOpening)) &&
+        refuse(SCMP_SYS(openat), SCMP_A2(SCMP_CMP_MASKED_EQ, kOpening, O_RDONLY | O_TRUNC)) &&
+        refuse(SCMP_SYS(openat), SCMP_A2(SCMP_CMP_MASKED_EQ, kOpening, kOpening)) &&
         // Threads only. The newer call's arguments cannot be seen; told that there is none, glibc takes the older one.
         refuse(SCMP_SYS(clone), SCMP_A0(SCMP_CMP_MASKED_EQ, CLONE_THREAD, 0)) &&
         seccomp_rule_add(filter.get(), SCMP_ACT_ERRNO(ENOSYS), SCMP_SYS(clone3), 0) == 0;
-    if (!isComplete) return false;
-    return seccomp_load(filter.get()) == 0;
+    return isComplete && seccomp_load(filter.get()) == 0;
 }
 
 void allow(const Descriptor& ruleset, const char* path, quint64 access) {

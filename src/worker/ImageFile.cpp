@@ -29,6 +29,8 @@ constexpr int kThreads = 2;
 
 /// libvips, with no decoder but those that are called here, and no memory of what it did.
 bool startVips() {
+    // What it cannot decode row by row stays in memory; nothing goes to a temporary file.
+    qputenv("VIPS_DISC_THRESHOLD", "4g");
     if (vips_init("glimmet-worker") != 0) return false;
     // A broken file is no news here.
     g_log_set_handler(

@@ -86,8 +86,7 @@ QSize within(QSize size, int longest) {
 
 VImage resized(const VImage& image, QSize size) {
     if (QSize(image.width(), image.height()) == size) return image;
-    return image.resize(double(size.width()) / image.width(),
-                        VImage::option()->set("vscale", double(size.height()) / image.height()));
+    return image.reduce(double(image.width()) / size.width(), double(image.height()) / size.height());
 }
 
 VImage upright(const VImage& image) {

@@ -16,6 +16,7 @@ vips::VImage opaque(const vips::VImage& image);
 /// The size in pixels at which the longer side is at most `longest`; the other is truncated, but never to nothing.
 QSize within(QSize size, int longest);
 
+/// The image at this size, which is no larger than its own: every pixel counts, weighed by a Lanczos window.
 vips::VImage resized(const vips::VImage& image, QSize size);
 
 /// The image the right way up, as its file says it is to be held; held in memory whole if it has to be turned.

@@ -56,9 +56,12 @@ TEST(Confinement, ReachesNobody) {
                   CHECK_HERE(isRefused(::kill(::getppid(), 0)));
                   CHECK_HERE(::kill(::getpid(), 0) == 0);
                   CHECK_HERE(isRefused(::syscall(SYS_io_uring_setup, 1, nullptr)));
+                  CHECK_HERE(isRefused(::open((folder / "mine").constData(), O_RDONLY | O_TRUNC)));
+                  CHECK_HERE(isRefused(::open((folder / "mine").constData(), O_ACCMODE | O_TRUNC)));
                   CHECK_HERE(isRefused(::chmod((folder / "mine").constData(), 0)));
               }),
               0);
+    EXPECT_EQ(load(folder / "mine"), "mine");
 }
 
 TEST(Confinement, WritesOnlyWhereTheResultGoes) {
