@@ -217,7 +217,7 @@ std::vector<Screenshot> fewScreenshots() {
             page(QStringLiteral("Liberation Sans"), 13, true),
             page(QStringLiteral("FreeSans"), 14, false),
             columns(QStringLiteral("Liberation Serif"), 15, true),
-            drawWindow(QStringLiteral("DejaVu Sans"), 13),
+            drawWindow(QStringLiteral("Liberation Sans"), 15),
             drawHeadline(QStringLiteral("Liberation Sans"), 14, lightOnDark),
             drawGallery(QStringLiteral("DejaVu Sans"), 15)};
 }
