@@ -1,13 +1,12 @@
 // What compare-reading measures with.
 //   reading_samples write FOLDER     draws every screenshot as N.png with its text in N.txt and its name in N.name
-//   reading_samples read FILE        reads a file the way the worker does
 //   reading_samples score TRUTH READ prints the share of wrong characters, in percent
 #include <QFile>
 #include <QGuiApplication>
+#include <QJsonDocument>
 #include <QTextStream>
 
 #include "reading/Screenshots.h"
-#include "worker/ReadText.h"
 
 namespace {
 
@@ -21,6 +20,13 @@ QString get(const QString& path) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) qFatal("cannot read %s", qPrintable(path));
     return QString::fromUtf8(file.readAll()).trimmed();
+}
+
+/// What was read, as plain text or as the worker's answer.
+QString readingIn(const QString& path) {
+    const QString text = get(path);
+    const QJsonDocument answer = QJsonDocument::fromJson(text.toUtf8());
+    return answer.isObject() ? answer[QStringLiteral("text")].toString() : text;
 }
 
 void writeSamples(int& argc, char** argv, const QString& folder) {
@@ -42,11 +48,9 @@ int main(int argc, char** argv) {
     QTextStream out(stdout);
     if (arguments.size() == 2 && arguments[0] == "write") {
         writeSamples(argc, argv, QFile::decodeName(arguments[1]));
-    } else if (arguments.size() == 2 && arguments[0] == "read") {
-        const Result<QString> result = readText(arguments[1]);
-        if (const auto* text = std::get_if<QString>(&result)) out << *text << '\n';
     } else if (arguments.size() == 3 && arguments[0] == "score") {
-        out << 100 * characterErrorRate(get(QFile::decodeName(arguments[1])), get(QFile::decodeName(arguments[2])))
+        out << 100 *
+                   characterErrorRate(get(QFile::decodeName(arguments[1])), readingIn(QFile::decodeName(arguments[2])))
             << '\n';
     } else {
         return 2;

@@ -6,8 +6,8 @@
 #include <string>
 
 #include "worker/GreyImage.h"
+#include "worker/ImageFile.h"
 #include "worker/Ink.h"
-#include "worker/OpenImage.h"
 #include "worker/PdfPage.h"
 #include "worker/ReadingSize.h"
 
@@ -35,7 +35,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const int file = memfd_create("input", MFD_CLOEXEC);
     if (file < 0 || write(file, data, size) != ssize_t(size)) abort();
     const QByteArray path = QByteArray::fromStdString("/proc/self/fd/" + std::to_string(file));
-    prepare([&] { return openImage(path); });
+    if (const auto image = ImageFile::open(path)) prepare([&] { return image->decode(1); });
     Result<vips::VImage> page = openPdfPage(path);
     if (const auto* image = std::get_if<vips::VImage>(&page)) prepare([&] { return *image; });
     vips_error_clear();

@@ -47,6 +47,7 @@ void DropIntake::dragMoved(QPointF pointer) {
 
 void DropIntake::judge(QPointF pointer) {
     const bool near = dragIsFiles_ && acceptsDrops() && nearNotch(pointer);
+    if (near) farewell_.cancel();  // of the drag before
     if (near && m_.hidden) m_.withAnimation(commonSpring(), [this] { m_.hidden = false; });
     if (near != m_.dragNear) setNear(near);
 }

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <QByteArray>
 #include <utility>
 
 /// A file descriptor that closes itself. Negative when there is none.
@@ -23,3 +24,6 @@ class Descriptor {
  private:
     int fd_;
 };
+
+/// Opens a regular file for reading; none for everything else. Never waits for the other end of a pipe.
+Descriptor openRegularFile(const QByteArray& path);

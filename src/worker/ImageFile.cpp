@@ -1,7 +1,6 @@
 #include "worker/ImageFile.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -10,6 +9,7 @@
 #include "worker/BmpFile.h"
 #include "worker/Descriptor.h"
 #include "worker/ImageKind.h"
+#include "worker/Vips.h"
 
 using vips::VError;
 using vips::VImage;
@@ -24,32 +24,6 @@ constexpr qint64 kMostPixels = 500'000'000;
 
 // Halving by a decoder is coarse, so it leaves the proper resampling at least this factor.
 constexpr double kLeftToResampling = 2;
-
-constexpr int kThreads = 2;
-
-/// libvips, with no decoder but those that are called here, and no memory of what it did.
-bool startVips() {
-    // What it cannot decode row by row stays in memory; nothing goes to a temporary file.
-    qputenv("VIPS_DISC_THRESHOLD", "4g");
-    if (vips_init("glimmet-worker") != 0) return false;
-    // A broken file is no news here.
-    g_log_set_handler(
-        "VIPS", G_LOG_LEVEL_WARNING, [](const char*, GLogLevelFlags, const char*, gpointer) {}, nullptr);
-    vips_concurrency_set(kThreads);
-    vips_cache_set_max(0);
-    vips_operation_block_set("VipsForeignLoad", TRUE);
-    for (const char* decoder : {"VipsForeignLoadPng", "VipsForeignLoadJpeg", "VipsForeignLoadHeif",
-                                "VipsForeignLoadTiff", "VipsForeignLoadWebp", "VipsForeignLoadNsgif"})
-        vips_operation_block_set(decoder, FALSE);
-    return true;
-}
-
-Descriptor openRegularFile(const QByteArray& path) {
-    Descriptor file(::open(path.constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-    struct stat status = {};
-    if (file && (::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode))) return Descriptor();
-    return file;
-}
 
 /// A file that breaks off is no picture, also where the decoder could fill the rest with grey.
 VOption* rowByRow() {
@@ -93,12 +67,12 @@ bool isSane(QSize size) {
 }  // namespace
 
 std::optional<ImageFile> ImageFile::open(const QByteArray& path) {
-    static const bool ready = startVips();
+    if (!startVips()) return {};
     const auto file = std::make_shared<Descriptor>(openRegularFile(path));
     std::array<char, kKindBytes> start{};
     const ssize_t got = *file ? ::pread(file->get(), start.data(), start.size(), 0) : -1;
     const auto kind = imageKind(QByteArray(start.data(), std::max<ssize_t>(got, 0)));
-    if (!ready || !kind) return {};
+    if (!kind) return {};
 
     if (kind == ImageKind::bmp) {
         const auto size = bmpSize(file->get());

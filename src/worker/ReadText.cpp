@@ -4,9 +4,9 @@
 #include <QStringList>
 
 #include "worker/GreyImage.h"
+#include "worker/ImageFile.h"
 #include "worker/Ink.h"
 #include "worker/Languages.h"
-#include "worker/OpenImage.h"
 #include "worker/PdfPage.h"
 #include "worker/ReadingSize.h"
 #include "worker/Recognition.h"
@@ -25,10 +25,13 @@ Result<GreyPicture> openPage(const QByteArray& path) {
 
 Result<GreyPicture> openPicture(const QByteArray& path) {
     if (path.toLower().endsWith(".pdf")) return openPage(path);
+    const Failure unopened{1, QStringLiteral("couldn't open the image")};
+    const auto image = ImageFile::open(path);
+    if (!image) return unopened;
     try {
-        return greyPicture(openImage(path));
+        return greyPicture(image->decode(1));
     } catch (const vips::VError&) {
-        return Failure{1, QStringLiteral("couldn't open the image")};
+        return unopened;
     }
 }
 

@@ -94,6 +94,16 @@ TEST(DragWatch, ReleasingClosesTheMouthALittleLater) {
     EXPECT_TRUE(f.m.dragNear);
     f.f.loop.advance(0.02);
     EXPECT_FALSE(f.m.dragNear);
+    // The next drag is not shut out by the end of the one before.
+    f.beginUsableDrag();
+    f.drag(0, 10);
+    f.drops.dragEnded();
+    f.beginUsableDrag();
+    f.drag(0, 10);
+    f.f.loop.advance(1);
+    EXPECT_TRUE(f.m.dragNear);
+    f.drops.dragEnded();
+    f.f.loop.advance(1);
     // A window that is moved afterwards is no drag of things.
     f.drag(0, 10);
     EXPECT_FALSE(f.m.dragNear);

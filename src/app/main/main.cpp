@@ -45,11 +45,12 @@ int main(int argc, char** argv) {
     SystemClock clock;
     QtMainLoop loop;
     ThreadQueue background;
+    ThreadQueue references;  // a dead disk may hold up all of its threads
     ThreadSerialQueue writing;
     ThreadSerialQueue playing;
     ThreadSerialQueue jobs;
     FilePreferences preferences(FilePreferences::defaultPath(), writing);
-    PathReferences files(background);
+    PathReferences files(references);
     QtScreens screens(preferences, loop);
     CanberraSounds sounds(playing);
     QtPasteboard pasteboard;

@@ -1,0 +1,34 @@
+#include "worker/Vips.h"
+
+#include <QByteArray>
+#include <vips/vips8>
+
+namespace {
+
+constexpr int kThreads = 2;
+
+bool start() {
+    // What it cannot decode row by row stays in memory; nothing goes to a temporary file.
+    qputenv("VIPS_DISC_THRESHOLD", "4g");
+    if (vips_init("glimmet-worker") != 0) return false;
+    // A broken file is no news here.
+    const auto ignore = [](const char*, GLogLevelFlags, const char*, gpointer) {};
+    for (const char* domain : {"VIPS", "Poppler"})
+        g_log_set_handler(domain, GLogLevelFlags(G_LOG_LEVEL_WARNING | G_LOG_LEVEL_MESSAGE | G_LOG_LEVEL_CRITICAL),
+                          ignore, nullptr);
+    vips_concurrency_set(kThreads);
+    vips_cache_set_max(0);
+    vips_operation_block_set("VipsForeignLoad", TRUE);
+    for (const char* decoder :
+         {"VipsForeignLoadPng", "VipsForeignLoadJpeg", "VipsForeignLoadHeif", "VipsForeignLoadTiff",
+          "VipsForeignLoadWebp", "VipsForeignLoadNsgif", "VipsForeignLoadPdf"})
+        vips_operation_block_set(decoder, FALSE);
+    return true;
+}
+
+}  // namespace
+
+bool startVips() {
+    static const bool ready = start();
+    return ready;
+}
