@@ -141,8 +141,8 @@ TEST(HostileFiles, AreWhatTheyAreWhateverTheyAreCalled) {
 
 TEST(HostileFiles, WithBrokenProfilesAreStillPictures) {
     VImage image = quarters(30, 30).copy();
-    QByteArray profile("no profile at all");
-    image.set(VIPS_META_ICC_NAME, nullptr, profile.data(), size_t(profile.size()));
+    const QByteArray profile("no profile at all");
+    vips_image_set_blob_copy(image.get_image(), VIPS_META_ICC_NAME, profile.constData(), size_t(profile.size()));
     const Folder folder;
     image.jpegsave((folder / "a.jpg").constData());
     EXPECT_EQ(codes(folder, "a.jpg"), kDone);
