@@ -140,12 +140,22 @@ TEST(HostileFiles, AreWhatTheyAreWhateverTheyAreCalled) {
 }
 
 TEST(HostileFiles, WithBrokenProfilesAreStillPictures) {
-    VImage image = quarters(30, 30).copy();
-    const QByteArray profile("no profile at all");
-    vips_image_set_blob_copy(image.get_image(), VIPS_META_ICC_NAME, profile.constData(), size_t(profile.size()));
-    const Folder folder;
-    image.jpegsave((folder / "a.jpg").constData());
-    EXPECT_EQ(codes(folder, "a.jpg"), kDone);
+    const VImage rgb = quarters(30, 30);
+    const VImage grey = rgb.colourspace(VIPS_INTERPRETATION_B_W);
+    const VImage cmyk = rgb.icc_transform("cmyk", VImage::option()->set("input_profile", "srgb"));
+    const QByteArray whole = iccProfile();
+    QByteArray damaged = whole;
+    std::fill(damaged.begin() + 132, damaged.begin() + 200, '\xee');
+    for (const QByteArray& profile : {QByteArray("no profile at all"), whole.left(whole.size() / 2), damaged, whole}) {
+        for (const VImage& colours : {rgb, grey, cmyk}) {
+            const VImage image = colours.copy();
+            vips_image_set_blob_copy(image.get_image(), VIPS_META_ICC_NAME, profile.constData(),
+                                     size_t(profile.size()));
+            const Folder folder;
+            image.jpegsave((folder / "a.jpg").constData());
+            EXPECT_EQ(codes(folder, "a.jpg"), kDone) << profile.size() << " " << image.interpretation();
+        }
+    }
 }
 
 /// While it lives, files can grow no larger, as on a full disk.

@@ -66,8 +66,13 @@ TEST(GlimmetWorker, ToldWhatFails) {
 
 TEST(GlimmetWorker, LeavesNothingWhenItIsKilled) {
     const Folder folder;
-    // Takes seconds to write as a PNG.
-    VImage::gaussnoise(6000, 6000).cast(VIPS_FORMAT_UCHAR).jpegsave((folder / "noise.jpg").constData());
+    // Takes seconds to write as a PNG: nothing in it repeats within the distance that the compression can see.
+    const auto band = [] { return VImage::gaussnoise(6000, 100); };
+    VImage::bandjoin({band(), band(), band()})
+        .cast(VIPS_FORMAT_UCHAR)
+        .replicate(1, 40)
+        .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB))
+        .jpegsave((folder / "noise.jpg").constData());
     const auto request = chewing("png", folder / "noise.jpg", folder.fallback);
     EXPECT_FALSE(WorkerProcess(GLIMMET_WORKER, std::chrono::milliseconds(700)).run(request));
     EXPECT_FALSE(WorkerProcess(workerWith(folder, "ulimit -t 1")).run(request));
