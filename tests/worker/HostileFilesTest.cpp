@@ -96,8 +96,12 @@ TEST(HostileFiles, AreNoPictures) {
     }
 }
 
-TEST(HostileFiles, AreNotEvenFiles) {
+TEST(HostileFiles, AreNotEvenFilesOrForOtherDecoders) {
     const Folder folder;
+    // No decoder can be reached but those that are meant to.
+    save(folder / "a.ppm", QByteArray("P6 1 1 255 abc"));
+    EXPECT_EQ(codes(folder, "a.ppm"), kCannotOpen);
+    EXPECT_THROW(VImage::ppmload((folder / "a.ppm").constData()), vips::VError);
     ASSERT_EQ(::mkfifo((folder / "pipe.png").constData(), 0666), 0);
     ASSERT_EQ(::mkdir((folder / "folder.png").constData(), 0777), 0);
     ASSERT_EQ(::symlink("loop.png", (folder / "loop.png").constData()), 0);
