@@ -25,12 +25,6 @@ void prepare(Open open) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerInitialize(int*, char*** argv) {
-    if (VIPS_INIT((*argv)[0]) != 0) abort();
-    vips_cache_set_max(0);
-    return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const int file = memfd_create("input", MFD_CLOEXEC);
     if (file < 0 || write(file, data, size) != ssize_t(size)) abort();

@@ -3,6 +3,7 @@
 #include <QFile>
 #include <QImageReader>
 #include <QtEndian>
+#include <array>
 #include <cstdlib>
 #include <memory>
 
@@ -11,16 +12,19 @@ using vips::VImage;
 
 namespace {
 
-/// Opened so that a decoder which does not say when it ran out of bytes is not asked: pictures that are stored
-/// uncompressed must be there to their last row.
-bool isWhole(const QByteArray& header, qint64 fileSize) {
+/// The start of the file, zeros if it is shorter.
+using Header = std::array<char, 54>;
+
+/// The decoder does not say when it ran out of bytes, so pictures that are stored uncompressed must be there to their
+/// last row.
+bool isWhole(const Header& header, qint64 fileSize) {
     constexpr int kUncompressed = 0;
     constexpr int kUncompressedWithMasks = 3;
-    const auto number = [&](qsizetype at) { return qFromLittleEndian<qint32>(header.constData() + at); };
-    if (header.size() < 34 || number(14) < 40) return true;  // the oldest layout
+    const auto number = [&](qsizetype at) { return qFromLittleEndian<qint32>(header.data() + at); };
+    if (number(14) < 40) return true;  // the oldest layout
     if (const int compression = number(30); compression != kUncompressed && compression != kUncompressedWithMasks)
         return true;
-    const qint64 bitsPerPixel = qFromLittleEndian<quint16>(header.constData() + 28);
+    const qint64 bitsPerPixel = qFromLittleEndian<quint16>(header.data() + 28);
     const qint64 rowBytes = (number(18) * bitsPerPixel + 31) / 32 * 4;
     return number(10) + rowBytes * std::llabs(number(22)) <= fileSize;
 }
@@ -37,7 +41,8 @@ void setUp(QImageReader& reader) {
 std::optional<QSize> bmpSize(int descriptor) {
     QFile file;
     if (!file.open(descriptor, QIODevice::ReadOnly) || !file.seek(0)) return {};
-    const QByteArray header = file.peek(54);
+    Header header{};
+    file.peek(header.data(), header.size());
     QImageReader reader(&file, {});
     setUp(reader);
     const QSize size = reader.size();

@@ -121,7 +121,7 @@ QByteArray giveName(NewFile& file, const ResultName& name, bool plainIsTaken) {
 }  // namespace
 
 QByteArray resultFolder(const QByteArray& source, const QByteArray& fallbackFolder) {
-    const QByteArray own = folderOf(source);
+    QByteArray own = folderOf(source);
     if (NewFile::in(own) || (errno != EACCES && errno != EPERM && errno != EROFS)) return own;
     std::error_code error;
     std::filesystem::create_directories(fallbackFolder.toStdString(), error);

@@ -69,6 +69,13 @@ constexpr int kRefused[] = {
     SCMP_SYS(lremovexattr), SCMP_SYS(fremovexattr), SCMP_SYS(utime), SCMP_SYS(utimes), SCMP_SYS(futimesat),
     SCMP_SYS(utimensat), SCMP_SYS(truncate), SCMP_SYS(openat2)};
 
+scmp_arg_cmp differs(unsigned argument, scmp_datum_t from) {
+    return {argument, SCMP_CMP_NE, from, 0};
+}
+scmp_arg_cmp has(unsigned argument, scmp_datum_t mask, scmp_datum_t bits) {
+    return {argument, SCMP_CMP_MASKED_EQ, mask, bits};
+}
+
 bool refuseSystemCalls() {
     const Filter filter(seccomp_init(SCMP_ACT_ALLOW), &seccomp_release);
     if (!filter) return false;
@@ -79,16 +86,15 @@ bool refuseSystemCalls() {
     const bool isComplete =
         std::ranges::all_of(kRefused, [&](int call) { return refuse(call); }) &&
         // A thread that fails ends its own process.
-        refuse(SCMP_SYS(kill), SCMP_A0(SCMP_CMP_NE, scmp_datum_t(::getpid()), 0)) &&
-        refuse(SCMP_SYS(tgkill), SCMP_A0(SCMP_CMP_NE, scmp_datum_t(::getpid()), 0)) &&
-        refuse(SCMP_SYS(prlimit64), SCMP_A0(SCMP_CMP_NE, 0, 0)) &&
+        refuse(SCMP_SYS(kill), differs(0, scmp_datum_t(::getpid()))) &&
+        refuse(SCMP_SYS(tgkill), differs(0, scmp_datum_t(::getpid()))) && refuse(SCMP_SYS(prlimit64), differs(0, 0)) &&
         // Opening without writing can still empty a file.
-        refuse(SCMP_SYS(open), SCMP_A1(SCMP_CMP_MASKED_EQ, kOpening, O_RDONLY | O_TRUNC)) &&
-        refuse(SCMP_SYS(open), SCMP_A1(SCMP_CMP_MASKED_EQ, kOpening, kOpening)) &&
-        refuse(SCMP_SYS(openat), SCMP_A2(SCMP_CMP_MASKED_EQ, kOpening, O_RDONLY | O_TRUNC)) &&
-        refuse(SCMP_SYS(openat), SCMP_A2(SCMP_CMP_MASKED_EQ, kOpening, kOpening)) &&
+        refuse(SCMP_SYS(open), has(1, kOpening, O_RDONLY | O_TRUNC)) &&
+        refuse(SCMP_SYS(open), has(1, kOpening, kOpening)) &&
+        refuse(SCMP_SYS(openat), has(2, kOpening, O_RDONLY | O_TRUNC)) &&
+        refuse(SCMP_SYS(openat), has(2, kOpening, kOpening)) &&
         // Threads only. The newer call's arguments cannot be seen; told that there is none, glibc takes the older one.
-        refuse(SCMP_SYS(clone), SCMP_A0(SCMP_CMP_MASKED_EQ, CLONE_THREAD, 0)) &&
+        refuse(SCMP_SYS(clone), has(0, CLONE_THREAD, 0)) &&
         seccomp_rule_add(filter.get(), SCMP_ACT_ERRNO(ENOSYS), SCMP_SYS(clone3), 0) == 0;
     return isComplete && seccomp_load(filter.get()) == 0;
 }

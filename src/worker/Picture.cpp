@@ -96,7 +96,7 @@ VImage upright(const VImage& image) {
 }
 
 VImage anonymous(const VImage& image) {
-    const VImage result = image.copy();
+    VImage result = image.copy();
     char** const fields = vips_image_get_fields(result.get_image());
     for (char** field = fields; *field; ++field)
         if (std::string(*field) != VIPS_META_ICC_NAME) vips_image_remove(result.get_image(), *field);

@@ -9,6 +9,11 @@
 #include "Images.h"
 #include "worker/Chew.h"
 
+/// The encoder that makes the HEIC files to test with never frees some of its tables.
+extern "C" const char* __lsan_default_suppressions() {
+    return "leak:libx265";
+}
+
 namespace {
 
 using testing::Contains;
@@ -159,18 +164,14 @@ TEST(Chew, KeepsTheProfileAndForgetsWhereItWas) {
     VImage image = quarters(400, 300).copy();
     image.set("exif-ifd3-GPSLatitude", "52/1 31/1 1/1 (52, 31, 1, Rational, 3 components, 24 bytes)");
     image.set("exif-ifd0-Model", "SecretCamera (SecretCamera, ASCII, 13 components, 13 bytes)");
-    QByteArray xmp("<x:xmpmeta>SecretXmp</x:xmpmeta>");
-    image.set(VIPS_META_XMP_NAME, nullptr, xmp.data(), size_t(xmp.size()));
+    const QByteArray xmp("<x:xmpmeta>SecretXmp</x:xmpmeta>");
+    vips_image_set_blob_copy(image.get_image(), VIPS_META_XMP_NAME, xmp.constData(), size_t(xmp.size()));
     image.set("png-comment-0-Comment", "SecretComment");
-    VipsBlob* profile = nullptr;
-    ASSERT_EQ(vips_profile_load("p3", &profile, nullptr), 0);
-    size_t size = 0;
-    const void* data = vips_blob_get(profile, &size);
-    const QByteArray icc(static_cast<const char*>(data), qsizetype(size));
-    vips_area_unref(VIPS_AREA(profile));
+    const QByteArray icc = iccProfile();
 
     for (const bool hasProfile : {true, false}) {
-        if (hasProfile) image.set(VIPS_META_ICC_NAME, nullptr, QByteArray(icc).data(), size);
+        if (hasProfile)
+            vips_image_set_blob_copy(image.get_image(), VIPS_META_ICC_NAME, icc.constData(), size_t(icc.size()));
         for (const char* name : {"a.jpg", "a.png", "a.tif", "a.webp"}) {
             const Folder folder;
             save(folder / name, image);

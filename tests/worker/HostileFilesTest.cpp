@@ -96,8 +96,12 @@ TEST(HostileFiles, AreNoPictures) {
     }
 }
 
-TEST(HostileFiles, AreNotEvenFiles) {
+TEST(HostileFiles, AreNotEvenFilesOrForOtherDecoders) {
     const Folder folder;
+    // No decoder can be reached but those that are meant to.
+    save(folder / "a.ppm", QByteArray("P6 1 1 255 abc"));
+    EXPECT_EQ(codes(folder, "a.ppm"), kCannotOpen);
+    EXPECT_THROW(VImage::ppmload((folder / "a.ppm").constData()), vips::VError);
     ASSERT_EQ(::mkfifo((folder / "pipe.png").constData(), 0666), 0);
     ASSERT_EQ(::mkdir((folder / "folder.png").constData(), 0777), 0);
     ASSERT_EQ(::symlink("loop.png", (folder / "loop.png").constData()), 0);
@@ -140,12 +144,22 @@ TEST(HostileFiles, AreWhatTheyAreWhateverTheyAreCalled) {
 }
 
 TEST(HostileFiles, WithBrokenProfilesAreStillPictures) {
-    VImage image = quarters(30, 30).copy();
-    QByteArray profile("no profile at all");
-    image.set(VIPS_META_ICC_NAME, nullptr, profile.data(), size_t(profile.size()));
-    const Folder folder;
-    image.jpegsave((folder / "a.jpg").constData());
-    EXPECT_EQ(codes(folder, "a.jpg"), kDone);
+    const VImage rgb = quarters(30, 30);
+    const VImage grey = rgb.colourspace(VIPS_INTERPRETATION_B_W);
+    const VImage cmyk = rgb.icc_transform("cmyk", VImage::option()->set("input_profile", "srgb"));
+    const QByteArray whole = iccProfile();
+    QByteArray damaged = whole;
+    std::fill(damaged.begin() + 132, damaged.begin() + 200, '\xee');
+    for (const QByteArray& profile : {QByteArray("no profile at all"), whole.left(whole.size() / 2), damaged, whole}) {
+        for (const VImage& colours : {rgb, grey, cmyk}) {
+            const VImage image = colours.copy();
+            vips_image_set_blob_copy(image.get_image(), VIPS_META_ICC_NAME, profile.constData(),
+                                     size_t(profile.size()));
+            const Folder folder;
+            image.jpegsave((folder / "a.jpg").constData());
+            EXPECT_EQ(codes(folder, "a.jpg"), kDone) << profile.size() << " " << image.interpretation();
+        }
+    }
 }
 
 /// While it lives, files can grow no larger, as on a full disk.

@@ -40,6 +40,17 @@ inline VImage quarters(int width, int height, const Quarters& colours = {kRed, k
         .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB));
 }
 
+/// The colours of a wide screen.
+inline QByteArray iccProfile() {
+    VipsBlob* profile = nullptr;
+    EXPECT_EQ(vips_profile_load("p3", &profile, nullptr), 0);
+    size_t size = 0;
+    const void* data = vips_blob_get(profile, &size);
+    const QByteArray bytes(static_cast<const char*>(data), qsizetype(size));
+    vips_area_unref(VIPS_AREA(profile));
+    return bytes;
+}
+
 inline void save(const QByteArray& path, const QByteArray& bytes) {
     QFile file(QFile::decodeName(path));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));

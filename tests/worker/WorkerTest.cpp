@@ -66,11 +66,24 @@ TEST(GlimmetWorker, ToldWhatFails) {
 
 TEST(GlimmetWorker, LeavesNothingWhenItIsKilled) {
     const Folder folder;
-    // Takes seconds to write as a PNG.
-    VImage::gaussnoise(6000, 6000).cast(VIPS_FORMAT_UCHAR).jpegsave((folder / "noise.jpg").constData());
+    // Takes seconds to write as a PNG: nothing in it repeats within the distance that the compression can see.
+    const auto band = [] { return VImage::gaussnoise(6000, 100); };
+    VImage::bandjoin({band(), band(), band()})
+        .cast(VIPS_FORMAT_UCHAR)
+        .replicate(1, 40)
+        .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB))
+        .jpegsave((folder / "noise.jpg").constData());
     const auto request = chewing("png", folder / "noise.jpg", folder.fallback);
     EXPECT_FALSE(WorkerProcess(GLIMMET_WORKER, std::chrono::milliseconds(700)).run(request));
     EXPECT_FALSE(WorkerProcess(workerWith(folder, "ulimit -t 1")).run(request));
+    // When the one who started it is killed, so is it.
+    const QByteArray idFile = folder.parent + "/id";
+    const QByteArray starter = workerWith(folder, GLIMMET_WORKER " \"$@\" & echo $! > " + idFile + "; wait");
+    EXPECT_FALSE(WorkerProcess(starter, std::chrono::milliseconds(400)).run(request));
+    const QByteArray commandLine = "/proc/" + load(idFile).trimmed() + "/cmdline";
+    ASSERT_GT(commandLine.size(), qsizetype(sizeof "/proc//cmdline"));
+    for (int i = 0; i < 50 && !load(commandLine).isEmpty(); ++i) ::usleep(10'000);
+    EXPECT_EQ(load(commandLine), QByteArray());
     EXPECT_EQ(folder.names().size(), 1);
     EXPECT_TRUE(WorkerProcess(GLIMMET_WORKER).run(chewing("smaller", folder / "noise.jpg", folder.fallback)));
 }

@@ -56,8 +56,10 @@ class Process {
 
 Process::Process(const QByteArray& program, const QStringList& arguments) {
     std::vector<QByteArray> words{program};
+    words.reserve(size_t(arguments.size()) + 1);
     for (const QString& argument : arguments) words.push_back(argument.toUtf8());
     std::vector<char*> argv;
+    argv.reserve(words.size() + 1);
     for (QByteArray& word : words) argv.push_back(word.data());
     argv.push_back(nullptr);
 
