@@ -1,3 +1,5 @@
+#include <malloc.h>
+
 #include <QApplication>
 #include <QFile>
 #include <QRandomGenerator>
@@ -23,6 +25,8 @@
 #include "platform/linux/WorkerProcess.h"
 
 int main(int argc, char** argv) {
+    // Threads that hardly ever meet need no heap each.
+    ::mallopt(M_ARENA_MAX, 2);
     const QStringList arguments = [&] {
         QStringList list;
         for (int i = 0; i < argc; ++i) list.append(QString::fromLocal8Bit(argv[i]));

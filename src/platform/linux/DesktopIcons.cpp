@@ -1,5 +1,7 @@
 #include "platform/linux/DesktopIcons.h"
 
+#include <malloc.h>
+
 #include <QFile>
 #include <QPainter>
 #include <QSvgRenderer>
@@ -70,6 +72,8 @@ void DesktopIcons::find(const QUrl& file, int pixels, std::function<void(const Q
             image = thumbnailOf(path, size);
             if (image.isNull()) image = ::find(theme->get(), path, size);
         }
+        // An icon theme's picture may be ten times as large as what is made of it, and this program stays for long.
+        ::malloc_trim(0);
         loop.post([weak, image, done] {
             if (!weak.expired()) done(image);
         });
