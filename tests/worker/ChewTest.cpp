@@ -9,11 +9,6 @@
 #include "Images.h"
 #include "worker/Chew.h"
 
-/// The encoder that makes the HEIC files to test with never frees some of its tables.
-extern "C" const char* __lsan_default_suppressions() {
-    return "leak:libx265";
-}
-
 namespace {
 
 using testing::Contains;
