@@ -73,7 +73,7 @@ std::optional<QUrl> emptyInbox(const QUrl& inbox, const QString& name, const QUr
 QString sanitizedFileName(const QByteArray& name) {
     QString clean = QString::fromUtf8(name.mid(name.lastIndexOf('/') + 1));
     clean.removeIf([](QChar c) { return c.category() == QChar::Other_Control; });
-    while (clean.startsWith(u'.')) clean.remove(0, 1);
+    while (clean.startsWith(u'.') || (!clean.isEmpty() && clean.front().isSpace())) clean.remove(0, 1);
     clean = clean.trimmed();
     const QString suffix = QFileInfo(clean).suffix();
     if (cutToBytes(clean, kMostBytes) && suffix.size() < 16) {

@@ -265,13 +265,11 @@ TEST(NoteText, CountsCharactersAsAPersonDoes) {
 
 TEST(NewFile, NamesAreMadeHarmless) {
     const QByteArray longName = QByteArray("é").repeated(200);
-    const std::vector<std::pair<QByteArray, QString>> cases{{"a.txt", QStringLiteral("a.txt")},
-                                                            {"/x/../b", QStringLiteral("b")},
-                                                            {"..", QStringLiteral("Dropped")},
-                                                            {"", QStringLiteral("Dropped")},
-                                                            {"x/", QStringLiteral("Dropped")},
-                                                            {".bashrc", QStringLiteral("bashrc")},
-                                                            {QByteArray("n\0u\x1bl", 5), QStringLiteral("nul")}};
+    const std::vector<std::pair<QByteArray, QString>> cases{
+        {"a.txt", QStringLiteral("a.txt")},   {"/x/../b", QStringLiteral("b")},
+        {"..", QStringLiteral("Dropped")},    {"", QStringLiteral("Dropped")},
+        {"x/", QStringLiteral("Dropped")},    {".bashrc", QStringLiteral("bashrc")},
+        {"..\x06 ..x ", QStringLiteral("x")}, {QByteArray("n\0u\x1bl", 5), QStringLiteral("nul")}};
     for (const auto& [given, wanted] : cases) EXPECT_EQ(sanitizedFileName(given), wanted) << given.toStdString();
     const QString cut = sanitizedFileName(longName + ".png");
     EXPECT_TRUE(cut.endsWith(QString::fromUtf8("é.png")));
