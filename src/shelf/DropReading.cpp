@@ -19,6 +19,8 @@ const std::array<ImageKind, 4> kImageDropTypes{{{QStringLiteral("image/png"), QS
                                                 {QStringLiteral("image/heic"), QStringLiteral("heic")}}};
 const QStringList kUrlTypes{QStringLiteral("text/uri-list"), QStringLiteral("text/x-moz-url"),
                             QStringLiteral("_NETSCAPE_URL")};
+// Far more than a note can hold; the rest of a long text is not looked at.
+constexpr qsizetype kMostTextBytes = 1 << 20;
 const QString kText = QStringLiteral("text/plain;charset=utf-8");
 
 }  // namespace
@@ -112,7 +114,8 @@ void DropReading::takeLinks() {
 void DropReading::readText() {
     if (!drop_->types().contains(kText)) return finish({}, {});
     drop_->load(kText, [self = shared_from_this()](const std::optional<QByteArray>& bytes) {
-        const QString text = firstCharacters(QString::fromUtf8(bytes.value_or(QByteArray())).trimmed());
+        const QByteArray beginning = bytes.value_or(QByteArray()).left(kMostTextBytes);
+        const QString text = firstCharacters(QString::fromUtf8(beginning).trimmed());
         self->finish({}, text.isEmpty() ? QList<Bite>() : QList{Bite::note(text)});
     });
 }

@@ -36,7 +36,7 @@ QList<QUrl> parseUrls(const QString& type, const QByteArray& bytes) {
     const bool list = type == QLatin1String("text/uri-list");
     QByteArray text = bytes;
     if (type == QLatin1String("text/x-moz-url"))
-        text = QString(QStringDecoder(QStringDecoder::Utf16LE)(bytes)).toUtf8();
+        text = QString(QStringDecoder(QStringDecoder::Utf16LE)(bytes.left(kMostBytes))).toUtf8();
     QList<QUrl> urls;
     for (const QByteArray& line : ending(text).split('\n')) {
         if (line.startsWith('#')) continue;
