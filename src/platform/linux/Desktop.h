@@ -17,9 +17,9 @@ struct Desktop {
     std::unique_ptr<DragPasteboard> dragPasteboard;
 };
 
-/// On a platform other than X11 the monitors see nothing but where the pointer is, the workspace only opens and reveals,
-/// and no drag is seen from outside. Needs a QGuiApplication. `loop` must live longer than `queue`, and `queue` longer
-/// than the parts.
+/// On a platform other than X11 the monitors see nothing but where the pointer is, the workspace only opens and
+/// reveals, and no drag is seen from outside. Needs a QGuiApplication. `loop` must live longer than `queue`, and
+/// `queue` longer than the parts.
 Desktop makeDesktop(MainLoop& loop, BackgroundQueue& queue);
 
 /// Prefers X11, through XWayland if need be, where the user has chosen nothing: elsewhere no window can be placed. To
