@@ -64,7 +64,7 @@ AppDelegate::Launch AppDelegate::launch() {
         return Launch::noScreen;
     }
     m_.loadShelf();
-    watchDrags();
+    watchPointer();
     panel_.show(placement_.homeFrame());
     if (const auto paths = flags_.value("--droptest=")) shelfTest_.startDrop(*paths);
     m_.loadHeld();
@@ -77,25 +77,27 @@ AppDelegate::Launch AppDelegate::launch() {
     const FlagEffects effects = flags_.apply();
     if (effects.screenTest) screenTest_.start();
     if (effects.chewTest) shelfTest_.startChew(*effects.chewTest);
-    if (!effects.demo) startSensors();
+    demo_ = effects.demo;
+    if (!demo_) startSensors();
     ports_.monitors.start();
     logStart();
     return Launch::running;
 }
 
-void AppDelegate::watchDrags() {
+// What is dragged, and the chips, which can be touched in the demo too.
+void AppDelegate::watchPointer() {
     ports_.monitors.onLeftMouseDragged = [this](QPointF pointer) { drops_.dragMoved(pointer); };
     ports_.monitors.onLeftMouseUp = [this](QPointF) { drops_.dragEnded(); };
+    ports_.monitors.onMouseMoved = [this](QPointF pointer) {
+        if (!demo_) behaviour_.pointerMoved(pointer);
+        panel_.pointerMoved(pointer);
+    };
+    ports_.monitors.onRightMouseDown = [this](QPointF pointer) { rightMouseDown(pointer); };
+    ports_.monitors.onPressElsewhere = ports_.closePopUp;
 }
 
 void AppDelegate::startSensors() {
-    ports_.monitors.onMouseMoved = [this](QPointF pointer) {
-        behaviour_.pointerMoved(pointer);
-        panel_.pointerMoved(pointer);
-    };
     ports_.workspace.onApplicationActivated = [this] { behaviour_.applicationActivated(); };
-    ports_.monitors.onRightMouseDown = [this](QPointF pointer) { rightMouseDown(pointer); };
-    ports_.monitors.onPressElsewhere = ports_.closePopUp;
     ports_.monitors.onCapsLockChanged = [this](bool on) { capsLock_.capsChanged(on); };
     m_.capsOn = ports_.monitors.capsLock();
     ports_.workspace.start();
@@ -107,6 +109,7 @@ void AppDelegate::rightMouseDown(QPointF pointer) {
     if (!behaviour_.inHoverZone(pointer, kMenuMargin)) return;
     panel_.letGo();
     const Chip* chip = panel_.chipAt(pointer);
+    if (demo_ && !chip) return;
     ports_.popUp(chip ? chipActions_.menu(chip->thing()) : commands_.menu(), pointer);
 }
 

@@ -76,7 +76,7 @@ class AppDelegate {
 
  private:
     void connect();
-    void watchDrags();
+    void watchPointer();
     ChipPorts chipPorts();
     void startSensors();
     void rightMouseDown(QPointF pointer);
@@ -99,4 +99,5 @@ class AppDelegate {
     CommandLineFlags flags_;
     ScreenTest screenTest_;
     ShelfSelfTest shelfTest_;
+    bool demo_ = false;  // the creature does as the command line says
 };

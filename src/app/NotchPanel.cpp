@@ -146,7 +146,7 @@ void NotchPanel::draggedTo(QPointF pointer) {
     const QPointF way = pointer - press_->pointer;
     if (!press_->dragged && std::hypot(way.x(), way.y()) < kDragDistance) return;
     if (!press_->dragged) {
-        const Chip* chip = root_.chipAt(press_->position);
+        const Chip* chip = root_.pressedChip();
         if (chip && std::holds_alternative<QUrl>(chip->thing())) return dragOut(*chip);
     }
     press_->dragged = true;

@@ -11,8 +11,10 @@ inline QByteArray pathOf(const QUrl& file) {
     return QByteArray::fromPercentEncoding(file.path(QUrl::FullyEncoded).toLatin1());
 }
 
-/// The file URL of an absolute path; equal for equal paths.
-inline QUrl fileUrl(const QByteArray& path) {
+/// The file URL of an absolute path; equal for equal paths. Of several slashes at the beginning one is kept: in a URL
+/// the others would announce the name of a machine.
+inline QUrl fileUrl(QByteArray path) {
+    while (path.startsWith("//")) path.remove(0, 1);
     const QString text = QString::fromUtf8(path);
     if (text.toUtf8() == path) return QUrl::fromLocalFile(text);
     return QUrl::fromEncoded("file://" + path.toPercentEncoding("/"));

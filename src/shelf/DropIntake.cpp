@@ -34,11 +34,13 @@ bool DropIntake::nearNotch(QPointF pointer) const {
 void DropIntake::dragMoved(QPointF pointer) {
     if (!acceptsDrops()) return;
     lastDrag_ = pointer;
+    dragging_ = true;
     if (const int count = pasteboard_.changeCount(); count != dragPBCount_) {
         dragPBCount_ = count;
         dragIsFiles_ = false;
         pasteboard_.canReadUsable([this](bool usable) {
-            dragIsFiles_ = usable;
+            // The button may have been released while the source thought about it.
+            dragIsFiles_ = usable && dragging_;
             judge(lastDrag_);
         });
     }
@@ -59,7 +61,7 @@ void DropIntake::setNear(bool near) {
 
 void DropIntake::dragEnded() {
     // What is dragged next need not be a drag of things: a window, a selection, the creature itself.
-    dragIsFiles_ = false;
+    dragIsFiles_ = dragging_ = false;
     if (!m_.dragNear) return;
     farewell_ = loop_.after(kFarewell, [this] {
         m_.withAnimation(Animation::easeOut(0.25), [this] { m_.dragNear = false; });

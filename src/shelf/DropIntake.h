@@ -53,6 +53,7 @@ class DropIntake {
 
     int dragPBCount_ = 0;       // the drag that was asked about last
     bool dragIsFiles_ = false;  // what is dragged now can be held
+    bool dragging_ = false;     // with the button held down
     QPointF lastDrag_;
     TimerHandle farewell_;
     std::shared_ptr<DropIntake*> self_;  // for what comes back from the disk

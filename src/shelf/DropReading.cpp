@@ -1,5 +1,6 @@
 #include "shelf/DropReading.h"
 
+#include <algorithm>
 #include <array>
 
 #include "platform/BackgroundQueue.h"
@@ -114,8 +115,10 @@ void DropReading::takeLinks() {
 void DropReading::readText() {
     if (!drop_->types().contains(kText)) return finish({}, {});
     drop_->load(kText, [self = shared_from_this()](const std::optional<QByteArray>& bytes) {
-        const QByteArray beginning = bytes.value_or(QByteArray()).left(kMostTextBytes);
-        const QString text = firstCharacters(QString::fromUtf8(beginning).trimmed());
+        const QByteArray whole = bytes.value_or(QByteArray());
+        const auto blank = [](char c) { return c == ' ' || (c >= '\t' && c <= '\r'); };
+        const auto start = std::find_if_not(whole.begin(), whole.end(), blank) - whole.begin();
+        const QString text = firstCharacters(QString::fromUtf8(whole.mid(start, kMostTextBytes)).trimmed());
         self->finish({}, text.isEmpty() ? QList<Bite>() : QList{Bite::note(text)});
     });
 }

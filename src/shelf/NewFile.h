@@ -11,7 +11,8 @@
 /// Writes `contents` into `folder` as `name`. Absent, with nothing left behind, if that fails.
 std::optional<QUrl> writeNewFile(const QUrl& folder, const QString& name, const QByteArray& contents);
 
-/// Makes an empty hidden folder inside `folder`, in which another program may write. Absent if that fails.
+/// Makes an empty hidden folder inside `folder`, in which another program may write, and removes those that have been
+/// abandoned for a day. Absent if that fails.
 std::optional<QUrl> makeInbox(const QUrl& folder);
 /// Moves the regular file `name` out of the inbox into `folder`, and removes the inbox with what else is in it. Absent
 /// if there is no such file, or the name is empty.

@@ -13,6 +13,7 @@ const QString kHidden = QStringLiteral("glimmet.hidden");
 
 }  // namespace
 
+// Things are added as if they were given anew, so that preferences that somebody has edited keep to the limits too.
 void NotchModel::loadShelf() {
     const auto stored = shelf_.preferences.dataList(kShelf);
     if (!stored) return;
@@ -20,15 +21,13 @@ void NotchModel::loadShelf() {
     for (const QByteArray& bookmark : *stored) {
         if (const auto file = shelf_.files.resolve(bookmark)) found.append(*file);
     }
-    // As if they were given anew, so that a file that somebody has edited keeps to the limits too.
     addItems(found);
 }
 
 void NotchModel::loadHeld() {
     if (shelf_.preferences.boolean(kHidden)) hidden = true;
     if (const auto json = shelf_.preferences.data(kBites)) {
-        const auto stored = decodeBites(*json);
-        if (stored && *stored != bites.get()) bites = *stored;
+        if (const auto stored = decodeBites(*json)) addBites(*stored);
     }
     if (const auto json = shelf_.preferences.data(kTimers)) {
         auto stored = decodeTimers(*json);

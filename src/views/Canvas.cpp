@@ -9,6 +9,7 @@ namespace {
 // A symbol's drawing is a square a little larger than the type size, as symbols stand beside text.
 constexpr double kSymbolBox = 1.25;
 constexpr double kFontPixels = 100;
+constexpr qsizetype kMostVisible = 500;  // characters on one side of the dots
 
 }  // namespace
 
@@ -156,9 +157,12 @@ double Canvas::textWidth(const QString& line, const TextStyle& style) {
     return QFontMetricsF(font(style.face, style.weight)).horizontalAdvance(line) * style.size / kFontPixels;
 }
 
+// Of a very long line only what can be seen is measured; where it is cut, it is elided anyway.
 QString Canvas::elidedMiddle(const QString& line, double width, const TextStyle& style) {
+    const bool cut = line.size() > 2 * kMostVisible;
+    const QString ends = cut ? line.left(kMostVisible) + line.right(kMostVisible) : line;
     return QFontMetricsF(font(style.face, style.weight))
-        .elidedText(line, Qt::ElideMiddle, width * kFontPixels / style.size);
+        .elidedText(ends, Qt::ElideMiddle, width * kFontPixels / style.size);
 }
 
 // Rounded up to quarters, so that the small steps of breathing reuse what was rendered.

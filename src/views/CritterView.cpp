@@ -29,7 +29,6 @@ CritterView::CritterView(NotchModel& model, const ChipPorts& ports, Clock& clock
       seenSpawns_(m_.spawnCount),
       seenLookArounds_(m_.lookAroundCount),
       seenStretches_(m_.stretchCount),
-      seenHovering_(m_.hovering),
       seenCharging_(m_.charging),
       shelf_(model, ports, clock, loop, changed_) {
     blinkTimer_ = loop_.every(kBlinkEvery, [this] { blink(); });
@@ -60,9 +59,6 @@ void CritterView::react() {
     if (grew(seenSpawns_, m_.spawnCount)) glanceDown();
     if (grew(seenLookArounds_, m_.lookAroundCount)) lookAround();
     if (grew(seenStretches_, m_.stretchCount)) stretch();
-    const bool left = seenHovering_ && !m_.hovering;
-    seenHovering_ = m_.hovering;
-    if (left && m_.shelfExpanded) m_.shelfExpanded = false;
 }
 
 void CritterView::blink() {

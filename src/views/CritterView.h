@@ -78,7 +78,7 @@ class CritterView {
     DelayedCalls delays_;
 
     int seenGlances_, seenStartles_, seenWorries_, seenSpawns_, seenLookArounds_, seenStretches_;
-    bool seenHovering_, seenCharging_;
+    bool seenCharging_;
     EyeCauses eyeCauses_;
 
     Eye leftEye_, rightEye_;

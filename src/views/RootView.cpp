@@ -48,10 +48,13 @@ RootView::RootView(NotchModel& model, ChipPorts ports, Clock& clock, MainLoop& l
 
 void RootView::modelChanged(const std::optional<Animation>& how) {
     const double now = clock_.uptime();
+    const bool left = seenHovering_ && !m_.hovering;
     aimBody(how, now);
     followBoops(now);
     showOrHideCritter(how, now);
     changed();
+    // Last, because it comes back here with no curve.
+    if (left && m_.shelfExpanded) m_.shelfExpanded = false;
 }
 
 void RootView::changed() {
@@ -141,6 +144,7 @@ QPainterPath RootView::outline() const {
 void RootView::compose(DisplayList& list) {
     const double now = clock_.uptime();
     if (critter_ && critterContent_.target() == 0 && !critterContent_.moving(now)) critter_.reset();
+    followPointer();
 
     list.with(wholeTransform(now), 1, [&] {
         composeBody(list, now);
@@ -199,8 +203,13 @@ ShelfArea* RootView::shelf() {
 }
 
 void RootView::pointerMoved(const std::optional<QPointF>& point) {
+    pointer_ = point;
+    followPointer();
+}
+
+void RootView::followPointer() {
     ShelfArea* things = shelf();
-    if (things) things->pointerMoved(point ? std::optional(inside(*point)) : std::nullopt, critter_->shelfTop());
+    if (things) things->pointerMoved(pointer_ ? std::optional(inside(*pointer_)) : std::nullopt, critter_->shelfTop());
 }
 
 bool RootView::press(const QPointF& point) {
@@ -210,6 +219,11 @@ bool RootView::press(const QPointF& point) {
 
 void RootView::release(const QPointF& way) {
     if (critter_) critter_->shelf().release(way);
+}
+
+const Chip* RootView::pressedChip() {
+    ShelfArea* things = shelf();
+    return things ? things->pressedChip() : nullptr;
 }
 
 const Chip* RootView::chipAt(const QPointF& point) {

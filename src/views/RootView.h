@@ -35,13 +35,16 @@ class RootView {
     /// The body's outline as it is drawn now; the panel is transparent elsewhere.
     QPainterPath outline() const;
 
-    void tap(const QPointF& point);
     /// The pointer is at `point` now, or away from the panel.
     void pointerMoved(const std::optional<QPointF>& point);
-    /// Takes a press on a chip's remove button; tells whether it did.
+    /// A press begins; tells whether it is on a chip's remove button.
     bool press(const QPointF& point);
-    /// Ends a press that was taken, released `way` points from where it began.
+    /// Ends a press on a remove button, released `way` points from where it began.
     void release(const QPointF& way);
+    /// Ends any other press that was a tap.
+    void tap(const QPointF& point);
+    /// The chip that the press is on; null for none. It lives until the model changes.
+    const Chip* pressedChip();
     /// The chip at `point`; null for none. It lives until the model changes.
     const Chip* chipAt(const QPointF& point);
     /// The pointer has been pulled sideways by `translation` points since it was pressed. Begins a slide or goes on
@@ -55,6 +58,8 @@ class RootView {
     void followBoops(double now);
     void showOrHideCritter(const std::optional<Animation>& how, double now);
     void breathe();
+    /// Lets the shelf know where the pointer is on it; either may have moved.
+    void followPointer();
     void changed();
 
     QTransform wholeTransform(double now) const;
@@ -82,6 +87,7 @@ class RootView {
     int seenBoops_;
     bool seenDiskFull_ = false;
     bool seenHovering_ = false;
+    std::optional<QPointF> pointer_;  // on the panel
 
     Confetti confetti_;
     std::unique_ptr<CritterView> critter_;

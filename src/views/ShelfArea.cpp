@@ -3,6 +3,7 @@
 #include <QLineF>
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 #include "views/Colors.h"
 #include "views/PieceIds.h"
@@ -177,7 +178,7 @@ double ShelfArea::nextFrame() const {
     return next;
 }
 
-const Chip* ShelfArea::chipAt(const QPointF& point, double top) const {
+Chip* ShelfArea::chipAt(const QPointF& point, double top) {
     if (!reachable()) return nullptr;
     const auto found = std::find_if(chips_.begin(), chips_.end(), [&](const Chip& chip) {
         return chip.shown() && chip.inner().contains(onShelf(point, top));
@@ -186,13 +187,13 @@ const Chip* ShelfArea::chipAt(const QPointF& point, double top) const {
 }
 
 bool ShelfArea::tap(const QPointF& point, double top) {
-    if (!reachable()) return false;
-    const Chip* chip = chipAt(point, top);
+    const Chip* chip = std::exchange(pressed_, nullptr);
     // A countdown has nothing to be used for: a tap on it is one on the creature.
     if (chip && !std::holds_alternative<HeldTimer>(chip->thing())) {
-        ports_.use(HeldThing(chip->thing()));
+        if (chip->shown()) ports_.use(HeldThing(chip->thing()));
         return true;
     }
+    if (!reachable()) return false;
     const Layout l = layout();
     if (l.pill.isEmpty() || !l.pillFrame.contains(onShelf(point, top))) return false;
     m_.withAnimation(Animation::spring(0.32, 0.85), [this] { m_.shelfExpanded = !m_.shelfExpanded; });
@@ -200,6 +201,7 @@ bool ShelfArea::tap(const QPointF& point, double top) {
 }
 
 bool ShelfArea::press(const QPointF& point, double top) {
+    pressed_ = chipAt(point, top);
     if (!reachable()) return false;
     const auto found = std::find_if(chips_.begin(), chips_.end(), [&](const Chip& chip) {
         return chip.shown() && chip.removeHit(onShelf(point, top));

@@ -26,15 +26,18 @@ class ShelfArea {
 
     /// The pointer is at `point`, or nowhere near.
     void pointerMoved(const std::optional<QPointF>& point, double top);
-    /// Uses the chip, or unfolds or folds the shelf, if `point` is on a chip or a pill; tells whether it was.
-    bool tap(const QPointF& point, double top);
-    /// Takes a press on a chip's remove button; tells whether it did.
+    /// A press begins; tells whether it is on a chip's remove button.
     bool press(const QPointF& point, double top);
-    /// Ends such a press, released `way` points from where it began.
+    /// Ends a press on a remove button, released `way` points from where it began.
     void release(const QPointF& way);
+    /// Ends any other press that was a tap at `point`: uses the chip that was pressed, wherever it is by now, or
+    /// unfolds or folds the shelf if there is a pill; tells whether it did either.
+    bool tap(const QPointF& point, double top);
+    /// The chip that the press is on, if it is still shown; null for none. It lives until the next update().
+    const Chip* pressedChip() const { return pressed_ && pressed_->shown() ? pressed_ : nullptr; }
 
     /// The chip at `point`; null for none. It lives until the next update().
-    const Chip* chipAt(const QPointF& point, double top) const;
+    Chip* chipAt(const QPointF& point, double top);
 
  private:
     struct Layout;
@@ -61,7 +64,7 @@ class ShelfArea {
     std::list<Chip> chips_;  // those that fade out too
     int chipsMade_ = 0;
     std::optional<QPointF> pointer_;  // in the chips' coordinates
-    Chip* pressed_ = nullptr;         // its remove button is held down
+    Chip* pressed_ = nullptr;         // by the press that has begun last; not forgotten until that ends
     Animated<double> presence_{0, 0.002};
     Animated<double> scale_{1, 0.001};  // of the chips, to fit the row into the body
 };

@@ -91,10 +91,27 @@ TEST(Launch, DemoModeLeavesTheSensorsOff) {
     ProgramFixture f;
     f.launch({"--toy=wea"});
     EXPECT_NE(f.log.find("toy=Weather"), std::string::npos);
-    EXPECT_FALSE(f.monitors.onMouseMoved || f.monitors.onRightMouseDown || f.workspace.started);
+    EXPECT_FALSE(f.workspace.started);
     EXPECT_FALSE(f.window.input.isEmpty());
+    const QPointF cursor = f.m().cursor;
+    f.move(0, 10);
+    f.monitors.onRightMouseDown({756, 980});
+    EXPECT_EQ(f.m().cursor.get(), cursor);
+    EXPECT_TRUE(f.menu.isEmpty());
     f.loop.advance(120);
     EXPECT_FALSE(f.m().asleep);
+}
+
+TEST(Launch, InTheDemoChipsCanBeTouchedAllTheSame) {
+    ProgramFixture f;
+    f.launch({"--seed", "--toy=critter", "--trace"});
+    f.loop.advance(2);
+    ::testing::internal::CaptureStderr();
+    f.move(-28, 112);
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "trace: chip Notes.app hover → true\n");
+    f.monitors.onRightMouseDown({756 - 28, 982 - 112});
+    ASSERT_FALSE(f.menu.isEmpty());
+    EXPECT_EQ(f.menu.first().title, QStringLiteral("Open"));
 }
 
 TEST(Launch, WithoutAScreenSaysSo) {

@@ -1,8 +1,11 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+#include <ctime>
 
 #include "platform/FileUrls.h"
 #include "shelf/DropIntake.h"
@@ -107,6 +110,12 @@ TEST(DragWatch, ReleasingClosesTheMouthALittleLater) {
     // A window that is moved afterwards is no drag of things.
     f.drag(0, 10);
     EXPECT_FALSE(f.m.dragNear);
+    // Nor does an answer count that comes when all is over.
+    ++f.pasteboard.count;
+    f.drag(0, 10);
+    f.drops.dragEnded();
+    f.pasteboard.answer(true);
+    EXPECT_FALSE(f.m.dragNear);
 }
 
 TEST(DragWatch, ANearDragBringsAHiddenCreatureBackButNotTheWeather) {
@@ -160,6 +169,7 @@ TEST(Drop, AnImageOutOfABrowserBecomesAFile) {
     EXPECT_EQ(name.mid(18, 4), QStringLiteral(" at "));
     EXPECT_EQ(f.contents(f.m.items->first()), "first");
     EXPECT_EQ(f.contents(f.m.items->last()), "second");
+    EXPECT_EQ(f.m.items->last().fileName(), QString(name).replace(QStringLiteral(".jpg"), QStringLiteral("-2.jpg")));
     EXPECT_EQ(f.folder().size(), 2) << "drafts are not left behind";
     EXPECT_TRUE(f.m.bites->isEmpty());
 }
@@ -205,6 +215,9 @@ TEST(Drop, TextIsTrimmedAndCut) {
     f.drop->offer("application/x-color", "1");
     f.handle();
     EXPECT_EQ(f.m.swallowCount, 1);
+    f.drop->offer("text/plain;charset=utf-8", QByteArray(3 << 20, ' ') + "late");
+    f.handle();
+    EXPECT_EQ(*f.m.bites->last().text(), QStringLiteral("late"));
 }
 
 TEST(Drop, WithoutAFolderToWriteInNothingIsLostButTheImage) {
@@ -240,6 +253,7 @@ TEST(UrlList, ReadsWhatProgramsSend) {
     EXPECT_EQ(parseUrls(QStringLiteral("text/uri-list"), "file:///x%3Ay").value(0),
               QUrl::fromLocalFile(QStringLiteral("/x:y")));
     EXPECT_EQ(parsed("text/uri-list", "file:///a%00b"), QString());
+    EXPECT_EQ(parsed("text/uri-list", "file:////server/x"), QStringLiteral("file:///server/x")) << "a folder of ours";
 }
 
 TEST(UrlList, OfAnEndlessListTheEndCounts) {
@@ -263,17 +277,47 @@ TEST(NoteText, CountsCharactersAsAPersonDoes) {
     EXPECT_EQ(firstCharacters(QString()), QString());
 }
 
+TEST(NewFile, CountersStandBeforeTheExtension) {
+    const QTemporaryDir dir;
+    const QUrl folder = QUrl::fromLocalFile(dir.path() + u'/');
+    for (const auto& [name, second] : std::vector<std::pair<const char*, const char*>>{
+             {"a.tar.gz", "a-2.tar.gz"}, {"v1.2 at 20.07.33.png", "v1.2 at 20.07.33-2.png"}, {"plain", "plain-2"}}) {
+        ASSERT_TRUE(writeNewFile(folder, QLatin1String(name), "1"));
+        EXPECT_EQ(writeNewFile(folder, QLatin1String(name), "2")->fileName(), QLatin1String(second));
+    }
+}
+
+TEST(NewFile, AbandonedInboxesAreClearedAwayAndYoungOnesAreNot) {
+    const QTemporaryDir dir;
+    const QUrl folder = QUrl::fromLocalFile(dir.path() + u'/');
+    const auto old = makeInbox(folder), young = makeInbox(folder);
+    ASSERT_TRUE(old && young);
+    QFile half(old->toLocalFile() + QStringLiteral("half"));
+    ASSERT_TRUE(half.open(QFile::WriteOnly));
+    const timespec yesterday{::time(nullptr) - 90000, 0}, times[2] = {yesterday, yesterday};
+    ASSERT_EQ(::utimensat(AT_FDCWD, QFile::encodeName(old->toLocalFile()), times, 0), 0);
+    const auto next = makeInbox(folder);
+    ASSERT_TRUE(next);
+    EXPECT_FALSE(QFileInfo::exists(old->toLocalFile()));
+    EXPECT_TRUE(QFileInfo::exists(young->toLocalFile()) && QFileInfo::exists(next->toLocalFile()));
+}
+
 TEST(NewFile, NamesAreMadeHarmless) {
     const QByteArray longName = QByteArray("é").repeated(200);
-    const std::vector<std::pair<QByteArray, QString>> cases{
-        {"a.txt", QStringLiteral("a.txt")},   {"/x/../b", QStringLiteral("b")},
-        {"..", QStringLiteral("Dropped")},    {"", QStringLiteral("Dropped")},
-        {"x/", QStringLiteral("Dropped")},    {".bashrc", QStringLiteral("bashrc")},
-        {"..\x06 ..x ", QStringLiteral("x")}, {QByteArray("n\0u\x1bl", 5), QStringLiteral("nul")}};
+    const std::vector<std::pair<QByteArray, QString>> cases{{"a.txt", QStringLiteral("a.txt")},
+                                                            {"/x/../b", QStringLiteral("b")},
+                                                            {"..", QStringLiteral("Dropped")},
+                                                            {"", QStringLiteral("Dropped")},
+                                                            {"x/", QStringLiteral("Dropped")},
+                                                            {".bashrc", QStringLiteral("bashrc")},
+                                                            {"gpj\xe2\x80\xae.exe", QStringLiteral("gpj.exe")},
+                                                            {"..\x06 ..x ", QStringLiteral("x")},
+                                                            {QByteArray("n\0u\x1bl", 5), QStringLiteral("nul")}};
     for (const auto& [given, wanted] : cases) EXPECT_EQ(sanitizedFileName(given), wanted) << given.toStdString();
     const QString cut = sanitizedFileName(longName + ".png");
     EXPECT_TRUE(cut.endsWith(QString::fromUtf8("é.png")));
     EXPECT_LE(cut.toUtf8().size(), 240);
+    EXPECT_TRUE(sanitizedFileName(longName + ".tar.gz").endsWith(QString::fromUtf8("é.tar.gz")));
     EXPECT_FALSE(sanitizedFileName("\xff.png").isEmpty());
 }
 

@@ -37,7 +37,10 @@ struct ShelfFixture : PictureFixture {
         const QPointF middle = removeButton(i) - QPointF(180, 0);
         return bounds(picture(), QRectF(middle - QPointF(4, 4), QSizeF(8, 8)), isLight).has_value();
     }
-    void tapAt(const QPointF& point) { root.tap(point); }
+    void tapAt(const QPointF& point) {
+        root.press(point);
+        root.tap(point);
+    }
 
     static constexpr double kRow = 42 + 30 + 12 + 28;
 };
@@ -52,6 +55,39 @@ TEST(Shelf, ClicksUseFilesAndBitesButNotTimers) {
     }
     EXPECT_EQ(f.used, f.things().mid(1));
     EXPECT_EQ(f.m.boopCount, 1) << "a tap on a countdown is one on the creature";
+}
+
+TEST(Shelf, APressBelongsToTheChipThatItBeganOn) {
+    ShelfFixture f;
+    const HeldThing second = f.things()[1];
+    const QPointF place = f.chip(1);
+    f.root.press(place);
+    f.m.addTimer(5);  // which moves the row
+    f.rest();
+    ASSERT_NE(f.root.chipAt(place)->thing(), second);
+    EXPECT_EQ(f.root.pressedChip()->thing(), second);
+    f.root.tap(place);
+    EXPECT_EQ(f.used, QList{second});
+
+    f.root.press(f.chip(1));
+    f.m.items = QList<QUrl>();
+    f.rest();
+    EXPECT_FALSE(f.root.pressedChip());
+    f.root.tap(place);
+    EXPECT_EQ(f.used.size(), 1) << "nobody can use what is gone";
+}
+
+TEST(Shelf, HoverFollowsChipsThatComeUnderAStillPointer) {
+    PictureFixture f;
+    f.m.items = QList{QUrl::fromLocalFile(QStringLiteral("/f/a.png"))};
+    f.rest();
+    f.m.withAnimation(commonSpring(), [&] { f.m.hovering = true; });
+    f.root.pointerMoved(QPointF(180, 135));  // where the chip will be
+    while (f.root.nextFrame() <= f.clock.uptime()) {
+        f.picture();
+        f.loop.advance(1 / 60.0);
+    }
+    EXPECT_EQ(f.traces, QStringList{QStringLiteral("chip a.png hover → true")});
 }
 
 TEST(Shelf, HoverIsTracedAndHeldForAMoment) {
@@ -174,6 +210,35 @@ TEST(Shelf, UnfoldsIntoRowsOfFive) {
     EXPECT_EQ(sixth->thing(), HeldThing(f.m.bites->last()));
     f.tapAt({180, second + 28 + 9});
     EXPECT_FALSE(f.m.shelfExpanded) << "the pill below the rows";
+}
+
+TEST(Shelf, FoldsWhenThePointerLeavesWhateverIsShown) {
+    for (const bool weather : {false, true}) {
+        ShelfFixture f;
+        f.m.shelfExpanded = true;
+        f.rest();
+        if (weather)
+            f.m.toy = Toy::weather;
+        else
+            f.m.hidden = true;
+        f.rest();
+        f.picture();
+        EXPECT_TRUE(f.m.shelfExpanded);
+        f.m.hovering = false;
+        EXPECT_FALSE(f.m.shelfExpanded);
+    }
+}
+
+TEST(Shelf, AnEndlessLinkIsShownByItsEnds) {
+    const QString address = QStringLiteral("data:text/plain,") + QString(1000000, u'A') + QStringLiteral("zyx");
+    const auto pictureOf = [](const QString& text) {
+        PictureFixture f;
+        f.m.bites = QList{Bite::link(QUrl(text))};
+        f.m.hovering = true;
+        f.rest();
+        return f.picture();
+    };
+    EXPECT_EQ(pictureOf(address), pictureOf(address.left(100) + address.right(100)));
 }
 
 TEST(Shelf, AsleepOrAwayNothingCanBeTouched) {

@@ -49,7 +49,7 @@ int main(int argc, char** argv) {
     SystemClock clock;
     QtMainLoop loop;
     ThreadQueue background;
-    ThreadQueue references;  // a dead disk may hold up all of its threads
+    ThreadQueue references, pictures;  // a dead disk may hold up all of a queue's threads
     ThreadSerialQueue writing;
     ThreadSerialQueue playing;
     ThreadSerialQueue jobs;
@@ -58,7 +58,7 @@ int main(int argc, char** argv) {
     QtScreens screens(preferences, loop);
     CanberraSounds sounds(playing);
     QtPasteboard pasteboard;
-    DesktopIcons icons(background, loop);
+    DesktopIcons icons(pictures, loop);
     DesktopSharing sharing(background, loop, pasteboard);
     WorkerProcess worker(QFile::encodeName(QCoreApplication::applicationDirPath() + QStringLiteral("/glimmet-worker")));
     const Desktop desktop = makeDesktop(loop, background);
@@ -90,6 +90,8 @@ int main(int argc, char** argv) {
         arguments);
     if (delegate.launch() != AppDelegate::Launch::running) return 0;
     const int status = QApplication::exec();
+    desktop.leaveClipboard(quit);
+    QApplication::exec();
     // Nothing else is worth waiting for: a held file's disk that does not answer, or a chime, would hold up the end.
     preferences.flush();
     std::_Exit(status);

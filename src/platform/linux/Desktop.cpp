@@ -12,6 +12,7 @@
 #include "platform/linux/Openers.h"
 #include "platform/linux/QtPanelWindow.h"
 #include "platform/linux/ScreenCoordinates.h"
+#include "platform/linux/x11/X11Clipboard.h"
 #include "platform/linux/x11/X11DragPasteboard.h"
 #include "platform/linux/x11/X11EventMonitors.h"
 #include "platform/linux/x11/X11PanelWindow.h"
@@ -66,11 +67,13 @@ Desktop makeDesktop(MainLoop& loop, BackgroundQueue& queue) {
             return {std::make_unique<X11PanelWindow>(connection, sampler, loop),
                     std::make_unique<X11EventMonitors>(connection, sampler, &X11PanelWindow::ownWindow),
                     std::make_unique<X11Workspace>(connection, loop, queue),
-                    std::make_unique<X11DragPasteboard>(connection, loop, &X11PanelWindow::ownWindow)};
+                    std::make_unique<X11DragPasteboard>(connection, loop, &X11PanelWindow::ownWindow),
+                    [connection, &loop](auto done) { leaveX11Clipboard(connection, loop, std::move(done)); }};
         }
     }
     return {std::make_unique<QtPanelWindow>(), std::make_unique<PlainMonitors>(),
-            std::make_unique<PlainWorkspace>(queue), std::make_unique<PlainDragPasteboard>()};
+            std::make_unique<PlainWorkspace>(queue), std::make_unique<PlainDragPasteboard>(),
+            [&loop](auto done) { loop.post(std::move(done)); }};
 }
 
 bool choosePlatform() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 
 #include "platform/BackgroundQueue.h"
@@ -15,6 +16,9 @@ struct Desktop {
     std::unique_ptr<EventMonitors> monitors;
     std::unique_ptr<Workspace> workspace;
     std::unique_ptr<DragPasteboard> dragPasteboard;
+    /// Lets the desktop's keeper of the clipboard, where there is one, take over what this program has put there; it
+    /// would be lost with the program. Calls `done` later, once: after a second at most.
+    std::function<void(std::function<void()> done)> leaveClipboard;
 };
 
 /// On a platform other than X11 the monitors see nothing but where the pointer is, the workspace only opens and

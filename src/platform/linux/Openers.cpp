@@ -5,7 +5,8 @@
 #include "platform/linux/Programs.h"
 
 namespace {
-constexpr double kFileManagersPatience = 3;
+constexpr double kFileManagersPatience = 3;  // seconds
+constexpr double kStartsPatience = 25;       // with one that the bus starts first
 
 void open(const QUrl& url) {
     // It begins with its scheme's letter, so no program can take it for an option.
@@ -18,9 +19,10 @@ bool showInFileManager(const QUrl& file) {
                                    QStringLiteral("/org/freedesktop/FileManager1"),
                                    QStringLiteral("org.freedesktop.FileManager1")};
     const QStringList files{QString::fromLatin1(file.toEncoded(QUrl::StripTrailingSlash))};
-    const auto answer =
-        MessageBus::session().call(manager, QStringLiteral("ShowItems"), {files, QString()}, kFileManagersPatience);
-    return answer.type() == QDBusMessage::ReplyMessage;
+    const MessageBus bus = MessageBus::session();
+    const double patience = bus.owned(manager.service, kFileManagersPatience) ? kFileManagersPatience : kStartsPatience;
+    return bus.call(manager, QStringLiteral("ShowItems"), {files, QString()}, patience).type() ==
+           QDBusMessage::ReplyMessage;
 }
 }  // namespace
 

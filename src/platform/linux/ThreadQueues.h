@@ -4,9 +4,10 @@
 
 #include "platform/BackgroundQueue.h"
 
-/// A few threads that live while there is work.
+/// A few threads that live while there is work: some of them may have to wait long.
 class ThreadQueue : public BackgroundQueue {
  public:
+    ThreadQueue() { pool_.setMaxThreadCount(8); }
     void run(std::function<void()> job) override { pool_.start(std::move(job)); }
 
  private:

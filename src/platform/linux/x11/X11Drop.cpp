@@ -45,7 +45,7 @@ X11Drop::X11Drop(std::shared_ptr<X11Connection> connection, MainLoop& loop, cons
 }
 
 X11Drop::~X11Drop() {
-    sendXdndFinished(*connection_, peers_, true);
+    sendXdndFinished(*connection_, peers_, taken_);
 }
 
 QStringList X11Drop::types() const {
@@ -68,8 +68,9 @@ void X11Drop::load(const QString& type, Loaded done) {
         }
         return loadText(std::move(targets), std::move(done));
     }
-    reader_.read(connection_->atom(type.toUtf8()), loadPatience, [done = std::move(done)](const auto& data) {
+    reader_.read(connection_->atom(type.toUtf8()), loadPatience, [this, done = std::move(done)](const auto& data) {
         const bool usable = data && data->format == 8 && !data->bytes.isEmpty();
+        taken_ |= usable;
         done(usable ? std::optional(data->bytes) : std::nullopt);
     });
 }
@@ -81,6 +82,7 @@ void X11Drop::loadText(std::vector<QByteArray> targets, Loaded done) {
     reader_.read(connection_->atom(target), loadPatience,
                  [this, target, rest = std::move(targets), done = std::move(done)](const auto& data) {
                      const auto text = data ? utf8(target, *data) : std::nullopt;
+                     taken_ |= text.has_value();
                      if (text) return done(text);
                      loadText(rest, done);
                  });
@@ -101,6 +103,7 @@ void X11Drop::savePromise(const QUrl& target, std::function<void(bool saved)> do
     setPromisedFile("file://" + QSysInfo::machineHostName().toUtf8() + pathOf(target).toPercentEncoding("/"));
     reader_.read(connection_->atom(promiseTarget), savePatience, [this, done = std::move(done)](const auto& data) {
         const bool saved = data && data->format == 8 && data->bytes == "S";
+        taken_ |= saved;
         if (!saved) setPromisedFile({});  // which tells the source that its file is nowhere
         done(saved);
     });

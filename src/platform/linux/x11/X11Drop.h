@@ -38,5 +38,6 @@ class X11Drop : public Drop {
     XdndPeers peers_;
     std::vector<DragForm> forms_;
     std::optional<QByteArray> promisedName_;
+    bool taken_ = false;  // the source has given something
     SelectionReader reader_;
 };

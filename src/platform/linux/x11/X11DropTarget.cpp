@@ -46,7 +46,8 @@ bool X11DropTarget::nativeEventFilter(const QByteArray& type, void* message, qin
 void X11DropTarget::entered(const xcb_client_message_data_t& message) {
     forgetSource();
     source_ = message.data32[0];
-    if (!watchSource(true)) {
+    // What is watched on the root window is not to be replaced.
+    if (source_ == connection_->root() || !watchSource(true)) {
         source_ = XCB_NONE;
         return;
     }
