@@ -11,6 +11,13 @@ constexpr double kSymbolBox = 1.25;
 constexpr double kFontPixels = 100;
 constexpr qsizetype kMostVisible = 500;  // characters on one side of the dots
 
+/// Whether `c` may be part of an emoji, which has colours and no outline: one beyond the first 65536 characters, a
+/// symbol, or what makes an emoji of a letter or sign.
+bool mayBePicture(QChar c) {
+    constexpr QChar keycap(0x20e3), lastSymbol(0x2bff), asEmoji(0xfe0f);
+    return c.isSurrogate() || (c >= keycap && c <= lastSymbol) || c == asEmoji;
+}
+
 }  // namespace
 
 Canvas::Canvas(QPainter& painter, PictureCaches& caches, double devicePixelRatio)
@@ -142,14 +149,21 @@ void Canvas::symbol(const QString& name, const QPointF& center, double size, con
 void Canvas::text(const QString& line, const QPointF& center, const TextStyle& style, const QColor& color) {
     const QFont face = font(style.face, style.weight);
     const QFontMetricsF metrics(face);
-    QPainterPath path;
     // Centred between the line's ascent and descent, as a row of text is laid out.
-    path.addText(-metrics.horizontalAdvance(line) / 2, (metrics.ascent() - metrics.descent()) / 2, face, line);
+    const QPointF start(-metrics.horizontalAdvance(line) / 2, (metrics.ascent() - metrics.descent()) / 2);
     const double scale = style.size / kFontPixels;
     painter_.save();
     painter_.translate(center);
     painter_.scale(scale, scale);
-    painter_.fillPath(path, color);
+    if (std::any_of(line.begin(), line.end(), mayBePicture)) {
+        painter_.setFont(face);
+        painter_.setPen(color);
+        painter_.drawText(start, line);
+    } else {
+        QPainterPath path;
+        path.addText(start, face, line);
+        painter_.fillPath(path, color);
+    }
     painter_.restore();
 }
 

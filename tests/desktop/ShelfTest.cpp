@@ -4,6 +4,7 @@
 #include <QProcess>
 
 #include "desktop/DesktopTest.h"
+#include "support/ClipboardManager.h"
 #include "support/DragTools.h"
 #include "support/SoundServer.h"
 
@@ -118,6 +119,25 @@ TEST_F(ShelfOfChips, ANoteGoesToTheClipboardOfAnyProgram) {
     session.click(chip(0, 1));
     EXPECT_TRUE(waitFor([&] { return confettiFlies(); }));
     EXPECT_EQ(session.clipboard(), "call the bank");
+}
+
+TEST_F(ShelfOfChips, WhatWasCopiedOutlivesTheProgram) {
+    for (const bool answers : {true, false}) {
+        hold({}, R"([{"note":{"_0":"call the bank"}}])");
+        start();
+        openShelf();
+        session.click(chip(0, 1));
+        ASSERT_TRUE(waitFor([&] { return session.clipboard() == "call the bank"; }));
+        ClipboardManager manager(session, answers);
+        glimmet->terminate();
+        ASSERT_TRUE(waitFor([&] {
+            manager.work();
+            return !glimmet->running();
+        }));
+        EXPECT_EQ(glimmet->exitCode(), 0);
+        EXPECT_EQ(manager.requests, 1);
+        EXPECT_EQ(manager.kept, answers ? "call the bank" : "");
+    }
 }
 
 TEST_F(ShelfOfChips, AFileIsDraggedOutToAnotherProgram) {

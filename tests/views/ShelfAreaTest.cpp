@@ -229,6 +229,19 @@ TEST(Shelf, FoldsWhenThePointerLeavesWhateverIsShown) {
     }
 }
 
+TEST(Shelf, EmojiInNamesKeepTheirColours) {
+    PictureFixture f;
+    for (const char* name : {"party 🎉", "🇩🇪", "plain"}) {
+        f.m.items = QList{QUrl::fromLocalFile(QStringLiteral("/f/") + QString::fromUtf8(name))};
+        f.m.hovering = true;
+        f.rest();
+        const QRectF caption(-21, ShelfFixture::kRow + 11, 42, 12);
+        const auto coloured =
+            f.bounds(f.picture(), caption, [](QColor c) { return c.saturation() > 120 && c.value() > 90; });
+        EXPECT_EQ(coloured.has_value(), name != std::string_view("plain")) << name;
+    }
+}
+
 TEST(Shelf, AnEndlessLinkIsShownByItsEnds) {
     const QString address = QStringLiteral("data:text/plain,") + QString(1000000, u'A') + QStringLiteral("zyx");
     const auto pictureOf = [](const QString& text) {
