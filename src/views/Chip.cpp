@@ -162,10 +162,7 @@ QString Chip::countdown() const {
 
 Chip::Look Chip::look() const {
     const double glow = glow_.at(clock_.uptime());
-    const QColor plain = white(0.07), lit = accentOrange(0.16);
-    const auto mixed = [glow](double from, double to) { return float(from + (to - from) * glow); };
-    const QColor fill = QColor::fromRgbF(mixed(plain.redF(), lit.redF()), mixed(plain.greenF(), lit.greenF()),
-                                         mixed(plain.blueF(), lit.blueF()), mixed(plain.alphaF(), lit.alphaF()));
+    const QColor plain = white(0.07), fill = mixed(plain, accentOrange(0.16), glow);
     if (timer() && timer()->done)
         return {QStringLiteral("bell.fill"),
                 accentOrange(),

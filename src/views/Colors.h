@@ -22,3 +22,10 @@ inline QColor black(double opacity) {
 inline QColor gray(double value) {
     return QColor::fromRgbF(float(value), float(value), float(value));
 }
+
+/// `share` of the way from one colour to another, 0 to 1.
+inline QColor mixed(const QColor& from, const QColor& to, double share) {
+    const auto channel = [share](float a, float b) { return a + (b - a) * float(share); };
+    return QColor::fromRgbF(channel(from.redF(), to.redF()), channel(from.greenF(), to.greenF()),
+                            channel(from.blueF(), to.blueF()), channel(from.alphaF(), to.alphaF()));
+}

@@ -16,15 +16,16 @@ constexpr double kChewPeriod = 0.55;  // seconds
 constexpr double kChewEase = 0.3;
 constexpr double kChewOpacity = 0.55;
 constexpr double kTongueDrop = 9;
+constexpr double kClosedEnd = 1, kYawnEnd = 19;  // radii of the mouth's gradient
 
 struct Numbers {
     double width, height, opacity, space, shadow, gradientEnd, rim, glow, tongueWidth, tongueHeight, tongueOpacity;
 };
 
 // In the order of Mouth::State.
-constexpr std::array<Numbers, 4> kNumbers{{{14, 2.4, 0.55, 7, 0, 1, 0, 0, 0, 0, 0},
-                                           {16, 7, 0.9, 7, 0, 1, 0, 0, 0, 0, 0},
-                                           {20, 24, 1, 7, 0.6, 19, 0.24, 0.1, 0, 0, 0},
+constexpr std::array<Numbers, 4> kNumbers{{{14, 2.4, 0.55, 7, 0, kClosedEnd, 0, 0, 0, 0, 0},
+                                           {16, 7, 0.9, 7, 0, kClosedEnd, 0, 0, 0, 0, 0},
+                                           {20, 24, 1, 7, 0.6, kYawnEnd, 0.24, 0.1, 0, 0, 0},
                                            {40, 30, 1, 11, 0.6, 30, 0.34, 0.16, 20, 8, 1}}};
 
 const QColor kThroat = QColor::fromRgbF(0.11F, 0.015F, 0.04F);
@@ -116,8 +117,11 @@ void Mouth::draw(Canvas& canvas, const Look& l) {
     const QPainterPath capsule = continuousCapsule(frame);
     canvas.shadow(capsule, warmGlow(l.glow), 13, {});
     canvas.shadow(capsule, black(l.shadow), 4, {0, 2});
-    canvas.fill(capsule, radialGradient(frame, {0.5, 0.66}, 1, std::max(l.gradientEnd, 1.0),
-                                        {{0, kThroat}, {0.5, kPalate}, {1, kLips}}));
+    // A closed mouth is flat and dark: throat and lips show as it opens.
+    const double open = std::clamp((l.gradientEnd - kClosedEnd) / (kYawnEnd - kClosedEnd), 0.0, 1.0);
+    canvas.fill(capsule,
+                radialGradient(frame, {0.5, 0.66}, 1, std::max(l.gradientEnd, kClosedEnd),
+                               {{0, mixed(kPalate, kThroat, open)}, {0.5, kPalate}, {1, mixed(kPalate, kLips, open)}}));
     if (l.tongueOpacity > 0) {
         canvas.with(QTransform(), l.tongueOpacity,
                     [&] { canvas.clipped(capsule, [&] { drawTongue(canvas, l, frame.center()); }); });
