@@ -1,4 +1,5 @@
 #include <gmock/gmock.h>
+#include <malloc.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -90,6 +91,42 @@ TEST(Chew, MakesEveryKindIntoEveryOther) {
         EXPECT_EQ(folder.names().size(), 4);
         EXPECT_FALSE(QFile::exists(QFile::decodeName(folder.fallback)));
     }
+}
+
+TEST(Chew, KnowsTheWaysToStoreABmp) {
+    // Blue, green, red.
+    const QByteArray red("\x1e\x1e\xdc", 3), green("\x1e\xc8\x1e", 3), blue("\xdc\x1e\x1e", 3), grey("\x80\x80\x80", 3);
+    const QByteArray end(2, '\0'), opaque("\xff"), none(1, '\0');
+    const QByteArray upper = red + green + end, lower = blue + grey + end;
+    const QByteArray masks = littleEndian(0xff0000) + littleEndian(0xff00) + littleEndian(0xff);
+    const QByteArray deep = blue + opaque + grey + opaque + red + opaque + green + opaque;
+    const QByteArray colours = red + none + green + none + blue + none + grey + none;
+    const struct {
+        const char* what;
+        QByteArray bytes;
+    } cases[] = {
+        {"bottom first", bmp(40, 2, 2, 24, 0, lower + upper)},
+        {"top first", bmp(40, 2, quint32(-2), 24, 0, upper + lower)},
+        {"oldest", bmp(12, 2, 2, 24, 0, lower + upper)},
+        {"masks in the header", bmp(52, 2, 2, 32, 3, masks + deep)},
+        {"with opacity", bmp(56, 2, 2, 32, 3, masks + littleEndian(0xff000000) + deep)},
+        {"runs", bmp(40, 2, 2, 8, 1, colours + QByteArray("\1\2\1\3\0\0\1\0\1\1\0\1", 12), 4)},
+        {"runs without an end", bmp(40, 2, 2, 8, 1, colours + QByteArray("\1\2\1\3\0\0\1\0\1\1", 10), 4)},
+    };
+    for (const auto& [what, bytes] : cases) {
+        SCOPED_TRACE(what);
+        const Folder folder;
+        save(folder / "a.bmp", bytes);
+        expectQuarters(opened(chewed(folder, "a.bmp", ChewMode::png)), {kRed, kGreen, kBlue, kGrey}, 0);
+    }
+}
+
+TEST(Chew, LeavesBlackWhatABmpSkips) {
+    const Folder folder;
+    save(folder / "a.bmp", bmp(40, 500, 2, 8, 1, QByteArray(4, '\0') + QByteArray("\xff\xff\xff\0\0\1", 6), 2));
+    ::mallopt(M_PERTURB, 0x55);
+    EXPECT_EQ(opened(chewed(folder, "a.bmp", ChewMode::png)).max(), 0);
+    ::mallopt(M_PERTURB, 0);
 }
 
 TEST(Chew, MakesSmallerWhatIsLargerThanTwoThousand) {

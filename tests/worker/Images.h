@@ -8,6 +8,7 @@
 #include <QDir>
 #include <QFile>
 #include <QImage>
+#include <QtEndian>
 #include <filesystem>
 #include <vector>
 #include <vips/vips8>
@@ -69,6 +70,23 @@ inline void save(const QByteArray& path, const VImage& image) {
     const QImage bmp(static_cast<const uchar*>(rgb.data()), rgb.width(), rgb.height(), rgb.width() * 3,
                      QImage::Format_RGB888);
     ASSERT_TRUE(bmp.save(QFile::decodeName(path), "bmp"));
+}
+
+inline QByteArray littleEndian(quint32 number, qsizetype size = 4) {
+    QByteArray bytes(4, '\0');
+    qToLittleEndian(number, bytes.data());
+    return bytes.left(size);
+}
+
+/// A BMP file with a header of this length; `pixels` begins with the masks or colours where there are any.
+inline QByteArray bmp(quint32 headerLength, quint32 width, quint32 height, quint32 bits, quint32 compression,
+                      const QByteArray& pixels, quint32 colours = 0) {
+    const qsizetype number = headerLength == 12 ? 2 : 4;
+    QByteArray header = littleEndian(headerLength) + littleEndian(width, number) + littleEndian(height, number) +
+                        littleEndian(1, 2) + littleEndian(bits, 2);
+    if (headerLength > 12)
+        header += littleEndian(compression) + QByteArray(12, '\0') + littleEndian(colours) + littleEndian(0);
+    return "BM" + littleEndian(0) + littleEndian(0) + littleEndian(14 + headerLength + 4 * colours) + header + pixels;
 }
 
 /// A folder with another one in it, to fall back to, that is not made yet.
