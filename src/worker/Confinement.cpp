@@ -99,13 +99,14 @@ bool refuseSystemCalls() {
     return isComplete && seccomp_load(filter.get()) == 0;
 }
 
-void allow(const Descriptor& ruleset, const char* path, quint64 access) {
-    const Descriptor parent(::open(path, O_PATH | O_CLOEXEC));
-    const landlock_path_beneath_attr rule{access, parent.get()};
-    if (parent) ::syscall(SYS_landlock_add_rule, ruleset.get(), LANDLOCK_RULE_PATH_BENEATH, &rule, 0);
+void allow(const Descriptor& ruleset, int file, quint64 access) {
+    const landlock_path_beneath_attr rule{access, file};
+    ::syscall(SYS_landlock_add_rule, ruleset.get(), LANDLOCK_RULE_PATH_BENEATH, &rule, 0);
 }
 
-void refuseWriting(const QByteArray& exceptIn) {
+/// Being in a domain of its own also keeps it from what /proc tells about the memory, environment and files of other
+/// processes, even of the same user.
+void refuseWriting(const NewFile* except) {
     const long version = ::syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION);
     if (version < 1) return;
     landlock_ruleset_attr handled{};
@@ -116,10 +117,11 @@ void refuseWriting(const QByteArray& exceptIn) {
                                 LANDLOCK_ACCESS_FS_MAKE_BLOCK | LANDLOCK_ACCESS_FS_MAKE_SYM;
     const Descriptor ruleset(int(::syscall(SYS_landlock_create_ruleset, &handled, sizeof handled, 0)));
     if (!ruleset) return;
-    allow(ruleset, "/dev/null", LANDLOCK_ACCESS_FS_WRITE_FILE);
-    if (!exceptIn.isEmpty())
-        allow(ruleset, exceptIn.constData(),
-              LANDLOCK_ACCESS_FS_WRITE_FILE | LANDLOCK_ACCESS_FS_MAKE_REG | LANDLOCK_ACCESS_FS_REMOVE_FILE);
+    if (const Descriptor nowhere(::open("/dev/null", O_PATH | O_CLOEXEC)); nowhere)
+        allow(ruleset, nowhere.get(), LANDLOCK_ACCESS_FS_WRITE_FILE);
+    if (except)
+        allow(ruleset, except->folderDescriptor(),
+              LANDLOCK_ACCESS_FS_MAKE_REG | (except->isHidden() ? LANDLOCK_ACCESS_FS_REMOVE_FILE : 0));
     ::syscall(SYS_landlock_restrict_self, ruleset.get(), 0);
 }
 
@@ -140,8 +142,8 @@ bool limitResources() {
            limit(RLIMIT_CPU, kSeconds, kSeconds + 5) && limit(RLIMIT_FSIZE, 512 * kMiB, 512 * kMiB) && limitMemory();
 }
 
-bool restrictAccess(const QByteArray& folder) {
+bool restrictAccess(const NewFile* result) {
     if (::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0) return false;
-    refuseWriting(folder);
+    refuseWriting(result);
     return refuseSystemCalls();
 }

@@ -21,7 +21,7 @@ using testing::Pointwise;
 constexpr ChewMode kModes[] = {ChewMode::jpeg, ChewMode::png, ChewMode::smaller};
 
 QByteArray chewed(const Folder& folder, const QByteArray& name, ChewMode mode) {
-    const auto result = chew(folder / name, mode, folder.fallback);
+    const auto result = chew(folder / name, mode, newResult(folder / name, folder.fallback));
     const auto* failure = std::get_if<Failure>(&result);
     EXPECT_EQ(failure, nullptr) << name.toStdString() << ": " << failure->code;
     return failure ? QByteArray() : std::get<QByteArray>(result);
@@ -381,7 +381,8 @@ TEST(Chew, FallsBackWhereItCannotWrite) {
         // It gets the number that it would have had beside its source.
         EXPECT_THAT(chewed(folder, "b.png", ChewMode::jpeg).toStdString(),
                     MatchesRegex(folder.fallback.toStdString() + "/b-[1-9][0-9].jpg"));
-        EXPECT_EQ(failureCode(chew(folder / "a.png", ChewMode::png, "/proc/nothing/here")), 2);
+        EXPECT_EQ(failureCode(chew(folder / "a.png", ChewMode::png, newResult(folder / "a.png", "/proc/nothing/here"))),
+                  2);
     });
     EXPECT_EQ(folder.names().size(), 3);
     ASSERT_EQ(::chmod(folder.path.constData(), 0755), 0);

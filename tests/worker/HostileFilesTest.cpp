@@ -15,7 +15,7 @@ constexpr ChewMode kModes[] = {ChewMode::jpeg, ChewMode::png, ChewMode::smaller}
 std::vector<int> codes(const Folder& folder, const QByteArray& name) {
     std::vector<int> all;
     for (const auto mode : kModes) {
-        const auto result = chew(folder / name, mode, folder.fallback);
+        const auto result = chew(folder / name, mode, newResult(folder / name, folder.fallback));
         const auto* failure = std::get_if<Failure>(&result);
         all.push_back(failure ? failure->code : 0);
     }
@@ -103,7 +103,7 @@ TEST(HostileFiles, AreNotEvenFilesOrForOtherDecoders) {
     ASSERT_EQ(::symlink("loop.png", (folder / "loop.png").constData()), 0);
     for (const char* name : {"pipe.png", "folder.png", "loop.png", "missing.png"})
         EXPECT_EQ(codes(folder, name), kCannotOpen) << name;
-    const auto device = chew("/dev/zero", ChewMode::png, folder.fallback);
+    const auto device = chew("/dev/zero", ChewMode::png, newResult("/dev/zero", folder.fallback));
     EXPECT_TRUE(std::holds_alternative<Failure>(device));
 }
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <QByteArray>
 #include <QDir>
@@ -111,5 +112,10 @@ struct Folder {
     QStringList names() const {
         return QDir(QFile::decodeName(path))
             .entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+    }
+    /// Whether these are the names in it, or will be within some seconds.
+    bool isSoon(const QStringList& expected) const {
+        for (int i = 0; i < 500 && names() != expected; ++i) ::usleep(10'000);
+        return names() == expected;
     }
 };
