@@ -6,6 +6,7 @@
 #include <poll.h>
 #include <sched.h>
 #include <seccomp.h>
+#include <sys/ioctl.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/syscall.h>
@@ -51,6 +52,12 @@ bool limitMemory() {
 
 using Filter = std::unique_ptr<void, decltype(&seccomp_release)>;
 
+// Calls that are newer than the headers, but not than every kernel; their numbers are the same on all processors.
+constexpr int kFchmodat2 = 452;
+constexpr int kSetxattrat = 463;
+constexpr int kRemovexattrat = 466;
+constexpr int kFileSetattr = 469;
+
 /// What no decoder needs. Landlock does not know of modes, owners and attributes, so changing these is refused here.
 constexpr int kRefused[] = {
     // the network, and a way around this list
@@ -59,7 +66,15 @@ constexpr int kRefused[] = {
     // other programs
     SCMP_SYS(execve), SCMP_SYS(execveat), SCMP_SYS(ptrace), SCMP_SYS(process_vm_readv), SCMP_SYS(process_vm_writev),
     SCMP_SYS(pidfd_getfd), SCMP_SYS(pidfd_send_signal), SCMP_SYS(rt_sigqueueinfo), SCMP_SYS(rt_tgsigqueueinfo),
-    SCMP_SYS(tkill), SCMP_SYS(fork), SCMP_SYS(vfork),
+    SCMP_SYS(tkill), SCMP_SYS(fork), SCMP_SYS(vfork), SCMP_SYS(process_madvise), SCMP_SYS(process_mrelease),
+    SCMP_SYS(kcmp), SCMP_SYS(migrate_pages), SCMP_SYS(move_pages),
+    // what they share or say to each other
+    SCMP_SYS(shmget), SCMP_SYS(shmat), SCMP_SYS(shmctl), SCMP_SYS(msgget), SCMP_SYS(msgsnd), SCMP_SYS(msgrcv),
+    SCMP_SYS(msgctl), SCMP_SYS(semget), SCMP_SYS(semop), SCMP_SYS(semtimedop), SCMP_SYS(semctl), SCMP_SYS(mq_open),
+    SCMP_SYS(mq_unlink),
+    // how much of the processors they get
+    SCMP_SYS(setpriority), SCMP_SYS(ioprio_set), SCMP_SYS(sched_setaffinity), SCMP_SYS(sched_setscheduler),
+    SCMP_SYS(sched_setparam), SCMP_SYS(sched_setattr),
     // the rest of the system
     SCMP_SYS(unshare), SCMP_SYS(setns), SCMP_SYS(mount), SCMP_SYS(bpf), SCMP_SYS(perf_event_open),
     SCMP_SYS(userfaultfd), SCMP_SYS(keyctl), SCMP_SYS(add_key), SCMP_SYS(request_key),
@@ -67,7 +82,7 @@ constexpr int kRefused[] = {
     SCMP_SYS(chmod), SCMP_SYS(fchmod), SCMP_SYS(fchmodat), SCMP_SYS(chown), SCMP_SYS(fchown), SCMP_SYS(lchown),
     SCMP_SYS(fchownat), SCMP_SYS(setxattr), SCMP_SYS(lsetxattr), SCMP_SYS(fsetxattr), SCMP_SYS(removexattr),
     SCMP_SYS(lremovexattr), SCMP_SYS(fremovexattr), SCMP_SYS(utime), SCMP_SYS(utimes), SCMP_SYS(futimesat),
-    SCMP_SYS(utimensat), SCMP_SYS(truncate), SCMP_SYS(openat2)};
+    SCMP_SYS(utimensat), SCMP_SYS(truncate), SCMP_SYS(openat2), kFchmodat2, kSetxattrat, kRemovexattrat, kFileSetattr};
 
 scmp_arg_cmp differs(unsigned argument, scmp_datum_t from) {
     return {argument, SCMP_CMP_NE, from, 0};
@@ -82,12 +97,15 @@ bool refuseSystemCalls() {
     const auto refuse = [&](int call, auto... when) {
         return seccomp_rule_add(filter.get(), SCMP_ACT_ERRNO(EPERM), call, sizeof...(when), when...) == 0;
     };
+    constexpr scmp_datum_t kLow = 0xffffffff;  // the kernel looks at no more of it
     constexpr scmp_datum_t kOpening = O_ACCMODE | O_TRUNC;
     const bool isComplete =
         std::ranges::all_of(kRefused, [&](int call) { return refuse(call); }) &&
         // A thread that fails ends its own process.
         refuse(SCMP_SYS(kill), differs(0, scmp_datum_t(::getpid()))) &&
         refuse(SCMP_SYS(tgkill), differs(0, scmp_datum_t(::getpid()))) && refuse(SCMP_SYS(prlimit64), differs(0, 0)) &&
+        // Typing into the terminal that Glimmet was started from.
+        refuse(SCMP_SYS(ioctl), has(1, kLow, TIOCSTI)) && refuse(SCMP_SYS(ioctl), has(1, kLow, TIOCLINUX)) &&
         // Opening without writing can still empty a file.
         refuse(SCMP_SYS(open), has(1, kOpening, O_RDONLY | O_TRUNC)) &&
         refuse(SCMP_SYS(open), has(1, kOpening, kOpening)) &&

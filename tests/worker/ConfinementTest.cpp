@@ -2,8 +2,14 @@
 #include <gtest/gtest.h>
 #include <linux/landlock.h>
 #include <netinet/in.h>
+#include <sched.h>
 #include <signal.h>
+#include <sys/ioctl.h>
+#include <sys/ipc.h>
+#include <sys/msg.h>
 #include <sys/resource.h>
+#include <sys/sem.h>
+#include <sys/shm.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -60,6 +66,19 @@ TEST(Confinement, ReachesNobody) {
                   CHECK_HERE(isRefused(::open((folder / "mine").constData(), O_RDONLY | O_TRUNC)));
                   CHECK_HERE(isRefused(::open((folder / "mine").constData(), O_ACCMODE | O_TRUNC)));
                   CHECK_HERE(isRefused(::chmod((folder / "mine").constData(), 0)));
+                  constexpr long kFchmodat2 = 452;
+                  CHECK_HERE(isRefused(::syscall(kFchmodat2, AT_FDCWD, (folder / "mine").constData(), 0, 0)));
+                  CHECK_HERE(isRefused(::shmget(IPC_PRIVATE, 4096, IPC_CREAT | 0600)));
+                  CHECK_HERE(isRefused(::shmctl(0, IPC_STAT, nullptr)));
+                  CHECK_HERE(isRefused(::semget(IPC_PRIVATE, 1, IPC_CREAT | 0600)));
+                  CHECK_HERE(isRefused(::msgget(IPC_PRIVATE, IPC_CREAT | 0600)));
+                  CHECK_HERE(isRefused(::setpriority(PRIO_PROCESS, id_t(::getppid()), 10)));
+                  cpu_set_t processors;
+                  CHECK_HERE(::sched_getaffinity(0, sizeof processors, &processors) == 0);
+                  CHECK_HERE(isRefused(::sched_setaffinity(::getppid(), sizeof processors, &processors)));
+                  const sched_param none{};
+                  CHECK_HERE(isRefused(::sched_setscheduler(::getppid(), SCHED_OTHER, &none)));
+                  CHECK_HERE(isRefused(::ioctl(STDIN_FILENO, TIOCSTI, "x")));
               }),
               0);
     EXPECT_EQ(load(folder / "mine"), "mine");
