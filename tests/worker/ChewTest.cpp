@@ -7,6 +7,7 @@
 #include <set>
 #include <thread>
 
+#include "FileSystems.h"
 #include "Images.h"
 #include "worker/Chew.h"
 
@@ -368,24 +369,28 @@ void asNobody(F f) {
 }
 
 TEST(Chew, FallsBackWhereItCannotWrite) {
-    const Folder folder;
-    save(folder / "a.png", quarters(8, 8));
-    save(folder / "b.png", quarters(8, 8));
-    save(folder / "b.jpg", QByteArray("mine"));
-    ASSERT_EQ(::chmod(folder.parent.constData(), 0777), 0);
-    ASSERT_EQ(::chmod(folder.path.constData(), 0555), 0);
-    asNobody([&] {
-        EXPECT_EQ(chewed(folder, "a.png", ChewMode::jpeg), folder.fallback + "/a.jpg");
-        EXPECT_THAT(chewed(folder, "a.png", ChewMode::jpeg).toStdString(),
-                    MatchesRegex(folder.fallback.toStdString() + "/a-[1-9][0-9].jpg"));
-        // It gets the number that it would have had beside its source.
-        EXPECT_THAT(chewed(folder, "b.png", ChewMode::jpeg).toStdString(),
-                    MatchesRegex(folder.fallback.toStdString() + "/b-[1-9][0-9].jpg"));
-        EXPECT_EQ(failureCode(chew(folder / "a.png", ChewMode::png, newResult(folder / "a.png", "/proc/nothing/here"))),
-                  2);
-    });
-    EXPECT_EQ(folder.names().size(), 3);
-    ASSERT_EQ(::chmod(folder.path.constData(), 0755), 0);
+    for (const FileSystem& system : kFileSystems) {
+        SCOPED_TRACE(system.name);
+        const Folder folder;
+        save(folder / "a.png", quarters(8, 8));
+        save(folder / "b.png", quarters(8, 8));
+        save(folder / "b.jpg", QByteArray("mine"));
+        ASSERT_EQ(::chmod(folder.parent.constData(), 0777), 0);
+        ASSERT_EQ(::chmod(folder.path.constData(), 0555), 0);
+        const auto fallBack = [&] {
+            EXPECT_EQ(chewed(folder, "a.png", ChewMode::jpeg), folder.fallback + "/a.jpg");
+            EXPECT_THAT(chewed(folder, "a.png", ChewMode::jpeg).toStdString(),
+                        MatchesRegex(folder.fallback.toStdString() + "/a-[1-9][0-9].jpg"));
+            // It gets the number that it would have had beside its source.
+            EXPECT_THAT(chewed(folder, "b.png", ChewMode::jpeg).toStdString(),
+                        MatchesRegex(folder.fallback.toStdString() + "/b-[1-9][0-9].jpg"));
+            auto nowhere = newResult(folder / "a.png", "/proc/nothing/here");
+            EXPECT_EQ(failureCode(chew(folder / "a.png", ChewMode::png, std::move(nowhere))), 2);
+        };
+        asNobody([&] { on(system, fallBack); });
+        EXPECT_EQ(folder.names().size(), 3);
+        ASSERT_EQ(::chmod(folder.path.constData(), 0755), 0);
+    }
 }
 
 }  // namespace
