@@ -3,8 +3,10 @@
 #include <QFile>
 #include <QImageReader>
 #include <QtEndian>
+#include <algorithm>
 #include <array>
-#include <cstdlib>
+#include <cstring>
+#include <limits>
 #include <memory>
 
 using vips::VError;
@@ -12,21 +14,128 @@ using vips::VImage;
 
 namespace {
 
-/// The start of the file, zeros if it is shorter.
-using Header = std::array<char, 54>;
+// After the file's own header comes the picture's, which begins with its length and grew over the years.
+constexpr qint64 kFileHeader = 14;
+constexpr qint64 kOldest = 12;
+constexpr qint64 kPlain = 40;
+constexpr qint64 kWithMasks = 52;
+constexpr qint64 kWithAlphaMask = 56;
+constexpr qint64 kFourth = 108;  // begins like the two before, and goes on with what may be zero
 
-/// The decoder does not say when it ran out of bytes, so pictures that are stored uncompressed must be there to their
-/// last row.
-bool isWhole(const Header& header, qint64 fileSize) {
-    constexpr int kUncompressed = 0;
-    constexpr int kUncompressedWithMasks = 3;
-    const auto number = [&](qsizetype at) { return qFromLittleEndian<qint32>(header.data() + at); };
-    if (number(14) < 40) return true;  // the oldest layout
-    if (const int compression = number(30); compression != kUncompressed && compression != kUncompressedWithMasks)
-        return true;
-    const qint64 bitsPerPixel = qFromLittleEndian<quint16>(header.data() + 28);
-    const qint64 rowBytes = (number(18) * bitsPerPixel + 31) / 32 * 4;
-    return number(10) + rowBytes * std::llabs(number(22)) <= fileSize;
+/// A file with one of the two headers that Qt does not know, as if it had the next longer one.
+class LengthenedFile : public QIODevice {
+ public:
+    explicit LengthenedFile(std::unique_ptr<QFile> file) : file_(std::move(file)), head_(file_->peek(kFileHeader + 4)) {
+        const auto length = qFromLittleEndian<quint32>(head_.constData() + kFileHeader);
+        head_ = file_->peek(kFileHeader + length);
+        added_ = kFourth - length;
+        head_.append(added_, '\0');
+        qToLittleEndian(quint32(kFourth), head_.data() + kFileHeader);
+        char* const pixelsAt = head_.data() + 10;
+        qToLittleEndian(quint32(qFromLittleEndian<quint32>(pixelsAt) + added_), pixelsAt);
+        open(ReadOnly);
+    }
+
+    qint64 size() const override { return file_->size() + added_; }
+    bool seek(qint64 to) override {
+        at_ = to;
+        return QIODevice::seek(to);
+    }
+
+ protected:
+    qint64 readData(char* to, qint64 most) override {
+        qint64 got = std::min(most, head_.size() - at_);
+        if (got > 0)
+            std::memcpy(to, head_.constData() + at_, size_t(got));
+        else
+            got = file_->seek(at_ - added_) ? file_->read(to, most) : -1;
+        at_ += std::max<qint64>(got, 0);
+        return got;
+    }
+    qint64 writeData(const char*, qint64) override { return -1; }
+
+ private:
+    std::unique_ptr<QFile> file_;
+    QByteArray head_;
+    qint64 added_ = 0;
+    qint64 at_ = 0;
+};
+
+struct Layout {
+    enum class Packing { none, runsOfBytes, runsOfNibbles };
+
+    explicit Layout(QIODevice& file) {
+        std::array<char, kFileHeader + kPlain> header{};  // zeros where the file is shorter
+        file.peek(header.data(), header.size());
+        const auto word = [&](int at) { return qFromLittleEndian<quint16>(header.data() + at); };
+        const auto number = [&](int at) { return qFromLittleEndian<qint32>(header.data() + at); };
+        length = number(14);
+        const bool isOldest = length == kOldest;
+        width = isOldest ? word(18) : number(18);
+        rows = isOldest ? word(20) : std::abs(qint64(number(22)));
+        bits = word(isOldest ? 24 : 28);
+        const int compression = isOldest ? 0 : number(30);
+        if (compression == 1) packing = Packing::runsOfBytes;
+        if (compression == 2) packing = Packing::runsOfNibbles;
+        qint64 headersEnd = kFileHeader + length;
+        if (length == kPlain && compression == 3) headersEnd += 12;  // masks
+        const qint64 colours = isOldest || number(46) == 0 ? qint64(1) << std::min(bits, 8) : number(46);
+        if (bits <= 8) headersEnd += colours * (isOldest ? 3 : 4);
+        pixelsAt = std::max<qint64>(headersEnd, number(10));
+    }
+
+    qint64 length, width, rows, pixelsAt;
+    int bits;
+    Packing packing = Packing::none;
+};
+
+/// Whether the runs reach their end mark or the picture's last pixel.
+bool isWholeInRuns(QIODevice& file, const Layout& layout) {
+    constexpr uchar kNextRow = 0, kEnd = 1, kSkip = 2;
+    qint64 x = 0, row = 0;
+    std::array<uchar, 2> pair;
+    const auto next = [&] { return file.read(reinterpret_cast<char*>(pair.data()), 2) == 2; };
+    while (row < layout.rows && (x < layout.width || row + 1 < layout.rows)) {
+        if (!next()) return false;
+        const auto [count, what] = pair;
+        if (count > 0) {
+            x += count;
+        } else if (what == kEnd) {
+            return true;
+        } else if (what == kNextRow) {
+            x = 0;
+            ++row;
+        } else if (what == kSkip) {
+            if (!next()) return false;
+            x += pair[0];
+            row += pair[1];
+        } else {
+            const int bytes = layout.packing == Layout::Packing::runsOfNibbles ? (what + 1) / 2 : what;
+            const int padded = bytes + bytes % 2;
+            if (file.skip(padded) != padded) return false;
+            x += what;
+        }
+    }
+    return true;
+}
+
+/// The decoder does not say when it ran out of bytes. There must be a row at least.
+bool isWhole(QIODevice& file, const Layout& layout) {
+    if (layout.packing != Layout::Packing::none) {
+        const bool isThere = file.seek(layout.pixelsAt) && isWholeInRuns(file, layout);
+        return file.seek(0) && isThere;
+    }
+    const qint64 rowBytes = (layout.width * layout.bits + 31) / 32 * 4;
+    return rowBytes <= (file.size() - layout.pixelsAt) / layout.rows;
+}
+
+/// Null when it cannot be read.
+std::unique_ptr<QIODevice> openBmp(int descriptor) {
+    auto file = std::make_unique<QFile>();
+    if (!file->open(descriptor, QIODevice::ReadOnly) || !file->seek(0)) return {};
+    const qint64 length = Layout(*file).length;
+    if (length != kWithMasks && length != kWithAlphaMask) return file;
+    return std::make_unique<LengthenedFile>(std::move(file));
 }
 
 /// Qt would otherwise try to tell the kind itself, with every plugin there is.
@@ -36,27 +145,37 @@ void setUp(QImageReader& reader) {
     reader.setDecideFormatFromContent(false);
 }
 
+/// Of a file whose first row may be at the top, which Qt shows by a negative height.
+QSize sizeIn(const QImageReader& reader) {
+    const QSize size = reader.size();
+    if (size.height() == std::numeric_limits<int>::min()) return {};
+    return {size.width(), std::abs(size.height())};
+}
+
 }  // namespace
 
 std::optional<QSize> bmpSize(int descriptor) {
-    QFile file;
-    if (!file.open(descriptor, QIODevice::ReadOnly) || !file.seek(0)) return {};
-    Header header{};
-    file.peek(header.data(), header.size());
-    QImageReader reader(&file, {});
+    const auto file = openBmp(descriptor);
+    if (!file) return {};
+    const Layout layout(*file);
+    QImageReader reader(file.get(), {});
     setUp(reader);
-    const QSize size = reader.size();
-    if (size.isEmpty() || !isWhole(header, file.size())) return {};
+    const QSize size = sizeIn(reader);
+    file->seek(0);
+    if (size.isEmpty() || !isWhole(*file, layout)) return {};
     return size;
 }
 
 VImage decodeBmp(int descriptor) {
-    QFile file;
-    if (!file.open(descriptor, QIODevice::ReadOnly) || !file.seek(0)) throw VError("cannot read the file");
-    QImageReader reader(&file, {});
+    const auto file = openBmp(descriptor);
+    if (!file) throw VError("cannot read the file");
+    QImageReader reader(file.get(), {});
     setUp(reader);
     QImageReader::setAllocationLimit(0);  // the size has been looked at
-    auto picture = std::make_unique<QImage>(reader.read());
+    // It takes an image of the right size and format as it is, and does not fill what the file skips.
+    auto picture = std::make_unique<QImage>(sizeIn(reader), reader.imageFormat());
+    picture->fill(0);
+    if (!reader.read(picture.get())) throw VError("cannot decode the picture");
     const bool hasAlpha = picture->hasAlphaChannel();
     picture->convertTo(hasAlpha ? QImage::Format_RGBA8888 : QImage::Format_RGBX8888);
     if (picture->isNull()) throw VError("cannot decode the picture");

@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "worker/ImageFile.h"
-#include "worker/NewFile.h"
 #include "worker/Picture.h"
 
 using vips::VError;
@@ -120,19 +119,17 @@ QByteArray giveName(NewFile& file, const ResultName& name, bool plainIsTaken) {
 
 }  // namespace
 
-QByteArray resultFolder(const QByteArray& source, const QByteArray& fallbackFolder) {
-    QByteArray own = folderOf(source);
-    if (NewFile::in(own) || (errno != EACCES && errno != EPERM && errno != EROFS)) return own;
+std::optional<NewFile> newResult(const QByteArray& source, const QByteArray& fallbackFolder) {
+    auto own = NewFile::in(folderOf(source));
+    if (own || (errno != EACCES && errno != EPERM && errno != EROFS)) return own;
     std::error_code error;
     std::filesystem::create_directories(fallbackFolder.toStdString(), error);
-    return fallbackFolder;
+    return NewFile::in(fallbackFolder);
 }
 
-Result<QByteArray> chew(const QByteArray& source, ChewMode mode, const QByteArray& fallbackFolder) {
+Result<QByteArray> chew(const QByteArray& source, ChewMode mode, std::optional<NewFile> file) {
     const auto image = ImageFile::open(source);
     if (!image) return cannotOpen();
-    const QByteArray folder = resultFolder(source, fallbackFolder);
-    auto file = NewFile::in(folder);
     if (!file) return cannotWrite();
     try {
         write(pictureFor(*image, mode), mode, file->descriptor());
@@ -143,5 +140,5 @@ Result<QByteArray> chew(const QByteArray& source, ChewMode mode, const QByteArra
     const bool plainIsTaken = exists(folderOf(source) + '/' + name.plain(file->longestName()));
     if (!file->finish()) return cannotFinish();
     const QByteArray given = giveName(*file, name, plainIsTaken);
-    return given.isEmpty() ? Result<QByteArray>(cannotFinish()) : folder + '/' + given;
+    return given.isEmpty() ? Result<QByteArray>(cannotFinish()) : file->folder() + '/' + given;
 }

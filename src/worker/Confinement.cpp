@@ -6,6 +6,7 @@
 #include <poll.h>
 #include <sched.h>
 #include <seccomp.h>
+#include <sys/ioctl.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/syscall.h>
@@ -51,6 +52,12 @@ bool limitMemory() {
 
 using Filter = std::unique_ptr<void, decltype(&seccomp_release)>;
 
+// Calls that are newer than the headers, but not than every kernel; their numbers are the same on all processors.
+constexpr int kFchmodat2 = 452;
+constexpr int kSetxattrat = 463;
+constexpr int kRemovexattrat = 466;
+constexpr int kFileSetattr = 469;
+
 /// What no decoder needs. Landlock does not know of modes, owners and attributes, so changing these is refused here.
 constexpr int kRefused[] = {
     // the network, and a way around this list
@@ -59,7 +66,15 @@ constexpr int kRefused[] = {
     // other programs
     SCMP_SYS(execve), SCMP_SYS(execveat), SCMP_SYS(ptrace), SCMP_SYS(process_vm_readv), SCMP_SYS(process_vm_writev),
     SCMP_SYS(pidfd_getfd), SCMP_SYS(pidfd_send_signal), SCMP_SYS(rt_sigqueueinfo), SCMP_SYS(rt_tgsigqueueinfo),
-    SCMP_SYS(tkill), SCMP_SYS(fork), SCMP_SYS(vfork),
+    SCMP_SYS(tkill), SCMP_SYS(fork), SCMP_SYS(vfork), SCMP_SYS(process_madvise), SCMP_SYS(process_mrelease),
+    SCMP_SYS(kcmp), SCMP_SYS(migrate_pages), SCMP_SYS(move_pages),
+    // what they share or say to each other
+    SCMP_SYS(shmget), SCMP_SYS(shmat), SCMP_SYS(shmctl), SCMP_SYS(msgget), SCMP_SYS(msgsnd), SCMP_SYS(msgrcv),
+    SCMP_SYS(msgctl), SCMP_SYS(semget), SCMP_SYS(semop), SCMP_SYS(semtimedop), SCMP_SYS(semctl), SCMP_SYS(mq_open),
+    SCMP_SYS(mq_unlink),
+    // how much of the processors they get
+    SCMP_SYS(setpriority), SCMP_SYS(ioprio_set), SCMP_SYS(sched_setaffinity), SCMP_SYS(sched_setscheduler),
+    SCMP_SYS(sched_setparam), SCMP_SYS(sched_setattr),
     // the rest of the system
     SCMP_SYS(unshare), SCMP_SYS(setns), SCMP_SYS(mount), SCMP_SYS(bpf), SCMP_SYS(perf_event_open),
     SCMP_SYS(userfaultfd), SCMP_SYS(keyctl), SCMP_SYS(add_key), SCMP_SYS(request_key),
@@ -67,7 +82,7 @@ constexpr int kRefused[] = {
     SCMP_SYS(chmod), SCMP_SYS(fchmod), SCMP_SYS(fchmodat), SCMP_SYS(chown), SCMP_SYS(fchown), SCMP_SYS(lchown),
     SCMP_SYS(fchownat), SCMP_SYS(setxattr), SCMP_SYS(lsetxattr), SCMP_SYS(fsetxattr), SCMP_SYS(removexattr),
     SCMP_SYS(lremovexattr), SCMP_SYS(fremovexattr), SCMP_SYS(utime), SCMP_SYS(utimes), SCMP_SYS(futimesat),
-    SCMP_SYS(utimensat), SCMP_SYS(truncate), SCMP_SYS(openat2)};
+    SCMP_SYS(utimensat), SCMP_SYS(truncate), SCMP_SYS(openat2), kFchmodat2, kSetxattrat, kRemovexattrat, kFileSetattr};
 
 scmp_arg_cmp differs(unsigned argument, scmp_datum_t from) {
     return {argument, SCMP_CMP_NE, from, 0};
@@ -82,12 +97,15 @@ bool refuseSystemCalls() {
     const auto refuse = [&](int call, auto... when) {
         return seccomp_rule_add(filter.get(), SCMP_ACT_ERRNO(EPERM), call, sizeof...(when), when...) == 0;
     };
+    constexpr scmp_datum_t kLow = 0xffffffff;  // the kernel looks at no more of it
     constexpr scmp_datum_t kOpening = O_ACCMODE | O_TRUNC;
     const bool isComplete =
         std::ranges::all_of(kRefused, [&](int call) { return refuse(call); }) &&
         // A thread that fails ends its own process.
         refuse(SCMP_SYS(kill), differs(0, scmp_datum_t(::getpid()))) &&
         refuse(SCMP_SYS(tgkill), differs(0, scmp_datum_t(::getpid()))) && refuse(SCMP_SYS(prlimit64), differs(0, 0)) &&
+        // Typing into the terminal that Glimmet was started from.
+        refuse(SCMP_SYS(ioctl), has(1, kLow, TIOCSTI)) && refuse(SCMP_SYS(ioctl), has(1, kLow, TIOCLINUX)) &&
         // Opening without writing can still empty a file.
         refuse(SCMP_SYS(open), has(1, kOpening, O_RDONLY | O_TRUNC)) &&
         refuse(SCMP_SYS(open), has(1, kOpening, kOpening)) &&
@@ -99,13 +117,14 @@ bool refuseSystemCalls() {
     return isComplete && seccomp_load(filter.get()) == 0;
 }
 
-void allow(const Descriptor& ruleset, const char* path, quint64 access) {
-    const Descriptor parent(::open(path, O_PATH | O_CLOEXEC));
-    const landlock_path_beneath_attr rule{access, parent.get()};
-    if (parent) ::syscall(SYS_landlock_add_rule, ruleset.get(), LANDLOCK_RULE_PATH_BENEATH, &rule, 0);
+void allow(const Descriptor& ruleset, int file, quint64 access) {
+    const landlock_path_beneath_attr rule{access, file};
+    ::syscall(SYS_landlock_add_rule, ruleset.get(), LANDLOCK_RULE_PATH_BENEATH, &rule, 0);
 }
 
-void refuseWriting(const QByteArray& exceptIn) {
+/// Being in a domain of its own also keeps it from what /proc tells about the memory, environment and files of other
+/// processes, even of the same user.
+void refuseWriting(const NewFile* except) {
     const long version = ::syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION);
     if (version < 1) return;
     landlock_ruleset_attr handled{};
@@ -116,10 +135,11 @@ void refuseWriting(const QByteArray& exceptIn) {
                                 LANDLOCK_ACCESS_FS_MAKE_BLOCK | LANDLOCK_ACCESS_FS_MAKE_SYM;
     const Descriptor ruleset(int(::syscall(SYS_landlock_create_ruleset, &handled, sizeof handled, 0)));
     if (!ruleset) return;
-    allow(ruleset, "/dev/null", LANDLOCK_ACCESS_FS_WRITE_FILE);
-    if (!exceptIn.isEmpty())
-        allow(ruleset, exceptIn.constData(),
-              LANDLOCK_ACCESS_FS_WRITE_FILE | LANDLOCK_ACCESS_FS_MAKE_REG | LANDLOCK_ACCESS_FS_REMOVE_FILE);
+    if (const Descriptor nowhere(::open("/dev/null", O_PATH | O_CLOEXEC)); nowhere)
+        allow(ruleset, nowhere.get(), LANDLOCK_ACCESS_FS_WRITE_FILE);
+    if (except)
+        allow(ruleset, except->folderDescriptor(),
+              LANDLOCK_ACCESS_FS_MAKE_REG | (except->isHidden() ? LANDLOCK_ACCESS_FS_REMOVE_FILE : 0));
     ::syscall(SYS_landlock_restrict_self, ruleset.get(), 0);
 }
 
@@ -140,8 +160,8 @@ bool limitResources() {
            limit(RLIMIT_CPU, kSeconds, kSeconds + 5) && limit(RLIMIT_FSIZE, 512 * kMiB, 512 * kMiB) && limitMemory();
 }
 
-bool restrictAccess(const QByteArray& folder) {
+bool restrictAccess(const NewFile* result) {
     if (::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0) return false;
-    refuseWriting(folder);
+    refuseWriting(result);
     return refuseSystemCalls();
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QByteArray>
+#include "worker/NewFile.h"
 
 // What a process that decodes files of unknown origin may still do. Both are for good, and are called once, while the
 // process has one thread.
@@ -11,6 +11,8 @@
 bool limitResources();
 
 /// From here on it can start no program or process, reach no network and no other process, and change nothing about
-/// existing files. Where the kernel has Landlock, new files can be made only in `folder`, or nowhere if that is empty.
+/// existing files. Where the kernel has Landlock, it can open no file to write, new or not; what is open stays so, and
+/// `result`, if there is one, can still be named. That right cannot be had for one file: it is for its folder and those
+/// below, where empty files can be made too and, if the result is hidden until then, names can be changed and removed.
 /// False if the first part is impossible.
-bool restrictAccess(const QByteArray& folder);
+bool restrictAccess(const NewFile* result);

@@ -1,39 +1,21 @@
 #include "worker/NewFile.h"
 
 #include <fcntl.h>
-#include <sys/mman.h>
 #include <sys/random.h>
-#include <sys/sendfile.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
-#include <chrono>
+#include <csignal>
 #include <cstdio>
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
 constexpr mode_t kMode = 0666;  // less what the user's mask takes away
 constexpr qsizetype kLongestName = 255;
-constexpr size_t kChunk = 1 << 20;
-
-/// When alarm() would have ended the process. From here on it does not: a file with a name has to be removed first.
-Clock::time_point takeOverAlarm() {
-    const unsigned seconds = ::alarm(0);
-    return seconds == 0 ? Clock::time_point::max() : Clock::now() + std::chrono::seconds(seconds);
-}
-
-bool copyAll(int from, int to, Clock::time_point deadline) {
-    off_t done = 0;
-    for (;;) {
-        const ssize_t n = ::sendfile(to, from, &done, kChunk);
-        if (n < 0 && errno == EINTR) continue;
-        if (n <= 0) return n == 0;
-        if (Clock::now() > deadline) return false;
-    }
-}
 
 QByteArray newHiddenName() {
     quint64 number = 0;
@@ -41,37 +23,61 @@ QByteArray newHiddenName() {
     return ".chewing-" + QByteArray::number(number, 36);
 }
 
+/// Runs in a process of its own: waits for the other end of `lifeline` to be closed, by whatever ends its owner, and
+/// removes the file. There may have been threads before the fork, so these are system calls only.
+[[noreturn]] void removeAtTheEnd(int lifeline, int folder, const char* name) {
+    sigset_t all;
+    ::sigfillset(&all);
+    ::sigprocmask(SIG_SETMASK, &all, nullptr);
+    // Nobody is to wait for an end of standard output that only this process holds.
+    ::dup2(lifeline, STDIN_FILENO);
+    ::dup2(folder, STDOUT_FILENO);
+    ::close_range(STDERR_FILENO, ~0U, 0);
+    char nothing = 0;
+    while (::read(STDIN_FILENO, &nothing, 1) > 0) continue;
+    ::unlinkat(STDOUT_FILENO, name, 0);
+    ::_exit(0);
+}
+
 }  // namespace
 
 std::optional<NewFile> NewFile::in(const QByteArray& folder) {
-    Descriptor directory(::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!directory) return {};
-    Descriptor file(::openat(directory.get(), ".", O_TMPFILE | O_RDWR | O_CLOEXEC, kMode));
-    if (file) return NewFile(std::move(directory), std::move(file), true);
+    NewFile file(folder, Descriptor(::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)));
+    if (!file.folder_) return {};
+    file.file_ = Descriptor(::openat(file.folder_.get(), ".", O_TMPFILE | O_RDWR | O_CLOEXEC, kMode));
+    if (file.file_) return file;
     if (errno != EOPNOTSUPP && errno != EISDIR && errno != EINVAL) return {};
-    if (::faccessat(directory.get(), ".", W_OK | X_OK, AT_EACCESS) != 0) return {};
-    Descriptor memory(::memfd_create("chewing", MFD_CLOEXEC));
-    if (!memory) return {};
-    return NewFile(std::move(directory), std::move(memory), false);
+    if (!file.openHidden()) return {};
+    return file;
+}
+
+bool NewFile::openHidden() {
+    const QByteArray name = newHiddenName();
+    std::array<int, 2> ends{};
+    if (name.isEmpty() || ::pipe2(ends.data(), O_CLOEXEC) != 0) return false;
+    const Descriptor theirs(ends[0]);
+    lifeline_ = Descriptor(ends[1]);
+    remover_ = ::fork();
+    if (remover_ == 0) removeAtTheEnd(theirs.get(), folder_.get(), name.constData());
+    if (remover_ < 0) return false;
+    hiddenName_ = name;
+    file_ = Descriptor(
+        ::openat(folder_.get(), name.constData(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kMode));
+    return bool(file_);
 }
 
 NewFile::~NewFile() {
-    if (!hiddenName_.isEmpty()) ::unlinkat(folder_.get(), hiddenName_.constData(), 0);
+    if (!lifeline_) return;
+    lifeline_ = Descriptor();
+    if (remover_ > 0) ::waitpid(remover_, nullptr, 0);
 }
 
 bool NewFile::finish() {
-    if (isInFolder_) return ::fsync(file_.get()) == 0;
-    const auto deadline = takeOverAlarm();
-    const QByteArray hidden = newHiddenName();
-    const Descriptor copy(
-        ::openat(folder_.get(), hidden.constData(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kMode));
-    if (!copy) return false;
-    hiddenName_ = hidden;
-    return copyAll(file_.get(), copy.get(), deadline) && ::fsync(copy.get()) == 0;
+    return ::fsync(file_.get()) == 0;
 }
 
 NewFile::Naming NewFile::name(const QByteArray& fileName) {
-    const Naming naming = isInFolder_ ? link(fileName) : rename(fileName);
+    const Naming naming = isHidden() ? rename(fileName) : link(fileName);
     // The name is safe only once the folder is; some file systems cannot be asked to, and need not be.
     if (naming == Naming::done) ::fsync(folder_.get());
     return naming;
@@ -90,14 +96,13 @@ NewFile::Naming NewFile::rename(const QByteArray& fileName) {
         if (errno == EEXIST) return Naming::taken;
         if (errno != EINVAL && errno != ENOSYS) return Naming::failed;
         // A file system that always replaces gets an empty file of ours to replace.
-        const Descriptor ours(::openat(folder, fileName.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kMode));
+        const Descriptor ours(::openat(folder, fileName.constData(), O_RDONLY | O_CREAT | O_EXCL | O_CLOEXEC, kMode));
         if (!ours) return errno == EEXIST ? Naming::taken : Naming::failed;
         if (::renameat(folder, hiddenName_.constData(), folder, fileName.constData()) != 0) {
             ::unlinkat(folder, fileName.constData(), 0);
             return Naming::failed;
         }
     }
-    hiddenName_.clear();
     return Naming::done;
 }
 

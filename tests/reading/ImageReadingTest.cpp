@@ -86,6 +86,29 @@ TEST_F(ImageReading, ReadsLightTextOnNothing) {
     }
 }
 
+TEST_F(ImageReading, ReadsAWordHoweverTightlyCropped) {
+    for (const QString& word : {QStringLiteral("OK"), QStringLiteral("No"), QStringLiteral("Save as")}) {
+        for (const int pixels : {11, 13, 16}) {
+            const QFont font = face(QStringLiteral("DejaVu Sans"), pixels);
+            const QRect box = QFontMetrics(font).tightBoundingRect(word);
+            for (const int border : {2, 4, 60}) {
+                for (const ::Ink& ink : {darkOnLight, lightOnDark}) {
+                    QImage picture(box.width() + 2 * border, box.height() + 2 * border, QImage::Format_RGB32);
+                    picture.fill(ink.background);
+                    {
+                        QPainter painter(&picture);
+                        painter.setFont(font);
+                        painter.setPen(QColor::fromRgb(ink.text));
+                        painter.drawText(QPoint(border, border) - box.topLeft(), word);
+                    }
+                    ASSERT_TRUE(picture.save(path("crop.png")));
+                    EXPECT_EQ(text("crop.png"), word) << pixels << " pixels, " << border << " around";
+                }
+            }
+        }
+    }
+}
+
 TEST_F(ImageReading, TakesEveryKindOfImageByItsContent) {
     ASSERT_TRUE(fruitPage().save(path("a.png")));
     ASSERT_TRUE(fruitPage().save(path("a.bmp")));

@@ -1,4 +1,5 @@
 #include <gmock/gmock.h>
+#include <malloc.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -6,6 +7,7 @@
 #include <set>
 #include <thread>
 
+#include "FileSystems.h"
 #include "Images.h"
 #include "worker/Chew.h"
 
@@ -20,7 +22,7 @@ using testing::Pointwise;
 constexpr ChewMode kModes[] = {ChewMode::jpeg, ChewMode::png, ChewMode::smaller};
 
 QByteArray chewed(const Folder& folder, const QByteArray& name, ChewMode mode) {
-    const auto result = chew(folder / name, mode, folder.fallback);
+    const auto result = chew(folder / name, mode, newResult(folder / name, folder.fallback));
     const auto* failure = std::get_if<Failure>(&result);
     EXPECT_EQ(failure, nullptr) << name.toStdString() << ": " << failure->code;
     return failure ? QByteArray() : std::get<QByteArray>(result);
@@ -90,6 +92,42 @@ TEST(Chew, MakesEveryKindIntoEveryOther) {
         EXPECT_EQ(folder.names().size(), 4);
         EXPECT_FALSE(QFile::exists(QFile::decodeName(folder.fallback)));
     }
+}
+
+TEST(Chew, KnowsTheWaysToStoreABmp) {
+    // Blue, green, red.
+    const QByteArray red("\x1e\x1e\xdc", 3), green("\x1e\xc8\x1e", 3), blue("\xdc\x1e\x1e", 3), grey("\x80\x80\x80", 3);
+    const QByteArray end(2, '\0'), opaque("\xff"), none(1, '\0');
+    const QByteArray upper = red + green + end, lower = blue + grey + end;
+    const QByteArray masks = littleEndian(0xff0000) + littleEndian(0xff00) + littleEndian(0xff);
+    const QByteArray deep = blue + opaque + grey + opaque + red + opaque + green + opaque;
+    const QByteArray colours = red + none + green + none + blue + none + grey + none;
+    const struct {
+        const char* what;
+        QByteArray bytes;
+    } cases[] = {
+        {"bottom first", bmp(40, 2, 2, 24, 0, lower + upper)},
+        {"top first", bmp(40, 2, quint32(-2), 24, 0, upper + lower)},
+        {"oldest", bmp(12, 2, 2, 24, 0, lower + upper)},
+        {"masks in the header", bmp(52, 2, 2, 32, 3, masks + deep)},
+        {"with opacity", bmp(56, 2, 2, 32, 3, masks + littleEndian(0xff000000) + deep)},
+        {"runs", bmp(40, 2, 2, 8, 1, colours + QByteArray("\1\2\1\3\0\0\1\0\1\1\0\1", 12), 4)},
+        {"runs without an end", bmp(40, 2, 2, 8, 1, colours + QByteArray("\1\2\1\3\0\0\1\0\1\1", 10), 4)},
+    };
+    for (const auto& [what, bytes] : cases) {
+        SCOPED_TRACE(what);
+        const Folder folder;
+        save(folder / "a.bmp", bytes);
+        expectQuarters(opened(chewed(folder, "a.bmp", ChewMode::png)), {kRed, kGreen, kBlue, kGrey}, 0);
+    }
+}
+
+TEST(Chew, LeavesBlackWhatABmpSkips) {
+    const Folder folder;
+    save(folder / "a.bmp", bmp(40, 500, 2, 8, 1, QByteArray(4, '\0') + QByteArray("\xff\xff\xff\0\0\1", 6), 2));
+    ::mallopt(M_PERTURB, 0x55);
+    EXPECT_EQ(opened(chewed(folder, "a.bmp", ChewMode::png)).max(), 0);
+    ::mallopt(M_PERTURB, 0);
 }
 
 TEST(Chew, MakesSmallerWhatIsLargerThanTwoThousand) {
@@ -331,23 +369,28 @@ void asNobody(F f) {
 }
 
 TEST(Chew, FallsBackWhereItCannotWrite) {
-    const Folder folder;
-    save(folder / "a.png", quarters(8, 8));
-    save(folder / "b.png", quarters(8, 8));
-    save(folder / "b.jpg", QByteArray("mine"));
-    ASSERT_EQ(::chmod(folder.parent.constData(), 0777), 0);
-    ASSERT_EQ(::chmod(folder.path.constData(), 0555), 0);
-    asNobody([&] {
-        EXPECT_EQ(chewed(folder, "a.png", ChewMode::jpeg), folder.fallback + "/a.jpg");
-        EXPECT_THAT(chewed(folder, "a.png", ChewMode::jpeg).toStdString(),
-                    MatchesRegex(folder.fallback.toStdString() + "/a-[1-9][0-9].jpg"));
-        // It gets the number that it would have had beside its source.
-        EXPECT_THAT(chewed(folder, "b.png", ChewMode::jpeg).toStdString(),
-                    MatchesRegex(folder.fallback.toStdString() + "/b-[1-9][0-9].jpg"));
-        EXPECT_EQ(failureCode(chew(folder / "a.png", ChewMode::png, "/proc/nothing/here")), 2);
-    });
-    EXPECT_EQ(folder.names().size(), 3);
-    ASSERT_EQ(::chmod(folder.path.constData(), 0755), 0);
+    for (const FileSystem& system : kFileSystems) {
+        SCOPED_TRACE(system.name);
+        const Folder folder;
+        save(folder / "a.png", quarters(8, 8));
+        save(folder / "b.png", quarters(8, 8));
+        save(folder / "b.jpg", QByteArray("mine"));
+        ASSERT_EQ(::chmod(folder.parent.constData(), 0777), 0);
+        ASSERT_EQ(::chmod(folder.path.constData(), 0555), 0);
+        const auto fallBack = [&] {
+            EXPECT_EQ(chewed(folder, "a.png", ChewMode::jpeg), folder.fallback + "/a.jpg");
+            EXPECT_THAT(chewed(folder, "a.png", ChewMode::jpeg).toStdString(),
+                        MatchesRegex(folder.fallback.toStdString() + "/a-[1-9][0-9].jpg"));
+            // It gets the number that it would have had beside its source.
+            EXPECT_THAT(chewed(folder, "b.png", ChewMode::jpeg).toStdString(),
+                        MatchesRegex(folder.fallback.toStdString() + "/b-[1-9][0-9].jpg"));
+            auto nowhere = newResult(folder / "a.png", "/proc/nothing/here");
+            EXPECT_EQ(failureCode(chew(folder / "a.png", ChewMode::png, std::move(nowhere))), 2);
+        };
+        asNobody([&] { on(system, fallBack); });
+        EXPECT_EQ(folder.names().size(), 3);
+        ASSERT_EQ(::chmod(folder.path.constData(), 0755), 0);
+    }
 }
 
 }  // namespace

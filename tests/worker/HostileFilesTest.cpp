@@ -2,7 +2,6 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 
-#include <QtEndian>
 #include <csignal>
 
 #include "Images.h"
@@ -16,7 +15,7 @@ constexpr ChewMode kModes[] = {ChewMode::jpeg, ChewMode::png, ChewMode::smaller}
 std::vector<int> codes(const Folder& folder, const QByteArray& name) {
     std::vector<int> all;
     for (const auto mode : kModes) {
-        const auto result = chew(folder / name, mode, folder.fallback);
+        const auto result = chew(folder / name, mode, newResult(folder / name, folder.fallback));
         const auto* failure = std::get_if<Failure>(&result);
         all.push_back(failure ? failure->code : 0);
     }
@@ -33,12 +32,6 @@ QByteArray bigEndian(quint32 number) {
     return bytes;
 }
 
-QByteArray littleEndian(quint32 number) {
-    QByteArray bytes = bigEndian(number);
-    std::ranges::reverse(bytes);
-    return bytes;
-}
-
 QByteArray pngOfSize(quint32 width, quint32 height) {
     const QByteArray header = "IHDR" + bigEndian(width) + bigEndian(height) + QByteArray("\x08\x02\0\0\0", 5);
     quint32 crc = ~0U;
@@ -51,8 +44,7 @@ QByteArray pngOfSize(quint32 width, quint32 height) {
 }
 
 QByteArray bmpOfSize(quint32 width, quint32 height) {
-    return "BM" + littleEndian(2000) + littleEndian(0) + littleEndian(54) + littleEndian(40) + littleEndian(width) +
-           littleEndian(height) + QByteArray("\x01\0\x18\0", 4) + QByteArray(2000, '\0');
+    return bmp(40, width, height, 24, 0, QByteArray(2000, '\0'));
 }
 
 TEST(HostileFiles, AreNoPictures) {
@@ -86,7 +78,11 @@ TEST(HostileFiles, AreNoPictures) {
         {"huge bmp", bmpOfSize(0x7fffffff, 0x7fffffff)},
         {"bmp bomb", bmpOfSize(65000, 7000)},
         {"bmp that breaks off", bmpOfSize(100, 100)},
-        {"bmp upside down", bmpOfSize(100, 0x80000000)},
+        {"bmp of the lowest height", bmpOfSize(100, 0x80000000)},
+        {"bmp with the top first that breaks off", bmpOfSize(100, quint32(-100))},
+        {"oldest bmp that breaks off", bmp(12, 100, 100, 24, 0, QByteArray(2000, '\0'))},
+        {"bmp whose runs break off", bmp(40, 4, 4, 8, 1, QByteArray(8, '\0') + QByteArray("\x04\x01\0\0\x04", 5), 2)},
+        {"bmp with half a mask", bmp(56, 4, 4, 32, 3, QByteArray(6, '\0'))},
     };
     for (const auto& [what, bytes] : cases) {
         const Folder folder;
@@ -107,7 +103,7 @@ TEST(HostileFiles, AreNotEvenFilesOrForOtherDecoders) {
     ASSERT_EQ(::symlink("loop.png", (folder / "loop.png").constData()), 0);
     for (const char* name : {"pipe.png", "folder.png", "loop.png", "missing.png"})
         EXPECT_EQ(codes(folder, name), kCannotOpen) << name;
-    const auto device = chew("/dev/zero", ChewMode::png, folder.fallback);
+    const auto device = chew("/dev/zero", ChewMode::png, newResult("/dev/zero", folder.fallback));
     EXPECT_TRUE(std::holds_alternative<Failure>(device));
 }
 

@@ -3,11 +3,13 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <QByteArray>
 #include <QDir>
 #include <QFile>
 #include <QImage>
+#include <QtEndian>
 #include <filesystem>
 #include <vector>
 #include <vips/vips8>
@@ -71,6 +73,23 @@ inline void save(const QByteArray& path, const VImage& image) {
     ASSERT_TRUE(bmp.save(QFile::decodeName(path), "bmp"));
 }
 
+inline QByteArray littleEndian(quint32 number, qsizetype size = 4) {
+    QByteArray bytes(4, '\0');
+    qToLittleEndian(number, bytes.data());
+    return bytes.left(size);
+}
+
+/// A BMP file with a header of this length; `pixels` begins with the masks or colours where there are any.
+inline QByteArray bmp(quint32 headerLength, quint32 width, quint32 height, quint32 bits, quint32 compression,
+                      const QByteArray& pixels, quint32 colours = 0) {
+    const qsizetype number = headerLength == 12 ? 2 : 4;
+    QByteArray header = littleEndian(headerLength) + littleEndian(width, number) + littleEndian(height, number) +
+                        littleEndian(1, 2) + littleEndian(bits, 2);
+    if (headerLength > 12)
+        header += littleEndian(compression) + QByteArray(12, '\0') + littleEndian(colours) + littleEndian(0);
+    return "BM" + littleEndian(0) + littleEndian(0) + littleEndian(14 + headerLength + 4 * colours) + header + pixels;
+}
+
 /// A folder with another one in it, to fall back to, that is not made yet.
 struct Folder {
     QByteArray parent = QFile::encodeName(QDir::tempPath()) + "/chew-XXXXXX";
@@ -93,5 +112,10 @@ struct Folder {
     QStringList names() const {
         return QDir(QFile::decodeName(path))
             .entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+    }
+    /// Whether these are the names in it, or will be within some seconds.
+    bool isSoon(const QStringList& expected) const {
+        for (int i = 0; i < 500 && names() != expected; ++i) ::usleep(10'000);
+        return names() == expected;
     }
 };

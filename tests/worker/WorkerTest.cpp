@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <sys/resource.h>
 
+#include "FileSystems.h"
 #include "Images.h"
 #include "platform/FileUrls.h"
 #include "platform/linux/WorkerProcess.h"
@@ -24,17 +25,24 @@ QByteArray workerWith(const Folder& folder, const QByteArray& limits) {
 }
 
 TEST(GlimmetWorker, ChewsAnyName) {
-    WorkerProcess worker(GLIMMET_WORKER);
-    const Folder folder;
-    const QByteArray name = folder / "a\nb #?%20 \xff";
-    quarters(30, 20).pngsave((folder / "x").constData());
-    ASSERT_EQ(::rename((folder / "x").constData(), (name + ".png").constData()), 0);
-    for (const char* mode : {"jpeg", "smaller"}) {
-        const auto answer = worker.run(chewing(mode, name + ".png", folder.fallback));
-        ASSERT_TRUE(answer);
-        const QByteArray result = name + (mode == QByteArray("jpeg") ? ".jpg" : "-small.jpg");
-        EXPECT_EQ(pathOf(QUrl::fromEncoded((*answer)[u"file"].toString().toLatin1())), result);
-        EXPECT_TRUE(load(result).startsWith("\xff\xd8") || VImage::jpegload(result.constData()).width() == 30);
+    for (const FileSystem& system : kFileSystems) {
+        SCOPED_TRACE(system.name);
+        const Folder folder;
+        const QByteArray name = folder / "a\nb #?%20 \xff";
+        quarters(30, 20).pngsave((folder / "x").constData());
+        ASSERT_EQ(::rename((folder / "x").constData(), (name + ".png").constData()), 0);
+        for (const char* mode : {"jpeg", "smaller"}) {
+            std::optional<QJsonObject> answer;
+            on(system,
+               [&] { answer = WorkerProcess(GLIMMET_WORKER).run(chewing(mode, name + ".png", folder.fallback)); });
+            ASSERT_TRUE(answer);
+            const QByteArray result = name + (mode == QByteArray("jpeg") ? ".jpg" : "-small.jpg");
+            EXPECT_EQ(pathOf(QUrl::fromEncoded((*answer)[u"file"].toString().toLatin1())), result);
+            EXPECT_TRUE(load(result).startsWith("\xff\xd8") || VImage::jpegload(result.constData()).width() == 30);
+        }
+        // QDir would not list these names.
+        const auto files = std::filesystem::directory_iterator(folder.path.toStdString());
+        EXPECT_EQ(std::distance(begin(files), end(files)), 3);
     }
 }
 
@@ -85,6 +93,9 @@ TEST(GlimmetWorker, LeavesNothingWhenItIsKilled) {
     for (int i = 0; i < 50 && !load(commandLine).isEmpty(); ++i) ::usleep(10'000);
     EXPECT_EQ(load(commandLine), QByteArray());
     EXPECT_EQ(folder.names().size(), 1);
+    on(kFileSystems[1],
+       [&] { EXPECT_FALSE(WorkerProcess(GLIMMET_WORKER, std::chrono::milliseconds(700)).run(request)); });
+    EXPECT_TRUE(folder.isSoon({QStringLiteral("noise.jpg")}));
     EXPECT_TRUE(WorkerProcess(GLIMMET_WORKER).run(chewing("smaller", folder / "noise.jpg", folder.fallback)));
 }
 

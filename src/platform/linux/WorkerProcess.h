@@ -5,7 +5,8 @@
 
 #include "platform/Worker.h"
 
-/// Does each job in a process of `glimmet-worker`, of which nothing is left when run() returns.
+/// Does each job in a process of `glimmet-worker`, of which nothing is left when run() returns, save what may have to
+/// remove a result that was given up.
 class WorkerProcess : public Worker {
  public:
     /// `program` is the worker's path. Its own limit is a minute; who takes longer than `patience` is killed.

@@ -48,11 +48,13 @@ std::optional<QJsonObject> run(const std::vector<QByteArray>& request) {
     if (request.size() == 4 && request[0] == "chew") {
         const auto mode = modeCalled(request[1]);
         const QByteArray source = pathIn(request[2]), fallback = pathIn(request[3]);
-        if (!mode || !limitResources() || !restrictAccess(resultFolder(source, fallback))) return {};
-        return answer(chew(source, *mode, fallback));
+        if (!mode || !limitResources()) return {};
+        auto result = newResult(source, fallback);
+        if (!restrictAccess(result ? &*result : nullptr)) return {};
+        return answer(chew(source, *mode, std::move(result)));
     }
     if (request.size() == 2 && request[0] == "read") {
-        if (!limitResources() || !restrictAccess({})) return {};
+        if (!limitResources() || !restrictAccess(nullptr)) return {};
         return answer(readText(pathIn(request[1])));
     }
     std::fputs(
