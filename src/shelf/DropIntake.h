@@ -38,8 +38,6 @@ class DropIntake {
     QString droppedFileName(const QString& extension) const;
 
  private:
-    class Reading;
-
     bool nearNotch(QPointF pointer) const;
     void judge(QPointF pointer);
     void setNear(bool near);
