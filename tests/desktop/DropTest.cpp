@@ -102,6 +102,7 @@ TEST_F(Drop, APromiseThatIsNotKeptGivesWayToTheLink) {
     EXPECT_TRUE(holds("glimmet.bites", "example.org"));
     EXPECT_EQ(stored("glimmet.shelf"), QByteArray());
     EXPECT_TRUE(dropped().isEmpty());
+    EXPECT_TRUE(waitFor([&] { return source->said(QStringLiteral("drag-end copy void")); })) << "and the source knows";
 }
 
 TEST_F(Drop, TextIsHeldAsANoteWhateverItIs) {

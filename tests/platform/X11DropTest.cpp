@@ -142,15 +142,6 @@ TEST_F(X11Drop, LetsTheSourceWriteThePromisedFile) {
     EXPECT_TRUE(sourceSaid("drag-end copy kept"));
 }
 
-TEST_F(X11Drop, SurvivesAPromiseThatIsBroken) {
-    drop({"--promise", "fails", "a.txt", "contents", "UTF8_STRING=text"});
-    ASSERT_NE(panel.drop, nullptr);
-    EXPECT_FALSE(panel.saves(fileUrl(folder.path().toUtf8() + "/a.txt")).value_or(true));
-    EXPECT_EQ(panel.loads(textType), "text");
-    panel.drop.reset();
-    EXPECT_TRUE(sourceSaid("drag-end copy void"));
-}
-
 TEST_F(X11Drop, SurvivesAPromiseThatIsNeverAnswered) {
     drop({"--promise", "silent", "a.txt", "contents", "UTF8_STRING=text"});
     ASSERT_NE(panel.drop, nullptr);
@@ -159,24 +150,5 @@ TEST_F(X11Drop, SurvivesAPromiseThatIsNeverAnswered) {
     EXPECT_FALSE(panel.saves(fileUrl(folder.path().toUtf8() + "/a.txt")).value_or(true));
     EXPECT_NEAR(timer.elapsed() / 1000.0, 10, 1);
     EXPECT_EQ(panel.loads(textType), "text");
-}
-
-TEST_F(X11Drop, NeverWaitsForASourceThatHangs) {
-    drop({"--hang", "text/uri-list=file:///a\r\n", "UTF8_STRING=text"});
-    ASSERT_NE(panel.drop, nullptr);
-    // A timer that ticks on shows that the program lives.
-    double longest = 0;
-    QElapsedTimer sinceTick, timer;
-    sinceTick.start();
-    timer.start();
-    const auto ticks = loop.every(0.01, [&] { longest = std::max(longest, double(sinceTick.restart()) / 1000); });
-    EXPECT_EQ(panel.loads(uriType), std::nullopt);
-    EXPECT_NEAR(timer.elapsed() / 1000.0, 5, 0.7);
-    EXPECT_LT(longest, 0.2);
-    panel.drop.reset();
-
-    panel.targeted.clear();
-    drop({"UTF8_STRING=the next"});
-    EXPECT_EQ(panel.loads(textType), "the next");
 }
 }  // namespace

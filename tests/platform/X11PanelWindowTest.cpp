@@ -1,9 +1,6 @@
 #include <xcb/shape.h>
 
-#include <QDrag>
-#include <QDropEvent>
 #include <QElapsedTimer>
-#include <QMimeData>
 
 #include "X11Test.h"
 
@@ -92,16 +89,6 @@ TEST_F(X11Panel, TakesClicksInsideItsInputRegionOnly) {
     }
 }
 
-TEST_F(X11Panel, ComesBackWhenAnotherProgramCoversIt) {
-    ASSERT_TRUE(waitFor([&] { return red(); }));
-    OtherWindow cover(session(), {.geometry = {0, 0, 1280, 300}, .overrideRedirect = true});
-    EXPECT_TRUE(waitFor([&] { return red(); }, 2));
-    letPass(0.6);
-    cover.raise();
-    EXPECT_TRUE(waitFor([&] { return !red(); }, 2));
-    EXPECT_TRUE(waitFor([&] { return red(); }, 2));
-}
-
 TEST_F(X11Panel, LeavesItsOwnMenusAbove) {
     ASSERT_TRUE(waitFor([&] { return red(); }));
     QWindow menu;
@@ -173,47 +160,6 @@ TEST_F(X11Panel, SamplesDragsInsteadOfHearingEveryMotion) {
     session().glide(pixel({600, 300}), pixel(middle), 100, 1);
     letPass(0.1);
     EXPECT_EQ(drags.size(), before);
-}
-
-/// Takes any text that is dropped.
-class DropTarget : public QWindow {
- public:
-    QString text;
-
- protected:
-    bool event(QEvent* event) override {
-        if (event->type() != QEvent::DragEnter && event->type() != QEvent::DragMove && event->type() != QEvent::Drop)
-            return QWindow::event(event);
-        auto* drop = static_cast<QDropEvent*>(event);
-        drop->acceptProposedAction();
-        if (event->type() == QEvent::Drop) text = drop->mimeData()->text();
-        return true;
-    }
-};
-
-TEST_F(X11Panel, CanBeTheSourceOfADragAndDrop) {
-    DropTarget target;
-    target.setFlags(Qt::ToolTip);
-    target.setGeometry(450, 200, 150, 100);
-    target.show();
-    ASSERT_TRUE(waitFor([&] { return red() && target.isExposed(); }));
-    panel.setInputRegionNow(QRect(0, 0, 240, 120));
-    session().moveTo(pixel(middle));
-    session().press(1);
-    ASSERT_TRUE(waitFor([&] { return presses.size() == 1; }));
-
-    // The drag runs an event loop of its own, in which a hand moves the pointer and lets go at the end.
-    int step = 0;
-    const auto hand = loop.every(0.02, [&] {
-        if (++step <= 10) session().moveTo(pixel(middle + (QPointF(500, 250) - middle) * step / 10));
-        if (step == 20) session().release(1);
-    });
-    auto* mime = new QMimeData;
-    mime->setText(QStringLiteral("a bite"));
-    auto* drag = new QDrag(&panel.window());
-    drag->setMimeData(mime);
-    EXPECT_EQ(drag->exec(Qt::CopyAction), Qt::CopyAction);
-    EXPECT_TRUE(waitFor([&] { return target.text == QStringLiteral("a bite"); }));
 }
 
 TEST_F(X11Panel, RepaintsOnlyTheDamage) {

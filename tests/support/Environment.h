@@ -3,12 +3,12 @@
 #include <QByteArray>
 #include <optional>
 
-/// An environment variable that has a value of the test's for as long as the object lives.
+/// An environment variable that has a value of the test's, or with a null one none, for as long as the object lives.
 class EnvironmentVariable {
  public:
     EnvironmentVariable(const char* name, const QByteArray& value) : name_(name) {
         if (qEnvironmentVariableIsSet(name)) before_ = qgetenv(name);
-        qputenv(name, value);
+        value.isNull() ? qunsetenv(name) : qputenv(name, value);
     }
     ~EnvironmentVariable() {
         if (before_)

@@ -325,22 +325,6 @@ TEST(Face, WearsACountOfWhatItHolds) {
     EXPECT_FALSE(f.bounds(f.rested(), {-60, 54, 120, 22}, orange));
 }
 
-TEST(Shelf, ItsPillUnfoldsItAndLeavingFoldsIt) {
-    FaceFixture f;
-    QList<QUrl> files;
-    for (int i = 0; i < 8; ++i) files.append(QUrl::fromLocalFile(QStringLiteral("/f%1").arg(i)));
-    f.m.items = files;
-    f.openUp();
-    const QImage image = f.rested();
-    const auto pill = f.bounds(image, {68, 86, 70, 54}, [](QColor c) { return c.lightness() > 25; });
-    ASSERT_TRUE(pill);
-    f.root.tap(QPointF(180, 0) + pill->center());
-    EXPECT_TRUE(f.m.shelfExpanded);
-    EXPECT_EQ(f.m.boopCount, 0);
-    f.m.withAnimation(commonSpring(), [&] { f.m.hovering = false; });
-    EXPECT_FALSE(f.m.shelfExpanded);
-}
-
 struct GlyphCase {
     const char* name;
     std::function<void(NotchModel&)> arrange;
