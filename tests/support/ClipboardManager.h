@@ -13,7 +13,10 @@ class ClipboardManager {
         xcb_create_window(connection_, XCB_COPY_FROM_PARENT, window_, session.root(), -10, -10, 1, 1, 0,
                           XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
         xcb_set_selection_owner(connection_, window_, session.atom("CLIPBOARD_MANAGER"), XCB_CURRENT_TIME);
-        xcb_flush(connection_);
+        // Its answer says that the server knows the manager; another client's request may overtake one that is only
+        // sent.
+        std::free(xcb_get_selection_owner_reply(
+            connection_, xcb_get_selection_owner(connection_, session.atom("CLIPBOARD_MANAGER")), nullptr));
     }
     ~ClipboardManager() { xcb_disconnect(connection_); }
     ClipboardManager(const ClipboardManager&) = delete;
