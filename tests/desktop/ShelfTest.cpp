@@ -109,7 +109,9 @@ TEST_F(ShelfOfChips, AClickOpensAFileAndTheButtonRemovesIt) {
     EXPECT_TRUE(waitFor([&] { return !stored("glimmet.shelf").contains("first"); }));
     EXPECT_TRUE(stored("glimmet.shelf").contains("second.txt"));
     EXPECT_TRUE(QFile::exists(QString::fromUtf8(first))) << "the file itself stays";
-    EXPECT_FALSE(confettiFlies()) << "none of this was a tap on the creature";
+    // The chip that moves up under the pointer may glow in the confetti's orange.
+    const QImage aboveTheChips = panelPicture().copy(0, 0, 360, 84);
+    EXPECT_LE(colourfulPixels(aboveTheChips), 40) << "none of this was a tap on the creature";
 }
 
 TEST_F(ShelfOfChips, ANoteGoesToTheClipboardOfAnyProgram) {
