@@ -5,6 +5,9 @@
 
 /// A moment of wall time, in seconds since 2001-01-01 00:00:00 UTC, the reference that stored timers use too.
 struct Date {
+    /// The reference in seconds since 1970-01-01 00:00:00 UTC.
+    static constexpr double kReference = 978307200;
+
     double seconds = 0;
 
     /// Earlier than every other moment.

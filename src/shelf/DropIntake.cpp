@@ -70,8 +70,7 @@ void DropIntake::dragEnded() {
 }
 
 QString DropIntake::droppedFileName(const QString& extension) const {
-    const QDateTime reference(QDate(2001, 1, 1), QTime(0, 0), Qt::UTC);
-    const QDateTime now = reference.addMSecs(qint64(clock_.now().seconds * 1000)).toLocalTime();
+    const QDateTime now = QDateTime::fromMSecsSinceEpoch(qint64((Date::kReference + clock_.now().seconds) * 1000));
     return QStringLiteral("Dropped %1.%2")
         .arg(QLocale().toString(now, QStringLiteral("yyyy-MM-dd 'at' HH.mm.ss")), extension);
 }

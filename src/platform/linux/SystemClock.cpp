@@ -5,9 +5,6 @@
 
 namespace {
 
-// 2001-01-01 00:00:00 UTC in seconds since 1970.
-constexpr double kReference = 978307200;
-
 double read(clockid_t clock) {
     timespec time{};
     clock_gettime(clock, &time);
@@ -20,7 +17,7 @@ Date SystemClock::now() const {
     timespec time{};
     clock_gettime(CLOCK_REALTIME, &time);
     // The reference goes first, which leaves more digits for the fraction.
-    return {double(time.tv_sec) - kReference + double(time.tv_nsec) * 1e-9};
+    return {double(time.tv_sec) - Date::kReference + double(time.tv_nsec) * 1e-9};
 }
 
 double SystemClock::uptime() const {
@@ -28,7 +25,7 @@ double SystemClock::uptime() const {
 }
 
 int SystemClock::localHour(Date date) const {
-    const auto seconds = time_t(std::floor(date.seconds + kReference));
+    const auto seconds = time_t(std::floor(date.seconds + Date::kReference));
     tm local{};
     localtime_r(&seconds, &local);
     return local.tm_hour;
