@@ -2,6 +2,8 @@
 
 #include "desktop/DesktopTest.h"
 
+using namespace Qt::StringLiterals;
+
 TEST(Start, EndsInOrderWithoutADisplay) {
     const Home home;
     for (const char* display : {"", ":987"}) {
@@ -50,19 +52,19 @@ TEST_F(Startup, PrintsItsMenuAndEnds) {
     Glimmet glimmet(session, home, {QStringLiteral("--menudump"), QStringLiteral("--update")});
     ASSERT_TRUE(waitFor([&] { return !glimmet.running(); }));
     EXPECT_EQ(glimmet.exitCode(), 0);
-    const QStringList menu{u"   Critter"_qs,
-                           u"   Weather"_qs,
-                           u"—— "_qs,
-                           u"   Hold a timer  ▸3"_qs,
-                           u"   Shh for an hour"_qs,
-                           u"—— "_qs,
-                           u"   Watch Downloads"_qs,
-                           u"   Meeting whispers"_qs,
-                           u"   Music in the notch"_qs,
-                           u"   Check for updates…"_qs,
-                           u"—— "_qs,
-                           u"   Show Glimmet"_qs,
-                           u"   Quit Glimmet"_qs};
+    const QStringList menu{u"   Critter"_s,
+                           u"   Weather"_s,
+                           u"—— "_s,
+                           u"   Hold a timer  ▸3"_s,
+                           u"   Shh for an hour"_s,
+                           u"—— "_s,
+                           u"   Watch Downloads"_s,
+                           u"   Meeting whispers"_s,
+                           u"   Music in the notch"_s,
+                           u"   Check for updates…"_s,
+                           u"—— "_s,
+                           u"   Show Glimmet"_s,
+                           u"   Quit Glimmet"_s};
     EXPECT_EQ(glimmet.output(), menu) << glimmet.output().join(u'\n').toStdString();
     EXPECT_EQ(glimmet.errors("glimmet:"), QStringList()) << "the flags that set states come later";
 }

@@ -6,6 +6,8 @@
 #include "platform/linux/ThreadQueues.h"
 #include "support/SoundServer.h"
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 /// Sounds that go to a server of our own, which has one sink that nobody hears.
@@ -14,7 +16,7 @@ class SoundsTest : public testing::Test {
     SoundsTest() {
         qputenv("HOME", QFile::encodeName(folder_.path()));
         qputenv("XDG_RUNTIME_DIR", QFile::encodeName(folder_.path()));
-        qputenv("PULSE_SERVER", QFile::encodeName(u"unix:"_qs + socket_));
+        qputenv("PULSE_SERVER", QFile::encodeName(u"unix:"_s + socket_));
     }
 
     void startServer() {
@@ -25,7 +27,7 @@ class SoundsTest : public testing::Test {
     /// Whether the server plays something for this process now.
     bool playing() const {
         const QByteArray ours = "application.process.id = \"" + QByteArray::number(getpid()) + '"';
-        return server_ && server_->pactl({u"list"_qs, u"sink-inputs"_qs}).contains(ours);
+        return server_ && server_->pactl({u"list"_s, u"sink-inputs"_s}).contains(ours);
     }
 
     /// Whether all that was to be played has ended within `seconds`.
@@ -36,7 +38,7 @@ class SoundsTest : public testing::Test {
     }
 
     QTemporaryDir folder_;
-    QString socket_ = folder_.filePath(u"sound"_qs);
+    QString socket_ = folder_.filePath(u"sound"_s);
     std::unique_ptr<SoundServer> server_;
     ThreadSerialQueue queue_;
     CanberraSounds sounds_{queue_};
@@ -44,7 +46,7 @@ class SoundsTest : public testing::Test {
 
 TEST_F(SoundsTest, PlayOnTheUsersServerAndLeaveIt) {
     startServer();
-    for (const QString& name : {u"Glass"_qs, u"Pop"_qs}) {
+    for (const QString& name : {u"Glass"_s, u"Pop"_s}) {
         sounds_.play(name);
         EXPECT_TRUE(waitFor([this] { return playing(); })) << name.toStdString();
         EXPECT_TRUE(ends(10)) << name.toStdString();
@@ -54,19 +56,19 @@ TEST_F(SoundsTest, PlayOnTheUsersServerAndLeaveIt) {
 
 TEST_F(SoundsTest, AnUnknownSoundIsSkipped) {
     startServer();
-    sounds_.play(u"no such sound"_qs);
+    sounds_.play(u"no such sound"_s);
     EXPECT_TRUE(ends(3));
     EXPECT_FALSE(playing());
 }
 
 TEST_F(SoundsTest, WithoutAServerNothingHappensForLong) {
-    sounds_.play(u"Glass"_qs);
+    sounds_.play(u"Glass"_s);
     EXPECT_TRUE(ends(5));
 }
 
 TEST_F(SoundsTest, AServerThatEndsInTheMiddleHoldsNothingUp) {
     startServer();
-    sounds_.play(u"Glass"_qs);
+    sounds_.play(u"Glass"_s);
     ASSERT_TRUE(waitFor([this] { return playing(); }));
     server_.reset();
     EXPECT_TRUE(ends(12));

@@ -8,6 +8,8 @@
 
 #include "platform/linux/WorkerProcess.h"
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 constexpr std::chrono::seconds kLong(20);
@@ -16,7 +18,7 @@ constexpr std::chrono::milliseconds kShort(300);
 /// A worker that is a shell script.
 struct Script {
     QTemporaryDir folder;
-    QByteArray path = QFile::encodeName(folder.filePath(u"worker"_qs));
+    QByteArray path = QFile::encodeName(folder.filePath(u"worker"_s));
 
     explicit Script(const QByteArray& commands) {
         QFile file(QFile::decodeName(path));
@@ -33,8 +35,8 @@ TEST(WorkerProcess, AnswersOrNot) {
         std::chrono::milliseconds patience;
         std::optional<QJsonObject> answer;
     } cases[] = {
-        {R"(echo '{"a": 1}')", kLong, QJsonObject{{u"a"_qs, 1}}},
-        {R"(echo noise >&2; sleep 0.1; printf '{"a"'; sleep 0.1; printf ':1}')", kLong, QJsonObject{{u"a"_qs, 1}}},
+        {R"(echo '{"a": 1}')", kLong, QJsonObject{{u"a"_s, 1}}},
+        {R"(echo noise >&2; sleep 0.1; printf '{"a"'; sleep 0.1; printf ':1}')", kLong, QJsonObject{{u"a"_s, 1}}},
         {"", kLong, {}},
         {"echo garbage", kLong, {}},
         {"echo '[1]'", kLong, {}},
@@ -52,8 +54,8 @@ TEST(WorkerProcess, AnswersOrNot) {
 
 TEST(WorkerProcess, PassesWordsAsTheyAre) {
     const Script script(R"(printf '{"n": %d, "last": "%s"}' $# "$3")");
-    const auto answer = WorkerProcess(script.path).run({u"a b"_qs, QString(), u"$HOME *;ü"_qs});
-    EXPECT_EQ(answer, (QJsonObject{{u"n"_qs, 3}, {u"last"_qs, u"$HOME *;ü"_qs}}));
+    const auto answer = WorkerProcess(script.path).run({u"a b"_s, QString(), u"$HOME *;ü"_s});
+    EXPECT_EQ(answer, (QJsonObject{{u"n"_s, 3}, {u"last"_s, u"$HOME *;ü"_s}}));
 }
 
 TEST(WorkerProcess, TakesMegabytesOfText) {
@@ -65,7 +67,7 @@ TEST(WorkerProcess, TakesMegabytesOfText) {
 
 TEST(WorkerProcess, LeavesNoProcessBehind) {
     const Script script(R"(echo $$ > "$1"; exec sleep 1000)");
-    const QString path = script.folder.filePath(u"id"_qs);
+    const QString path = script.folder.filePath(u"id"_s);
     EXPECT_FALSE(WorkerProcess(script.path, kShort).run({path}));
     QFile file(path);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
@@ -89,7 +91,7 @@ TEST(WorkerProcess, StartsCleanOnAnyThread) {
         answer = WorkerProcess(script.path).run({});
     }).join();
     ASSERT_TRUE(answer);
-    EXPECT_EQ((*answer)[u"blocked"].toString(), u"0000000000000000"_qs);
+    EXPECT_EQ((*answer)[u"blocked"].toString(), u"0000000000000000"_s);
     EXPECT_LE((*answer)[u"files"].toInt(), 1);  // the folder that the shell lists
 }
 

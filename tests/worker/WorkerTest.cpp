@@ -6,6 +6,8 @@
 #include "platform/FileUrls.h"
 #include "platform/linux/WorkerProcess.h"
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 QString url(const QByteArray& path) {
@@ -65,7 +67,7 @@ TEST(GlimmetWorker, ToldWhatFails) {
         const auto answer = WorkerProcess(workerWith(folder, limits)).run(chewing("png", source, fallback));
         ASSERT_TRUE(answer) << code;
         const QJsonObject error = (*answer)[u"error"].toObject();
-        EXPECT_EQ(error[u"domain"].toString(), u"chew"_qs);
+        EXPECT_EQ(error[u"domain"].toString(), u"chew"_s);
         EXPECT_EQ(error[u"code"].toInt(), code);
         EXPECT_EQ(error[u"description"].toString(), description);
     }
@@ -102,7 +104,7 @@ TEST(GlimmetWorker, LeavesNothingWhenItIsKilled) {
 TEST(GlimmetWorker, KnowsItsJobs) {
     WorkerProcess worker(GLIMMET_WORKER);
     for (const QStringList& request :
-         {QStringList{}, QStringList{u"chew"_qs}, chewing("gif", "/a.png", "/tmp"), QStringList{u"read"_qs}})
+         {QStringList{}, QStringList{u"chew"_s}, chewing("gif", "/a.png", "/tmp"), QStringList{u"read"_s}})
         EXPECT_FALSE(worker.run(request)) << request.join(u' ').toStdString();
 }
 
