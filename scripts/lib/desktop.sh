@@ -124,9 +124,12 @@ start_window_manager() {
 
 window_manager_runs() { xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null | grep -q 'window id'; }
 
-# The daemon's parent returns once the compositor owns its selection and has redirected the screen.
+# The daemon's parent returns once the compositor owns its selection and has redirected the screen. From version 10 on it loses
+# what changed in every other frame, on a server without a screen.
 start_compositor() {
-  picom --backend xrender --config /dev/null --daemon --write-pid-path "$DESKTOP_DIR/picom.pid" \
+  local whole=
+  [[ $(picom --version) == v[1-9].* ]] || whole=--no-use-damage
+  picom --backend xrender $whole --config /dev/null --daemon --write-pid-path "$DESKTOP_DIR/picom.pid" \
     --log-file "$DESKTOP_DIR/picom.log" >/dev/null 2>&1 || fail "no compositor came up: $(cat "$DESKTOP_DIR/picom.log")"
   DESKTOP_PIDS+=("$(cat "$DESKTOP_DIR/picom.pid")")
 }

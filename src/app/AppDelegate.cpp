@@ -92,7 +92,7 @@ void AppDelegate::watchPointer() {
         if (!demo_) behaviour_.pointerMoved(pointer);
         panel_.pointerMoved(pointer);
     };
-    ports_.monitors.onRightMouseDown = [this](QPointF pointer) { rightMouseDown(pointer); };
+    ports_.monitors.onRightMouseDown = panel_.onRightPress = [this](QPointF pointer) { rightMouseDown(pointer); };
     ports_.monitors.onPressElsewhere = ports_.closePopUp;
 }
 

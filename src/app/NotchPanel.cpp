@@ -138,6 +138,7 @@ void NotchPanel::updateRegions() {
 }
 
 void NotchPanel::pressed(PanelWindow::Button button, QPointF position, QPointF pointer) {
+    if (button == PanelWindow::Button::right && onRightPress) onRightPress(pointer);
     if (button == PanelWindow::Button::left) press_ = Press{position, pointer, false, root_.press(position)};
 }
 

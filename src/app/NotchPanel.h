@@ -29,6 +29,9 @@ class NotchPanel {
     /// The chip under a place of the screen; null for none. It lives until the model changes.
     const Chip* chipAt(QPointF pointer) const;
 
+    /// The right button went down on the panel, here on the screen.
+    std::function<void(QPointF pointer)> onRightPress;
+
     /// Ends a press that is under way, without a tap: its release will not come, because something else takes the
     /// pointer.
     void letGo();

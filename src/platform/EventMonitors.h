@@ -22,8 +22,8 @@ class EventMonitors {
     std::function<void(QPointF pointer)> onMouseMoved;        ///< no button held
     std::function<void(QPointF pointer)> onLeftMouseDragged;  ///< the left button held
     std::function<void(QPointF pointer)> onLeftMouseUp;
-    /// `pointer` is the place of the press. One that went to another program is reported once that program has let go
-    /// of the pointer, since before that no menu could open.
+    /// A press that went to another program; `pointer` is its place. It is reported once that program has let go of the
+    /// pointer, since before that no menu could open.
     std::function<void(QPointF pointer)> onRightMouseDown;
     /// Any button went down on another program's window or the bare desktop.
     std::function<void()> onPressElsewhere;

@@ -180,7 +180,7 @@ TEST(Gestures, EndWhenTheMenuTakesThePointer) {
     using Button = PanelWindow::Button;
     f.window.onPress(Button::left, {180, 20}, {756, 962});
     f.window.onDrag({856, 962});
-    f.monitors.onRightMouseDown({856, 962});  // the menu will get the release
+    f.window.onPress(Button::right, {180, 20}, {856, 962});  // the menu will get the release
     f.window.onDrag({900, 962});
     f.loop.drain();
     EXPECT_EQ(f.window.place.x(), 676);

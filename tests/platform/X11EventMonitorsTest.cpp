@@ -82,10 +82,6 @@ TEST_F(X11Monitors, FollowADragThatHoldsThePointer) {
 }
 
 TEST_F(X11Monitors, ReportRightPressesWhenAMenuCanOpen) {
-    RedPanel panel(connection, sampler, loop);
-    panel.setInputRegionNow(QRect(0, 0, 240, 120));
-    ASSERT_TRUE(waitFor([&] { return panel.window().isExposed(); }));
-
     session().moveTo({200, 200});
     session().press(3);
     ASSERT_TRUE(waitFor([&] { return floor.presses() == QList{3}; }));
@@ -94,15 +90,6 @@ TEST_F(X11Monitors, ReportRightPressesWhenAMenuCanOpen) {
     session().moveTo({300, 200});  // what counts is where it was pressed
     session().release(3);
     EXPECT_TRUE(waitFor([&] { return rights == QList{modelAt({200, 200})}; }));
-
-    rights.clear();
-    const QPoint inside = pixel({320, 60});
-    session().moveTo(inside);
-    session().press(3);
-    EXPECT_TRUE(waitFor([&] { return rights == QList{modelAt(inside)}; }));
-    session().release(3);
-    letPass(0.1);
-    EXPECT_EQ(rights.size(), 1);
 }
 
 TEST_F(X11Monitors, CountEachWheelStepOnce) {

@@ -120,7 +120,8 @@ void QtPanelWindow::drawInto(QPaintDevice& device, const QRegion& area, const st
 void QtPanelWindow::pressed(QMouseEvent& event) {
     const auto button = portButton(event.button());
     if (!button || (!held_ && !inputRegion_.contains(event.position().toPoint()))) return;
-    held_ |= event.button();
+    // The release of a right button goes to the menu that its press opens.
+    if (*button != Button::right) held_ |= event.button();
     if (onPress) onPress(*button, event.position(), toModel(event.globalPosition()));
 }
 

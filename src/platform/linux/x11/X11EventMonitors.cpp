@@ -98,11 +98,7 @@ void X11EventMonitors::pressed(int button) {
     const bool elsewhere = !ownWindow_(sample.window);
     if (elsewhere && onPressElsewhere) onPressElsewhere();
     if (button != rightButton) return;
-    rightPressElsewhere_.reset();
-    if (elsewhere)
-        rightPressElsewhere_ = sample.pointer;
-    else if (onRightMouseDown)
-        onRightMouseDown(sample.pointer);
+    rightPressElsewhere_ = elsewhere ? std::optional(sample.pointer) : std::nullopt;
 }
 
 void X11EventMonitors::released(int button) {
