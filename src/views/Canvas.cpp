@@ -95,12 +95,11 @@ void Canvas::shadow(const QPainterPath& shape, const QColor& color, double radiu
     drawScaled(made.bounds.translated(offset), made.image, hole);
 }
 
-void Canvas::kept(const QByteArray& key, const QRectF& bounds, const QRectF& hole,
-                  const std::function<void(Canvas&)>& draw) {
+void Canvas::kept(PictureKey key, const QRectF& bounds, const QRectF& hole, const std::function<void(Canvas&)>& draw) {
     const double scale = pixelsPerPoint();
-    const QByteArray fullKey = key + ' ' + QByteArray::number(scale);
+    key.add(scale);
     const QSize size(int(std::ceil(bounds.width() * scale)), int(std::ceil(bounds.height() * scale)));
-    const QImage* known = caches_.drawings.object(fullKey);
+    const QImage* known = caches_.drawings.object(key);
     QImage image = known ? *known : QImage(size, QImage::Format_ARGB32_Premultiplied);
     if (!known) {
         image.fill(Qt::transparent);
@@ -110,7 +109,7 @@ void Canvas::kept(const QByteArray& key, const QRectF& bounds, const QRectF& hol
         Canvas canvas(painter, caches_, ratio_);
         draw(canvas);
         painter.end();
-        caches_.drawings.insert(fullKey, new QImage(image));
+        caches_.drawings.insert(key, new QImage(image));
     }
     drawScaled(QRectF(bounds.topLeft(), QSizeF(size) / scale), image, hole);
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QByteArray>
 #include <QCache>
 #include <QFont>
 #include <QPainter>
@@ -8,6 +7,7 @@
 #include <functional>
 
 #include "views/Fonts.h"
+#include "views/PictureKey.h"
 #include "views/SoftShadows.h"
 #include "views/Symbols.h"
 
@@ -15,7 +15,7 @@
 struct PictureCaches {
     SoftShadows shadows;
     Symbols symbols;
-    QCache<QByteArray, QImage> drawings{8};
+    QCache<PictureKey, QImage> drawings{8};
 };
 
 /// A size of text in points, as the pictures give it.
@@ -43,8 +43,7 @@ class Canvas {
 
     /// Draws `draw` over `bounds`, from a picture kept under `key` and the resolution if there is one. For what looks
     /// the same in many frames and may be softened a little when it is scaled. It draws nothing inside `hole`.
-    void kept(const QByteArray& key, const QRectF& bounds, const QRectF& hole,
-              const std::function<void(Canvas&)>& draw);
+    void kept(PictureKey key, const QRectF& bounds, const QRectF& hole, const std::function<void(Canvas&)>& draw);
 
     void fill(const QPainterPath& path, const QBrush& brush);
     /// Fills whole device pixels; for what a layer's mask cuts to shape.

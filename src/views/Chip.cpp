@@ -192,9 +192,8 @@ void Chip::compose(DisplayList& list) const {
         const QRectF frame(-width / 2, -height / 2, width, height);
         const Look l = look();
         list.with(QTransform::fromScale(scale, scale), 1, [&] {
-            const std::vector<double> state{glow, double(qHash(l.text)), double(qHash(l.symbol)),
-                                            double(picture_.cacheKey())};
-            list.add(piece::chips + 2 * number_, frame, state, [l, frame, picture = picture_](Canvas& canvas) {
+            const PictureKey key{l.symbol, l.symbolColor, l.text, l.textColor, l.fill, l.outline, picture_};
+            list.add(piece::chips + 2 * number_, frame, key, [l, frame, picture = picture_](Canvas& canvas) {
                 canvas.fill(continuousRectangle(frame, kCorner), l.fill);
                 if (l.outline > 0) {
                     canvas.stroke(continuousRectangle(frame.adjusted(0.5, 0.5, -0.5, -0.5), kCorner - 0.5),

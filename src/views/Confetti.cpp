@@ -23,6 +23,7 @@ void Confetti::burst(const std::function<double()>& uptime, const std::function<
                              QColor::fromRgbF(0.5F, 0.85F, 1.0F)};
     const auto uniform = [this](double least, double most) { return least + random_() * (most - least); };
     sparks_.clear();
+    ++burst_;
     for (int n = 0; n < kSparks; ++n) {
         const double angle = double(n) / kSparks * 2 * std::numbers::pi + uniform(-0.3, 0.3);
         const double distance = uniform(26, 46);
@@ -41,8 +42,7 @@ void Confetti::compose(DisplayList& list, double now) const {
     const double flown = flight_.at(now);
     if (sparks_.empty() || flown >= 1) return;
     const QRectF bounds(-kFarthest, kBurstPoint - kFarthest, 2 * kFarthest, 2 * kFarthest);
-    const double identity = sparks_.front().flight.x();
-    list.add(piece::confetti, bounds, {flown, identity}, [sparks = sparks_, flown](Canvas& canvas) {
+    list.add(piece::confetti, bounds, {flown, burst_}, [sparks = sparks_, flown](Canvas& canvas) {
         canvas.with(QTransform(), 1 - flown, [&] {
             for (const Spark& spark : sparks)
                 canvas.fill(circle(QPointF(0, kBurstPoint) + spark.flight * flown, spark.size), spark.color);

@@ -33,6 +33,7 @@ class Confetti {
     MainLoop& loop_;
     std::function<double()> random_;
     std::vector<Spark> sparks_;
+    int burst_ = 0;  // counts them
     Animated<double> flight_{0, 0.001};
     TimerHandle launch_;
 };

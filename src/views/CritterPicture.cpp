@@ -102,7 +102,7 @@ void CritterView::composeBadge(DisplayList& list, double now) const {
     const double top = padding_.at(now) + eyeSize_.at(now) + kBadgeGap;
     const QRectF frame(-width / 2, top, width, height);
     list.with(QTransform(), badge_.at(now), [&] {
-        list.add(piece::badge, frame, {double(badgeCount_), top}, [=](Canvas& canvas) {
+        list.add(piece::badge, frame, {badgeCount_, top}, [=](Canvas& canvas) {
             canvas.fill(continuousCapsule(frame), accentOrange(0.85));
             canvas.text(count, frame.center(), style, white(0.75));
         });
@@ -115,9 +115,8 @@ void CritterView::composeGlyph(DisplayList& list, double now) const {
     const double box = kGlyphSize * 1.25;
     const QPointF center(width_.at(now) / 2 - kGlyphRight - box / 2, kGlyphTop + box / 2);
     list.with(QTransform(), opacity, [&] {
-        const double identity = double(qHash(glyph_.symbol)) + glyph_.color.rgba() * 1e-10;
         list.add(piece::glyph, QRectF(center.x() - box / 2, center.y() - box / 2, box, box),
-                 {center.x(), center.y(), identity}, [center, glyph = glyph_](Canvas& canvas) {
+                 {center, glyph_.symbol, glyph_.color}, [center, glyph = glyph_](Canvas& canvas) {
                      canvas.symbol(glyph.symbol, center, kGlyphSize, glyph.color);
                  });
     });

@@ -18,7 +18,7 @@ QRectF insideOf(const QRectF& rect, double radius) {
 
 bool DisplayList::Piece::looksLike(const Piece& other) const {
     return place == other.place && transform == other.transform && opacity == other.opacity && clip == other.clip &&
-           state == other.state;
+           look == other.look;
 }
 
 QRegion DisplayList::Piece::changesTo(const Piece& other) const {
@@ -26,7 +26,7 @@ QRegion DisplayList::Piece::changesTo(const Piece& other) const {
     return QRegion(place).united(other.place).subtracted(solid & other.solid);
 }
 
-void DisplayList::add(int id, const QRectF& bounds, std::vector<double> state, Draw draw, const QRectF& solid) {
+void DisplayList::add(int id, const QRectF& bounds, PictureKey look, Draw draw, const QRectF& solid) {
     if (opacity_ <= 0 || bounds.isEmpty()) return;
     QRectF place = transform_.mapRect(bounds);
     Clip clip = clip_;
@@ -39,7 +39,7 @@ void DisplayList::add(int id, const QRectF& bounds, std::vector<double> state, D
     const QRect whole = place.adjusted(-0.5, -0.5, 0.5, 0.5).toAlignedRect();
     const QRectF plain = transform_.mapRect(solid).adjusted(1, 1, -1, -1);
     const QRect inner = plain.isValid() && opacity_ >= 1 ? plain.toRect() : QRect();
-    pieces_.push_back({id, whole, inner, transform_, opacity_, clip, std::move(state), std::move(draw)});
+    pieces_.push_back({id, whole, inner, transform_, opacity_, clip, std::move(look), std::move(draw)});
 }
 
 void DisplayList::with(const QTransform& transform, double opacity, const std::function<void()>& compose) {

@@ -7,8 +7,9 @@
 #include <vector>
 
 #include "views/Canvas.h"
+#include "views/PictureKey.h"
 
-/// What is on the panel at one moment: pieces from back to front, each with the place that it covers and the numbers
+/// What is on the panel at one moment: pieces from back to front, each with the place that it covers and the values
 /// that decide its look. Two lists tell by their pieces what changed between two frames, so that only that is painted
 /// again.
 class DisplayList {
@@ -16,10 +17,10 @@ class DisplayList {
     using Draw = std::function<void(Canvas&)>;
 
     /// Adds a piece in the present frame of reference. `id` is unique in the list and stays with the piece from frame
-    /// to frame; `state` holds every number that `draw` depends on besides the transform, the opacity and the clip.
-    /// Inside `solid` the piece has one plain colour, whatever its state: where that stays, nothing has to be painted
+    /// to frame; `look` holds every value that `draw` depends on besides the transform, the opacity and the clip.
+    /// Inside `solid` the piece has one plain colour, whatever its look: where that stays, nothing has to be painted
     /// again.
-    void add(int id, const QRectF& bounds, std::vector<double> state, Draw draw, const QRectF& solid = {});
+    void add(int id, const QRectF& bounds, PictureKey look, Draw draw, const QRectF& solid = {});
 
     /// What `compose` adds is transformed by `transform` (first) and faded by `opacity`.
     void with(const QTransform& transform, double opacity, const std::function<void()>& compose);
@@ -49,7 +50,7 @@ class DisplayList {
         QTransform transform;
         double opacity;
         Clip clip;
-        std::vector<double> state;
+        PictureKey look;
         Draw draw;
         bool looksLike(const Piece& other) const;
         QRegion changesTo(const Piece& other) const;

@@ -168,14 +168,14 @@ void RootView::composeBody(DisplayList& list, double now) const {
         const QPainterPath shape = notchShape(rect, radius, kTopRadius);
         canvas.shadow(shape, black(0.55), kShadowRadius, {0, kShadowDrop}, solid);
         canvas.fill(shape, Qt::black);
-        const QByteArray key = QByteArray("rim ") + QByteArray::number(rect.width()) + ' ' +
-                               QByteArray::number(rect.height()) + ' ' + QByteArray::number(radius);
-        canvas.kept(key, rect.adjusted(-kTopRadius - 2, -2, kTopRadius + 2, 2), solid, [&](Canvas& sheet) {
-            sheet.stroke(shape, linearGradient(rect, {0.5, 1}, {0.5, 0}, {{0, white(0.13)}, {1, white(0.02)}}),
-                         kRimWidth);
-        });
+        canvas.kept({piece::body, rect, radius}, rect.adjusted(-kTopRadius - 2, -2, kTopRadius + 2, 2), solid,
+                    [&](Canvas& sheet) {
+                        sheet.stroke(shape,
+                                     linearGradient(rect, {0.5, 1}, {0.5, 0}, {{0, white(0.13)}, {1, white(0.02)}}),
+                                     kRimWidth);
+                    });
     };
-    list.add(piece::body, bounds, {rect.width(), rect.height(), radius}, draw, solid);
+    list.add(piece::body, bounds, {rect, radius}, draw, solid);
 }
 
 void RootView::composeChevron(DisplayList& list, double now) const {

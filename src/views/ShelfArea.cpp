@@ -233,8 +233,7 @@ void ShelfArea::compose(DisplayList& list, double top) const {
 void ShelfArea::composePill(DisplayList& list) const {
     const Layout l = layout();
     if (l.pill.isEmpty()) return;
-    const std::vector<double> state{l.pillFrame.x(), l.pillFrame.y(), double(qHash(l.pill))};
-    list.add(piece::pill, l.pillFrame, state, [l](Canvas& canvas) {
+    list.add(piece::pill, l.pillFrame, {l.pillFrame, l.pill}, [l](Canvas& canvas) {
         canvas.fill(continuousCapsule(l.pillFrame), white(l.pillFill));
         canvas.text(l.pill, l.pillFrame.center(), l.pillStyle, white(l.pillText));
     });
@@ -244,7 +243,7 @@ void ShelfArea::composeWhisper(DisplayList& list) const {
     const QString whisper = m_.eventWhisper->value_or(QString());
     if (whisper.isEmpty()) return;
     const double line = lineHeight(kWhisperStyle), top = layout().bottom;
-    list.add(piece::whisper, QRectF(-160, top, 320, line), {top, double(qHash(whisper))}, [=](Canvas& canvas) {
+    list.add(piece::whisper, QRectF(-160, top, 320, line), {top, whisper}, [=](Canvas& canvas) {
         canvas.text(whisper, {0, top + line / 2}, kWhisperStyle, accentOrange(0.9));
     });
 }

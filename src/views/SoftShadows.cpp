@@ -33,23 +33,6 @@ void boxBlur(uchar* first, int count, int stride, int width, std::vector<uchar>&
     }
 }
 
-QByteArray keyOf(const QPainterPath& shape, double radius, const QColor& color, double scale) {
-    QByteArray key;
-    const auto append = [&key](double value) {
-        const int rounded = int(std::lround(value * 64));
-        key.append(reinterpret_cast<const char*>(&rounded), sizeof rounded);
-    };
-    for (int i = 0; i < shape.elementCount(); ++i) {
-        append(shape.elementAt(i).x);
-        append(shape.elementAt(i).y);
-    }
-    append(radius);
-    append(scale);
-    append(color.rgba64().red() + color.rgba64().green() * 3.0 + color.rgba64().blue() * 7.0);
-    append(color.alphaF() * 255);
-    return key;
-}
-
 SoftShadows::Shadow render(const QPainterPath& shape, double radius, const QColor& color, double scale) {
     const double sigma = radius / 2;
     const double margin = 3 * sigma;
@@ -97,7 +80,7 @@ SoftShadows::Shadow SoftShadows::shadow(const QPainterPath& shape, double radius
                                         double pixelsPerPoint) {
     // Four pixels per standard deviation are as smooth as the eye can tell once they are interpolated.
     const double scale = std::min(pixelsPerPoint, 4 / std::max(radius / 2, 0.1));
-    const QByteArray key = keyOf(shape, radius, color, scale);
+    const PictureKey key{shape, radius, color, scale};
     if (const auto* found = cache_.object(key)) return *found;
     Shadow made = render(shape, radius, color, scale);
     cache_.insert(key, new Shadow(made));

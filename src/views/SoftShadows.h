@@ -6,6 +6,8 @@
 #include <QPainterPath>
 #include <vector>
 
+#include "views/PictureKey.h"
+
 /// Blurred fills of shapes, made once per shape, radius and colour and kept while they are in use. Main thread only.
 class SoftShadows {
  public:
@@ -20,7 +22,7 @@ class SoftShadows {
     Shadow shadow(const QPainterPath& shape, double radius, const QColor& color, double pixelsPerPoint);
 
  private:
-    QCache<QByteArray, Shadow> cache_{24};
+    QCache<PictureKey, Shadow> cache_{24};
 };
 
 /// Blurs an 8-bit mask of `width` x `height` pixels in place with a standard deviation of `sigma` pixels, as three box

@@ -63,13 +63,14 @@ const std::vector<Step> kLife{
     {"holds", [](NotchModel& m) { spring(m, [&] { m.addTimer(5); }); }},
     {"gets a drag", [](NotchModel& m) { spring(m, [&] { m.dragNear = true; }); }},
     {"and loses it", [](NotchModel& m) { spring(m, [&] { m.dragNear = false; }); }},
+    {"camera", [](NotchModel& m) { m.withAnimation(Animation::easeInOut(0.45), [&] { m.cameraInUse = true; }); }},
+    {"is told of a meeting", [](NotchModel& m) { m.eventWhisper = QStringLiteral("soon"); }},  // recolours the glyph
     {"full disk", [](NotchModel& m) { m.diskFull = true; }},
     {"sleeps", [](NotchModel& m) { m.withAnimation(Animation::easeInOut(0.7), [&] { m.asleep = true; }); }},
     {"wakes", [](NotchModel& m) { m.markActivity(); }},
     {"downloads", [](NotchModel& m) { m.downloading = true; }},
     {"hides", [](NotchModel& m) { spring(m, [&] { m.hidden = true; }); }},
     {"is tapped", [](NotchModel& m) { m.notchTapped(); }},
-    {"camera", [](NotchModel& m) { m.withAnimation(Animation::easeInOut(0.45), [&] { m.cameraInUse = true; }); }},
     {"weather", [](NotchModel& m) { m.pickToy(Toy::weather); }},
     {"critter", [](NotchModel& m) { m.pickToy(Toy::critter); }},
 };
