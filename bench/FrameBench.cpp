@@ -56,6 +56,16 @@ void restingFace(benchmark::State& state) {
     }
 }
 
+/// The same with five things held.
+void restingFaceHolding(benchmark::State& state) {
+    Panel panel(int(state.range(0)));
+    for (int i = 0; i < 5; ++i) panel.f.m.addBites({Bite::note(QString::number(i))});
+    for (auto _ : state) {
+        panel.f.loop.advance(0.25);
+        panel.frame();
+    }
+}
+
 /// The pointer moves over the open face: only the eyes change.
 void openFaceLooking(benchmark::State& state) {
     Panel panel(int(state.range(0)));
@@ -94,6 +104,7 @@ void boopWithConfetti(benchmark::State& state) {
 }
 
 BENCHMARK(restingFace)->Arg(1)->Arg(2)->Unit(benchmark::kMicrosecond);
+BENCHMARK(restingFaceHolding)->Arg(1)->Arg(2)->Unit(benchmark::kMicrosecond);
 BENCHMARK(openFaceLooking)->Arg(1)->Arg(2)->Unit(benchmark::kMicrosecond);
 BENCHMARK(opening)->Arg(1)->Arg(2)->Unit(benchmark::kMicrosecond);
 BENCHMARK(boopWithConfetti)->Arg(1)->Arg(2)->Unit(benchmark::kMicrosecond);

@@ -2,43 +2,15 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <utility>
 
+#include "platform/linux/OutlineRegion.h"
 #include "views/FilePicture.h"
 
 namespace {
 
 constexpr double kDragDistance = 12;
 constexpr QPointF kFarAway(1000, 1000);  // a press that ends here was not meant
-
-/// The part of the panel inside `outline`, which each row crosses once from the left to the right: its rows' middles
-/// decide.
-QRegion regionInside(const QPainterPath& outline) {
-    const QPolygonF polygon = outline.toFillPolygon();
-    const int top = int(std::floor(polygon.boundingRect().top())), bottom = int(polygon.boundingRect().bottom());
-    QList<QRect> bands;
-    for (int y = std::max(top, 0); y <= bottom; ++y) {
-        const double middle = y + 0.5;
-        double left = std::numeric_limits<double>::infinity(), right = -left;
-        for (qsizetype i = 1; i < polygon.size(); ++i) {
-            const QPointF a = polygon[i - 1], b = polygon[i];
-            if ((a.y() <= middle) == (b.y() <= middle)) continue;
-            const double x = a.x() + (b.x() - a.x()) * (middle - a.y()) / (b.y() - a.y());
-            left = std::min(left, x);
-            right = std::max(right, x);
-        }
-        if (!(left < right)) continue;
-        const int from = int(std::lround(left)), to = int(std::lround(right));
-        if (!bands.isEmpty() && bands.last().left() == from && bands.last().width() == to - from)
-            bands.last().setBottom(y);
-        else if (to > from)
-            bands.append(QRect(from, y, to - from, 1));
-    }
-    QRegion region;
-    region.setRects(bands.constData(), int(bands.size()));
-    return region;
-}
 
 }  // namespace
 
@@ -129,12 +101,14 @@ void NotchPanel::drawFrame(bool all) {
 }
 
 void NotchPanel::updateRegions() {
-    const QRegion outline = regionInside(root_.outline());
-    const QRegion whole(0, 0, int(RootView::kPanelWidth), int(height_));
-    const bool takesDrop = m_.dragNear || m_.dropTargeted;
-    const QRegion input = ignoresMouse_ ? QRegion() : takesDrop ? whole : outline;
+    const QPainterPath outline = root_.outline();
+    window_.setOutline(outline);
+    QRegion input;
+    if (!ignoresMouse_ && (m_.dragNear || m_.dropTargeted))
+        input = QRect(0, 0, int(RootView::kPanelWidth), int(height_));
+    else if (!ignoresMouse_)
+        input = pixelsInside(outline, 1);
     if (input != inputRegion_) window_.setInputRegion(inputRegion_ = input);
-    if (outline != outline_) window_.setOutline(outline_ = outline);
 }
 
 void NotchPanel::pressed(PanelWindow::Button button, QPointF position, QPointF pointer) {

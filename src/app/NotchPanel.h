@@ -64,7 +64,7 @@ class NotchPanel {
 
     PictureCaches caches_;
     DisplayList shown_;
-    QRegion inputRegion_, outline_;
+    QRegion inputRegion_;
     QRectF frame_;
     double height_ = RootView::kPanelHeight;  // of the window
     bool visible_ = false;

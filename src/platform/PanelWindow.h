@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QPainter>
+#include <QPainterPath>
 #include <QPointF>
 #include <QRectF>
 #include <QRegion>
@@ -30,8 +31,9 @@ class PanelWindow {
 
     /// Where the window takes the pointer; everywhere else, and everywhere if empty, clicks reach what lies below.
     virtual void setInputRegion(const QRegion& region) = 0;
-    /// What the picture covers: the window's own shape where the desktop cannot blend a translucent one, else unused.
-    virtual void setOutline(const QRegion& outline) = 0;
+    /// What the picture covers, in points: the window's own shape where the desktop cannot blend a translucent one,
+    /// else unused. Each row crosses it once from the left to the right.
+    virtual void setOutline(const QPainterPath& outline) = 0;
 
     /// Device pixels per point at the place where the window is.
     virtual double devicePixelRatio() const = 0;

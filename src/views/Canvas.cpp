@@ -18,6 +18,13 @@ bool mayBePicture(QChar c) {
     return c.isSurrogate() || (c >= keycap && c <= lastSymbol) || c == asEmoji;
 }
 
+/// Where `line` begins so that it is centred around the origin, between the line's ascent and descent as a row of text
+/// is laid out.
+QPointF startOf(const QString& line, const QFont& face) {
+    const QFontMetricsF metrics(face);
+    return {-metrics.horizontalAdvance(line) / 2, (metrics.ascent() - metrics.descent()) / 2};
+}
+
 }  // namespace
 
 Canvas::Canvas(QPainter& painter, PictureCaches& caches, double devicePixelRatio)
@@ -78,6 +85,10 @@ void Canvas::cover(const QRectF& rect, const QBrush& brush) {
     painter_.setRenderHint(QPainter::Antialiasing);
 }
 
+bool Canvas::paintsOnlyIn(const QRectF& rect) const {
+    return painter_.hasClipping() && rect.contains(painter_.clipBoundingRect());
+}
+
 void Canvas::fill(const QPainterPath& path, const QBrush& brush) {
     painter_.fillPath(path, brush);
 }
@@ -93,25 +104,6 @@ void Canvas::shadow(const QPainterPath& shape, const QColor& color, double radiu
     if (color.alpha() == 0 || shape.isEmpty()) return;
     const auto made = caches_.shadows.shadow(shape, radius, color, ratio_);
     drawScaled(made.bounds.translated(offset), made.image, hole);
-}
-
-void Canvas::kept(PictureKey key, const QRectF& bounds, const QRectF& hole, const std::function<void(Canvas&)>& draw) {
-    const double scale = pixelsPerPoint();
-    key.add(scale);
-    const QSize size(int(std::ceil(bounds.width() * scale)), int(std::ceil(bounds.height() * scale)));
-    const QImage* known = caches_.drawings.object(key);
-    QImage image = known ? *known : QImage(size, QImage::Format_ARGB32_Premultiplied);
-    if (!known) {
-        image.fill(Qt::transparent);
-        QPainter painter(&image);
-        painter.scale(scale, scale);
-        painter.translate(-bounds.topLeft());
-        Canvas canvas(painter, caches_, ratio_);
-        draw(canvas);
-        painter.end();
-        caches_.drawings.insert(key, new QImage(image));
-    }
-    drawScaled(QRectF(bounds.topLeft(), QSizeF(size) / scale), image, hole);
 }
 
 // In bands of few rows: the toolkit hands a scaled picture of more rows to several threads, whose waking costs more
@@ -138,18 +130,22 @@ void Canvas::drawScaled(const QRectF& bounds, const QImage& image, const QRectF&
     painter_.restore();
 }
 
-void Canvas::symbol(const QString& name, const QPointF& center, double size, const QColor& color) {
+void Canvas::symbol(const QString& name, const QPointF& place, double size, const QColor& color,
+                    Qt::Alignment alignment) {
     const double box = size * kSymbolBox;
-    const QImage image = caches_.symbols.image(name, int(std::ceil(box * pixelsPerPoint())), color);
-    if (image.isNull()) return;
-    painter_.drawImage(QRectF(center.x() - box / 2, center.y() - box / 2, box, box), image);
+    QPointF corner = place - QPointF(box / 2, box / 2);
+    if (alignment & Qt::AlignRight) corner.setX(place.x() - caches_.symbols.ink(name).right() * box);
+    if (alignment & Qt::AlignBottom) corner.setY(place.y() - caches_.symbols.ink(name).bottom() * box);
+    const auto drawn =
+        caches_.symbols.drawn(name, painter_.deviceTransform().mapRect(QRectF(corner, QSizeF(box, box))), color);
+    painter_.save();
+    painter_.setTransform(QTransform::fromScale(1 / ratio_, 1 / ratio_));
+    painter_.drawImage(drawn.place, drawn.image);
+    painter_.restore();
 }
 
 void Canvas::text(const QString& line, const QPointF& center, const TextStyle& style, const QColor& color) {
     const QFont face = font(style.face, style.weight);
-    const QFontMetricsF metrics(face);
-    // Centred between the line's ascent and descent, as a row of text is laid out.
-    const QPointF start(-metrics.horizontalAdvance(line) / 2, (metrics.ascent() - metrics.descent()) / 2);
     const double scale = style.size / kFontPixels;
     painter_.save();
     painter_.translate(center);
@@ -157,13 +153,21 @@ void Canvas::text(const QString& line, const QPointF& center, const TextStyle& s
     if (std::any_of(line.begin(), line.end(), mayBePicture)) {
         painter_.setFont(face);
         painter_.setPen(color);
-        painter_.drawText(start, line);
+        painter_.drawText(startOf(line, face), line);
     } else {
-        QPainterPath path;
-        path.addText(start, face, line);
-        painter_.fillPath(path, color);
+        painter_.fillPath(outlineOf(line, face), color);
     }
     painter_.restore();
+}
+
+QPainterPath Canvas::outlineOf(const QString& line, const QFont& face) {
+    const PictureKey key{line, face.family(), face.weight()};
+    if (const QPainterPath* known = caches_.texts.object(key)) return *known;
+    auto* path = new QPainterPath;
+    path->addText(startOf(line, face), face, line);
+    const QPainterPath outline = *path;
+    caches_.texts.insert(key, path);
+    return outline;
 }
 
 double Canvas::textWidth(const QString& line, const TextStyle& style) {

@@ -15,7 +15,7 @@
 struct PictureCaches {
     SoftShadows shadows;
     Symbols symbols;
-    QCache<PictureKey, QImage> drawings{8};
+    QCache<PictureKey, QPainterPath> texts{32};
 };
 
 /// A size of text in points, as the pictures give it.
@@ -41,9 +41,8 @@ class Canvas {
     void layer(const QRectF& bounds, const QPainterPath& mask, double opacity,
                const std::function<void(Canvas&)>& draw);
 
-    /// Draws `draw` over `bounds`, from a picture kept under `key` and the resolution if there is one. For what looks
-    /// the same in many frames and may be softened a little when it is scaled. It draws nothing inside `hole`.
-    void kept(PictureKey key, const QRectF& bounds, const QRectF& hole, const std::function<void(Canvas&)>& draw);
+    /// Whether nothing outside `rect` is painted in this frame.
+    bool paintsOnlyIn(const QRectF& rect) const;
 
     void fill(const QPainterPath& path, const QBrush& brush);
     /// Fills whole device pixels; for what a layer's mask cuts to shape.
@@ -54,8 +53,10 @@ class Canvas {
     /// what of the shadow is inside `hole`, where something else will cover it.
     void shadow(const QPainterPath& shape, const QColor& color, double radius, const QPointF& offset,
                 const QRectF& hole = {});
-    /// The symbol `name` centred at `center`, as large as a letter of a font of `size` points would suggest.
-    void symbol(const QString& name, const QPointF& center, double size, const QColor& color);
+    /// The symbol `name`, as large as a letter of a font of `size` points would suggest. Its square has its middle at
+    /// `place`; with Qt::AlignRight or Qt::AlignBottom its ink ends there instead, in that direction.
+    void symbol(const QString& name, const QPointF& place, double size, const QColor& color,
+                Qt::Alignment alignment = Qt::AlignCenter);
     /// One line of text, centred at `center`.
     void text(const QString& line, const QPointF& center, const TextStyle& style, const QColor& color);
 
@@ -69,6 +70,7 @@ class Canvas {
 
  private:
     double pixelsPerPoint() const;
+    QPainterPath outlineOf(const QString& line, const QFont& face);
     void drawScaled(const QRectF& bounds, const QImage& image, const QRectF& hole);
 
     QPainter& painter_;

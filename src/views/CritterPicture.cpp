@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "views/Colors.h"
 #include "views/CritterView.h"
@@ -18,6 +19,8 @@ constexpr double kGlyphRight = 30;
 constexpr double kGlyphTop = 6;
 constexpr double kZzzGap = 8;
 constexpr double kZzzHeight = 10;
+
+const TextStyle kBadgeStyle{9.5, QFont::Bold, Face::rounded};
 
 QTransform moved(double x, double y) {
     return QTransform::fromTranslate(x, y);
@@ -93,18 +96,20 @@ void CritterView::composeSleep(DisplayList& list, double now) const {
     });
 }
 
+void CritterView::setBadge(int count) {
+    if (std::exchange(badgeCount_, count) == count) return;
+    badgeWidth_ = std::max(Canvas::textWidth(QString::number(count), kBadgeStyle) + 12, 14.5);
+}
+
 void CritterView::composeBadge(DisplayList& list, double now) const {
     if (badge_.at(now) <= 0) return;
-    const QString count = QString::number(badgeCount_);
-    const TextStyle style{9.5, QFont::Bold, Face::rounded};
-    const double width = std::max(Canvas::textWidth(count, style) + 12, 14.5);
-    const double height = 9.5 * 1.2 + 3;
+    const double height = kBadgeStyle.size * 1.2 + 3;
     const double top = padding_.at(now) + eyeSize_.at(now) + kBadgeGap;
-    const QRectF frame(-width / 2, top, width, height);
+    const QRectF frame(-badgeWidth_ / 2, top, badgeWidth_, height);
     list.with(QTransform(), badge_.at(now), [&] {
-        list.add(piece::badge, frame, {badgeCount_, top}, [=](Canvas& canvas) {
+        list.add(piece::badge, frame, {badgeCount_, frame}, [frame, count = badgeCount_](Canvas& canvas) {
             canvas.fill(continuousCapsule(frame), accentOrange(0.85));
-            canvas.text(count, frame.center(), style, white(0.75));
+            canvas.text(QString::number(count), frame.center(), kBadgeStyle, white(0.75));
         });
     });
 }
@@ -113,11 +118,12 @@ void CritterView::composeGlyph(DisplayList& list, double now) const {
     const double opacity = glyphOpacity_.at(now);
     if (opacity <= 0) return;
     const double box = kGlyphSize * 1.25;
-    const QPointF center(width_.at(now) / 2 - kGlyphRight - box / 2, kGlyphTop + box / 2);
+    const QPointF place(width_.at(now) / 2 - kGlyphRight, kGlyphTop + box / 2);
     list.with(QTransform(), opacity, [&] {
-        list.add(piece::glyph, QRectF(center.x() - box / 2, center.y() - box / 2, box, box),
-                 {center, glyph_.symbol, glyph_.color}, [center, glyph = glyph_](Canvas& canvas) {
-                     canvas.symbol(glyph.symbol, center, kGlyphSize, glyph.color);
-                 });
+        // A narrow symbol's square reaches further to the right than its ink.
+        const QRectF bounds(place.x() - box, kGlyphTop, 1.5 * box, box);
+        list.add(piece::glyph, bounds, {place, glyph_.symbol, glyph_.color}, [place, glyph = glyph_](Canvas& canvas) {
+            canvas.symbol(glyph.symbol, place, kGlyphSize, glyph.color, Qt::AlignRight | Qt::AlignVCenter);
+        });
     });
 }

@@ -148,7 +148,7 @@ void CritterView::aimLayout(const std::optional<Animation>& how, double now) {
 
     const bool badge = m_.hasHeld() && !m_.hovering && !m_.dragNear && !m_.dropTargeted;
     badge_.aim(badge ? 1 : 0, how, now);
-    if (badge) badgeCount_ = m_.heldCount();
+    if (badge) setBadge(m_.heldCount());
 }
 
 void CritterView::aimEyes(const std::optional<Animation>& how, double now) {

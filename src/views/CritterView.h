@@ -53,6 +53,7 @@ class CritterView {
     void aimEyes(const std::optional<Animation>& how, double now);
     void aimGlyph(const std::optional<Animation>& how, double now);
     std::optional<Animation> eyeCurve(const std::optional<Animation>& how);
+    void setBadge(int count);
     double lidClosure() const;
     QPointF gaze(double side) const;
     Mouth::State mouthState() const;
@@ -91,4 +92,5 @@ class CritterView {
     Animated<double> sleep_{0, 0.002}, arcWidth_{16}, arcHeight_{7}, arcDroop_{6}, zzz_{0, 0.002};
     Animated<double> badge_{0, 0.002}, glyphOpacity_{0, 0.002}, width_{185};
     int badgeCount_ = 0;
+    double badgeWidth_ = 0;
 };

@@ -168,23 +168,21 @@ void RootView::composeBody(DisplayList& list, double now) const {
         const QPainterPath shape = notchShape(rect, radius, kTopRadius);
         canvas.shadow(shape, black(0.55), kShadowRadius, {0, kShadowDrop}, solid);
         canvas.fill(shape, Qt::black);
-        canvas.kept({piece::body, rect, radius}, rect.adjusted(-kTopRadius - 2, -2, kTopRadius + 2, 2), solid,
-                    [&](Canvas& sheet) {
-                        sheet.stroke(shape,
-                                     linearGradient(rect, {0.5, 1}, {0.5, 0}, {{0, white(0.13)}, {1, white(0.02)}}),
-                                     kRimWidth);
-                    });
+        if (canvas.paintsOnlyIn(solid)) return;
+        canvas.stroke(shape, linearGradient(rect, {0.5, 1}, {0.5, 0}, {{0, white(0.13)}, {1, white(0.02)}}), kRimWidth);
     };
     list.add(piece::body, bounds, {rect, radius}, draw, solid);
 }
 
 void RootView::composeChevron(DisplayList& list, double now) const {
     constexpr double size = 9;
-    const QPointF center(0, height_.at(now) - 1 - size / 2);
+    const QPointF bottom(0, height_.at(now) - 1);
+    const QRectF bounds(-size, bottom.y() - 2 * size, 2 * size, 3 * size);
     list.with(QTransform(), chevron_.at(now), [&] {
-        list.add(
-            piece::chevron, QRectF(center.x() - size, center.y() - size, 2 * size, 2 * size), {center.y()},
-            [=](Canvas& canvas) { canvas.symbol(QStringLiteral("chevron.compact.down"), center, size, white(1)); });
+        list.add(piece::chevron, bounds, {bottom}, [=](Canvas& canvas) {
+            canvas.symbol(QStringLiteral("chevron.compact.down"), bottom, size, white(1),
+                          Qt::AlignHCenter | Qt::AlignBottom);
+        });
     });
 }
 

@@ -127,9 +127,13 @@ TEST_F(X11Panel, HasTheShapeOfItsOutlineWhereNothingBlends) {
         panel.paint(QRect(0, 0, 240, 120), [](QPainter& painter) { painter.fillRect(80, 0, 80, 120, Qt::red); });
     };
     panel.onExpose();
-    panel.setOutline(QRect(80, 0, 80, 120));
+    // Its left edge lies between two points: the shape is as fine as the pixels.
+    panel.setOutline(RedPanel::rectangle({80.5, 0, 79.5, 120}));
+    const QPoint edge(pixel({200, 0}).x() + int(std::lround(80.5 * ratio())), pixel(middle).y());
     ASSERT_TRUE(waitFor([&] { return red() && colourAt(corner) == QColor(Qt::green); }));
     EXPECT_TRUE(shaped());
+    EXPECT_EQ(colourAt(edge), QColor(Qt::red));
+    EXPECT_EQ(colourAt(edge - QPoint(1, 0)), QColor(Qt::green));
 
     session().startCompositor();
     EXPECT_TRUE(waitFor([&] { return !shaped() && red() && colourAt(corner) == QColor(Qt::green); }));

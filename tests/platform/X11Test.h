@@ -46,7 +46,7 @@ class RedPanel : public X11PanelWindow {
         : X11PanelWindow(std::move(connection), std::move(sampler), loop) {
         onExpose = [this] { fill(QRect(0, 0, 240, 120), Qt::red); };
         setFrame(toModel(place));
-        setOutline(QRect(0, 0, 240, 120));
+        setOutline(rectangle({0, 0, 240, 120}));
         orderFrontRegardless();
     }
     /// Returns once the server knows the region: it takes requests of two connections in any order.
@@ -54,6 +54,11 @@ class RedPanel : public X11PanelWindow {
         setInputRegion(region);
         auto* connection = qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
         awaitReply(connection, xcb_get_input_focus, xcb_get_input_focus_reply);
+    }
+    static QPainterPath rectangle(const QRectF& rect) {
+        QPainterPath path;
+        path.addRect(rect);
+        return path;
     }
     void fill(const QRegion& damage, const QColor& colour) {
         paint(damage, [&](QPainter& painter) { painter.fillRect(0, 0, 240, 120, colour); });

@@ -20,7 +20,7 @@ class FakePanelWindow : public PanelWindow {
     QRectF frame() const override { return place; }
     void orderFrontRegardless() override { ++raised; }
     void setInputRegion(const QRegion& region) override { input = region; }
-    void setOutline(const QRegion& region) override { outline = region; }
+    void setOutline(const QPainterPath& path) override { outline = path; }
     double devicePixelRatio() const override { return 1; }
     double refreshRate() const override { return 60; }
     void paint(const QRegion& damage, const std::function<void(QPainter&)>& draw) override {
@@ -35,7 +35,8 @@ class FakePanelWindow : public PanelWindow {
 
     QList<QUrl> draggedOut;
     QRectF place;
-    QRegion input, outline, painted;
+    QRegion input, painted;
+    QPainterPath outline;
     int raised = 0, paints = 0;
     QImage picture{360, 230, QImage::Format_ARGB32_Premultiplied};
 };

@@ -390,14 +390,16 @@ TEST(Glyph, SymbolAndColourAreDecidedSeparately) {
     EXPECT_EQ(statusGlyph(f.m, {}, 12).symbol, QStringLiteral("timer"));
 }
 
-TEST(Glyph, SitsAtTheTopRight) {
-    FaceFixture f;
-    f.m.offline = true;
-    f.openUp();
-    const auto glyph = f.bounds(f.rested(), {40, 2, 60, 26}, [](QColor c) { return c.lightness() > 90; });
-    ASSERT_TRUE(glyph);
-    EXPECT_NEAR(glyph->right(), 107 - 30, 2.5);
-    EXPECT_NEAR(glyph->center().y(), 6 + 7, 2);
+TEST(Glyph, EndsThirtyPointsFromTheRightHoweverNarrowItIs) {
+    for (auto cause : {&NotchModel::offline, &NotchModel::needsYou}) {
+        FaceFixture f;
+        f.m.*cause = true;
+        f.openUp();
+        const auto glyph = f.bounds(f.rested(), {40, 2, 60, 26}, [](QColor c) { return c.lightness() > 60; });
+        ASSERT_TRUE(glyph);
+        EXPECT_NEAR(glyph->right(), 107 - 30, 0.6);
+        EXPECT_NEAR(glyph->center().y(), 6 + 7, 2);
+    }
 }
 
 }  // namespace

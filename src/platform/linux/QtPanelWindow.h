@@ -19,7 +19,7 @@ class QtPanelWindow : public PanelWindow {
     QRectF frame() const override;
     void orderFrontRegardless() override;
     void setInputRegion(const QRegion& region) override;
-    void setOutline(const QRegion&) override {}
+    void setOutline(const QPainterPath&) override {}
     double devicePixelRatio() const override;
     double refreshRate() const override;
     void paint(const QRegion& damage, const std::function<void(QPainter&)>& draw) override;

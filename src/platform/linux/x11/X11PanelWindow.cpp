@@ -4,6 +4,9 @@
 #include <xcb/xinput.h>
 
 #include <QGuiApplication>
+#include <utility>
+
+#include "platform/linux/OutlineRegion.h"
 
 namespace {
 /// Requests about the panel go through Qt's connection, in one order with Qt's own.
@@ -11,22 +14,22 @@ xcb_connection_t* qtConnection() {
     return qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
 }
 
-/// Device pixels of a region in points, rounded outwards.
-std::vector<xcb_rectangle_t> inPixels(const QRegion& region, double ratio) {
-    std::vector<xcb_rectangle_t> result;
-    for (const QRect& points : region) {
-        const QRect pixels = QRectF(QPointF(points.topLeft()) * ratio, QSizeF(points.size()) * ratio).toAlignedRect();
-        result.push_back(
-            {int16_t(pixels.x()), int16_t(pixels.y()), uint16_t(pixels.width()), uint16_t(pixels.height())});
-    }
-    return result;
-}
-
-void setShape(xcb_window_t window, xcb_shape_sk_t kind, const QRegion& region, double ratio) {
-    const auto rectangles = inPixels(region, ratio);
+/// Gives the window a shape of that kind, in pixels.
+void setShape(xcb_window_t window, xcb_shape_sk_t kind, const QRegion& region) {
+    std::vector<xcb_rectangle_t> rectangles;
+    for (const QRect& part : region)
+        rectangles.push_back({int16_t(part.x()), int16_t(part.y()), uint16_t(part.width()), uint16_t(part.height())});
     xcb_shape_rectangles(qtConnection(), XCB_SHAPE_SO_SET, kind, XCB_CLIP_ORDERING_UNSORTED, window, 0, 0,
                          uint32_t(rectangles.size()), rectangles.data());
     xcb_flush(qtConnection());
+}
+
+/// The pixels that a region in points touches.
+QRegion inPixels(const QRegion& region, double ratio) {
+    QRegion pixels;
+    for (const QRect& part : region)
+        pixels += QRectF(QPointF(part.topLeft()) * ratio, QSizeF(part.size()) * ratio).toAlignedRect();
+    return pixels;
 }
 }  // namespace
 
@@ -122,23 +125,24 @@ void X11PanelWindow::setInputRegion(const QRegion& region) {
     applyInputRegion();
 }
 
-void X11PanelWindow::setOutline(const QRegion& outline) {
-    if (outline == outline_) return;
+void X11PanelWindow::setOutline(const QPainterPath& outline) {
     outline_ = outline;
-    if (!compositor_.running()) applyOutline();
+    if (shape_) applyOutline();
 }
 
 void X11PanelWindow::applyInputRegion() {
-    setShape(id(), XCB_SHAPE_SK_INPUT, inputRegion_, devicePixelRatio());
+    setShape(id(), XCB_SHAPE_SK_INPUT, inPixels(inputRegion_, devicePixelRatio()));
 }
 
 void X11PanelWindow::applyOutline() {
-    if (!neverShaped_ && !compositor_.running()) {
-        setShape(id(), XCB_SHAPE_SK_BOUNDING, outline_, devicePixelRatio());
+    if (neverShaped_ || compositor_.running()) {
+        shape_.reset();
+        xcb_shape_mask(qtConnection(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, id(), 0, 0, XCB_PIXMAP_NONE);
+        xcb_flush(qtConnection());
         return;
     }
-    xcb_shape_mask(qtConnection(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, id(), 0, 0, XCB_PIXMAP_NONE);
-    xcb_flush(qtConnection());
+    const QRegion shape = pixelsInside(outline_, devicePixelRatio());
+    if (std::exchange(shape_, shape) != shape) setShape(id(), XCB_SHAPE_SK_BOUNDING, shape);
 }
 
 void X11PanelWindow::screenChanged() {

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <QImage>
+#include <QPainterPath>
 #include <memory>
+#include <optional>
 
 #include "platform/linux/QtPanelWindow.h"
 #include "platform/linux/x11/CompositorWatch.h"
@@ -21,7 +23,7 @@ class X11PanelWindow : public QtPanelWindow {
 
     void orderFrontRegardless() override;
     void setInputRegion(const QRegion& region) override;
-    void setOutline(const QRegion& outline) override;
+    void setOutline(const QPainterPath& outline) override;
     void paint(const QRegion& damage, const std::function<void(QPainter&)>& draw) override;
 
     /// Whether an X window belongs to this program, told by the range that its number is from.
@@ -43,8 +45,10 @@ class X11PanelWindow : public QtPanelWindow {
     std::shared_ptr<PointerSampler> sampler_;
     bool neverShaped_;
     CompositorWatch compositor_;
-    QRegion inputRegion_, outline_;
-    QImage picture_;  // what the window shows
+    QRegion inputRegion_;
+    QPainterPath outline_;
+    std::optional<QRegion> shape_;  // the window's own, in pixels; none while it has none
+    QImage picture_;                // what the window shows
     uint8_t depth_ = 0;
     xcb_gcontext_t context_ = XCB_NONE;
     Observation drags_;
