@@ -108,8 +108,10 @@ void CritterView::composeBadge(DisplayList& list, double now) const {
     const QRectF frame(-badgeWidth_ / 2, top, badgeWidth_, height);
     list.with(QTransform(), badge_.at(now), [&] {
         list.add(piece::badge, frame, {badgeCount_, frame}, [frame, count = badgeCount_](Canvas& canvas) {
-            canvas.fill(continuousCapsule(frame), accentOrange(0.85));
-            canvas.text(QString::number(count), frame.center(), kBadgeStyle, white(0.75));
+            // Opaque, as it is mixed over the black body: the toolkit needs no help of other threads for that.
+            const QColor ground = mixed(black(1), accentOrange(), 0.85);
+            canvas.fill(continuousCapsule(frame), ground);
+            canvas.text(QString::number(count), frame.center(), kBadgeStyle, mixed(ground, white(1), 0.75));
         });
     });
 }

@@ -7,11 +7,12 @@
 
 namespace {
 
-/// A rectangle that lies inside a rounded one: what is in it needs no clipping.
-QRectF insideOf(const QRectF& rect, double radius) {
-    // Where the corner's arc is deepest it keeps 0.3 radii from both sides.
-    const double inset = 0.3 * radius;
-    return rect.adjusted(inset, inset, -inset, -inset);
+/// Whether `place` keeps clear of the corners of a rounded rectangle, so that it needs no clipping there.
+bool insideOf(const QRectF& rect, double radius, const QTransform& transform, const QRectF& place) {
+    // A corner reaches 1.3 radii along its sides, and 0.3 radii into the rectangle.
+    const double along = std::min(1.3 * radius, rect.width() / 2), deep = 0.3 * radius;
+    return transform.mapRect(rect.adjusted(deep, deep, -deep, -deep)).contains(place) ||
+           transform.mapRect(rect.adjusted(along, 0, -along, 0)).contains(place);
 }
 
 }  // namespace
@@ -31,7 +32,7 @@ void DisplayList::add(int id, const QRectF& bounds, PictureKey look, Draw draw, 
     QRectF place = transform_.mapRect(bounds);
     Clip clip = clip_;
     if (clip.on) {
-        if (clip.transform.mapRect(insideOf(clip.rect, clip.radius)).contains(place)) clip = Clip();
+        if (insideOf(clip.rect, clip.radius, clip.transform, place)) clip = Clip();
         place &= clip_.transform.mapRect(clip_.rect);
         if (place.isEmpty()) return;
     }
