@@ -325,61 +325,41 @@ TEST(Face, WearsACountOfWhatItHolds) {
     EXPECT_FALSE(f.bounds(f.rested(), {-60, 54, 120, 22}, orange));
 }
 
-struct GlyphCase {
-    const char* name;
-    std::function<void(NotchModel&)> arrange;
-    int hour;
-    const char* symbol;
-    QColor color;
-};
-
 TEST(Glyph, SymbolAndColourAreDecidedSeparately) {
-    const QColor orange = accentOrange();
-    const QColor plain = white(1);
-    for (const GlyphCase& c : std::vector<GlyphCase>{
-             {"nothing", [](NotchModel&) {}, 12, "", {}},
-             {"charging, but closed", [](NotchModel& m) { m.charging = true; }, 12, "", {}},
-             {"charging", [](NotchModel& m) { m.charging = m.hovering = true; }, 12, "bolt.fill", systemGreen()},
-             {"needs you while charging", [](NotchModel& m) { m.needsYou = m.charging = true; }, 12, "exclamationmark",
-              orange},
-             {"full disk and camera", [](NotchModel& m) { m.diskFull = m.cameraInUse = true; }, 12, "eye.slash.fill",
-              orange},
-             {"microphone", [](NotchModel& m) { m.micInUse = true; }, 12, "waveform", plain},
-             {"music", [](NotchModel& m) { m.musicPlaying = m.hovering = true; }, 12, "music.note", plain},
-             {"whisper", [](NotchModel& m) { m.eventWhisper = QStringLiteral("x"); }, 12, "calendar", orange},
-             {"download offline", [](NotchModel& m) { m.downloading = m.offline = true; }, 12, "arrow.down.circle",
-              plain},
-             {"offline with update",
-              [](NotchModel& m) {
-                  m.offline = true;
-                  m.updateAvailable = QStringLiteral("2");
-              },
-              12, "wifi.slash", plain},
-             {"update",
-              [](NotchModel& m) {
-                  m.hovering = true;
-                  m.updateAvailable = QStringLiteral("2");
-              },
-              12, "gift.fill", orange},
-             {"disk", [](NotchModel& m) { m.hovering = m.diskFull = true; }, 12, "externaldrive.fill", orange},
-             {"low battery",
-              [](NotchModel& m) {
-                  m.hovering = true;
-                  m.battery = 0.1;
-              },
-              12, "battery.25", orange},
-             {"before breakfast", [](NotchModel& m) { m.hovering = true; }, 5, "moon.stars.fill", plain},
-             {"breakfast", [](NotchModel& m) { m.hovering = true; }, 10, "cup.and.saucer.fill", plain},
-             {"after breakfast", [](NotchModel& m) { m.hovering = true; }, 11, "", {}},
-             {"evening", [](NotchModel& m) { m.hovering = true; }, 21, "moon.stars.fill", plain},
-         }) {
+    using M = NotchModel;
+    const QColor orange = accentOrange(), plain = white(1), green = systemGreen();
+    const struct {
+        std::vector<Published<bool> M::*> on;
+        bool told, newer, tired;  // of a meeting, of a version, by the battery
+        int hour;
+        const char* symbol;
+        QColor color;
+    } cases[] = {
+        {{}, false, false, false, 12, "", {}},
+        {{&M::charging}, false, false, false, 12, "", {}},
+        {{&M::charging, &M::hovering}, false, false, false, 12, "bolt.fill", green},
+        {{&M::charging, &M::needsYou}, false, false, false, 12, "exclamationmark", orange},
+        {{&M::diskFull, &M::cameraInUse}, false, false, false, 12, "eye.slash.fill", orange},
+        {{&M::micInUse}, false, false, false, 12, "waveform", plain},
+        {{&M::musicPlaying, &M::hovering}, false, false, false, 12, "music.note", plain},
+        {{}, true, false, false, 12, "calendar", orange},
+        {{&M::downloading, &M::offline}, false, false, false, 12, "arrow.down.circle", plain},
+        {{&M::offline}, false, true, false, 12, "wifi.slash", plain},
+        {{&M::hovering}, false, true, false, 12, "gift.fill", orange},
+        {{&M::hovering, &M::diskFull}, false, false, false, 12, "externaldrive.fill", orange},
+        {{&M::hovering}, false, false, true, 12, "battery.25", orange},
+        {{&M::hovering}, false, false, false, 5, "moon.stars.fill", plain},
+        {{&M::hovering}, false, false, false, 10, "cup.and.saucer.fill", plain},
+        {{&M::hovering}, false, false, false, 11, "", {}},
+        {{&M::hovering}, false, false, false, 21, "moon.stars.fill", plain},
+    };
+    for (const auto& c : cases) {
         CreatureFixture f;
-        c.arrange(f.m);
-        const StatusGlyph glyph = statusGlyph(f.m, {}, c.hour);
-        EXPECT_EQ(glyph.symbol, QLatin1String(c.symbol)) << c.name;
-        if (*c.symbol) {
-            EXPECT_EQ(glyph.color, c.color) << c.name;
-        }
+        for (const auto member : c.on) f.m.*member = true;
+        if (c.told) f.m.eventWhisper = QStringLiteral("x");
+        if (c.newer) f.m.updateAvailable = QStringLiteral("2");
+        if (c.tired) f.m.battery = 0.1;
+        EXPECT_EQ(statusGlyph(f.m, {}, c.hour), (StatusGlyph{QLatin1String(c.symbol), c.color})) << &c - cases;
     }
     CreatureFixture f;
     EXPECT_EQ(statusGlyph(f.m, {.stretching = true}, 12).symbol, QStringLiteral("figure.walk"));

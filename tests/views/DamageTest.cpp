@@ -35,17 +35,6 @@ class Screen {
 
 const QRegion kPanel(0, 0, 360, 230);
 
-/// The largest difference of a channel between two pictures.
-int difference(const QImage& a, const QImage& b) {
-    int most = 0;
-    for (int y = 0; y < a.height(); ++y) {
-        const uchar* p = a.constScanLine(y);
-        const uchar* q = b.constScanLine(y);
-        for (int x = 0; x < a.width() * 4; ++x) most = std::max(most, std::abs(p[x] - q[x]));
-    }
-    return most;
-}
-
 struct Step {
     const char* name;
     std::function<void(NotchModel&)> change;

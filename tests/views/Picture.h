@@ -9,6 +9,17 @@
 #include "support/Creature.h"
 #include "views/RootView.h"
 
+/// The largest difference of a channel between two pictures.
+inline int difference(const QImage& a, const QImage& b) {
+    int most = 0;
+    for (int y = 0; y < a.height(); ++y) {
+        const uchar* p = a.constScanLine(y);
+        const uchar* q = b.constScanLine(y);
+        for (int x = 0; x < a.width() * 4; ++x) most = std::max(most, std::abs(p[x] - q[x]));
+    }
+    return most;
+}
+
 /// A creature whose panel can be looked at: drawn over mid grey at two pixels per point, so that black body, light eyes
 /// and the ground can all be told apart. Places are points from the top centre of the panel.
 struct PictureFixture : CreatureFixture {

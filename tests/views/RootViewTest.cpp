@@ -91,7 +91,7 @@ TEST(Hidden, ShowsAChevronOnlyUnderThePointer) {
     f.m.hidden = true;
     f.rest();
     EXPECT_NEAR(f.body().bottom(), 37, 1);
-    const QRectF inside(-40, 4, 80, 32);
+    const QRectF inside(-40, 4, 80, 33);
     const auto notBlack = [](QColor c) { return c.lightness() > 40; };
     EXPECT_FALSE(f.bounds(f.picture(), inside, notBlack));
     f.m.hovering = true;
