@@ -57,7 +57,8 @@ TEST_F(PlainPanel, FollowsAPressThatBeganInsideTheInputRegion) {
     send(QEvent::MouseButtonRelease, outside, Qt::LeftButton, Qt::RightButton);
     send(QEvent::MouseButtonRelease, outside, Qt::RightButton, Qt::NoButton);
     send(QEvent::MouseMove, inside, Qt::NoButton, Qt::NoButton);
-    EXPECT_EQ(events, QStringLiteral("press0 drag press1 release0 release1 "));
+    EXPECT_EQ(events, QStringLiteral("press0 drag press1 release0 "))
+        << "the release of the right button is the menu's";
 }
 
 TEST_F(PlainPanel, BeginsNoDragOnceTheButtonIsUp) {

@@ -60,7 +60,8 @@ QImage thumbnailOf(const QByteArray& path, int pixels) {
     for (const Size& size : sizesFor(pixels)) {
         for (const QByteArray& address : addressesOf(path)) {
             const QByteArray name = QCryptographicHash::hash(address, QCryptographicHash::Md5).toHex();
-            const QImage image = readPng(cache + QLatin1String(size.folder) + u'/' + QLatin1String(name) + QLatin1String(".png"));
+            const QImage image =
+                readPng(cache + QLatin1String(size.folder) + u'/' + QLatin1String(name) + QLatin1String(".png"));
             // Some programs write a fraction.
             const QString modified = image.text(QStringLiteral("Thumb::MTime")).section(u'.', 0, 0);
             if (!image.isNull() && modified == QString::number(status.st_mtim.tv_sec)) return fitted(image, pixels);
