@@ -3,8 +3,6 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include <string>
-
 #include "worker/GreyImage.h"
 #include "worker/ImageFile.h"
 #include "worker/Ink.h"
@@ -27,10 +25,10 @@ void prepare(Open open) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const int file = memfd_create("input", MFD_CLOEXEC);
-    if (file < 0 || write(file, data, size) != ssize_t(size)) abort();
-    const QByteArray path = QByteArray::fromStdString("/proc/self/fd/" + std::to_string(file));
-    if (const auto image = ImageFile::open(path)) prepare([&] { return image->decode(1); });
-    Result<vips::VImage> page = openPdfPage(path);
+    if (file < 0 || pwrite(file, data, size, 0) != ssize_t(size)) abort();
+    if (const auto image = ImageFile::open(file)) prepare([&] { return image->decode(1); });
+    lseek(file, 0, SEEK_SET);
+    Result<vips::VImage> page = openPdfPage(file);
     if (const auto* image = std::get_if<vips::VImage>(&page)) prepare([&] { return *image; });
     vips_error_clear();
     close(file);

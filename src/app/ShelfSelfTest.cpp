@@ -55,11 +55,13 @@ void ShelfSelfTest::reportDrop() {
 }
 
 void ShelfSelfTest::startChew(const QString& request) {
-    const QStringList parts = request.split(u',', Qt::SkipEmptyParts);
+    const qsizetype comma = request.indexOf(u',');
+    QStringList parts{comma < 0 ? request : request.left(comma)};
+    if (comma >= 0) parts += request.mid(comma + 1);  // with what commas it has: such a kind is an unknown one
+    parts.removeAll(QString());
     if (parts.isEmpty()) return;
     const QUrl file = fileAt(parts[0]);
-    // All after the first comma, so that a kind with a comma in it is an unknown one.
-    const QString kind = parts.size() > 1 ? parts.mid(1).join(u',') : QStringLiteral("jpeg");
+    const QString kind = parts.value(1, QStringLiteral("jpeg"));
     m_.items = QList{file};
     chew_ = loop_.after(1, [this, file, kind] {
         chew(file, kind);

@@ -1,19 +1,29 @@
 #pragma once
 
+#include <QByteArray>
 #include <QJsonObject>
 #include <QStringList>
+#include <memory>
 #include <optional>
 
-/// Runs the jobs that open files which nobody vouches for, each in a process of its own.
+#include "platform/ResultFile.h"
+
+/// Runs the jobs that decode files which nobody vouches for, each in a process of its own. Only away from the main
+/// thread, one job at a time.
 class Worker {
  public:
     virtual ~Worker() = default;
 
-    /// Runs one job and waits for its answer, a minute at most: only away from the main thread, one job at a time.
-    /// Absent when the job could not be started, crashed or went over a limit.
+    /// A file in this folder for a job to write its result into. Null when none can be made there; `errno` says why.
+    virtual std::unique_ptr<ResultFile> resultIn(const QByteArray& folder) = 0;
+
+    /// Runs one job and waits for its answer, a minute at most. `source` is an open file at its beginning, `result`
+    /// what to write into, or null; no other file of the user's is looked at. Absent when the job could not be started,
+    /// crashed or went over a limit.
     ///
-    /// Requests: {"chew", "jpeg" | "png" | "smaller", source URL, fallback folder URL} answered with
-    /// {"file": URL}, and {"read", source URL} answered with {"text": string}; both with
-    /// {"error": {"domain": string, "code": number, "description": string}} instead if they fail. URLs are encoded.
-    virtual std::optional<QJsonObject> run(const QStringList& request) = 0;
+    /// Requests: {"chew", "jpeg" | "png" | "smaller"}, answered with {} when the result is written, and
+    /// {"read", "image" | "pdf"}, answered with {"text": string}; both with
+    /// {"error": {"code": number, "description": string}} instead if they fail. What is answered and written is to be
+    /// trusted no more than the source is.
+    virtual std::optional<QJsonObject> run(const QStringList& request, int source, const ResultFile* result) = 0;
 };

@@ -1,17 +1,23 @@
 #include "shelf/Chewer.h"
 
-#include <QFileInfo>
+#include <sys/stat.h>
 
+#include <QFileInfo>
+#include <cerrno>
+#include <filesystem>
+
+#include "platform/Descriptor.h"
+#include "platform/FileUrls.h"
 #include "platform/Worker.h"
+#include "shelf/ChewedName.h"
+#include "shelf/WorkerAnswer.h"
 
 namespace {
 
+constexpr QLatin1String kPdf("pdf");
+
 QString extensionOf(const QUrl& file) {
     return QFileInfo(file.fileName()).suffix().toLower();
-}
-
-QString encoded(const QUrl& url) {
-    return QString::fromLatin1(url.toEncoded());
 }
 
 QString nameOf(Chewer::Mode mode) {
@@ -26,15 +32,44 @@ QString nameOf(Chewer::Mode mode) {
     return QStringLiteral("smaller");
 }
 
-/// The answer's member `key`, or why it is not there.
-std::variant<QString, ChewError> answered(const std::optional<QJsonObject>& answer, const QString& key) {
-    if (!answer) return ChewError{QStringLiteral("worker"), 0, QStringLiteral("the job did not come to its end")};
-    const QJsonValue wanted = answer->value(key);
-    if (wanted.isString()) return wanted.toString();
-    const QJsonObject error = answer->value(QStringLiteral("error")).toObject();
-    return ChewError{error.value(QStringLiteral("domain")).toString(QStringLiteral("worker")),
-                     error.value(QStringLiteral("code")).toInt(),
-                     error.value(QStringLiteral("description")).toString()};
+ChewError failure(int code, const char* description) {
+    return {QStringLiteral("chew"), code, QString::fromLatin1(description)};
+}
+
+/// Where a result goes.
+struct Place {
+    QByteArray folder;
+    std::unique_ptr<ResultFile> file;  // null if it can go nowhere
+};
+
+Place placeFor(Worker& worker, const QByteArray& folder, QByteArray fallback) {
+    auto own = worker.resultIn(folder);
+    if (own || (errno != EACCES && errno != EPERM && errno != EROFS)) return {folder, std::move(own)};
+    while (fallback.endsWith('/')) fallback.chop(1);
+    std::error_code error;
+    std::filesystem::create_directories(fallback.toStdString(), error);
+    return {fallback, worker.resultIn(fallback)};
+}
+
+bool exists(const QByteArray& path) {
+    struct stat status = {};
+    return ::lstat(path.constData(), &status) == 0;
+}
+
+/// The name that the file got; empty when it could get none. `isTaken` says that the plain one is not to be tried.
+QByteArray giveName(ResultFile& file, const ChewedName& name, bool isTaken) {
+    using Naming = ResultFile::Naming;
+    const qsizetype longest = file.longestName();
+    QByteArray tried = name.plain(longest);
+    Naming naming = isTaken ? Naming::taken : file.name(tried);
+    if (naming == Naming::taken) {
+        for (const int number : ChewedName::numbers()) {
+            tried = name.numbered(number, longest);
+            naming = file.name(tried);
+            if (naming != Naming::taken) break;
+        }
+    }
+    return naming == Naming::done ? tried : QByteArray();
 }
 
 }  // namespace
@@ -52,17 +87,33 @@ bool Chewer::canChew(const QUrl& file) {
 }
 
 bool Chewer::canRead(const QUrl& file) {
-    return canChew(file) || extensionOf(file) == QLatin1String("pdf");
+    return canChew(file) || extensionOf(file) == kPdf;
 }
 
 std::variant<QUrl, ChewError> Chewer::chew(const QUrl& source, Mode mode, const QUrl& fallbackFolder) {
-    const auto result =
-        answered(worker_.run({QStringLiteral("chew"), nameOf(mode), encoded(source), encoded(fallbackFolder)}),
-                 QStringLiteral("file"));
-    if (const auto* error = std::get_if<ChewError>(&result)) return *error;
-    return QUrl::fromEncoded(std::get<QString>(result).toLatin1());
+    const QByteArray path = pathOf(source);
+    const Descriptor file = openRegularFile(path);
+    if (!file) return failure(1, "couldn't open the image");
+    const qsizetype slash = path.lastIndexOf('/');
+    const QByteArray folder = path.left(slash);
+    const Place place = placeFor(worker_, folder.isEmpty() ? "/" : folder, pathOf(fallbackFolder));
+    // Without a place for it, there may still be another reason.
+    if (const auto error = errorIn(worker_.run({QStringLiteral("chew"), nameOf(mode)}, file.get(), place.file.get())))
+        return *error;
+    if (!place.file) return failure(2, "couldn't write the result");
+
+    const ChewedName name(path.mid(slash + 1), mode);
+    const bool isTaken = exists(folder + '/' + name.plain(place.file->longestName()));
+    QByteArray given;
+    if (isWhole(place.file->descriptor(), mode) && place.file->finish()) given = giveName(*place.file, name, isTaken);
+    if (given.isEmpty()) return failure(3, "couldn't finish the file");
+    return fileUrl(place.folder + '/' + given);
 }
 
 std::variant<QString, ChewError> Chewer::readText(const QUrl& source) {
-    return answered(worker_.run({QStringLiteral("read"), encoded(source)}), QStringLiteral("text"));
+    const bool isPdf = extensionOf(source) == kPdf;
+    const Descriptor file = openRegularFile(pathOf(source));
+    if (!file) return isPdf ? failure(4, "couldn't open the PDF") : failure(1, "couldn't open the image");
+    const QString kind = isPdf ? QStringLiteral("pdf") : QStringLiteral("image");
+    return textIn(worker_.run({QStringLiteral("read"), kind}, file.get(), nullptr));
 }

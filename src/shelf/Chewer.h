@@ -9,7 +9,7 @@ class Worker;
 
 /// Why a job failed. Of the domain "chew": 1 the image could not be opened, 2 the result could not be made, 3 nor
 /// finished, 4 the PDF could not be opened, 5 and 6 its page could not be drawn, 7 there was no text. Of the domain
-/// "worker", code 0: the job died or took too long.
+/// "worker", code 0: the job died, took too long, or answered what makes no sense.
 struct ChewError {
     QString domain;
     int code = 0;
@@ -18,8 +18,9 @@ struct ChewError {
     friend bool operator==(const ChewError&, const ChewError&) = default;
 };
 
-/// Turns held images into other images, and images and PDFs into text. The work is done by a process of its own; calls
-/// wait for it, so they are made away from the main thread, one at a time.
+/// Turns held images into other images, and images and PDFs into text. The work is done by a process of its own, which
+/// gets to see nothing but the open file and is not believed more than it; calls wait for it, and for the file's disk,
+/// so they are made away from the main thread, one at a time.
 class Chewer {
  public:
     enum class Mode { toJPEG, toPNG, smaller };

@@ -4,10 +4,8 @@
 
 #include <algorithm>
 #include <array>
-#include <memory>
 
 #include "worker/BmpFile.h"
-#include "worker/Descriptor.h"
 #include "worker/ImageKind.h"
 #include "worker/Vips.h"
 
@@ -66,25 +64,24 @@ bool isSane(QSize size) {
 
 }  // namespace
 
-std::optional<ImageFile> ImageFile::open(const QByteArray& path) {
+std::optional<ImageFile> ImageFile::open(int source) {
     if (!startVips()) return {};
-    const auto file = std::make_shared<Descriptor>(openRegularFile(path));
     std::array<char, kKindBytes> start{};
-    const ssize_t got = *file ? ::pread(file->get(), start.data(), start.size(), 0) : -1;
+    const ssize_t got = ::pread(source, start.data(), start.size(), 0);
     const auto kind = imageKind(QByteArray(start.data(), std::max<ssize_t>(got, 0)));
     if (!kind) return {};
 
     if (kind == ImageKind::bmp) {
-        const auto size = bmpSize(file->get());
+        const auto size = bmpSize(source);
         if (!size || !isSane(*size)) return {};
-        return ImageFile([file](double) { return decodeBmp(file->get()); }, *size);
+        return ImageFile([source](double) { return decodeBmp(source); }, *size);
     }
     try {
-        const auto source = VSource::new_from_descriptor(file->get());
-        const VImage header = openWith(*kind, source, 1);
+        const auto file = VSource::new_from_descriptor(source);
+        const VImage header = openWith(*kind, file, 1);
         const QSize size(header.width(), header.height());
         if (!isSane(size)) return {};
-        return ImageFile([source, kind](double shrink) { return openWith(*kind, source, shrink); }, size);
+        return ImageFile([file, kind](double shrink) { return openWith(*kind, file, shrink); }, size);
     } catch (const VError&) {
         return {};
     }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QByteArray>
 #include <QSize>
 #include <functional>
 #include <optional>
@@ -10,9 +9,10 @@
 /// and never its name, and only the decoders of these kinds can run: PNG, JPEG, HEIF, TIFF, WebP, GIF and BMP.
 class ImageFile {
  public:
-    /// Absent when `path` is no readable regular file or none of these kinds, when its header is broken, or when it
-    /// claims to be larger than anybody's picture. Never waits for the other end of a pipe.
-    static std::optional<ImageFile> open(const QByteArray& path);
+    /// The file that `source` reads, at its beginning; it stays the caller's, and open for as long as this lives.
+    /// Absent when it is none of these kinds, when its header is broken, or when it claims to be larger than anybody's
+    /// picture.
+    static std::optional<ImageFile> open(int source);
 
     /// In pixels, as stored: a picture that must be turned to be upright is not turned yet.
     QSize size() const { return size_; }

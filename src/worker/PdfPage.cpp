@@ -1,6 +1,5 @@
 #include "worker/PdfPage.h"
 
-#include "worker/Descriptor.h"
 #include "worker/Vips.h"
 
 using vips::VImage;
@@ -14,12 +13,11 @@ constexpr double mostPixels = 64e6;
 
 }  // namespace
 
-Result<VImage> openPdfPage(const QByteArray& path) {
+Result<VImage> openPdfPage(int source) {
     const Failure unopened{4, QStringLiteral("couldn't open the PDF")};
-    const Descriptor file = openRegularFile(path);
-    if (!file || !startVips()) return unopened;
+    if (!startVips()) return unopened;
     try {
-        VImage page = VImage::pdfload_source(vips::VSource::new_from_descriptor(file.get()),
+        VImage page = VImage::pdfload_source(vips::VSource::new_from_descriptor(source),
                                              VImage::option()->set("n", 1)->set("scale", scale));
         if (double(page.width()) * page.height() > mostPixels) return Failure{5, {}};
         return page;

@@ -13,8 +13,8 @@
 
 namespace {
 
-Result<GreyPicture> openPage(const QByteArray& path) {
-    Result<vips::VImage> page = openPdfPage(path);
+Result<GreyPicture> openPage(int source) {
+    Result<vips::VImage> page = openPdfPage(source);
     if (const auto* failure = std::get_if<Failure>(&page)) return *failure;
     try {
         return greyPicture(std::get<vips::VImage>(page));
@@ -23,10 +23,10 @@ Result<GreyPicture> openPage(const QByteArray& path) {
     }
 }
 
-Result<GreyPicture> openPicture(const QByteArray& path) {
-    if (path.toLower().endsWith(".pdf")) return openPage(path);
+Result<GreyPicture> openPicture(int source, Document kind) {
+    if (kind == Document::pdf) return openPage(source);
     const Failure unopened{1, QStringLiteral("couldn't open the image")};
-    const auto image = ImageFile::open(path);
+    const auto image = ImageFile::open(source);
     if (!image) return unopened;
     try {
         return greyPicture(image->decode(1));
@@ -37,8 +37,8 @@ Result<GreyPicture> openPicture(const QByteArray& path) {
 
 }  // namespace
 
-Result<QString> readText(const QByteArray& path) {
-    const Result<GreyPicture> picture = openPicture(path);
+Result<QString> readText(int source, Document kind) {
+    const Result<GreyPicture> picture = openPicture(source, kind);
     if (const auto* failure = std::get_if<Failure>(&picture)) return *failure;
     const Failure nothing{7, QStringLiteral("no text found")};
     const Ink ink = findInk(std::get<GreyPicture>(picture));

@@ -5,13 +5,18 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include "platform/Descriptor.h"
 #include "worker/ReadText.h"
 
 /// A folder of its own, and what reading makes of a file in it.
 class Reading : public testing::Test {
  protected:
     QString path(const char* name) const { return folder_.filePath(QLatin1String(name)); }
-    Result<QString> read(const char* name) const { return readText(QFile::encodeName(path(name))); }
+    Result<QString> read(const char* name) const {
+        const Descriptor file = openRegularFile(QFile::encodeName(path(name)));
+        const bool isPdf = path(name).endsWith(QLatin1String(".pdf"), Qt::CaseInsensitive);
+        return readText(file.get(), isPdf ? Document::pdf : Document::image);
+    }
 
     /// Empty when reading failed.
     QString text(const char* name) const {

@@ -14,12 +14,16 @@
 #include <cerrno>
 #include <vector>
 
+#include "platform/Descriptor.h"
+#include "platform/linux/UnnamedFile.h"
+
 namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr qsizetype kLongestAnswer = 16 << 20;  // bytes; a page of text is some thousand
+constexpr qsizetype kLongestAnswer = 1 << 20;  // bytes; a page of text is some thousand
 constexpr std::chrono::seconds kDying(1);
+constexpr int kResult = 3;
 
 /// Waits until there is something to read, or the other side is closed. False when it gets too late.
 bool waitFor(int descriptor, Clock::time_point deadline) {
@@ -33,11 +37,37 @@ bool waitFor(int descriptor, Clock::time_point deadline) {
     }
 }
 
-/// A program that runs, its standard output to be read here and all its other ways out closed. It ends with this
-/// object.
+/// What of the environment concerns it: where its libraries are, and which language to read.
+constexpr const char* kVariables[] = {"LANG",         "LANGUAGE",        "LC_ALL",          "LC_CTYPE",
+                                      "LC_MESSAGES",  "TESSDATA_PREFIX", "LD_LIBRARY_PATH", "PATH",
+                                      "ASAN_OPTIONS", "LSAN_OPTIONS",    "UBSAN_OPTIONS"};
+
+std::vector<QByteArray> environment() {
+    std::vector<QByteArray> variables;
+    for (const char* name : kVariables)
+        if (qEnvironmentVariableIsSet(name)) variables.push_back(QByteArray(name) + '=' + qgetenv(name));
+    return variables;
+}
+
+/// As a program is told its arguments. The words must outlive it.
+std::vector<char*> pointersTo(std::vector<QByteArray>& words) {
+    std::vector<char*> pointers;
+    pointers.reserve(words.size() + 1);
+    for (QByteArray& word : words) pointers.push_back(word.data());
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
+/// A copy that is none of the numbers which it will have in the program. None if there is no such descriptor.
+Descriptor outOfTheWay(int descriptor) {
+    return Descriptor(::fcntl(descriptor, F_DUPFD_CLOEXEC, kResult + 1));
+}
+
+/// A program that runs, its standard output to be read here and all its other ways out closed but for the result. It
+/// ends with this object.
 class Process {
  public:
-    Process(const QByteArray& program, const QStringList& arguments);
+    Process(const QByteArray& program, const QStringList& arguments, int source, int result);
     ~Process();
     Process(const Process&) = delete;
     Process& operator=(const Process&) = delete;
@@ -54,24 +84,25 @@ class Process {
     int output_ = -1;
 };
 
-Process::Process(const QByteArray& program, const QStringList& arguments) {
+Process::Process(const QByteArray& program, const QStringList& arguments, int source, int result) {
     std::vector<QByteArray> words{program};
     words.reserve(size_t(arguments.size()) + 1);
     for (const QString& argument : arguments) words.push_back(argument.toUtf8());
-    std::vector<char*> argv;
-    argv.reserve(words.size() + 1);
-    for (QByteArray& word : words) argv.push_back(word.data());
-    argv.push_back(nullptr);
+    std::vector<QByteArray> variables = environment();
 
     std::array<int, 2> pipe{};
     if (::pipe2(pipe.data(), O_CLOEXEC) != 0) return;
     output_ = pipe[0];
+    const Descriptor pipeEnd(pipe[1]);
+    const Descriptor output = outOfTheWay(pipeEnd.get()), input = outOfTheWay(source), made = outOfTheWay(result);
+    if (!output || !input) return;
     posix_spawn_file_actions_t files;
     ::posix_spawn_file_actions_init(&files);
-    ::posix_spawn_file_actions_addopen(&files, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    ::posix_spawn_file_actions_adddup2(&files, pipe[1], STDOUT_FILENO);
+    ::posix_spawn_file_actions_adddup2(&files, input.get(), STDIN_FILENO);
+    ::posix_spawn_file_actions_adddup2(&files, output.get(), STDOUT_FILENO);
     ::posix_spawn_file_actions_addopen(&files, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-    ::posix_spawn_file_actions_addclosefrom_np(&files, STDERR_FILENO + 1);
+    if (made) ::posix_spawn_file_actions_adddup2(&files, made.get(), kResult);
+    ::posix_spawn_file_actions_addclosefrom_np(&files, made ? kResult + 1 : kResult);
     // What this thread blocks or ignores is none of its business.
     posix_spawnattr_t attributes;
     ::posix_spawnattr_init(&attributes);
@@ -81,10 +112,11 @@ Process::Process(const QByteArray& program, const QStringList& arguments) {
     ::sigfillset(&signals);
     ::posix_spawnattr_setsigdefault(&attributes, &signals);
     ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
-    if (::posix_spawn(&id_, program.constData(), &files, &attributes, argv.data(), environ) != 0) id_ = -1;
+    const int error = ::posix_spawn(&id_, program.constData(), &files, &attributes, pointersTo(words).data(),
+                                    pointersTo(variables).data());
+    if (error != 0) id_ = -1;
     ::posix_spawnattr_destroy(&attributes);
     ::posix_spawn_file_actions_destroy(&files);
-    ::close(pipe[1]);
     if (id_ > 0) ended_ = int(::syscall(SYS_pidfd_open, id_, 0));
 }
 
@@ -123,8 +155,13 @@ std::optional<QByteArray> Process::output(Clock::time_point deadline) {
 
 }  // namespace
 
-std::optional<QJsonObject> WorkerProcess::run(const QStringList& request) {
-    const auto output = Process(program_, request).output(Clock::now() + patience_);
+std::unique_ptr<ResultFile> WorkerProcess::resultIn(const QByteArray& folder) {
+    return UnnamedFile::in(folder);
+}
+
+std::optional<QJsonObject> WorkerProcess::run(const QStringList& request, int source, const ResultFile* result) {
+    Process process(program_, request, source, result ? result->descriptor() : -1);
+    const auto output = process.output(Clock::now() + patience_);
     if (!output) return {};
     const auto answer = QJsonDocument::fromJson(*output);
     if (!answer.isObject()) return {};

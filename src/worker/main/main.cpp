@@ -1,3 +1,6 @@
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <cstdio>
@@ -5,30 +8,20 @@
 #include <optional>
 #include <vector>
 
-#include "platform/FileUrls.h"
 #include "worker/Chew.h"
 #include "worker/Confinement.h"
 #include "worker/ReadText.h"
 
 namespace {
 
-/// Empty for what is no file's URL, so that opening it fails.
-QByteArray pathIn(const QByteArray& url) {
-    const QByteArray path = pathOf(QUrl::fromEncoded(url, QUrl::StrictMode));
-    return path.contains('\0') ? QByteArray() : path;
-}
-
 QJsonObject answer(const Failure& failure) {
-    const QJsonObject error{{QStringLiteral("domain"), QStringLiteral("chew")},
-                            {QStringLiteral("code"), failure.code},
+    const QJsonObject error{{QStringLiteral("code"), failure.code},
                             {QStringLiteral("description"), failure.description}};
     return {{QStringLiteral("error"), error}};
 }
 
-QJsonObject answer(const Result<QByteArray>& file) {
-    if (const auto* failure = std::get_if<Failure>(&file)) return answer(*failure);
-    const auto url = fileUrl(std::get<QByteArray>(file)).toEncoded();
-    return {{QStringLiteral("file"), QString::fromLatin1(url)}};
+QJsonObject answer(const std::optional<Failure>& chewed) {
+    return chewed ? answer(*chewed) : QJsonObject();
 }
 
 QJsonObject answer(const Result<QString>& text) {
@@ -43,25 +36,28 @@ std::optional<ChewMode> modeCalled(const QByteArray& name) {
     return {};
 }
 
+std::optional<Document> documentCalled(const QByteArray& name) {
+    if (name == "image") return Document::image;
+    if (name == "pdf") return Document::pdf;
+    return {};
+}
+
 /// Absent if there is no such job, or if it cannot be done safely.
 std::optional<QJsonObject> run(const std::vector<QByteArray>& request) {
-    if (request.size() == 4 && request[0] == "chew") {
-        const auto mode = modeCalled(request[1]);
-        const QByteArray source = pathIn(request[2]), fallback = pathIn(request[3]);
-        if (!mode || !limitResources()) return {};
-        auto result = newResult(source, fallback);
-        if (!restrictAccess(result ? &*result : nullptr)) return {};
-        return answer(chew(source, *mode, std::move(result)));
+    const QByteArray job = request.size() == 2 ? request[0] : QByteArray();
+    const auto mode = job == "chew" ? modeCalled(request[1]) : std::nullopt;
+    const auto document = job == "read" ? documentCalled(request[1]) : std::nullopt;
+    if (!mode && !document) {
+        std::fputs(
+            "usage: glimmet-worker chew (jpeg|png|smaller) <SOURCE 3>RESULT\n"
+            "       glimmet-worker read (image|pdf) <SOURCE\n",
+            stderr);
+        return {};
     }
-    if (request.size() == 2 && request[0] == "read") {
-        if (!limitResources() || !restrictAccess(nullptr)) return {};
-        return answer(readText(pathIn(request[1])));
-    }
-    std::fputs(
-        "usage: glimmet-worker chew (jpeg|png|smaller) SOURCE-URL FALLBACK-FOLDER-URL\n"
-        "       glimmet-worker read SOURCE-URL\n",
-        stderr);
-    return {};
+    if (!limitResources() || !restrictAccess()) return {};
+    if (document) return answer(readText(STDIN_FILENO, *document));
+    const bool hasResult = ::fcntl(kResult, F_GETFD) >= 0;
+    return answer(chew(STDIN_FILENO, *mode, hasResult ? kResult : -1));
 }
 
 }  // namespace

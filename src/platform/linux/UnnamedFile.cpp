@@ -1,4 +1,4 @@
-#include "worker/NewFile.h"
+#include "platform/linux/UnnamedFile.h"
 
 #include <fcntl.h>
 #include <sys/random.h>
@@ -24,7 +24,7 @@ QByteArray newHiddenName() {
 }
 
 /// Runs in a process of its own: waits for the other end of `lifeline` to be closed, by whatever ends its owner, and
-/// removes the file. There may have been threads before the fork, so these are system calls only.
+/// removes the file. There are threads besides, whose locks stay locked here, so these are system calls only.
 [[noreturn]] void removeAtTheEnd(int lifeline, int folder, const char* name) {
     sigset_t all;
     ::sigfillset(&all);
@@ -41,23 +41,29 @@ QByteArray newHiddenName() {
 
 }  // namespace
 
-std::optional<NewFile> NewFile::in(const QByteArray& folder) {
-    NewFile file(folder, Descriptor(::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)));
-    if (!file.folder_) return {};
-    file.file_ = Descriptor(::openat(file.folder_.get(), ".", O_TMPFILE | O_RDWR | O_CLOEXEC, kMode));
-    if (file.file_) return file;
-    if (errno != EOPNOTSUPP && errno != EISDIR && errno != EINVAL) return {};
-    if (!file.openHidden()) return {};
-    return file;
+std::unique_ptr<UnnamedFile> UnnamedFile::in(const QByteArray& folder) {
+    std::unique_ptr<UnnamedFile> file(
+        new UnnamedFile(Descriptor(::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC))));
+    if (file->folder_ && file->open()) return file;
+    const int why = errno;
+    file.reset();
+    errno = why;
+    return {};
 }
 
-bool NewFile::openHidden() {
+bool UnnamedFile::open() {
+    file_ = Descriptor(::openat(folder_.get(), ".", O_TMPFILE | O_RDWR | O_CLOEXEC, kMode));
+    if (file_) return true;
+    return (errno == EOPNOTSUPP || errno == EISDIR || errno == EINVAL) && openHidden();
+}
+
+bool UnnamedFile::openHidden() {
     const QByteArray name = newHiddenName();
     std::array<int, 2> ends{};
     if (name.isEmpty() || ::pipe2(ends.data(), O_CLOEXEC) != 0) return false;
     const Descriptor theirs(ends[0]);
     lifeline_ = Descriptor(ends[1]);
-    remover_ = ::fork();
+    remover_ = ::_Fork();
     if (remover_ == 0) removeAtTheEnd(theirs.get(), folder_.get(), name.constData());
     if (remover_ < 0) return false;
     hiddenName_ = name;
@@ -66,31 +72,31 @@ bool NewFile::openHidden() {
     return bool(file_);
 }
 
-NewFile::~NewFile() {
+UnnamedFile::~UnnamedFile() {
     if (!lifeline_) return;
     lifeline_ = Descriptor();
     if (remover_ > 0) ::waitpid(remover_, nullptr, 0);
 }
 
-bool NewFile::finish() {
+bool UnnamedFile::finish() {
     return ::fsync(file_.get()) == 0;
 }
 
-NewFile::Naming NewFile::name(const QByteArray& fileName) {
-    const Naming naming = isHidden() ? rename(fileName) : link(fileName);
+UnnamedFile::Naming UnnamedFile::name(const QByteArray& fileName) {
+    const Naming naming = hiddenName_.isEmpty() ? link(fileName) : rename(fileName);
     // The name is safe only once the folder is; some file systems cannot be asked to, and need not be.
     if (naming == Naming::done) ::fsync(folder_.get());
     return naming;
 }
 
-NewFile::Naming NewFile::link(const QByteArray& fileName) {
+UnnamedFile::Naming UnnamedFile::link(const QByteArray& fileName) {
     const QByteArray self = "/proc/self/fd/" + QByteArray::number(file_.get());
     if (::linkat(AT_FDCWD, self.constData(), folder_.get(), fileName.constData(), AT_SYMLINK_FOLLOW) == 0)
         return Naming::done;
     return errno == EEXIST ? Naming::taken : Naming::failed;
 }
 
-NewFile::Naming NewFile::rename(const QByteArray& fileName) {
+UnnamedFile::Naming UnnamedFile::rename(const QByteArray& fileName) {
     const int folder = folder_.get();
     if (::renameat2(folder, hiddenName_.constData(), folder, fileName.constData(), RENAME_NOREPLACE) != 0) {
         if (errno == EEXIST) return Naming::taken;
@@ -106,7 +112,7 @@ NewFile::Naming NewFile::rename(const QByteArray& fileName) {
     return Naming::done;
 }
 
-qsizetype NewFile::longestName() const {
+qsizetype UnnamedFile::longestName() const {
     const long longest = ::fpathconf(folder_.get(), _PC_NAME_MAX);
     return longest > 0 ? std::min<qsizetype>(longest, kLongestName) : kLongestName;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <QByteArray>
@@ -25,5 +27,11 @@ class Descriptor {
     int fd_;
 };
 
-/// Opens a regular file for reading; none for everything else. Never waits for the other end of a pipe.
-Descriptor openRegularFile(const QByteArray& path);
+/// Opens a regular file for reading; none for everything else. Never waits for the other end of a pipe, but as long as
+/// the file's disk takes.
+inline Descriptor openRegularFile(const QByteArray& path) {
+    Descriptor file(::open(path.constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    struct stat status = {};
+    if (file && (::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode))) return Descriptor();
+    return file;
+}
