@@ -6,6 +6,17 @@
 namespace {
 
 constexpr double kAfterTaste = 1.1;  // seconds that the creature goes on chewing when the job is done
+constexpr double kPatience = 80;     // seconds; the worker has a minute, and the disk of a file may never answer
+
+/// `take` tells whether it went well.
+void endChewing(NotchModel& m, const std::function<bool()>& take) {
+    bool well = false;
+    m.withAnimation(Animation::spring(0.32, 0.8), [&] {
+        m.chewing = false;
+        well = take();
+    });
+    if (!well) ++m.worryCount;
+}
 
 }  // namespace
 
@@ -14,19 +25,17 @@ constexpr double kAfterTaste = 1.1;  // seconds that the creature goes on chewin
 void NotchModel::munch(std::function<std::function<bool()>()> job) {
     if (chewing) return;
     withAnimation(Animation::easeInOut(0.3), [this] { chewing = true; });
-    shelf_.jobs.run([&loop = loop_, self = std::weak_ptr(self_), job = std::move(job)] {
-        loop.post([self, take = job()] {
+    const auto isGivenUp = std::make_shared<bool>(false);
+    chewEnd_ = loop_.after(kPatience, [this, isGivenUp] {
+        *isGivenUp = true;
+        endChewing(*this, [] { return false; });
+    });
+    shelf_.jobs.run([&loop = loop_, self = std::weak_ptr(self_), isGivenUp, job = std::move(job)] {
+        loop.post([self, isGivenUp, take = job()] {
             const auto model = self.lock();
-            if (!model) return;
+            if (!model || *isGivenUp) return;
             NotchModel& m = **model;
-            m.chewEnd_ = m.loop_.after(kAfterTaste, [&m, take] {
-                bool well = false;
-                m.withAnimation(Animation::spring(0.32, 0.8), [&] {
-                    m.chewing = false;
-                    well = take();
-                });
-                if (!well) ++m.worryCount;
-            });
+            m.chewEnd_ = m.loop_.after(kAfterTaste, [&m, take] { endChewing(m, take); });
         });
     });
 }

@@ -2,10 +2,12 @@
 
 #include <sys/stat.h>
 
+#include <QBuffer>
 #include <QCryptographicHash>
 #include <QFile>
 #include <QImageReader>
 #include <QStandardPaths>
+#include <QtEndian>
 #include <algorithm>
 #include <array>
 
@@ -34,13 +36,33 @@ QByteArrayList addressesOf(const QByteArray& path) {
     if (addresses.first() == addresses.last()) addresses.removeLast();
     return addresses;
 }
+
+/// The PNG without all that may be far larger than it looks: other texts and profiles are compressed, and the decoder
+/// would unpack them, though nobody asks for them. The picture itself is as large as its header says. Empty if it
+/// breaks off.
+QByteArray pictureAndText(const QByteArray& png) {
+    constexpr qsizetype kSignature = 8, kFrame = 12;  // bytes; the frame of a chunk is its length, kind and checksum
+    constexpr const char* kKept[] = {"IHDR", "PLTE", "tRNS", "tEXt", "IDAT", "IEND"};
+    QByteArray kept = png.left(kSignature);
+    for (qsizetype at = kSignature; at + kFrame <= png.size();) {
+        const qsizetype end = at + kFrame + qFromBigEndian<quint32>(png.constData() + at);
+        if (end > png.size()) break;
+        const QByteArrayView kind(png.constData() + at + 4, 4);
+        if (std::ranges::find(kKept, kind) != std::end(kKept)) kept.append(png.constData() + at, end - at);
+        if (kind == "IEND") return kept;
+        at = end;
+    }
+    return {};
+}
 }  // namespace
 
 QImage readPng(const QString& path) {
     constexpr int most = 1024;
     QFile file(path);
     if (path.isEmpty() || !file.open(QFile::ReadOnly) || file.size() > kLargestPictureFile) return {};
-    QImageReader reader(&file, "png");
+    QByteArray picture = pictureAndText(file.readAll());
+    QBuffer buffer(&picture);
+    QImageReader reader(&buffer, "png");
     const QSize size = reader.size();
     if (!size.isValid() || size.width() > most || size.height() > most) return {};
     return reader.read();

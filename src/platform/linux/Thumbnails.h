@@ -7,7 +7,8 @@
 
 constexpr qint64 kLargestPictureFile = 4 << 20;  // bytes
 
-/// Null for what is no PNG, is larger than kLargestPictureFile, or has more than 1024 pixels in a direction.
+/// Null for what is no PNG, is larger than kLargestPictureFile, or has more than 1024 pixels in a direction. Of
+/// its texts it knows those that are not compressed.
 QImage readPng(const QString& path);
 
 /// Not larger than `pixels` in either direction, premultiplied.
