@@ -1,51 +1,79 @@
 #include <gtest/gtest.h>
 
+#include <QJsonDocument>
+#include <QTemporaryDir>
+
+#include "platform/FileUrls.h"
+#include "shelf/ChewedName.h"
 #include "shelf/ChipActions.h"
 #include "support/Creature.h"
 
+using namespace Qt::StringLiterals;
+
 namespace {
+
+const QByteArray kJpeg("\xff\xd8\xff...\xff\xd9");
+const QByteArray kPng("\x89PNG\r\n\x1a\n\0\0\0\x0dIHDR...\0\0\0\0IEND\xae\x42\x60\x82", 31);
+
+/// With files to chew.
+struct ChewFixture : CreatureFixture {
+    QUrl file(const QByteArray& name) const {
+        QFile made(QFile::decodeName(path(name)));
+        EXPECT_TRUE(made.open(QIODevice::WriteOnly));
+        return fileUrl(path(name));
+    }
+    QByteArray path(const QByteArray& name) const { return QFile::encodeName(folder.path()) + '/' + name; }
+    void runJob() {
+        jobs.runAll();
+        loop.advance(1.2);
+    }
+
+    QTemporaryDir folder;
+    Chewer chewer{worker};
+};
 
 QUrl file(const char* path) {
     return QUrl::fromLocalFile(QString::fromUtf8(path));
 }
 
-QJsonObject failed(int code) {
+QJsonObject failed(int code, const QString& description = {}) {
     return {{QStringLiteral("error"),
-             QJsonObject{{QStringLiteral("domain"), QStringLiteral("chew")}, {QStringLiteral("code"), code}}}};
+             QJsonObject{{QStringLiteral("code"), code}, {QStringLiteral("description"), description}}}};
+}
+
+QJsonObject text(const QString& said) {
+    return {{QStringLiteral("text"), said}};
 }
 
 TEST(Chew, HoldsTheResultAfterAMomentOfChewing) {
-    CreatureFixture f;
-    f.m.items = QList{file("/p/photo.jpg")};
-    f.worker.answer = QJsonObject{{QStringLiteral("file"), QStringLiteral("file:///p/photo%20-small.jpg")}};
-    f.m.chew(file("/p/photo.jpg"), Chewer::Mode::smaller);
+    ChewFixture f;
+    const QUrl photo = f.file("photo .jpg");
+    f.m.items = QList{photo};
+    f.m.chew(photo, Chewer::Mode::smaller);
     EXPECT_TRUE(f.m.chewing);
-    f.m.chew(file("/p/other.jpg"), Chewer::Mode::toPNG);
-    f.m.readText(file("/p/other.jpg"));
+    f.m.chew(photo, Chewer::Mode::toPNG);
+    f.m.readText(photo);
     f.jobs.runAll();
     f.loop.advance(1.09);
     EXPECT_TRUE(f.m.chewing);
     EXPECT_EQ(f.m.items->size(), 1);
     f.loop.advance(0.02);
     EXPECT_FALSE(f.m.chewing);
-    EXPECT_EQ(f.m.items->value(1), file("/p/photo -small.jpg"));
+    EXPECT_EQ(f.m.items->value(1), fileUrl(f.path("photo -small.jpg")));
     EXPECT_EQ(f.m.swallowCount, 1);
     EXPECT_EQ(f.m.worryCount, 0);
-    ASSERT_EQ(f.worker.requests.size(), 1) << "what came meanwhile is dropped";
-    EXPECT_EQ(f.worker.requests[0].mid(0, 3),
-              (QStringList{QStringLiteral("chew"), QStringLiteral("smaller"), QStringLiteral("file:///p/photo.jpg")}));
+    EXPECT_EQ(f.worker.requests, (QList<QStringList>{{QStringLiteral("chew"), QStringLiteral("smaller")}}))
+        << "what came meanwhile is dropped";
 }
 
 TEST(Chew, EveryFailureOnlyWorries) {
-    for (const auto& answer : {std::optional<QJsonObject>(), std::optional(failed(1)), std::optional(QJsonObject())}) {
-        CreatureFixture f;
+    for (const auto& answer : {std::optional<QJsonObject>(), std::optional(failed(1))}) {
+        ChewFixture f;
         f.worker.answer = answer;
-        f.m.chew(file("/p/a.png"), Chewer::Mode::toJPEG);
-        f.jobs.runAll();
-        f.loop.advance(1.2);
-        f.m.readText(file("/p/a.png"));
-        f.jobs.runAll();
-        f.loop.advance(1.2);
+        f.m.chew(f.file("a.png"), Chewer::Mode::toJPEG);
+        f.runJob();
+        f.m.readText(f.file("a.png"));
+        f.runJob();
         EXPECT_FALSE(f.m.chewing);
         EXPECT_EQ(f.m.worryCount, 2);
         EXPECT_TRUE(f.m.items->isEmpty() && f.m.bites->isEmpty() && f.pasteboard.texts.isEmpty());
@@ -53,45 +81,153 @@ TEST(Chew, EveryFailureOnlyWorries) {
     }
 }
 
-TEST(Chewer, PassesTheWorkersErrorsOn) {
-    MemoryWorker worker;
-    Chewer chewer(worker);
-    EXPECT_EQ(std::get<ChewError>(chewer.readText(file("/a.pdf"))).domain, QStringLiteral("worker"));
-    worker.answer = failed(7);
-    const auto error = std::get<ChewError>(chewer.readText(file("/a.pdf")));
-    EXPECT_EQ(error.domain, QStringLiteral("chew"));
-    EXPECT_EQ(error.code, 7);
+TEST(Chew, DoesNotWaitForADeadDiskForEver) {
+    ChewFixture f;
+    f.m.chew(f.file("a.png"), Chewer::Mode::toJPEG);
+    f.loop.advance(100);
+    EXPECT_FALSE(f.m.chewing);
+    EXPECT_EQ(f.m.worryCount, 1);
+    f.runJob();
+    EXPECT_TRUE(f.m.items->isEmpty()) << "too late";
+    f.m.chew(f.file("a.png"), Chewer::Mode::toJPEG);
+    f.runJob();
+    EXPECT_EQ(f.m.items->size(), 1);
+}
+
+TEST(Chewer, BelievesOnlyWhatItSees) {
+    const auto answered = [](const char* json) { return QJsonDocument::fromJson(json).object(); };
+    const struct {
+        std::optional<QJsonObject> answer;
+        QByteArray written;
+        Chewer::Mode mode;
+        QString domain;
+        int code;
+    } cases[] = {
+        {QJsonObject(), kPng, Chewer::Mode::toPNG, {}, 0},
+        {QJsonObject(), kJpeg, Chewer::Mode::toJPEG, {}, 0},
+        {answered(R"({"file": "https://a.example/?secret"})"), kJpeg, Chewer::Mode::toJPEG, {}, 0},
+        {answered(R"({"file": "file:///etc/passwd"})"), "", Chewer::Mode::toJPEG, u"chew"_s, 3},
+        {QJsonObject(), kJpeg, Chewer::Mode::toPNG, u"chew"_s, 3},
+        {QJsonObject(), kPng, Chewer::Mode::smaller, u"chew"_s, 3},
+        {QJsonObject(), kPng.chopped(1), Chewer::Mode::toPNG, u"chew"_s, 3},
+        {QJsonObject(), kJpeg + '<', Chewer::Mode::toJPEG, u"chew"_s, 3},
+        {QJsonObject(), "#!/bin/sh", Chewer::Mode::toJPEG, u"chew"_s, 3},
+        {failed(3), kJpeg, Chewer::Mode::toJPEG, u"chew"_s, 3},
+        {failed(8), kJpeg, Chewer::Mode::toJPEG, u"worker"_s, 0},
+        {answered(R"({"error": "yes"})"), kJpeg, Chewer::Mode::toJPEG, u"worker"_s, 0},
+        {failed(1, QString(999, u'x')), kJpeg, Chewer::Mode::toJPEG, u"worker"_s, 0},
+        {{}, kJpeg, Chewer::Mode::toJPEG, u"worker"_s, 0},
+    };
+    for (const auto& [answer, written, mode, domain, code] : cases) {
+        ChewFixture f;
+        f.worker.answer = answer;
+        f.worker.written = written;
+        const auto result = f.chewer.chew(f.file("a.gif"), mode, {});
+        const auto* error = std::get_if<ChewError>(&result);
+        EXPECT_EQ(error ? error->domain : QString(), domain) << written.toStdString();
+        EXPECT_EQ(error ? error->code : 0, code) << written.toStdString();
+        const QByteArrayList made{f.path(mode == Chewer::Mode::toPNG ? "a.png" : "a.jpg")};
+        EXPECT_EQ(f.worker.taken, error ? QByteArrayList() : made);
+    }
+
+    const QString page(5000, u'x');
+    ChewFixture f;
+    for (const QString& good : {u"a\n\tb \u00fc \U0001f600"_s, page}) {
+        f.worker.answer = text(good);
+        EXPECT_EQ(std::get<QString>(f.chewer.readText(f.file("a.png"))), good);
+    }
+    for (const QString& bad :
+         {QString(), u"\u001b[2J"_s, QString(u'\0'), QString(QChar(0xd800)), page.repeated(100)}) {
+        f.worker.answer = text(bad);
+        EXPECT_EQ(std::get<ChewError>(f.chewer.readText(f.file("a.png"))).domain, u"worker"_s);
+    }
+}
+
+TEST(Chewer, OpensRegularFilesOnly) {
+    ChewFixture f;
+    for (const auto& [name, code] : {std::pair("missing.png", 1), {"missing.PDF", 4}, {"", 1}})
+        EXPECT_EQ(std::get<ChewError>(f.chewer.readText(fileUrl(f.path(name)))).code, code) << name;
+    EXPECT_EQ(std::get<ChewError>(f.chewer.chew(QUrl(u"https://a.example/a.png"_s), {}, {})).code, 1);
+    EXPECT_TRUE(f.worker.requests.isEmpty());
+    for (const char* name : {"page.Pdf", "page.png"}) f.chewer.readText(f.file(name));
+    EXPECT_EQ(f.worker.requests, (QList<QStringList>{{u"read"_s, u"pdf"_s}, {u"read"_s, u"image"_s}}));
+}
+
+TEST(Chewer, NeverTakesANameThatIsTaken) {
+    ChewFixture f;
+    const auto chewed = [&](const char* name, Chewer::Mode mode = Chewer::Mode::toJPEG) {
+        const auto result = f.chewer.chew(f.file(name), mode, fileUrl(f.path("dropped/")));
+        return pathOf(std::get<QUrl>(result));
+    };
+    f.worker.taken.append(f.path("a.jpg"));
+    for (int number = 10; number < 99; ++number)
+        f.worker.taken.append(f.path("a-" + QByteArray::number(number) + ".jpg"));
+    EXPECT_EQ(chewed("a.png"), f.path("a-99.jpg"));
+    EXPECT_EQ(chewed("a.png"), f.path("a-100.jpg"));
+    EXPECT_EQ(chewed("a.png", Chewer::Mode::smaller), f.path("a-small.jpg"));
+
+    f.worker.readOnly.append(f.path("").chopped(1));
+    EXPECT_EQ(chewed("b.png"), f.path("dropped/b.jpg"));
+    f.file("c.jpg");
+    EXPECT_TRUE(chewed("c.png").startsWith(f.path("dropped/c-")))
+        << "the number that it would have had beside its source";
+    f.worker.readOnly.append(f.path("dropped"));
+    EXPECT_EQ(std::get<ChewError>(f.chewer.chew(f.file("d.png"), {}, fileUrl(f.path("dropped")))).code, 2);
+    f.worker.answer = failed(1);
+    EXPECT_EQ(std::get<ChewError>(f.chewer.chew(f.file("d.png"), {}, fileUrl(f.path("dropped")))).code, 1);
+}
+
+TEST(ChewedName, IsMadeOfAnyName) {
+    constexpr qsizetype kLongest = 255;
+    const QByteArray umlauts = QByteArray("\u00fc").repeated(126);
+    const struct {
+        QByteArray source, result;
+        Chewer::Mode mode = Chewer::Mode::toJPEG;
+    } cases[] = {
+        {"a.tar.gif", "a.tar.png", Chewer::Mode::toPNG},
+        {".png", ".png.jpg"},
+        {"none", "none.jpg"},
+        {"end.", "end..jpg"},
+        {"a\nb \"%20\xff\xfe.png", "a\nb \"%20\xff\xfe.jpg"},
+        {QByteArray(250, 'x') + ".heic", QByteArray(250, 'x') + ".jpg"},
+        {QByteArray(252, 'x') + ".b", QByteArray(251, 'x') + ".jpg"},
+        {QByteArray(251, 'x') + ".png", QByteArray(245, 'x') + "-small.jpg", Chewer::Mode::smaller},
+        // 126 two-byte letters; 251 bytes would end in the middle of the last.
+        {umlauts + ".b", umlauts.left(250) + ".jpg"},
+        {QByteArray(255, '\x80'), QByteArray(248, '\x80') + ".jpg"},
+    };
+    for (const auto& [source, result, mode] : cases) EXPECT_EQ(ChewedName(source, mode).plain(kLongest), result);
+    EXPECT_EQ(ChewedName(QByteArray(250, 'x'), Chewer::Mode::toPNG).numbered(10, kLongest).size(), kLongest);
 }
 
 TEST(ReadText, GoesWholeToTheClipboardAndItsBeginningToTheShelf) {
-    CreatureFixture f;
-    const QString text(1000, u'x');
-    f.worker.answer = QJsonObject{{QStringLiteral("text"), text}};
+    ChewFixture f;
+    const QString page(1000, u'x');
+    f.worker.answer = text(page);
     for (int i = 1; i <= 2; ++i) {
         f.m.asleep = true;
-        f.m.readText(file("/p/page.pdf"));
-        f.jobs.runAll();
-        f.loop.advance(1.2);
+        f.m.readText(f.file("page.pdf"));
+        f.runJob();
         EXPECT_EQ(f.pasteboard.texts.size(), i) << "also when the note is held already";
         EXPECT_EQ(f.m.boopCount, i);
         EXPECT_FALSE(f.m.asleep);
     }
-    EXPECT_EQ(f.pasteboard.texts.last(), text);
-    EXPECT_EQ(f.m.bites.get(), QList{Bite::note(text.left(400))});
+    EXPECT_EQ(f.pasteboard.texts.last(), page);
+    EXPECT_EQ(f.m.bites.get(), QList{Bite::note(page.left(400))});
 }
 
 TEST(Chew, AModelThatIsGoneIsNotTouched) {
-    CreatureFixture f;
+    ChewFixture f;
     {
         NotchModel gone(f.clock, f.loop, f.shelf());
-        gone.chew(file("/p/a.png"), Chewer::Mode::toJPEG);
+        gone.chew(f.file("a.png"), Chewer::Mode::toJPEG);
         f.jobs.runAll();
     }
-    f.loop.advance(2);
+    f.loop.advance(100);
     EXPECT_EQ(f.worker.requests.size(), 1);
 }
 
-struct ActionsFixture : CreatureFixture {
+struct ActionsFixture : ChewFixture {
     MemoryWorkspace workspace;
     MemorySharing sharing;
     ChipActions actions{m, workspace, pasteboard, sharing};
@@ -137,7 +273,7 @@ TEST(ChipMenu, ListsWhatTheThingAllows) {
 
 TEST(ChipMenu, DoesWhatItSays) {
     ActionsFixture f;
-    const QUrl image = file("/p/a.png");
+    const QUrl image = f.file("a.png");
     const Bite link = Bite::link(QUrl(QStringLiteral("https://a.example"))), note = Bite::note(QStringLiteral("soup"));
     f.m.items = QList{image, file("/p/b.txt")};
     f.m.bites = QList{link, note};

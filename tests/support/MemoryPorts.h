@@ -1,5 +1,8 @@
 #pragma once
 
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+
 #include <QFile>
 #include <QHash>
 #include <QSet>
@@ -7,6 +10,7 @@
 #include <QVariant>
 
 #include "platform/BackgroundQueue.h"
+#include "platform/Descriptor.h"
 #include "platform/DragPasteboard.h"
 #include "platform/Drop.h"
 #include "platform/FileIcons.h"
@@ -101,15 +105,42 @@ class InlineQueue : public SerialQueue {
     void run(std::function<void()> job) override { job(); }
 };
 
-/// Answers every request with `answer`.
+/// Answers every request with `answer`, having written `written` into the result. Names in `taken` are not given.
 class MemoryWorker : public Worker {
  public:
-    std::optional<QJsonObject> run(const QStringList& request) override {
+    std::unique_ptr<ResultFile> resultIn(const QByteArray& folder) override {
+        errno = EROFS;
+        if (readOnly.contains(folder)) return nullptr;
+        return std::make_unique<File>(*this, folder);
+    }
+    std::optional<QJsonObject> run(const QStringList& request, int, const ResultFile* result) override {
         requests.append(request);
+        const auto size = size_t(written.size());
+        EXPECT_TRUE(!result || ::write(result->descriptor(), written.constData(), size) == written.size());
         return answer;
     }
+
     QList<QStringList> requests;
-    std::optional<QJsonObject> answer;
+    std::optional<QJsonObject> answer = QJsonObject();
+    QByteArray written = QByteArray("\xff\xd8\xff...\xff\xd9");  // like a JPEG
+    QByteArrayList readOnly, taken;
+
+ private:
+    struct File : ResultFile {
+        File(MemoryWorker& w, QByteArray f) : worker(w), folder(std::move(f)) {}
+        int descriptor() const override { return bytes.get(); }
+        bool finish() override { return true; }
+        Naming name(const QByteArray& fileName) override {
+            if (worker.taken.contains(folder + '/' + fileName)) return Naming::taken;
+            worker.taken.append(folder + '/' + fileName);
+            return Naming::done;
+        }
+        qsizetype longestName() const override { return 255; }
+
+        MemoryWorker& worker;
+        QByteArray folder;
+        Descriptor bytes{::memfd_create("result", MFD_CLOEXEC)};
+    };
 };
 
 class MemoryPasteboard : public Pasteboard {

@@ -1,12 +1,14 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <linux/fs.h>
 #include <linux/landlock.h>
 #include <netinet/in.h>
-#include <sched.h>
+#include <pthread.h>
 #include <signal.h>
 #include <sys/ioctl.h>
-#include <sys/ipc.h>
+#include <sys/mman.h>
 #include <sys/msg.h>
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/sem.h>
 #include <sys/shm.h>
@@ -14,9 +16,6 @@
 #include <sys/syscall.h>
 #include <sys/wait.h>
 
-#include <thread>
-
-#include "FileSystems.h"
 #include "Images.h"
 #include "worker/Confinement.h"
 
@@ -28,121 +27,142 @@ constexpr bool kIsSanitized = true;
 constexpr bool kIsSanitized = false;
 #endif
 
-bool isRefused(long result) {
-    return result < 0 && (errno == EPERM || errno == EACCES);
-}
-
-/// Runs it in a process of its own, which tells by its exit code which line was wrong.
-#define CHECK_HERE(condition) \
-    if (!(condition)) ::_exit(__LINE__ % 256)
-
+/// Runs it in a process of its own that is confined. Gives what f gives, which is less than 100, or what went wrong
+/// before.
 template <class F>
-int exitCode(F f) {
+int confined(F f, uid_t user = ::getuid()) {
     const pid_t child = ::fork();
     if (child == 0) {
-        f();
-        ::_exit(0);
+        if (::setresuid(user, user, user) != 0) ::_exit(100);
+        if (!limitResources()) ::_exit(101);
+        if (!restrictAccess()) ::_exit(102);
+        ::_exit(f());
     }
     int status = 0;
     EXPECT_EQ(::waitpid(child, &status, 0), child);
     return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
 }
 
-TEST(Confinement, ReachesNobody) {
+constexpr int kTooMany = 4000;
+
+/// The number of threads that can be started, or kTooMany.
+int startThreads() {
+    pthread_attr_t small;
+    ::pthread_attr_init(&small);
+    ::pthread_attr_setstacksize(&small, 16384);
+    const auto wait = [](void*) -> void* {
+        const timespec minute{60, 0};
+        ::nanosleep(&minute, nullptr);
+        return nullptr;
+    };
+    pthread_t thread;
+    int count = 0;
+    while (count < kTooMany && ::pthread_create(&thread, &small, wait, nullptr) == 0) ++count;
+    return count;
+}
+
+TEST(Confinement, RefusesWhatIsNotDecoding) {
     const Folder folder;
+    for (const QByteArray& open : {folder.parent, folder.path}) ASSERT_EQ(::chmod(open.constData(), 0777), 0);
     save(folder / "mine", QByteArray("mine"));
-    EXPECT_EQ(exitCode([&] {
-                  CHECK_HERE(restrictAccess(nullptr));
-                  CHECK_HERE(isRefused(::socket(AF_INET, SOCK_STREAM, 0)));
-                  CHECK_HERE(isRefused(::socket(AF_UNIX, SOCK_STREAM, 0)));
-                  char name[] = "/bin/true";
-                  char* const argv[] = {name, nullptr};
-                  CHECK_HERE(isRefused(::execv(name, argv)));
-                  CHECK_HERE(isRefused(::fork()));
-                  std::thread([] {}).join();
-                  CHECK_HERE(isRefused(::kill(::getppid(), 0)));
-                  CHECK_HERE(::kill(::getpid(), 0) == 0);
-                  CHECK_HERE(isRefused(::syscall(SYS_io_uring_setup, 1, nullptr)));
-                  CHECK_HERE(isRefused(::open((folder / "mine").constData(), O_RDONLY | O_TRUNC)));
-                  CHECK_HERE(isRefused(::open((folder / "mine").constData(), O_ACCMODE | O_TRUNC)));
-                  CHECK_HERE(isRefused(::chmod((folder / "mine").constData(), 0)));
-                  constexpr long kFchmodat2 = 452;
-                  CHECK_HERE(isRefused(::syscall(kFchmodat2, AT_FDCWD, (folder / "mine").constData(), 0, 0)));
-                  CHECK_HERE(isRefused(::shmget(IPC_PRIVATE, 4096, IPC_CREAT | 0600)));
-                  CHECK_HERE(isRefused(::shmctl(0, IPC_STAT, nullptr)));
-                  CHECK_HERE(isRefused(::semget(IPC_PRIVATE, 1, IPC_CREAT | 0600)));
-                  CHECK_HERE(isRefused(::msgget(IPC_PRIVATE, IPC_CREAT | 0600)));
-                  CHECK_HERE(isRefused(::setpriority(PRIO_PROCESS, id_t(::getppid()), 10)));
-                  cpu_set_t processors;
-                  CHECK_HERE(::sched_getaffinity(0, sizeof processors, &processors) == 0);
-                  CHECK_HERE(isRefused(::sched_setaffinity(::getppid(), sizeof processors, &processors)));
-                  const sched_param none{};
-                  CHECK_HERE(isRefused(::sched_setscheduler(::getppid(), SCHED_OTHER, &none)));
-                  CHECK_HERE(isRefused(::ioctl(STDIN_FILENO, TIOCSTI, "x")));
-              }),
-              0);
+    ASSERT_EQ(::chmod((folder / "mine").constData(), 0666), 0);
+    const QByteArray mineName = folder / "mine", newName = folder / "new";
+    const char *const mine = mineName.constData(), *const made = newName.constData();
+    const Descriptor source(::open(mine, O_RDONLY)), unnamed(::open(folder.path.constData(), O_TMPFILE | O_RDWR, 0666));
+    ASSERT_EQ(::dup2(unnamed.get(), kResult), kResult);
+    const bool hasLandlock = ::syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION) >= 1;
+    const auto open = [](const char* path, int flags) { return long(::open(path, flags, 0666)); };
+    char program[] = "/bin/true";
+    char* const arguments[] = {program, nullptr};
+    cpu_set_t processors{};
+    rlimit more{RLIM_INFINITY, RLIM_INFINITY};
+    int flags = FS_NODUMP_FL;
+    struct flock lock {};
+    const struct {
+        const char* what;
+        std::function<long()> attempt;
+        bool needsLandlock = false;
+    } attempts[] = {
+        {"network", [] { return ::socket(AF_INET, SOCK_STREAM, 0); }},
+        {"local sockets", [] { return ::socket(AF_UNIX, SOCK_STREAM, 0); }},
+        {"programs", [&] { return ::execv(program, arguments); }},
+        {"processes", [] { return ::fork(); }},
+        {"signals", [] { return ::kill(::getppid(), 0); }},
+        {"signals to one thread", [] { return ::syscall(SYS_tkill, ::getppid(), 0); }},
+        {"an owner for signals", [] { return ::fcntl(kResult, F_SETOWN, ::getppid()); }},
+        {"another signal", [] { return ::fcntl(kResult, F_SETSIG, SIGKILL); }},
+        {"signals when it can be read", [] { return ::fcntl(STDOUT_FILENO, F_SETFL, O_ASYNC); }},
+        {"signals when it is opened", [] { return ::fcntl(kResult, F_SETLEASE, F_WRLCK); }},
+        {"locks", [&] { return ::fcntl(kResult, F_SETLK, &lock); }},
+        {"memory that is a file", [] { return ::memfd_create("x", 0); }},
+        {"pipes",
+         [] {
+             int ends[2];
+             return ::pipe(ends);
+         }},
+        {"shared memory", [] { return ::shmget(IPC_PRIVATE, 4096, IPC_CREAT | 0600); }},
+        {"semaphores", [] { return ::semget(IPC_PRIVATE, 1, IPC_CREAT | 0600); }},
+        {"messages", [] { return ::msgget(IPC_PRIVATE, IPC_CREAT | 0600); }},
+        {"io_uring", [] { return ::syscall(SYS_io_uring_setup, 1, nullptr); }},
+        {"priorities", [] { return ::setpriority(PRIO_PROCESS, 0, 19); }},
+        {"processors", [&] { return ::sched_setaffinity(0, sizeof processors, &processors); }},
+        {"more time", [] { return ::alarm(0) == 0 && ::alarm(0) == 0 ? 0L : -1L; }},
+        {"other limits", [&] { return ::setrlimit(RLIMIT_FSIZE, &more); }},
+        {"living on", [] { return ::prctl(PR_SET_PDEATHSIG, 0); }},
+        {"typing", [] { return ::ioctl(STDIN_FILENO, TIOCSTI, "x"); }},
+        {"attributes", [&] { return ::ioctl(kResult, FS_IOC_SETFLAGS, &flags); }},
+        {"modes", [&] { return ::chmod(mine, 0); }},
+        {"modes, newer", [&] { return ::syscall(452, AT_FDCWD, mine, 0, 0); }},
+        {"a link of the result",
+         [&] { return ::linkat(AT_FDCWD, "/proc/self/fd/3", AT_FDCWD, made, AT_SYMLINK_FOLLOW); }},
+        {"symbolic links", [&] { return ::symlink(mine, made); }},
+        {"folders", [&] { return ::mkdir(made, 0777); }},
+        {"renaming", [&] { return ::rename(mine, made); }},
+        {"removing", [&] { return ::unlink(mine); }},
+        {"truncating", [&] { return ::truncate(mine, 0); }},
+        {"writing", [&] { return open(mine, O_WRONLY); }},
+        {"writing and reading", [&] { return open(mine, O_RDWR); }},
+        {"emptying", [&] { return open(mine, O_RDONLY | O_TRUNC); }},
+        {"emptying for nothing", [&] { return open(mine, O_ACCMODE | O_TRUNC); }},
+        {"making", [&] { return open(made, O_RDONLY | O_CREAT); }},
+        {"making without a name", [&] { return open(folder.path.constData(), O_RDWR | O_TMPFILE); }},
+        {"the source anew", [&] { return open("/proc/self/fd/0", O_RDWR); }},
+        {"reading files", [&] { return open(mine, O_RDONLY); }, true},
+        {"reading folders", [&] { return open(folder.path.constData(), O_RDONLY | O_DIRECTORY); }, true},
+        {"reading settings", [&] { return open("/etc/passwd", O_RDONLY); }, true},
+        {"reading about processes", [&] { return open("/proc/self/environ", O_RDONLY); }, true},
+    };
+    for (const auto& [what, attempt, needsLandlock] : attempts) {
+        if (needsLandlock && !hasLandlock) continue;
+        const int refused =
+            confined([&] { return attempt() < 0 && (errno == EPERM || errno == EACCES || errno == ENOSYS) ? 1 : 0; });
+        EXPECT_EQ(refused, 1) << what;
+    }
+    ::close(kResult);
+    EXPECT_EQ(folder.names(), QStringList{QStringLiteral("mine")});
     EXPECT_EQ(load(folder / "mine"), "mine");
 }
 
-TEST(Confinement, WritesOnlyWhereTheResultGoes) {
-    if (::syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION) < 1)
-        GTEST_SKIP() << "this kernel has no Landlock";
-    const auto opens = [](const QByteArray& path, int flags) { return ::open(path.constData(), flags, 0666); };
-    for (const FileSystem& system : kFileSystems) {
-        SCOPED_TRACE(system.name);
-        const Folder folder, other;
-        for (const QByteArray& mine : {folder / "mine", other / "mine"}) save(mine, QByteArray("mine"));
-        EXPECT_EQ(exitCode([&] {
-                      on(system, [&] {
-                          auto file = NewFile::in(folder.path);
-                          CHECK_HERE(file && restrictAccess(&*file));
-                          for (const Folder* any : {&folder, &other}) {
-                              CHECK_HERE(opens(*any / "mine", O_RDONLY) >= 0);
-                              CHECK_HERE(isRefused(opens(*any / "mine", O_WRONLY)));
-                              CHECK_HERE(isRefused(opens(*any / "mine", O_RDWR | O_TRUNC)));
-                              CHECK_HERE(isRefused(::truncate((*any / "mine").constData(), 0)));
-                              CHECK_HERE(isRefused(::symlink("mine", (*any / "link").constData())));
-                              // Where naming the result removes a name, Landlock cannot tell which.
-                              if (any == &folder && file->isHidden()) continue;
-                              CHECK_HERE(isRefused(::unlink((*any / "mine").constData())));
-                              CHECK_HERE(isRefused(::rename((*any / "mine").constData(), (*any / "x").constData())));
-                          }
-                          CHECK_HERE(isRefused(opens(other / "new", O_CREAT | O_RDONLY)));
-                          CHECK_HERE(isRefused(opens(other.path, O_TMPFILE | O_RDWR)) || errno == EOPNOTSUPP);
-                          CHECK_HERE(opens("/dev/null", O_WRONLY) >= 0);
-                          CHECK_HERE(::write(file->descriptor(), "new", 3) == 3 && file->finish());
-                          CHECK_HERE(file->name("mine") == NewFile::Naming::taken);
-                          CHECK_HERE(file->name("new") == NewFile::Naming::done);
-                      });
-                  }),
-                  0);
-        EXPECT_EQ(load(folder / "new"), "new");
-        EXPECT_EQ(load(folder / "mine") + load(other / "mine"), "minemine");
-        EXPECT_TRUE(folder.isSoon({QStringLiteral("mine"), QStringLiteral("new")}));
-    }
-    const Folder folder;
-    EXPECT_EQ(exitCode([&] {
-                  CHECK_HERE(restrictAccess(nullptr));
-                  CHECK_HERE(isRefused(opens(folder / "new", O_CREAT | O_RDONLY)));
-              }),
-              0);
-}
-
 TEST(Confinement, HasLimits) {
-    EXPECT_EQ(exitCode([] {
-                  CHECK_HERE(limitResources());
-                  const auto limitOf = [](auto resource) {
-                      rlimit limit{};
-                      ::getrlimit(resource, &limit);
-                      return limit.rlim_max;
-                  };
-                  CHECK_HERE(limitOf(RLIMIT_CORE) <= 1);
-                  CHECK_HERE(limitOf(RLIMIT_CPU) <= 65);
-                  CHECK_HERE(limitOf(RLIMIT_FSIZE) <= 512U << 20);
-                  CHECK_HERE(::alarm(0) > 50);
-                  CHECK_HERE(kIsSanitized || limitOf(RLIMIT_AS) <= 2048U << 20);
+    const auto isWithin = [](auto resource, rlim_t most) {
+        rlimit limit{};
+        return ::getrlimit(resource, &limit) == 0 && limit.rlim_max <= most;
+    };
+    EXPECT_EQ(confined([&] {
+                  return isWithin(RLIMIT_CORE, 1) && isWithin(RLIMIT_CPU, 65) && isWithin(RLIMIT_FSIZE, 512U << 20) &&
+                         isWithin(RLIMIT_NOFILE, 64) && (kIsSanitized || isWithin(RLIMIT_AS, 2048U << 20));
               }),
-              0);
+              1);
+    // The number of threads is none for root.
+    constexpr uid_t kNobody = 65534;
+    const uid_t user = ::getuid() == 0 ? kNobody : ::getuid();
+    EXPECT_EQ(confined(
+                  [] {
+                      const int count = startThreads();
+                      return count >= 8 && count < kTooMany;
+                  },
+                  user),
+              1);
 }
 
 }  // namespace

@@ -14,6 +14,9 @@
 #include <vector>
 #include <vips/vips8>
 
+#include "platform/Descriptor.h"
+#include "worker/Chew.h"
+
 using vips::VImage;
 
 // Pictures to chew, made here, and folders to chew them in. Must come before everything else that uses libvips.
@@ -90,16 +93,18 @@ inline QByteArray bmp(quint32 headerLength, quint32 width, quint32 height, quint
     return "BM" + littleEndian(0) + littleEndian(0) + littleEndian(14 + headerLength + 4 * colours) + header + pixels;
 }
 
-/// A folder with another one in it, to fall back to, that is not made yet.
+/// A folder for pictures, with another beside it to fall back to, that is not made yet.
 struct Folder {
     QByteArray parent = QFile::encodeName(QDir::tempPath()) + "/chew-XXXXXX";
     QByteArray path;
     QByteArray fallback;
+    QByteArray result;  // of chew()
 
     Folder() {
         EXPECT_NE(::mkdtemp(parent.data()), nullptr);
         path = parent + "/in";
         fallback = parent + "/out/dropped";
+        result = parent + "/result";
         EXPECT_EQ(::mkdir(path.constData(), 0777), 0);
     }
     // QTemporaryDir cannot remove names that are not UTF-8.
@@ -108,6 +113,12 @@ struct Folder {
     Folder& operator=(const Folder&) = delete;
 
     QByteArray operator/(const QByteArray& name) const { return path + '/' + name; }
+    /// Chews the file of this name in this process.
+    std::optional<Failure> chew(const QByteArray& name, ChewMode mode) const {
+        const Descriptor source = openRegularFile(*this / name);
+        const Descriptor to(::open(result.constData(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
+        return ::chew(source.get(), mode, to.get());
+    }
     /// The names in it, hidden ones included.
     QStringList names() const {
         return QDir(QFile::decodeName(path))

@@ -6,29 +6,29 @@
 
 #include "FileSystems.h"
 #include "Images.h"
-#include "worker/NewFile.h"
+#include "platform/linux/UnnamedFile.h"
 
 namespace {
 
-class NewFileTest : public testing::TestWithParam<FileSystem> {
+class UnnamedFileTest : public testing::TestWithParam<FileSystem> {
  protected:
     Folder folder;
 
     QStringList shown() const { return QDir(QFile::decodeName(folder.path)).entryList(QDir::Files); }
 };
 
-TEST_P(NewFileTest, AppearsWhenItIsCompleteAndReplacesNothing) {
+TEST_P(UnnamedFileTest, AppearsWhenItIsCompleteAndReplacesNothing) {
     save(folder / "taken", QByteArray("mine"));
     on(GetParam(), [&] {
-        auto file = NewFile::in(folder.path);
+        auto file = UnnamedFile::in(folder.path);
         ASSERT_TRUE(file);
         const QByteArray contents(3 << 20, 'x');
         ASSERT_EQ(::write(file->descriptor(), contents.constData(), size_t(contents.size())), contents.size());
         EXPECT_EQ(shown(), QStringList{QStringLiteral("taken")});
         ASSERT_TRUE(file->finish());
-        EXPECT_EQ(file->name("taken"), NewFile::Naming::taken);
-        EXPECT_EQ(file->name("no/such/folder"), NewFile::Naming::failed);
-        EXPECT_EQ(file->name("new"), NewFile::Naming::done);
+        EXPECT_EQ(file->name("taken"), ResultFile::Naming::taken);
+        EXPECT_EQ(file->name("no/such/folder"), ResultFile::Naming::failed);
+        EXPECT_EQ(file->name("new"), ResultFile::Naming::done);
         file.reset();
         EXPECT_EQ(load(folder / "new"), contents);
         EXPECT_EQ(load(folder / "taken"), "mine");
@@ -36,10 +36,10 @@ TEST_P(NewFileTest, AppearsWhenItIsCompleteAndReplacesNothing) {
     });
 }
 
-TEST_P(NewFileTest, LeavesNothingWhenItIsGivenUp) {
+TEST_P(UnnamedFileTest, LeavesNothingWhenItIsGivenUp) {
     on(GetParam(), [&] {
         for (const bool isFinished : {false, true}) {
-            auto file = NewFile::in(folder.path);
+            auto file = UnnamedFile::in(folder.path);
             ASSERT_TRUE(file);
             ASSERT_EQ(::write(file->descriptor(), "half", 4), 4);
             ASSERT_TRUE(!isFinished || file->finish());
@@ -49,11 +49,11 @@ TEST_P(NewFileTest, LeavesNothingWhenItIsGivenUp) {
     });
 }
 
-TEST_P(NewFileTest, LeavesNothingWhenItsMakerIsKilled) {
+TEST_P(UnnamedFileTest, LeavesNothingWhenItsMakerIsKilled) {
     on(GetParam(), [&] {
         const pid_t maker = ::fork();
         if (maker == 0) {
-            auto file = NewFile::in(folder.path);
+            auto file = UnnamedFile::in(folder.path);
             if (file && ::write(file->descriptor(), "half", 4) == 4 && file->finish()) ::raise(SIGKILL);
             ::_exit(1);
         }
@@ -64,7 +64,7 @@ TEST_P(NewFileTest, LeavesNothingWhenItsMakerIsKilled) {
     EXPECT_TRUE(folder.isSoon({}));
 }
 
-INSTANTIATE_TEST_SUITE_P(FileSystems, NewFileTest, testing::ValuesIn(kFileSystems),
+INSTANTIATE_TEST_SUITE_P(FileSystems, UnnamedFileTest, testing::ValuesIn(kFileSystems),
                          [](const auto& system) { return std::string(system.param.name); });
 
 }  // namespace
