@@ -47,9 +47,12 @@ class DesktopIconsTest : public testing::Test {
         ASSERT_TRUE(file && fwrite(text.constData(), 1, text.size(), file.get()) == size_t(text.size()));
     }
     void picture(const QByteArray& name, int size, const QColor& colour, const QString& modified = {}) const {
+        // Like the address in any thumbnail, compressed for its length, and unpacked by nobody here.
+        const QString address(4096, u'x');
         QImage image(size, size / 2, QImage::Format_RGB32);
         image.fill(colour);
         if (!modified.isEmpty()) image.setText(QStringLiteral("Thumb::MTime"), modified);
+        image.setText(QStringLiteral("Thumb::URI"), address);
         write(name, {});
         ASSERT_TRUE(image.save(QString::fromUtf8(path(name)), "PNG"));
     }
@@ -142,6 +145,7 @@ TEST_F(DesktopIconsTest, PreferAThumbnailOfTheFileAsItIs) {
         const QImage image = find(name, pixels);
         EXPECT_EQ(middle(image), colour) << name.constData() << pixels << ": " << middle(image).name().toStdString();
         EXPECT_LE(image.width(), pixels);
+        EXPECT_FALSE(image.textKeys().contains(QStringLiteral("Thumb::URI")));
     }
 }
 
