@@ -98,8 +98,7 @@ TEST(WorkerProcess, PassesWordsAndTheResultAndNothingElse) {
     ASSERT_TRUE(answer);
     EXPECT_LE((*answer)[u"files"].toInt(), 1);
     answer->remove(u"files"_s);
-    EXPECT_EQ(answer,
-              (QJsonObject{{u"n"_s, 3}, {u"last"_s, u"$HOME *;ü"_s}, {u"blocked"_s, u"0000000000000000"_s}}));
+    EXPECT_EQ(answer, (QJsonObject{{u"n"_s, 3}, {u"last"_s, u"$HOME *;ü"_s}, {u"blocked"_s, u"0000000000000000"_s}}));
     std::array<char, 5> bytes{};
     EXPECT_EQ(::pread(result->descriptor(), bytes.data(), bytes.size(), 0), 4);
     EXPECT_STREQ(bytes.data(), "made");

@@ -136,8 +136,7 @@ TEST(Chewer, BelievesOnlyWhatItSees) {
         f.worker.answer = text(good);
         EXPECT_EQ(std::get<QString>(f.chewer.readText(f.file("a.png"))), good);
     }
-    for (const QString& bad :
-         {QString(), u"\u001b[2J"_s, QString(u'\0'), QString(QChar(0xd800)), page.repeated(100)}) {
+    for (const QString& bad : {QString(), u"\u001b[2J"_s, QString(u'\0'), QString(QChar(0xd800)), page.repeated(100)}) {
         f.worker.answer = text(bad);
         EXPECT_EQ(std::get<ChewError>(f.chewer.readText(f.file("a.png"))).domain, u"worker"_s);
     }
