@@ -45,7 +45,8 @@ bool allowReading(const Descriptor& ruleset, const char* path) {
 bool allowReadingLibrariesOnly() {
     const long version = ::syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION);
     if (version < 1) return errno == ENOSYS || errno == EOPNOTSUPP;
-    const landlock_ruleset_attr handled{.handled_access_fs = rightsIn(version)};
+    landlock_ruleset_attr handled{};
+    handled.handled_access_fs = rightsIn(version);
     const Descriptor ruleset(int(::syscall(SYS_landlock_create_ruleset, &handled, sizeof handled, 0)));
     if (!ruleset) return false;
     const auto allow = [&](const char* path) { return allowReading(ruleset, path); };

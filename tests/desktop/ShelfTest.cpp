@@ -195,6 +195,7 @@ TEST_F(ShelfOfChips, SelfTestsDropAndChewAndRead) {
     EXPECT_EQ(run("--chewtest=" + photo, "chewtest:"), QStringLiteral("chewtest: held=[p.bmp, p.jpg] notes=0"));
     EXPECT_EQ(run("--chewtest=" + photo + ",smaller", "chewtest:"),
               QStringLiteral("chewtest: held=[p.bmp, p-small.jpg] notes=0"));
+    EXPECT_EQ(run("--chewtest=" + photo + ",png,", "chewtest:"), QStringLiteral("chewtest: held=[p.bmp] notes=0"));
     EXPECT_EQ(run("--chewtest=" + broken + ",png", "chewtest:"), QStringLiteral("chewtest: held=[b.png] notes=0"));
 }
 

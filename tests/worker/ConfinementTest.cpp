@@ -4,6 +4,7 @@
 #include <linux/landlock.h>
 #include <netinet/in.h>
 #include <pthread.h>
+#include <seccomp.h>
 #include <signal.h>
 #include <sys/ioctl.h>
 #include <sys/mman.h>
@@ -15,6 +16,8 @@
 #include <sys/socket.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
+
+#include <thread>
 
 #include "Images.h"
 #include "worker/Confinement.h"
@@ -141,6 +144,24 @@ TEST(Confinement, RefusesWhatIsNotDecoding) {
     ::close(kResult);
     EXPECT_EQ(folder.names(), QStringList{QStringLiteral("mine")});
     EXPECT_EQ(load(folder / "mine"), "mine");
+}
+
+TEST(Confinement, DoesWithoutLandlockButNotWithABrokenOne) {
+    const struct {
+        long call;
+        int error, outcome;
+    } cases[] = {{SYS_landlock_create_ruleset, ENOSYS, 0},
+                 {SYS_landlock_create_ruleset, EMFILE, 102},
+                 {SYS_landlock_restrict_self, E2BIG, 102}};
+    for (const auto& [call, error, outcome] : cases) {
+        std::thread([&] {
+            const auto filter = seccomp_init(SCMP_ACT_ALLOW);
+            seccomp_rule_add(filter, SCMP_ACT_ERRNO(uint16_t(error)), int(call), 0);
+            EXPECT_EQ(seccomp_load(filter), 0);
+            seccomp_release(filter);
+            EXPECT_EQ(confined([] { return ::open("/dev/null", O_WRONLY) < 0 ? 0 : 1; }), outcome) << call << error;
+        }).join();
+    }
 }
 
 TEST(Confinement, HasLimits) {
