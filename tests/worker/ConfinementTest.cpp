@@ -8,10 +8,8 @@
 #include <signal.h>
 #include <sys/ioctl.h>
 #include <sys/mman.h>
-#include <sys/msg.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
-#include <sys/sem.h>
 #include <sys/shm.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
@@ -66,9 +64,7 @@ int startThreads() {
 
 TEST(Confinement, RefusesWhatIsNotDecoding) {
     const Folder folder;
-    for (const QByteArray& open : {folder.parent, folder.path}) ASSERT_EQ(::chmod(open.constData(), 0777), 0);
     save(folder / "mine", QByteArray("mine"));
-    ASSERT_EQ(::chmod((folder / "mine").constData(), 0666), 0);
     const QByteArray mineName = folder / "mine", newName = folder / "new";
     const char *const mine = mineName.constData(), *const made = newName.constData();
     const Descriptor source(::open(mine, O_RDONLY)), unnamed(::open(folder.path.constData(), O_TMPFILE | O_RDWR, 0666));
@@ -79,7 +75,7 @@ TEST(Confinement, RefusesWhatIsNotDecoding) {
     char* const arguments[] = {program, nullptr};
     cpu_set_t processors{};
     rlimit more{RLIM_INFINITY, RLIM_INFINITY};
-    int flags = FS_NODUMP_FL;
+    int flags = FS_NODUMP_FL, ends[2];
     struct flock lock {};
     const struct {
         const char* what;
@@ -87,27 +83,17 @@ TEST(Confinement, RefusesWhatIsNotDecoding) {
         bool needsLandlock = false;
     } attempts[] = {
         {"network", [] { return ::socket(AF_INET, SOCK_STREAM, 0); }},
-        {"local sockets", [] { return ::socket(AF_UNIX, SOCK_STREAM, 0); }},
         {"programs", [&] { return ::execv(program, arguments); }},
         {"processes", [] { return ::fork(); }},
         {"signals", [] { return ::kill(::getppid(), 0); }},
-        {"signals to one thread", [] { return ::syscall(SYS_tkill, ::getppid(), 0); }},
         {"an owner for signals", [] { return ::fcntl(kResult, F_SETOWN, ::getppid()); }},
         {"another signal", [] { return ::fcntl(kResult, F_SETSIG, SIGKILL); }},
         {"signals when it can be read", [] { return ::fcntl(STDOUT_FILENO, F_SETFL, O_ASYNC); }},
         {"signals when it is opened", [] { return ::fcntl(kResult, F_SETLEASE, F_WRLCK); }},
         {"locks", [&] { return ::fcntl(kResult, F_SETLK, &lock); }},
         {"memory that is a file", [] { return ::memfd_create("x", 0); }},
-        {"pipes",
-         [] {
-             int ends[2];
-             return ::pipe(ends);
-         }},
+        {"pipes", [&] { return ::pipe(ends); }},
         {"shared memory", [] { return ::shmget(IPC_PRIVATE, 4096, IPC_CREAT | 0600); }},
-        {"semaphores", [] { return ::semget(IPC_PRIVATE, 1, IPC_CREAT | 0600); }},
-        {"messages", [] { return ::msgget(IPC_PRIVATE, IPC_CREAT | 0600); }},
-        {"io_uring", [] { return ::syscall(SYS_io_uring_setup, 1, nullptr); }},
-        {"priorities", [] { return ::setpriority(PRIO_PROCESS, 0, 19); }},
         {"processors", [&] { return ::sched_setaffinity(0, sizeof processors, &processors); }},
         {"more time", [] { return ::alarm(0) == 0 && ::alarm(0) == 0 ? 0L : -1L; }},
         {"other limits", [&] { return ::setrlimit(RLIMIT_FSIZE, &more); }},
@@ -115,18 +101,14 @@ TEST(Confinement, RefusesWhatIsNotDecoding) {
         {"typing", [] { return ::ioctl(STDIN_FILENO, TIOCSTI, "x"); }},
         {"attributes", [&] { return ::ioctl(kResult, FS_IOC_SETFLAGS, &flags); }},
         {"modes", [&] { return ::chmod(mine, 0); }},
-        {"modes, newer", [&] { return ::syscall(452, AT_FDCWD, mine, 0, 0); }},
         {"a link of the result",
          [&] { return ::linkat(AT_FDCWD, "/proc/self/fd/3", AT_FDCWD, made, AT_SYMLINK_FOLLOW); }},
-        {"symbolic links", [&] { return ::symlink(mine, made); }},
         {"folders", [&] { return ::mkdir(made, 0777); }},
         {"renaming", [&] { return ::rename(mine, made); }},
         {"removing", [&] { return ::unlink(mine); }},
         {"truncating", [&] { return ::truncate(mine, 0); }},
         {"writing", [&] { return open(mine, O_WRONLY); }},
-        {"writing and reading", [&] { return open(mine, O_RDWR); }},
         {"emptying", [&] { return open(mine, O_RDONLY | O_TRUNC); }},
-        {"emptying for nothing", [&] { return open(mine, O_ACCMODE | O_TRUNC); }},
         {"making", [&] { return open(made, O_RDONLY | O_CREAT); }},
         {"making without a name", [&] { return open(folder.path.constData(), O_RDWR | O_TMPFILE); }},
         {"the source anew", [&] { return open("/proc/self/fd/0", O_RDWR); }},

@@ -1,7 +1,4 @@
 #include <gmock/gmock.h>
-#include <sys/resource.h>
-
-#include <csignal>
 
 #include "Images.h"
 
@@ -117,16 +114,6 @@ TEST(HostileFiles, ThatBreakOffFail) {
     }
 }
 
-TEST(HostileFiles, AreWhatTheyAreWhateverTheyAreCalled) {
-    for (const char* extension : {"png", "jpg", "heic", "tif", "webp", "gif", "bmp"}) {
-        const Folder folder;
-        const QByteArray honest = QByteArray("a.") + extension;
-        save(folder / honest, quarters(30, 30));
-        ASSERT_EQ(::rename((folder / honest).constData(), (folder / "a.xyz").constData()), 0);
-        EXPECT_EQ(codes(folder, "a.xyz"), kDone) << extension;
-    }
-}
-
 TEST(HostileFiles, WithBrokenProfilesAreStillPictures) {
     const VImage rgb = quarters(30, 30);
     const VImage grey = rgb.colourspace(VIPS_INTERPRETATION_B_W);
@@ -144,34 +131,6 @@ TEST(HostileFiles, WithBrokenProfilesAreStillPictures) {
             EXPECT_EQ(codes(folder, "a.jpg"), kDone) << profile.size() << " " << image.interpretation();
         }
     }
-}
-
-/// While it lives, files can grow no larger, as on a full disk.
-class SmallDisk {
- public:
-    explicit SmallDisk(rlim_t bytes) {
-        std::signal(SIGXFSZ, SIG_IGN);
-        EXPECT_EQ(::getrlimit(RLIMIT_FSIZE, &before_), 0);
-        const rlimit small{bytes, before_.rlim_max};
-        EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
-    }
-    ~SmallDisk() {
-        ::setrlimit(RLIMIT_FSIZE, &before_);
-        std::signal(SIGXFSZ, SIG_DFL);
-    }
-
- private:
-    rlimit before_{};
-};
-
-TEST(FullDisk, IsAFailure) {
-    const Folder folder;
-    save(folder / "a.png", VImage::gaussnoise(600, 600).cast(VIPS_FORMAT_UCHAR));
-    for (const rlim_t bytes : {0, 1, 4096, 30000}) {
-        const SmallDisk disk(bytes);
-        EXPECT_EQ(codes(folder, "a.png"), kCannotFinish) << bytes;
-    }
-    EXPECT_EQ(codes(folder, "a.png"), kDone);
 }
 
 }  // namespace

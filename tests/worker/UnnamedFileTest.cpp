@@ -36,19 +36,6 @@ TEST_P(UnnamedFileTest, AppearsWhenItIsCompleteAndReplacesNothing) {
     });
 }
 
-TEST_P(UnnamedFileTest, LeavesNothingWhenItIsGivenUp) {
-    on(GetParam(), [&] {
-        for (const bool isFinished : {false, true}) {
-            auto file = UnnamedFile::in(folder.path);
-            ASSERT_TRUE(file);
-            ASSERT_EQ(::write(file->descriptor(), "half", 4), 4);
-            ASSERT_TRUE(!isFinished || file->finish());
-            file.reset();
-            EXPECT_EQ(folder.names(), QStringList());
-        }
-    });
-}
-
 TEST_P(UnnamedFileTest, LeavesNothingWhenItsMakerIsKilled) {
     on(GetParam(), [&] {
         const pid_t maker = ::fork();

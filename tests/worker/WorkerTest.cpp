@@ -98,6 +98,7 @@ TEST(GlimmetWorker, ToldWhatFails) {
         {"", "/dev/zero", 1},
         {"", "/proc/self/cmdline", 1},
         {"", "", 1},
+        {"ulimit -f 0", folder / "noise.png", 3},
         {"ulimit -f 8", folder / "noise.png", 3},
         {"ulimit -t 0", folder / "noise.png", 0},
     };
