@@ -1,6 +1,5 @@
 #pragma once
 
-#include <gtest/gtest.h>
 #include <sys/mman.h>
 
 #include <QFile>
@@ -116,7 +115,7 @@ class MemoryWorker : public Worker {
     std::optional<QJsonObject> run(const QStringList& request, int, const ResultFile* result) override {
         requests.append(request);
         const auto size = size_t(written.size());
-        EXPECT_TRUE(!result || ::write(result->descriptor(), written.constData(), size) == written.size());
+        if (result && ::write(result->descriptor(), written.constData(), size) != written.size()) return {};
         return answer;
     }
 
