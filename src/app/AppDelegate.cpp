@@ -28,7 +28,7 @@ AppDelegate::AppDelegate(const Ports& ports, const QStringList& arguments)
       placement_(m_, ports.screens, ports.loop),
       commands_(m_, ports.clock, ports.preferences, ports.workspace),
       capsLock_(m_),
-      agents_(m_, ports.loop, ports.workspace),
+      agents_(m_, ports.loop, ports.disk, ports.workspace),
       flags_(m_, ports.loop, arguments, [this] { panel_.setIgnoresMouseEvents(false); }),
       screenTest_(m_, ports.loop, placement_, panel_),
       shelfTest_(m_, ports.loop, drops_) {

@@ -13,12 +13,31 @@
 
 namespace {
 
-constexpr qsizetype kMostBytes = 64 * 1024;
+constexpr qsizetype kMostOfOne = 8 * 1024;     // bytes; a record's first five lines are a few hundred
+constexpr qsizetype kMostOfAll = 1024 * 1024;  // bytes
 constexpr int kMostEntries = 4096;
 
 struct DirectoryCloser {
     void operator()(DIR* directory) const { ::closedir(directory); }
 };
+
+bool isUsers(const struct stat& status) {
+    return status.st_uid == ::geteuid();
+}
+
+bool isUsersFile(const struct stat& status) {
+    return S_ISREG(status.st_mode) && isUsers(status);
+}
+
+/// -1 when it cannot be opened or is not the user's.
+int openUsers(const QString& path) {
+    const int descriptor =
+        ::open(QFile::encodeName(path).constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    struct stat status = {};
+    if (descriptor < 0 || (::fstat(descriptor, &status) == 0 && isUsers(status))) return descriptor;
+    ::close(descriptor);
+    return -1;
+}
 
 QStringList list(int descriptor) {
     QStringList names;
@@ -29,21 +48,22 @@ QStringList list(int descriptor) {
         if (own >= 0) ::close(own);
         return names;
     }
-    while (names.size() < kMostEntries) {
+    for (int i = 0; i < kMostEntries; ++i) {
         const dirent* entry = ::readdir(directory.get());
         if (!entry) break;
-        const QString name = QFile::decodeName(entry->d_name);
-        if (name != QLatin1String(".") && name != QLatin1String("..")) names.append(name);
+        struct stat status = {};
+        if (::fstatat(descriptor, entry->d_name, &status, AT_SYMLINK_NOFOLLOW) == 0 && isUsersFile(status))
+            names.append(QFile::decodeName(entry->d_name));
     }
     std::sort(names.begin(), names.end());
     return names;
 }
 
-QByteArray readSome(int descriptor) {
-    QByteArray bytes(kMostBytes, '\0');
+QByteArray readSome(int descriptor, qsizetype most) {
+    QByteArray bytes(most, Qt::Uninitialized);
     qsizetype got = 0;
-    while (got < kMostBytes) {
-        const ssize_t n = ::read(descriptor, bytes.data() + got, size_t(kMostBytes - got));
+    while (got < most) {
+        const ssize_t n = ::read(descriptor, bytes.data() + got, size_t(most - got));
         if (n < 0 && errno == EINTR) continue;
         if (n <= 0) break;
         got += n;
@@ -52,19 +72,9 @@ QByteArray readSome(int descriptor) {
     return bytes;
 }
 
-/// Removes the beginning of a character that the limit has cut in two.
-void dropCutCharacter(QByteArray& bytes) {
-    qsizetype start = bytes.size() - 1;
-    while (start > bytes.size() - 4 && start > 0 && (static_cast<unsigned char>(bytes[start]) & 0xC0) == 0x80) --start;
-    const auto lead = static_cast<unsigned char>(bytes[start]);
-    const qsizetype length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC0 ? 2 : 1;
-    if (start + length > bytes.size()) bytes.truncate(start);
-}
-
 }  // namespace
 
-AgentDirectory::AgentDirectory(const QString& path)
-    : descriptor_(::open(QFile::encodeName(path).constData(), O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC)) {
+AgentDirectory::AgentDirectory(const QString& path) : descriptor_(openUsers(path)), left_(kMostOfAll) {
     if (descriptor_ >= 0) entries_ = list(descriptor_);
 }
 
@@ -72,17 +82,20 @@ AgentDirectory::~AgentDirectory() {
     if (descriptor_ >= 0) ::close(descriptor_);
 }
 
-QString AgentDirectory::text(const QString& name) const {
-    if (descriptor_ < 0) return {};
+QString AgentDirectory::text(const QString& name) {
+    if (left_ == 0 || !std::binary_search(entries_.begin(), entries_.end(), name)) return {};
     const int file = ::openat(descriptor_, QFile::encodeName(name).constData(),
                               O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
     if (file < 0) return {};
+    const qsizetype most = std::min(kMostOfOne, left_);
     struct stat status = {};
-    const bool regular = ::fstat(file, &status) == 0 && S_ISREG(status.st_mode);
-    QByteArray bytes = regular ? readSome(file) : QByteArray();
+    const QByteArray bytes = ::fstat(file, &status) == 0 && isUsersFile(status) ? readSome(file, most) : QByteArray();
     ::close(file);
-    if (bytes.size() == kMostBytes) dropCutCharacter(bytes);
-    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    left_ -= bytes.size();
+    // A character that the limit has cut in two is no error.
+    const bool whole = bytes.size() < most;
+    QStringDecoder decoder(QStringDecoder::Utf8,
+                           whole ? QStringDecoder::Flag::Stateless : QStringDecoder::Flag::Default);
     const QString text = decoder(bytes);
     return decoder.hasError() ? QString() : text;
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/BackgroundQueue.h"
 #include "platform/Workspace.h"
 #include "watchers/AgentDirectory.h"
 
@@ -46,20 +47,31 @@ struct AgentWatcher::Census {
     std::optional<QString> terminal;  ///< where the first agent that needs the user runs
 };
 
-AgentWatcher::AgentWatcher(NotchModel& model, MainLoop& loop, Workspace& workspace, QString folder)
-    : m_(model), loop_(loop), workspace_(workspace), folder_(std::move(folder)) {}
+AgentWatcher::AgentWatcher(NotchModel& model, MainLoop& loop, BackgroundQueue& disk, Workspace& workspace,
+                           QString folder)
+    : m_(model), loop_(loop), disk_(disk), workspace_(workspace), folder_(std::move(folder)) {}
 
 void AgentWatcher::start() {
     timer_ = loop_.every(kInterval, [this] { scanAgents(); });
 }
 
 void AgentWatcher::scanAgents() {
-    apply(takeCensus(AgentDirectory(folder_)));
+    if (scanning_) return;
+    scanning_ = true;
+    disk_.run([&loop = loop_, self = std::weak_ptr(self_), folder = folder_] {
+        AgentDirectory directory(folder);
+        loop.post([self, census = takeCensus(directory)] {
+            const auto watcher = self.lock();
+            if (!watcher) return;
+            (*watcher)->scanning_ = false;
+            (*watcher)->apply(census);
+        });
+    });
 }
 
-AgentWatcher::Census AgentWatcher::takeCensus(const AgentDirectory& directory) {
+AgentWatcher::Census AgentWatcher::takeCensus(AgentDirectory& directory) {
     Census census;
-    const QStringList entries = directory.entries();
+    const QStringList& entries = directory.entries();
     for (const QString& name : entries) {
         if (!isRecord(name)) continue;
         ++census.records;
