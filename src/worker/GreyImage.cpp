@@ -24,6 +24,12 @@ bool isBright(const VImage& image) {
     return image.flatten().avg() > image.extract_band(image.bands() - 1).avg() / 2;
 }
 
+/// Uses the picture's own memory.
+VImage over(const GreyPicture& picture) {
+    return VImage::new_from_memory(const_cast<uint8_t*>(picture.pixels.data()), picture.pixels.size(), picture.width,
+                                   picture.height, 1, VIPS_FORMAT_UCHAR);
+}
+
 GreyPicture inMemory(const VImage& image) {
     size_t size = 0;
     const std::unique_ptr<void, decltype(&g_free)> pixels(image.write_to_memory(&size), &g_free);
@@ -43,7 +49,9 @@ GreyPicture greyPicture(const VImage& image) {
 }
 
 GreyPicture resized(const GreyPicture& picture, double scale) {
-    return inMemory(VImage::new_from_memory(const_cast<uint8_t*>(picture.pixels.data()), picture.pixels.size(),
-                                            picture.width, picture.height, 1, VIPS_FORMAT_UCHAR)
-                        .resize(scale));
+    return inMemory(over(picture).resize(scale));
+}
+
+GreyPicture turned(const GreyPicture& picture, int quarters) {
+    return inMemory(over(picture).rot(VipsAngle(quarters)));
 }

@@ -11,3 +11,6 @@ GreyPicture greyPicture(const vips::VImage& image);
 
 /// The picture at another size, which is at least a pixel each way.
 GreyPicture resized(const GreyPicture& picture, double scale);
+
+/// The picture turned clockwise by `quarters`, 0 to 3, of a full turn.
+GreyPicture turned(const GreyPicture& picture, int quarters);

@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <utility>
 
 #include "worker/FlatAreas.h"
+#include "worker/Frames.h"
 
 namespace {
 
@@ -35,9 +37,14 @@ class Surfaces {
     }
 
     /// Shaped like a rectangle, with round corners maybe, and large enough to write on. No letter fills its box like
-    /// this: all four sides and corners, even a little inside.
+    /// this: all four sides and corners, even a little inside. Only "l" and "I" do; but nothing is written on them.
     [[nodiscard]] bool isPlate(uint32_t label, const FlatAreas::Area& area) const {
-        if (area.width() < 24 || area.height() < 12 || area.width() < area.height() / 2) return false;
+        if (area.width() < area.height() / 2) {
+            const bool isWrittenOn = area.pixels < 0.95 * area.width() * area.height();
+            if (area.height() < 24 || area.width() < 12 || !isWrittenOn) return false;
+        } else if (area.width() < 24 || area.height() < 12) {
+            return false;
+        }
         const int inside = std::min(area.width(), area.height()) / 8;
         const int left = area.left + inside;
         const int right = area.right - inside;
@@ -158,6 +165,48 @@ class Neighbourhoods {
     std::vector<uint8_t> strongest_;
 };
 
+/// How tall letters are: of the pieces' heights the one that half of them exceed, and the one that nine tenths do.
+struct Heights {
+    int median = 0;
+    int low = 0;
+};
+
+/// A piece counts for as much as it is wide: dots and rules do not.
+template <typename IsLetter>
+Heights letterHeights(const FlatAreas& pieces, IsLetter isLetter) {
+    std::vector<std::pair<int, long>> widths;
+    long all = 0;
+    for (size_t i = 0; i < pieces.areas.size(); ++i) {
+        const FlatAreas::Area& piece = pieces.areas[i];
+        if (piece.height() < 4 || piece.width() > 20 * piece.height() || !isLetter(uint32_t(i))) continue;
+        widths.emplace_back(piece.height(), piece.width());
+        all += piece.width();
+    }
+    std::sort(widths.begin(), widths.end());
+    Heights heights;
+    long below = 0;
+    for (const auto& [height, width] : widths) {
+        below += width;
+        if (heights.low == 0 && 10 * below >= all) heights.low = height;
+        if (heights.median == 0 && 2 * below >= all) heights.median = height;
+    }
+    return heights;
+}
+
+/// Of the pieces of ink, whose strongest contrasts these are, those drawn around letters lose theirs. How tall letters
+/// are.
+Heights dropFrames(const FlatAreas& pieces, const GreyPicture& picture, std::vector<int>& strongest) {
+    const std::vector<int> ink = strongest;
+    const Frames frames(pieces, picture, ink);
+    const auto isInk = [&](uint32_t i) { return strongest[i] != 0; };
+    Heights heights = letterHeights(pieces, [&](uint32_t i) { return isInk(i) && !frames.isHollow(i); });
+    if (heights.median == 0) return letterHeights(pieces, isInk);
+    for (uint32_t i = 0; i < pieces.areas.size(); ++i) {
+        if (isInk(i) && frames.isDrawn(i, heights.median)) strongest[i] = 0;
+    }
+    return letterHeights(pieces, isInk);
+}
+
 /// Brings each connected piece of ink to full contrast by itself, drops what is too faint, and measures the letters.
 /// Beside strong ink, what is faint is a lossy format's noise; it must not connect the letters either.
 Ink develop(const GreyPicture& contrast) {
@@ -181,30 +230,11 @@ Ink develop(const GreyPicture& contrast) {
         const bool isInk = strongest[i] >= std::max(faintestInk, near / 5);
         strongest[i] = isInk ? std::max(strongest[i], near / 2) : 0;
     }
-    Ink ink{contrast, 0};
+    const Heights heights = dropFrames(pieces, contrast, strongest);
+    Ink ink{contrast, heights.median, heights.low};
     for (size_t i = 0; i < contrast.pixels.size(); ++i) {
         const int most = strongest[pieces.labels[i]];
         ink.picture.pixels[i] = most == 0 ? 255 : uint8_t(255 - 255 * contrast.pixels[i] / most);
-    }
-
-    // The median of the pieces' heights, where a piece counts for as much as it is wide: dots and rules do not.
-    std::array<long, 201> widths{};
-    long all = 0;
-    for (size_t i = 0; i < pieces.areas.size(); ++i) {
-        const FlatAreas::Area& piece = pieces.areas[i];
-        if (strongest[i] == 0 || piece.height() < 4 || piece.height() >= int(widths.size()) ||
-            piece.width() > 20 * piece.height())
-            continue;
-        widths[size_t(piece.height())] += piece.width();
-        all += piece.width();
-    }
-    long below = 0;
-    for (size_t height = 0; height < widths.size() && all > 0; ++height) {
-        below += widths[height];
-        if (2 * below >= all) {
-            ink.letterHeight = int(height);
-            break;
-        }
     }
     return ink;
 }
@@ -232,7 +262,8 @@ Ink asDarkOnLight(const GreyPicture& picture) {
     std::array<size_t, 256> values{};
     for (const uint8_t value : picture.pixels) ++values[value];
     // Cameras give more pixels than letters need; what is this small is a piece of something.
-    Ink ink{picture, picture.pixels.size() < 1'500'000 ? 12 : 24};
+    const int height = picture.pixels.size() < 1'500'000 ? 12 : 24;
+    Ink ink{picture, height, height};
     if (median(values) < 128) {
         for (uint8_t& value : ink.picture.pixels) value = uint8_t(255 - value);
     }

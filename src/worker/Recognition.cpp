@@ -7,38 +7,127 @@
 #include <tesseract/resultiterator.h>
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <memory>
+#include <vector>
+
+#include "worker/GreyImage.h"
 
 namespace {
+
+using Clock = std::chrono::steady_clock;
 
 // A screen that is full of small print takes ten seconds or more. When the time is up, what was read so far is the
 // answer.
 constexpr std::chrono::milliseconds patience = std::chrono::seconds(40);
 
-// In reading heights; below, there is no layout to find, and trying twice takes little.
+// In reading heights; below, there is no layout to find, and trying again takes little.
 constexpr int fewLines = 6;
 
-qsizetype lettersIn(const QString& line) {
-    return std::count_if(line.begin(), line.end(), [](QChar c) { return c.isLetterOrNumber(); });
+// Percent. What stands on its head, and leaves and bricks, are taken for letters with a confidence of 60 at most; clear
+// writing has more than 90.
+constexpr float certain = 90;
+constexpr float likely = 70;
+constexpr float unlikely = 20;
+
+struct Line {
+    QString text;
+    float percent;
+    int height;
+    bool isOnItsSide;  ///< It runs from top to bottom.
+};
+using Lines = std::vector<Line>;
+
+qsizetype lettersIn(const QString& text) {
+    return std::count_if(text.begin(), text.end(), [](QChar c) { return c.isLetterOrNumber(); });
 }
 
-/// Whether a line is text, and not what was recognised in an icon or a photograph. Addresses and program text have
-/// little confidence too, but they look like writing.
-bool isText(const QString& line, float percent, int height) {
-    const auto letters = lettersIn(line);
-    if (percent >= 90) return true;
-    if (percent >= 50) return letters > 0;
-    return letters >= 4 && 2 * letters > line.size() && height < 4 * readingHeight;
+/// Whether a line of a page is text, and not what was recognised in an icon or a photograph. Addresses and program text
+/// have little confidence too, but they look like writing.
+bool isText(const Line& line) {
+    const auto letters = lettersIn(line.text);
+    if (line.percent >= certain) return true;
+    if (line.isOnItsSide) return false;
+    if (line.percent >= 50) return letters > 0;
+    return line.percent >= unlikely && letters >= 4 && 2 * letters > line.text.size() &&
+           line.height < 4 * readingHeight;
 }
 
-/// Where no layout was found, most pictures are icons, and many look like a letter.
-bool isCertain(const QString& line, float percent, int) {
-    return percent >= 90 && lettersIn(line) > 1;
+/// Whether a line is text though nothing around it is: most pictures with little on them are icons, and many look like
+/// a letter.
+bool isWord(const Line& line) {
+    return line.percent >= certain && lettersIn(line.text) > 1;
 }
 
-QStringList linesOf(tesseract::TessBaseAPI& engine, bool (*isWanted)(const QString&, float, int)) {
-    QStringList lines;
+/// Whether the line is one character. Bars and dots are more often drawn than written.
+bool isCharacter(const Line& line) {
+    constexpr float enough = 80;
+    return line.percent >= enough && line.text.size() == 1 &&
+           (lettersIn(line.text) == 1 || QStringView(u"&?%@#$\u20AC\u00A3").contains(line.text[0]));
+}
+
+/// What part of all that was read the wanted lines have, in characters.
+template <typename IsWanted>
+double share(const Lines& lines, IsWanted isWanted) {
+    qsizetype all = 0;
+    qsizetype wanted = 0;
+    for (const Line& line : lines) {
+        all += line.text.size();
+        if (isWanted(line)) wanted += line.text.size();
+    }
+    return all == 0 ? 0 : double(wanted) / double(all);
+}
+
+/// Whether most of a page is upright and read right.
+bool isRight(const Lines& lines) {
+    return share(lines, [](const Line& line) {
+               return !line.isOnItsSide && line.percent >= likely && lettersIn(line.text) > 1;
+           }) > 0.5;
+}
+
+bool isOnItsSide(const Lines& lines) {
+    return share(lines, [](const Line& line) { return line.isOnItsSide; }) > 0.5;
+}
+
+/// Whether a page could be text that stands on its head: of that, some lines always look like words.
+bool isHopeless(const Lines& lines) {
+    return share(lines, [](const Line& line) { return line.percent >= unlikely; }) < 0.3;
+}
+
+QStringList textOf(const Lines& lines, bool (*isWanted)(const Line&)) {
+    QStringList texts;
+    for (const Line& line : lines) {
+        if (isWanted(line)) texts += line.text;
+    }
+    return texts;
+}
+
+/// The rectangle that holds all ink, in pixels.
+struct Extent {
+    int width, height;
+};
+
+Extent inkExtent(const GreyPicture& picture) {
+    constexpr uint8_t grey = 128;
+    int left = picture.width;
+    int right = -1;
+    int top = picture.height;
+    int bottom = -1;
+    for (int y = 0; y < picture.height; ++y) {
+        for (int x = 0; x < picture.width; ++x) {
+            if (picture.pixels[picture.at(x, y)] >= grey) continue;
+            left = std::min(left, x);
+            right = std::max(right, x);
+            top = std::min(top, y);
+            bottom = y;
+        }
+    }
+    return {std::max(0, right - left + 1), std::max(0, bottom - top + 1)};
+}
+
+Lines linesOf(tesseract::TessBaseAPI& engine) {
+    Lines lines;
     const std::unique_ptr<tesseract::ResultIterator> place(engine.GetIterator());
     if (!place) return lines;
     constexpr auto level = tesseract::RIL_TEXTLINE;
@@ -50,29 +139,65 @@ QStringList linesOf(tesseract::TessBaseAPI& engine, bool (*isWanted)(const QStri
         int bottom = 0;
         if (!text || !place->BoundingBox(level, &left, &top, &right, &bottom)) continue;
         const QString line = QString::fromUtf8(text.get()).simplified();
-        if (!line.isEmpty() && isWanted(line, place->Confidence(level), bottom - top)) lines += line;
+        const int width = right - left;
+        const int height = bottom - top;
+        if (!line.isEmpty())
+            lines.push_back(
+                {line, place->Confidence(level), std::min(width, height), height > width && line.size() > 2});
     } while (place->Next(level));
     return lines;
 }
 
-/// From the first row with ink to the last, in pixels.
-int inkHeight(const GreyPicture& picture) {
-    constexpr uint8_t grey = 128;
-    const auto isInk = [](uint8_t value) { return value < grey; };
-    const auto& pixels = picture.pixels;
-    const auto first = std::find_if(pixels.begin(), pixels.end(), isInk) - pixels.begin();
-    const auto last = pixels.rend() - std::find_if(pixels.rbegin(), pixels.rend(), isInk);
-    return first < last ? int((last - 1) / picture.width - first / picture.width) + 1 : 0;
-}
+class Reader {
+ public:
+    explicit Reader(tesseract::TessBaseAPI& engine) : engine_(engine) {}
 
-QStringList read(tesseract::TessBaseAPI& engine, const GreyPicture& picture, tesseract::PageSegMode mode) {
-    engine.SetPageSegMode(mode);
-    engine.SetImage(picture.pixels.data(), picture.width, picture.height, 1, picture.width);
-    tesseract::ETEXT_DESC monitor;
-    monitor.set_deadline_msecs(int(patience.count()));
-    engine.Recognize(&monitor);
-    return linesOf(engine, mode == tesseract::PSM_AUTO ? isText : isCertain);
-}
+    /// The text on a picture that may lie on any of its sides.
+    QStringList read(GreyPicture picture) {
+        const Extent ink = inkExtent(picture);
+        const bool isSmall = std::min(ink.width, ink.height) < fewLines * readingHeight;
+        QStringList most;
+        Lines lines = attempt(picture, tesseract::PSM_AUTO);
+        // Lines on their side are found, but their page is no page then: it is turned as well.
+        const std::array quarters = isOnItsSide(lines) ? std::array{0, 3, 2, 1} : std::array{0, 2, 1, 2};
+        for (const int turn : quarters) {
+            if (turn != 0) {
+                picture = turned(picture, turn);
+                lines = attempt(picture, tesseract::PSM_AUTO);
+            }
+            if (isRight(lines)) return textOf(lines, isText);
+            // A word or two are often no page to it.
+            if (isSmall) {
+                const QStringList words = textOf(attempt(picture, tesseract::PSM_SINGLE_BLOCK), isWord);
+                if (!words.isEmpty()) return words;
+            } else if (isHopeless(lines)) {
+                break;
+            }
+            if (turn == 0 && std::max(ink.width, ink.height) < 2 * readingHeight) {
+                const QStringList character = textOf(attempt(picture, tesseract::PSM_SINGLE_LINE), isCharacter);
+                if (!character.isEmpty()) return character;
+            }
+            QStringList words = textOf(lines, isWord);
+            if (lettersIn(words.join(QString())) > lettersIn(most.join(QString()))) most = std::move(words);
+        }
+        return most;
+    }
+
+ private:
+    Lines attempt(const GreyPicture& picture, tesseract::PageSegMode mode) {
+        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(until_ - Clock::now());
+        if (left.count() <= 0) return {};
+        engine_.SetPageSegMode(mode);
+        engine_.SetImage(picture.pixels.data(), picture.width, picture.height, 1, picture.width);
+        tesseract::ETEXT_DESC monitor;
+        monitor.set_deadline_msecs(int(left.count()));
+        engine_.Recognize(&monitor);
+        return linesOf(engine_);
+    }
+
+    tesseract::TessBaseAPI& engine_;
+    const Clock::time_point until_ = Clock::now() + patience;
+};
 
 }  // namespace
 
@@ -85,9 +210,5 @@ std::optional<QStringList> recognise(const GreyPicture& picture, const QByteArra
     if (engine.Init(nullptr, languages.constData(), tesseract::OEM_LSTM_ONLY) != 0) return {};
     engine.SetVariable("user_defined_dpi", "300");
     engine.SetVariable("tessedit_do_invert", "0");
-    QStringList lines = read(engine, picture, tesseract::PSM_AUTO);
-    // A word or two are often no page to it.
-    if (lines.isEmpty() && inkHeight(picture) < fewLines * readingHeight)
-        lines = read(engine, picture, tesseract::PSM_SINGLE_BLOCK);
-    return lines;
+    return Reader(engine).read(picture);
 }

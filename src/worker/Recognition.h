@@ -10,6 +10,7 @@
 /// less well, or more slowly.
 constexpr int readingHeight = 22;
 
-/// The lines of dark text on a light picture, in reading order: a column is read to its end before the next. Letters
-/// should be about thirty pixels tall. Absent when none of the languages is installed.
+/// The lines of dark text on a light picture, in reading order: a column is read to its end before the next. The
+/// picture may lie on a side or on its head. Letters should be as tall as said above. No lines where it is not certain
+/// what they say. Absent when none of the languages is installed.
 std::optional<QStringList> recognise(const GreyPicture& picture, const QByteArray& languages);

@@ -36,16 +36,16 @@ TEST_F(ImageReading, ReadsScreenshots) {
     EXPECT_LE(sum / double(shots.size()), 0.004);
 }
 
-TEST_F(ImageReading, ReadsACamerasGrain) {
-    QImage picture = drawPage(fruit, face(QStringLiteral("Liberation Serif"), 22), lightOnDark);
-    QRandomGenerator random(1);
-    for (int y = 0; y < picture.height(); ++y) {
-        for (int x = 0; x < picture.width(); ++x) {
-            const int value = std::clamp(qGray(picture.pixel(x, y)) + int(random.bounded(41)) - 20, 0, 255);
-            picture.setPixel(x, y, qRgb(value, value, value));
-        }
+TEST_F(ImageReading, ReadsWhatLiesOnItsSideOrIsFramedOrLarge) {
+    for (const Screenshot& shot : oddScreenshots()) {
+        ASSERT_TRUE(shot.picture.save(path("shot.png")));
+        EXPECT_EQ(text("shot.png").toStdString(), shot.text.toStdString()) << qPrintable(shot.name);
     }
-    ASSERT_TRUE(picture.save(path("grain.png")));
+}
+
+TEST_F(ImageReading, ReadsACamerasGrain) {
+    const QImage picture = drawPage(fruit, face(QStringLiteral("Liberation Serif"), 22), lightOnDark);
+    ASSERT_TRUE(grainy(picture).save(path("grain.png")));
     EXPECT_EQ(text("grain.png"), fruit.join(u'\n'));
 }
 
@@ -67,6 +67,19 @@ TEST_F(ImageReading, FindsNothingWhereNothingIsWritten) {
     }
     ASSERT_TRUE(picture.save(path("sky.png")));
     EXPECT_EQ(failure("sky.png"), 7);
+    QRandomGenerator random(2);
+    for (const bool isCamera : {false, true}) {
+        QPainter painter(&picture);
+        painter.fillRect(picture.rect(), QColor(0xa0, 0xb0, 0x90));
+        for (int i = 0; i < 600; ++i) {
+            painter.setPen(QPen(QColor::fromHsv(90, 120, int(random.bounded(60, 130))), 2));
+            painter.drawArc(int(random.bounded(400)), int(random.bounded(300)), 12, 20, int(random.bounded(5760)),
+                            2000);
+        }
+        painter.end();
+        ASSERT_TRUE((isCamera ? grainy(picture) : picture).save(path("leaves.png")));
+        EXPECT_EQ(failure("leaves.png"), 7) << qPrintable(text("leaves.png"));
+    }
     ASSERT_TRUE(QImage(1, 1, QImage::Format_RGB32).save(path("dot.png")));
     EXPECT_EQ(failure("dot.png"), 7);
 }

@@ -4,6 +4,7 @@
 #include <QFontMetrics>
 #include <QPainter>
 #include <QRadialGradient>
+#include <QRandomGenerator>
 #include <algorithm>
 #include <numeric>
 
@@ -134,6 +135,21 @@ Screenshot drawGallery(const QString& family, int pixels) {
     return {QStringLiteral("gallery"), picture, joined(lines)};
 }
 
+/// Words with a frame around each, which may be round at its ends.
+Screenshot drawButtons(const QStringList& words, double radius, Ink ink) {
+    QImage picture = canvas(20 + 130 * int(words.size()), 60, ink.background);
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QColor::fromRgb(ink.text));
+    painter.setFont(face(QStringLiteral("DejaVu Sans"), 15));
+    for (int i = 0; i < words.size(); ++i) {
+        const QRectF button(10.5 + 130 * i, 10.5, 110, 38);
+        painter.drawRoundedRect(button, radius, radius);
+        painter.drawText(button, Qt::AlignCenter, words[i]);
+    }
+    return {QStringLiteral("buttons %1").arg(radius), picture, words.join(u' ')};
+}
+
 QImage jpegged(const QImage& picture) {
     QBuffer bytes;
     picture.save(&bytes, "JPEG", 60);
@@ -156,6 +172,17 @@ Screenshot columns(const QString& family, int pixels, bool dark) {
 
 }  // namespace
 
+QImage grainy(QImage picture) {
+    QRandomGenerator random(1);
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            const int value = std::clamp(qGray(picture.pixel(x, y)) + int(random.bounded(41)) - 20, 0, 255);
+            picture.setPixel(x, y, qRgb(value, value, value));
+        }
+    }
+    return picture;
+}
+
 QFont face(const QString& family, int pixels) {
     QFont font(family);
     font.setPixelSize(pixels);
@@ -174,8 +201,38 @@ QImage drawPage(const QStringList& lines, const QFont& font, Ink ink) {
     return picture;
 }
 
-std::vector<Screenshot> allScreenshots() {
+std::vector<Screenshot> oddScreenshots() {
+    const QString sans = QStringLiteral("Liberation Sans");
+    const QStringList buttons{QStringLiteral("Cancel"), QStringLiteral("Save"), QStringLiteral("Delete")};
     std::vector<Screenshot> all;
+    for (const double radius : {0, 8, 19}) all.push_back(drawButtons(buttons, radius, darkOnLight));
+    all.push_back(drawButtons({QStringLiteral("OK")}, 4, lightOnDark));
+    const struct {
+        const char* text;
+        int pixels;
+        Ink ink;
+    } large[] = {{"BIG", 267, darkOnLight}, {"Welcome", 400, lightOnDark}, {"SALE", 700, darkOnLight},
+                 {"A", 16, darkOnLight},    {"7", 32, lightOnDark},        {"Q", 300, darkOnLight}};
+    for (const auto& [text, pixels, ink] : large) {
+        const QString line = QString::fromLatin1(text);
+        all.push_back({QStringLiteral("%1 %2").arg(line).arg(pixels), drawPage({line}, face(sans, pixels), ink), line});
+    }
+    const auto turn = [&](const Screenshot& shot) {
+        for (const int angle : {90, 180, 270}) {
+            all.push_back({QStringLiteral("%1 at %2").arg(shot.name).arg(angle),
+                           shot.picture.transformed(QTransform().rotate(angle)), shot.text});
+        }
+    };
+    turn(page(sans, 16, true));
+    turn(drawWindow(sans, 15));
+    turn({QStringLiteral("word"), drawPage({QStringLiteral("Settings")}, face(sans, 14), darkOnLight),
+          QStringLiteral("Settings")});
+    turn({QStringLiteral("grainy jpeg"), jpegged(grainy(page(sans, 24, false).picture)), joined(sentences())});
+    return all;
+}
+
+std::vector<Screenshot> allScreenshots() {
+    std::vector<Screenshot> all = oddScreenshots();
     for (const QString& family :
          {QStringLiteral("DejaVu Sans"), QStringLiteral("Liberation Sans"), QStringLiteral("FreeSans"),
           QStringLiteral("Liberation Serif"), QStringLiteral("DejaVu Sans Mono")}) {

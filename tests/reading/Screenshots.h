@@ -26,6 +26,12 @@ QFont face(const QString& family, int pixels);
 /// The lines below one another, with a margin.
 QImage drawPage(const QStringList& lines, const QFont& font, Ink ink);
 
+/// With a camera's grain.
+QImage grainy(QImage picture);
+
+/// What is framed, or large, or one character, or lies on a side or on its head: all of it is read without a fault.
+std::vector<Screenshot> oddScreenshots();
+
 /// Every kind of screenshot that reading is measured on. Needs a QGuiApplication.
 std::vector<Screenshot> allScreenshots();
 
