@@ -94,12 +94,11 @@ TEST(Agents, TheOneThatNeedsTheUserIsBroughtForwardWhileItDoes) {
     f.write("a.flag", "alert");
     f.scan();
     f.watcher.focusBlockedTerminal();
-    EXPECT_EQ(f.workspace.activated, QStringList{QStringLiteral("Konsole")});
     ASSERT_TRUE(f.folder.remove());
     f.scan();
     EXPECT_FALSE(f.m.needsYou);
     f.watcher.focusBlockedTerminal();
-    EXPECT_EQ(f.workspace.activated.size(), 1);
+    EXPECT_EQ(f.workspace.activated, QStringList{QStringLiteral("Konsole")});
 }
 
 TEST(Agents, OnlyWhatChangedIsWrittenAndEachInItsOwnWay) {
