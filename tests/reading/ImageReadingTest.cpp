@@ -17,11 +17,6 @@ QImage fruitPage() {
 
 class ImageReading : public Reading {};
 
-TEST_F(ImageReading, JoinsThreeLinesWithLineFeeds) {
-    ASSERT_TRUE(fruitPage().save(path("a.png")));
-    EXPECT_EQ(text("a.png"), QStringLiteral("Apples and pears\nPlums\nWild cherries"));
-}
-
 // As measured when this was written: half a percent at most, a tenth on average.
 TEST_F(ImageReading, ReadsScreenshots) {
     double sum = 0;
