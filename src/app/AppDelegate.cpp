@@ -102,6 +102,7 @@ void AppDelegate::startSensors() {
     m_.capsOn = ports_.monitors.capsLock();
     ports_.workspace.start();
     behaviour_.startTicks();
+    drops_.takeLeft();
     agents_.start();
 }
 

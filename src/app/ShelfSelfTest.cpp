@@ -22,6 +22,7 @@ class DropOfFiles : public Drop {
     void savePromise(const QUrl&, std::function<void(bool)> done) override {
         loop_.post([done = std::move(done)] { done(false); });
     }
+    void declinePromise() override {}
 
  private:
     MainLoop& loop_;

@@ -135,7 +135,8 @@ class NotchModel : public ObservableObject {
     void removeBite(const Bite& bite);
     void removeTimer(const HeldTimer& timer);
     void clearDoneTimers();
-    /// Where files that were dropped as data are written; made when missing. A failure to make it shows when writing.
+    /// Where files that were dropped as data are written. Who writes there makes it first, where the disk may be waited
+    /// for.
     QUrl droppedFolder() const;
     /// Converts a held image in the background and holds the result; nothing while another job is under way.
     void chew(const QUrl& file, Chewer::Mode mode);

@@ -14,16 +14,21 @@ class Drop {
     virtual ~Drop() = default;
 
     /// Those MIME types on offer that are links, text or images, best first in the source's opinion. Plain text in any
-    /// of its older names is "text/plain;charset=utf-8".
+    /// of its older names is "text/plain;charset=utf-8"; "application/octet-stream" is there where a file is promised
+    /// and its bytes are on offer as well.
     virtual QStringList types() const = 0;
     /// Reads one form and calls `done` once, perhaps at once; absent when the source refuses, sends nothing, stalls for
-    /// more than five seconds, takes more than a minute, or sends more than 64 MiB. Text is valid UTF-8.
+    /// more than five seconds, takes more than a minute, or sends more than 64 MiB. Text is valid UTF-8, and the first
+    /// MiB of a longer one.
     virtual void load(const QString& type, std::function<void(std::optional<QByteArray>)> done) = 0;
 
-    /// The base name of a file that the source offers to write where we say, as the source gives it: to be trusted in
-    /// nothing. Absent when it makes no such offer.
+    /// The base name of a file that the source offers to write where we say, as the source gives it, but for what goes
+    /// beyond 4 KiB: to be trusted in nothing. Absent when it makes no such offer.
     virtual std::optional<QByteArray> promisedName() const = 0;
-    /// Lets the source write that file as `target`, an absolute file URL whose folder exists; ten seconds at most.
-    /// `done` gets whether the file is there. On failure the other forms can still be loaded.
+    /// Lets the source write that file as `target`, an absolute file URL whose folder exists. `done` gets whether the
+    /// source says that it does: it may still be writing then, or only begin when the drop is deleted. A source that
+    /// hangs never answers. The other forms can still be loaded.
     virtual void savePromise(const QUrl& target, std::function<void(bool saved)> done) = 0;
+    /// Tells the source that the file which it promised was not taken.
+    virtual void declinePromise() = 0;
 };

@@ -1,3 +1,5 @@
+#include <QDir>
+
 #include "creature/NotchModel.h"
 #include "platform/BackgroundQueue.h"
 #include "platform/Pasteboard.h"
@@ -42,6 +44,7 @@ void NotchModel::munch(std::function<std::function<bool()>()> job) {
 
 void NotchModel::chew(const QUrl& file, Chewer::Mode mode) {
     munch([this, chewer = chewer_, file, mode, folder = droppedFolder()]() mutable -> std::function<bool()> {
+        QDir().mkpath(folder.toLocalFile());
         const auto result = chewer.chew(file, mode, folder);
         return [this, result] {
             const QUrl* made = std::get_if<QUrl>(&result);

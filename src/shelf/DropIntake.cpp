@@ -12,6 +12,7 @@ namespace {
 
 constexpr double kNearBelow = 90;    // points under the top of the screen
 constexpr double kNearBeside = 190;  // points from the notch's middle
+constexpr double kAttention = 10;    // seconds; shorter than it takes to doze off
 constexpr double kFarewell = 0.45;   // seconds that the mouth stays open after the button's release
 
 }  // namespace
@@ -41,10 +42,17 @@ void DropIntake::dragMoved(QPointF pointer) {
         pasteboard_.canReadUsable([this](bool usable) {
             // The button may have been released while the source thought about it.
             dragIsFiles_ = usable && dragging_;
+            if (dragIsFiles_) attend();
             judge(lastDrag_);
         });
     }
     judge(pointer);
+}
+
+// A drag may also hang still for long.
+void DropIntake::attend() {
+    m_.markActivity();
+    attention_ = loop_.every(kAttention, [this] { m_.markActivity(); });
 }
 
 void DropIntake::judge(QPointF pointer) {
@@ -62,6 +70,7 @@ void DropIntake::setNear(bool near) {
 void DropIntake::dragEnded() {
     // What is dragged next need not be a drag of things: a window, a selection, the creature itself.
     dragIsFiles_ = dragging_ = false;
+    attention_.cancel();
     if (!m_.dragNear) return;
     farewell_ = loop_.after(kFarewell, [this] {
         m_.withAnimation(Animation::easeOut(0.25), [this] { m_.dragNear = false; });
@@ -85,7 +94,18 @@ void DropIntake::handleDrop(std::shared_ptr<Drop> drop) {
                        });
 }
 
+void DropIntake::takeLeft() {
+    disk_.run([this, &loop = loop_, self = std::weak_ptr(self_), folder = m_.droppedFolder()] {
+        const QList<QUrl> files = Inbox::bringOutLeft(folder);
+        if (files.isEmpty()) return;
+        loop.post([this, self, files] {
+            if (!self.expired()) m_.addItems(files);
+        });
+    });
+}
+
 void DropIntake::take(const QList<QUrl>& files, const QList<Bite>& bites) {
+    m_.markActivity();
     m_.withAnimation(Animation::spring(0.32, 0.8), [&] {
         const int count = m_.addItems(files) + m_.addBites(bites);
         if (count > 0) ++m_.swallowCount;

@@ -34,6 +34,10 @@ class DropIntake {
     /// Reads what was dropped, each thing in the best of its forms, and puts it on the shelf when all of it is there.
     void handleDrop(std::shared_ptr<Drop> drop);
 
+    /// Holds what other programs wrote for an earlier run that ended before it could. To be called once, at the start,
+    /// while no drop is being read.
+    void takeLeft();
+
     /// Name for a file that was dropped as data, by the user's local time; `extension` without a dot.
     QString droppedFileName(const QString& extension) const;
 
@@ -41,6 +45,7 @@ class DropIntake {
     bool nearNotch(QPointF pointer) const;
     void judge(QPointF pointer);
     void setNear(bool near);
+    void attend();
     void take(const QList<QUrl>& files, const QList<Bite>& bites);
 
     NotchModel& m_;
@@ -54,5 +59,6 @@ class DropIntake {
     bool dragging_ = false;     // with the button held down
     QPointF lastDrag_;
     TimerHandle farewell_;
+    TimerHandle attention_;              // keeps the creature awake while a usable drag goes on
     std::shared_ptr<DropIntake*> self_;  // for what comes back from the disk
 };

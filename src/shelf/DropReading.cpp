@@ -6,7 +6,6 @@
 #include "platform/BackgroundQueue.h"
 #include "shelf/NewFile.h"
 #include "shelf/NoteText.h"
-#include "shelf/UrlList.h"
 
 namespace {
 
@@ -18,11 +17,18 @@ const std::array<ImageKind, 4> kImageDropTypes{{{QStringLiteral("image/png"), QS
                                                 {QStringLiteral("image/jpeg"), QStringLiteral("jpg")},
                                                 {QStringLiteral("image/tiff"), QStringLiteral("tiff")},
                                                 {QStringLiteral("image/heic"), QStringLiteral("heic")}}};
-const QStringList kUrlTypes{QStringLiteral("text/uri-list"), QStringLiteral("text/x-moz-url"),
-                            QStringLiteral("_NETSCAPE_URL")};
-// Far more than a note can hold; the rest of a long text is not looked at.
-constexpr qsizetype kMostTextBytes = 1 << 20;
+const std::array<QString, 3> kUrlTypes{QStringLiteral("text/uri-list"), QStringLiteral("text/x-moz-url"),
+                                       QStringLiteral("_NETSCAPE_URL")};
+const QString kPromisedBytes = QStringLiteral("application/octet-stream");
 const QString kText = QStringLiteral("text/plain;charset=utf-8");
+constexpr double kPatience = 10;  // seconds without growth, after which a promise is not kept any more
+
+/// The text of a note; empty where there is nothing to note down.
+QString noteText(const QByteArray& bytes) {
+    const auto blank = [](char c) { return c == ' ' || (c >= '\t' && c <= '\r'); };
+    const QByteArray text = bytes.mid(std::find_if_not(bytes.begin(), bytes.end(), blank) - bytes.begin());
+    return imageInDataUrl(text) ? QString() : firstCharacters(QString::fromUtf8(text).trimmed());
+}
 
 }  // namespace
 
@@ -30,7 +36,7 @@ void DropReading::start(std::shared_ptr<Drop> drop, const QUrl& folder, std::fun
                         MainLoop& loop, BackgroundQueue& disk, Done done) {
     const std::shared_ptr<DropReading> reading(
         new DropReading(std::move(drop), folder, std::move(nameFor), loop, disk, std::move(done)));
-    reading->readUrls();
+    reading->readUrls(0);
 }
 
 DropReading::DropReading(std::shared_ptr<Drop> drop, QUrl folder, std::function<QString(const QString&)> nameFor,
@@ -42,85 +48,126 @@ DropReading::DropReading(std::shared_ptr<Drop> drop, QUrl folder, std::function<
       disk_(disk),
       done_(std::move(done)) {}
 
-void DropReading::readUrls() {
+void DropReading::readUrls(int kind) {
     const QStringList offered = drop_->types();
-    for (const QString& type : kUrlTypes) {
-        if (!offered.contains(type)) continue;
-        drop_->load(type, [self = shared_from_this(), type](const std::optional<QByteArray>& bytes) {
-            QList<QUrl> files;
-            for (const QUrl& url : parseUrls(type, bytes.value_or(QByteArray()))) {
-                if (url.isLocalFile() && url.host().isEmpty())
-                    files.append(url);
-                else
-                    self->links_.append(Bite::link(url));
-            }
-            if (files.isEmpty())
-                self->savePromise();
-            else
-                self->finish(files, self->links_);
-        });
-        return;
+    while (kind < int(kUrlTypes.size()) && !offered.contains(kUrlTypes[kind])) ++kind;
+    if (kind == int(kUrlTypes.size())) return savePromise();
+    drop_->load(kUrlTypes[kind], [self = shared_from_this(), kind](const std::optional<QByteArray>& bytes) {
+        if (!bytes) return self->readUrls(kind + 1);
+        self->away([bytes = *bytes, kind] { return parseUrls(kUrlTypes[kind], bytes); },
+                   [self, kind](const UrlList& urls) { self->takeUrls(urls, kind); });
+    });
+}
+
+void DropReading::takeUrls(const UrlList& urls, int kind) {
+    if (urls.isEmpty()) return readUrls(kind + 1);
+    for (const QUrl& link : urls.links) bites_.append(Bite::link(link));
+    if (!urls.files.isEmpty()) return finish(urls.files, bites_);
+    if (urls.image) {
+        imageName_ = nameFor_(urls.image->extension);
+        image_ = urls.image->bytes;
     }
     savePromise();
 }
 
-// The source writes into a folder of its own, so that it can neither replace a file nor leave half of one in sight.
 void DropReading::savePromise() {
-    const auto promised = drop_->promisedName();
-    if (!promised) return readImage(0);
-    const QString name = sanitizedFileName(*promised);
-    onDisk([folder = folder_] { return makeInbox(folder); },
-           [self = shared_from_this(), name](const std::optional<QUrl>& inbox) {
-               if (!inbox) return self->readImage(0);
-               const QUrl target = inbox->resolved(QUrl::fromLocalFile(inbox->toLocalFile() + name));
-               self->drop_->savePromise(
-                   target, [self, inbox, name](bool saved) { self->promiseSaved(*inbox, saved ? name : QString()); });
-           });
+    const auto name = drop_->promisedName();
+    if (!name) return readImage(0);
+    promisedName_ = sanitizedFileName(*name);
+    promise_ = Promise::open;
+    away([folder = folder_] { return Inbox::make(folder); },
+         [self = shared_from_this()](const std::shared_ptr<Inbox>& inbox) {
+             self->inbox_ = inbox;
+             if (!inbox) {
+                 self->promise_ = Promise::refused;
+                 return self->readPromisedBytes();
+             }
+             self->drop_->savePromise(inbox->place(self->promisedName_), [self, inbox](bool saved) {
+                 self->promise_ = saved ? Promise::written : Promise::refused;
+                 inbox->tell(saved ? Inbox::Word::written : Inbox::Word::refused);
+             });
+             self->awaitPromise(true);
+         });
 }
 
-void DropReading::promiseSaved(const QUrl& inbox, const QString& name) {
-    onDisk([folder = folder_, inbox, name] { return emptyInbox(inbox, name, folder); },
-           [self = shared_from_this()](const std::optional<QUrl>& file) {
-               if (file)
-                   self->finish({*file}, {});
-               else
-                   self->readImage(0);
-           });
+void DropReading::awaitPromise(bool prompt) {
+    away([inbox = inbox_, prompt] { return inbox->await(kPatience, prompt); },
+         [self = shared_from_this(), prompt](Inbox::Contents contents) { self->promiseAwaited(contents, prompt); });
+}
+
+void DropReading::promiseAwaited(Inbox::Contents contents, bool prompt) {
+    if (contents == Inbox::Contents::things) return bringOut();
+    if (prompt) return readPromisedBytes();
+    if (image_.isEmpty() && contents == Inbox::Contents::emptyFiles) return bringOut();
+    away([inbox = inbox_] { return inbox->discard(); },
+         [self = shared_from_this()](bool discarded) { discarded ? self->writeImage() : self->bringOut(); });
+}
+
+void DropReading::bringOut() {
+    away([inbox = inbox_, first = promisedName_] { return inbox->bringOut(first); },
+         [self = shared_from_this()](const QList<QUrl>& files) {
+             if (files.isEmpty()) return self->writeImage();
+             self->finish(files, {});
+         });
+}
+
+// The bytes of the promised file itself are better than a picture of it, which browsers draw anew.
+void DropReading::readPromisedBytes() {
+    if (!drop_->types().contains(kPromisedBytes)) {
+        if (promise_ != Promise::written) drop_->declinePromise();
+        return readImage(0);
+    }
+    drop_->load(kPromisedBytes, [self = shared_from_this()](const std::optional<QByteArray>& bytes) {
+        if (bytes && !bytes->isEmpty()) {
+            self->imageName_ = self->promisedName_;
+            self->image_ = *bytes;
+        } else if (self->promise_ != Promise::written) {
+            self->drop_->declinePromise();
+        }
+        self->readImage(0);
+    });
 }
 
 void DropReading::readImage(int kind) {
     const QStringList offered = drop_->types();
     while (kind < int(kImageDropTypes.size()) && !offered.contains(kImageDropTypes[kind].type)) ++kind;
-    if (kind == int(kImageDropTypes.size())) return takeLinks();
+    if (!image_.isEmpty() || kind == int(kImageDropTypes.size())) return readText();
     drop_->load(kImageDropTypes[kind].type, [self = shared_from_this(), kind](const std::optional<QByteArray>& bytes) {
         if (!bytes || bytes->isEmpty()) return self->readImage(kind + 1);
-        const QString name = self->nameFor_(kImageDropTypes[kind].extension);
-        self->onDisk([folder = self->folder_, name, bytes] { return writeNewFile(folder, name, *bytes); },
-                     [self](const std::optional<QUrl>& file) {
-                         if (file)
-                             self->finish({*file}, {});
-                         else
-                             self->takeLinks();
-                     });
+        self->imageName_ = self->nameFor_(kImageDropTypes[kind].extension);
+        self->image_ = *bytes;
+        self->readText();
     });
-}
-
-void DropReading::takeLinks() {
-    if (links_.isEmpty())
-        readText();
-    else
-        finish({}, links_);
 }
 
 void DropReading::readText() {
-    if (!drop_->types().contains(kText)) return finish({}, {});
+    if (!image_.isEmpty() || !bites_.isEmpty() || !drop_->types().contains(kText)) return formsRead();
     drop_->load(kText, [self = shared_from_this()](const std::optional<QByteArray>& bytes) {
-        const QByteArray whole = bytes.value_or(QByteArray());
-        const auto blank = [](char c) { return c == ' ' || (c >= '\t' && c <= '\r'); };
-        const auto start = std::find_if_not(whole.begin(), whole.end(), blank) - whole.begin();
-        const QString text = firstCharacters(QString::fromUtf8(whole.mid(start, kMostTextBytes)).trimmed());
-        self->finish({}, text.isEmpty() ? QList<Bite>() : QList{Bite::note(text)});
+        self->away([bytes = bytes.value_or(QByteArray())] { return noteText(bytes); },
+                   [self](const QString& text) {
+                       if (!text.isEmpty()) self->bites_.append(Bite::note(text));
+                       self->formsRead();
+                   });
     });
+}
+
+void DropReading::formsRead() {
+    drop_.reset();
+    if (promise_ == Promise::written) return awaitPromise(false);
+    // What a source has left behind that then refused is nobody's; the next start finds it.
+    if (inbox_) disk_.run([inbox = inbox_] { inbox->discard(); });
+    writeImage();
+}
+
+void DropReading::writeImage() {
+    if (image_.isEmpty()) return finish({}, bites_);
+    away([folder = folder_, name = imageName_, bytes = image_] { return writeNewFile(folder, name, bytes); },
+         [self = shared_from_this()](const std::optional<QUrl>& file) {
+             if (file)
+                 self->finish({*file}, {});
+             else
+                 self->finish({}, self->bites_);
+         });
 }
 
 void DropReading::finish(const QList<QUrl>& files, const QList<Bite>& bites) {
@@ -128,8 +175,8 @@ void DropReading::finish(const QList<QUrl>& files, const QList<Bite>& bites) {
     loop_.post([done = done_, files, bites] { done(files, bites); });
 }
 
-void DropReading::onDisk(std::function<std::optional<QUrl>()> job,
-                         std::function<void(const std::optional<QUrl>&)> then) {
+template <class Job, class Then>
+void DropReading::away(Job job, Then then) {
     disk_.run([&loop = loop_, job = std::move(job), then = std::move(then)]() mutable {
         // Posted together with what it holds, so that the drop is let go on the main thread.
         loop.post([made = job(), then = std::move(then)] { then(made); });

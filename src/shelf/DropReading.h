@@ -9,14 +9,20 @@
 #include "platform/Drop.h"
 #include "platform/MainLoop.h"
 #include "shelf/Bite.h"
+#include "shelf/Inbox.h"
+#include "shelf/UrlList.h"
 
 class BackgroundQueue;
 
 /// The reading of one drop: asks for its forms in the order of preference until one of them gives something. Lives as
 /// long as an answer is out. Main thread only.
 ///
-/// Files come first, then a file that the source writes for us, an image, a link, and text. So an image out of a
+/// Files come first, then files that the source writes for us, an image, a link, and text. So an image out of a
 /// browser becomes a file, not a link to it.
+///
+/// A source's word that it has written says little: some begin only afterwards, some when the drop is over. So a drop
+/// whose promise has not come true after a second is read in its other forms and let go, and what they gave is kept for
+/// the case that no file ever comes.
 class DropReading : public std::enable_shared_from_this<DropReading> {
  public:
     using Done = std::function<void(const QList<QUrl>& files, const QList<Bite>& bites)>;
@@ -27,18 +33,26 @@ class DropReading : public std::enable_shared_from_this<DropReading> {
                       MainLoop& loop, BackgroundQueue& disk, Done done);
 
  private:
+    enum class Promise { none, open, written, refused };
+
     DropReading(std::shared_ptr<Drop> drop, QUrl folder, std::function<QString(const QString&)> nameFor, MainLoop& loop,
                 BackgroundQueue& disk, Done done);
 
-    void readUrls();
+    void readUrls(int kind);
+    void takeUrls(const UrlList& urls, int kind);
     void savePromise();
-    void promiseSaved(const QUrl& inbox, const QString& name);
+    void awaitPromise(bool prompt);
+    void promiseAwaited(Inbox::Contents contents, bool prompt);
+    void bringOut();
+    void readPromisedBytes();
     void readImage(int kind);
-    void takeLinks();
     void readText();
+    void formsRead();
+    void writeImage();
     void finish(const QList<QUrl>& files, const QList<Bite>& bites);
     /// Runs `job` away from the main thread and hands its result to `then` on it.
-    void onDisk(std::function<std::optional<QUrl>()> job, std::function<void(const std::optional<QUrl>&)> then);
+    template <class Job, class Then>
+    void away(Job job, Then then);
 
     std::shared_ptr<Drop> drop_;
     QUrl folder_;
@@ -46,5 +60,12 @@ class DropReading : public std::enable_shared_from_this<DropReading> {
     MainLoop& loop_;
     BackgroundQueue& disk_;
     Done done_;
-    QList<Bite> links_;
+
+    Promise promise_ = Promise::none;
+    QString promisedName_;
+    std::shared_ptr<Inbox> inbox_;
+    // What the other forms gave: an image to be written under a name, or bites.
+    QString imageName_;
+    QByteArray image_;
+    QList<Bite> bites_;
 };

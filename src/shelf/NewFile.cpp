@@ -1,19 +1,23 @@
 #include "shelf/NewFile.h"
 
-#include <unistd.h>
+#include <fcntl.h>
+#include <sys/random.h>
+#include <sys/stat.h>
 
-#include <QDateTime>
 #include <QDir>
-#include <QFileInfo>
-#include <QTemporaryDir>
-#include <QTemporaryFile>
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+
+#include "platform/FileUrls.h"
 
 namespace {
 
-const QString kHiddenName = QStringLiteral(".glimmet-XXXXXX");  // of what is not whole yet
-constexpr int kMostAttempts = 1000;
+constexpr mode_t kMode = 0644;
 constexpr qsizetype kLongestExtension = 16;
 constexpr qsizetype kMostBytes = 230;  // of the 255 that a name may have, so that a counter fits
+
+enum class Naming { done, taken, failed };
 
 /// Where the part of a name begins that tells what kind of file it is: ".tar.gz", but of the time "20.07.33.png" only
 /// ".png".
@@ -30,14 +34,61 @@ QString counted(const QString& name, int counter) {
     return QStringLiteral("%1-%2").arg(name.left(end)).arg(counter) + name.mid(end);
 }
 
-/// Renames to the first free name of its kind; QFile::rename() never replaces a file.
-std::optional<QUrl> moveUnder(QFile& file, const QDir& folder, const QString& name) {
-    for (int counter = 1; counter <= kMostAttempts; ++counter) {
-        const QString target = folder.filePath(counted(name, counter));
-        if (file.rename(target)) return QUrl::fromLocalFile(target);
-        if (!QFileInfo::exists(target) && !QFileInfo(target).isSymLink()) return {};
+/// Tries `name` and then one counter after the other: a folder is finite, so one of them is free.
+template <class Attempt>
+std::optional<QByteArray> underFreeName(const QString& name, const Attempt& attempt) {
+    for (int counter = 1;; ++counter) {
+        QByteArray target = counted(name, counter).toUtf8();
+        const Naming naming = attempt(target.constData());
+        if (naming == Naming::done) return target;
+        if (naming == Naming::failed) return {};
     }
-    return {};
+}
+
+Naming refusal() {
+    return errno == EEXIST ? Naming::taken : Naming::failed;
+}
+
+/// For a file system that always replaces: gives it something empty of ours to replace.
+Naming moveOverOurs(int from, const char* name, int to, const char* target) {
+    struct stat info {};
+    if (::fstatat(from, name, &info, AT_SYMLINK_NOFOLLOW) != 0) return Naming::failed;
+    const bool folder = S_ISDIR(info.st_mode);
+    if (folder) {
+        if (::mkdirat(to, target, S_IRWXU) != 0) return refusal();
+    } else if (!OwnedDescriptor(::openat(to, target, O_RDONLY | O_CREAT | O_EXCL | O_CLOEXEC, kMode))) {
+        return refusal();
+    }
+    if (::renameat(from, name, to, target) == 0) return Naming::done;
+    ::unlinkat(to, target, folder ? AT_REMOVEDIR : 0);
+    return Naming::failed;
+}
+
+Naming move(int from, const char* name, int to, const char* target) {
+    if (::renameat2(from, name, to, target, RENAME_NOREPLACE) == 0) return Naming::done;
+    if (errno != EINVAL && errno != ENOSYS) return refusal();
+    return moveOverOurs(from, name, to, target);
+}
+
+bool writeAll(int file, const QByteArray& contents) {
+    for (qsizetype done = 0; done < contents.size();) {
+        const ssize_t written = ::write(file, contents.constData() + done, size_t(contents.size() - done));
+        if (written < 0 && errno != EINTR) return false;
+        done += std::max<ssize_t>(written, 0);
+    }
+    return ::fsync(file) == 0;
+}
+
+/// For a file system that has no files without names.
+std::optional<QByteArray> writeHidden(int folder, const QString& name, const QByteArray& contents) {
+    const QByteArray draft = newHiddenName(".glimmet-draft-");
+    const OwnedDescriptor file(
+        ::openat(folder, draft.constData(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kMode));
+    if (!file) return {};
+    std::optional<QByteArray> made;
+    if (writeAll(file.get(), contents)) made = moveUnderFreeName(folder, draft, folder, name);
+    if (!made) ::unlinkat(folder, draft.constData(), 0);
+    return made;
 }
 
 /// Control characters, and those that turn the direction of writing around: they make "exe.jpg" out of "gpj.exe".
@@ -46,70 +97,63 @@ bool misleading(QChar c) {
     return turns || c.category() == QChar::Other_Control;
 }
 
-/// What a program left half-done that ended in the middle. A day later nobody works on it any more.
-void removeAbandoned(const QDir& folder) {
-    const QDateTime yesterday = QDateTime::currentDateTimeUtc().addDays(-1);
-    const QStringList pattern{QString(kHiddenName).replace(u'X', u'?')};
-    for (const QFileInfo& left : folder.entryInfoList(pattern, QDir::AllEntries | QDir::Hidden | QDir::System)) {
-        if (left.lastModified() > yesterday) continue;
-        if (left.isDir() && !left.isSymLink())
-            QDir(left.filePath()).removeRecursively();
-        else
-            QFile::remove(left.filePath());
-    }
-}
-
-bool cutToBytes(QString& text, qsizetype most) {
-    if (text.toUtf8().size() <= most) return false;
-    while (text.toUtf8().size() > most) text.chop(text.size() > 1 && text.back().isLowSurrogate() ? 2 : 1);
-    return true;
+/// The longest beginning of `text` that takes `most` bytes and cuts no character.
+QString beginning(const QString& text, qsizetype most) {
+    QByteArray bytes = text.toUtf8();
+    if (bytes.size() <= most) return text;
+    while (most > 0 && (uchar(bytes[most]) & 0xc0) == 0x80) --most;
+    return QString::fromUtf8(bytes.left(most));
 }
 
 }  // namespace
 
+OwnedDescriptor openFolder(const QUrl& folder) {
+    QDir().mkpath(folder.toLocalFile());
+    return OwnedDescriptor(::open(pathOf(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+}
+
+QByteArray newHiddenName(const QByteArray& prefix) {
+    quint64 number = 0;
+    // Cannot fail for so few bytes once the machine is up.
+    if (::getrandom(&number, sizeof number, 0) != sizeof number) number = quint64(::getpid());
+    return prefix + QByteArray::number(number, 36);
+}
+
 std::optional<QUrl> writeNewFile(const QUrl& folder, const QString& name, const QByteArray& contents) {
-    const QDir dir(folder.toLocalFile());
-    QTemporaryFile draft(dir.filePath(kHiddenName));
-    if (!draft.open() || draft.write(contents) != contents.size() || !draft.flush()) return {};
-    if (::fsync(draft.handle()) != 0) return {};
-    QFile file(draft.fileName());
-    draft.setAutoRemove(false);
-    draft.close();
-    file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup | QFile::ReadOther);
-    auto made = moveUnder(file, dir, name);
-    if (!made) file.remove();
-    return made;
+    const OwnedDescriptor dir = openFolder(folder);
+    if (!dir) return {};
+    const OwnedDescriptor file(::openat(dir.get(), ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, kMode));
+    std::optional<QByteArray> made;
+    if (file) {
+        if (!writeAll(file.get(), contents)) return {};
+        const QByteArray self = "/proc/self/fd/" + QByteArray::number(file.get());
+        made = underFreeName(name, [&](const char* target) {
+            return ::linkat(AT_FDCWD, self.constData(), dir.get(), target, AT_SYMLINK_FOLLOW) == 0 ? Naming::done
+                                                                                                   : refusal();
+        });
+    } else if (errno == EOPNOTSUPP || errno == EISDIR || errno == EINVAL) {
+        made = writeHidden(dir.get(), name, contents);
+    }
+    if (!made) return {};
+    ::fsync(dir.get());
+    return fileUrl(pathOf(folder) + *made);
 }
 
-std::optional<QUrl> makeInbox(const QUrl& folder) {
-    const QDir parent(folder.toLocalFile());
-    removeAbandoned(parent);
-    QTemporaryDir dir(parent.filePath(kHiddenName));
-    dir.setAutoRemove(false);
-    if (!dir.isValid()) return {};
-    return QUrl::fromLocalFile(dir.path() + u'/');
-}
-
-std::optional<QUrl> emptyInbox(const QUrl& inbox, const QString& name, const QUrl& folder) {
-    QDir dir(inbox.toLocalFile());
-    QFile file(dir.filePath(name));
-    const QFileInfo info(file);
-    std::optional<QUrl> taken;
-    if (!name.isEmpty() && info.isFile() && !info.isSymLink())
-        taken = moveUnder(file, QDir(folder.toLocalFile()), name);
-    dir.removeRecursively();
-    return taken;
+std::optional<QByteArray> moveUnderFreeName(int from, const QByteArray& name, int to, const QString& wanted) {
+    return underFreeName(wanted, [&](const char* target) { return move(from, name.constData(), to, target); });
 }
 
 QString sanitizedFileName(const QByteArray& name) {
     QString clean = QString::fromUtf8(name.mid(name.lastIndexOf('/') + 1));
     clean.removeIf(misleading);
-    while (clean.startsWith(u'.') || (!clean.isEmpty() && clean.front().isSpace())) clean.remove(0, 1);
+    const auto harmless = [](QChar c) { return c != u'.' && !c.isSpace(); };
+    clean.remove(0, std::find_if(clean.begin(), clean.end(), harmless) - clean.begin());
     clean = clean.trimmed();
     const QString extension = clean.mid(extensionStart(clean));
-    if (cutToBytes(clean, kMostBytes) && extension.size() <= kLongestExtension) {
-        cutToBytes(clean, kMostBytes - extension.toUtf8().size());
-        clean += extension;
+    if (clean.toUtf8().size() > kMostBytes) {
+        const bool kept = extension.size() <= kLongestExtension;
+        clean =
+            kept ? beginning(clean, kMostBytes - extension.toUtf8().size()) + extension : beginning(clean, kMostBytes);
     }
     return clean.isEmpty() ? QStringLiteral("Dropped") : clean;
 }

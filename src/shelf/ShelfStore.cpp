@@ -1,5 +1,3 @@
-#include <QDir>
-
 #include "creature/NotchModel.h"
 #include "platform/FileReferences.h"
 #include "platform/Preferences.h"
@@ -58,7 +56,5 @@ void NotchModel::saveHidden() {
 }
 
 QUrl NotchModel::droppedFolder() const {
-    const QString path = shelf_.dataFolder + QStringLiteral("/Glimmet/Dropped");
-    QDir().mkpath(path);
-    return QUrl::fromLocalFile(path + u'/');
+    return QUrl::fromLocalFile(shelf_.dataFolder + QStringLiteral("/Glimmet/Dropped/"));
 }

@@ -2,6 +2,7 @@
 
 #include <QStringDecoder>
 #include <QSysInfo>
+#include <algorithm>
 
 #include "platform/FileUrls.h"
 
@@ -9,6 +10,9 @@ namespace {
 
 constexpr int kMostUrls = 2000;
 constexpr qsizetype kMostBytes = qsizetype(kMostUrls) * 512;
+constexpr qsizetype kLongestAddress = 8 << 10;
+// What Linux can open: PATH_MAX with its final zero, and NAME_MAX.
+constexpr qsizetype kLongestPath = 4095, kLongestName = 255;
 
 /// The whole lines at the end of `bytes` that are read.
 QByteArray ending(const QByteArray& bytes) {
@@ -17,32 +21,50 @@ QByteArray ending(const QByteArray& bytes) {
     return start < 0 ? QByteArray() : bytes.mid(start + 1);
 }
 
-std::optional<QUrl> parseUrl(const QByteArray& line) {
-    QUrl url = QUrl::fromEncoded(line.trimmed());
-    if (!url.isValid() || url.scheme().isEmpty()) return {};
-    if (!url.isLocalFile()) return url;
-    // Sources that follow the rules name the machine that the file is on.
-    const QString host = url.host();
-    if (host == QLatin1String("localhost") || host.compare(QSysInfo::machineHostName(), Qt::CaseInsensitive) == 0)
-        url.setHost(QString());
-    const QByteArray path = pathOf(url);
-    if (!path.startsWith('/') || path.contains('\0')) return {};
-    return fileUrl(path);
+bool possiblePath(const QByteArray& path) {
+    if (!path.startsWith('/') || path.contains('\0') || path.size() > kLongestPath) return false;
+    const auto names = path.split('/');
+    return std::all_of(names.begin(), names.end(), [](const auto& name) { return name.size() <= kLongestName; });
+}
+
+void add(const QByteArray& line, UrlList& list) {
+    // A path may be written in three times its length.
+    if (line.size() > 3 * kLongestPath + kLongestName || isDataUrl(line)) return;
+    QUrl url = QUrl::fromEncoded(line);
+    if (!url.isValid() || url.scheme().isEmpty()) return;
+    if (url.isLocalFile()) {
+        // Sources that follow the rules name the machine that the file is on.
+        const QString host = url.host();
+        if (host == QLatin1String("localhost") || host.compare(QSysInfo::machineHostName(), Qt::CaseInsensitive) == 0)
+            url.setHost(QString());
+        const QByteArray path = pathOf(url);
+        if (url.host().isEmpty()) {
+            if (possiblePath(path)) list.files.append(fileUrl(path));
+            return;
+        }
+    }
+    if (url.toEncoded().size() <= kLongestAddress) list.links.append(url);
+}
+
+void keepLast(QList<QUrl>& urls) {
+    if (urls.size() > kMostUrls) urls.remove(0, urls.size() - kMostUrls);
 }
 
 }  // namespace
 
-QList<QUrl> parseUrls(const QString& type, const QByteArray& bytes) {
-    const bool list = type == QLatin1String("text/uri-list");
-    QByteArray text = bytes;
-    if (type == QLatin1String("text/x-moz-url"))
-        text = QString(QStringDecoder(QStringDecoder::Utf16LE)(bytes.left(kMostBytes))).toUtf8();
-    QList<QUrl> urls;
-    for (const QByteArray& line : ending(text).split('\n')) {
-        if (line.startsWith('#')) continue;
-        if (const auto url = parseUrl(line)) urls.append(*url);
-        if (!list) break;
+UrlList parseUrls(const QString& type, const QByteArray& bytes) {
+    UrlList list;
+    const bool utf16 = type == QLatin1String("text/x-moz-url");
+    const QByteArray text = utf16 ? QString(QStringDecoder(QStringDecoder::Utf16LE)(bytes)).toUtf8() : bytes;
+    list.image = imageInDataUrl(text.left(text.indexOf('\n')).trimmed());
+    if (type != QLatin1String("text/uri-list")) {
+        add(text.left(text.indexOf('\n')).trimmed(), list);
+        return list;
     }
-    if (urls.size() > kMostUrls) urls.remove(0, urls.size() - kMostUrls);
-    return urls;
+    for (const QByteArray& line : ending(text).split('\n')) {
+        if (!line.startsWith('#')) add(line.trimmed(), list);
+    }
+    keepLast(list.files);
+    keepLast(list.links);
+    return list;
 }

@@ -177,6 +177,7 @@ class MemoryDrop : public Drop {
         file.close();
         done(kept);
     }
+    void declinePromise() override { declined = true; }
     void offer(const char* type, const QByteArray& data) {
         offered.append(QString::fromLatin1(type));
         forms.insert(QString::fromLatin1(type), data);
@@ -185,7 +186,7 @@ class MemoryDrop : public Drop {
     QStringList offered, loaded;
     QHash<QString, QByteArray> forms;
     std::optional<QByteArray> promise, saved;
-    bool kept = true;
+    bool kept = true, declined = false;
 };
 
 /// Files have no icons until the test gives one.

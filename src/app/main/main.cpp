@@ -49,7 +49,7 @@ int main(int argc, char** argv) {
     SystemClock clock;
     QtMainLoop loop;
     ThreadQueue background;
-    ThreadQueue references, pictures;  // a dead disk may hold up all of a queue's threads
+    ThreadQueue references, pictures, drops;  // a dead disk may hold up all of a queue's threads
     ThreadSerialQueue writing;
     ThreadSerialQueue playing;
     ThreadSerialQueue jobs;
@@ -80,7 +80,7 @@ int main(int argc, char** argv) {
               .sharing = sharing,
               .icons = icons,
               .worker = worker,
-              .disk = background,
+              .disk = drops,
               .jobs = jobs,
               .random = [] { return QRandomGenerator::global()->generateDouble(); },
               .popUp = [](const QList<MenuItem>& items, QPointF at) { popUp(items, toQt(at).toPoint()); },

@@ -16,6 +16,7 @@ class CopiedDrop : public Drop {
     void load(const QString& type, std::function<void(std::optional<QByteArray>)> done) override;
     std::optional<QByteArray> promisedName() const override { return {}; }
     void savePromise(const QUrl&, std::function<void(bool saved)> done) override { done(false); }
+    void declinePromise() override {}
 
  private:
     QStringList types_;

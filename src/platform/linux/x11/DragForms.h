@@ -6,10 +6,13 @@
 
 /// A form in which X11 programs offer what they drag, and which we can use.
 struct DragForm {
-    enum class Kind { link, promise, text, image };
+    enum class Kind { link, promise, text, image, contents };
     const char* target;  ///< the name that it goes by in X11
     Kind kind;
 };
 
-/// Those forms among `targets` that we can use, in the order of `targets`.
+/// How many of the targets that a program offers are looked at; the longest lists of browsers have some thirty.
+constexpr uint32_t mostTargets = 256;
+
+/// Those forms among the first `mostTargets` of `targets` that we can use, in the order of `targets`.
 std::vector<DragForm> usableForms(X11Connection& connection, const std::vector<xcb_atom_t>& targets);

@@ -3,8 +3,9 @@
 #include <algorithm>
 
 namespace {
-constexpr int64_t mostBytes = 64 << 20;
-constexpr double longestSeconds = 60;
+constexpr uint32_t unit = 4;  // bytes, in which the server counts
+// What is fetched at once keeps the loop for less than a millisecond.
+constexpr uint32_t sliceBytes = 256 << 10;
 }  // namespace
 
 SelectionReader::SelectionReader(std::shared_ptr<X11Connection> connection, MainLoop& loop, const QByteArray& selection,
@@ -25,18 +26,19 @@ SelectionReader::~SelectionReader() {
     connection_->flush();
 }
 
-void SelectionReader::read(xcb_atom_t target, double patience, Done done) {
+void SelectionReader::read(xcb_atom_t target, const Limits& limits, Done done) {
     const xcb_atom_t property = connection_->atom("GLIMMET_SELECTION_" + QByteArray::number(++count_));
     const auto read =
-        reads_.insert_or_assign(property, Read{target, patience, std::move(done), false, {}, {}, {}}).first;
-    read->second.end = loop_.after(longestSeconds, [this, property] { finish(property, {}); });
+        reads_.insert_or_assign(property, Read{target, limits, std::move(done), false, 0, {}, {}, {}, {}}).first;
+    read->second.end = loop_.after(limits.longest, [this, property] { finish(property, {}); });
     awaitMore(read);
     xcb_convert_selection(connection_->xcb(), window_, selection_, target, property, time_);
     connection_->flush();
 }
 
 void SelectionReader::awaitMore(Reads::iterator read) {
-    read->second.stall = loop_.after(read->second.patience, [this, property = read->first] { finish(property, {}); });
+    read->second.stall =
+        loop_.after(read->second.limits.patience, [this, property = read->first] { finish(property, {}); });
 }
 
 void SelectionReader::handle(const xcb_generic_event_t& event) {
@@ -47,42 +49,67 @@ void SelectionReader::handle(const xcb_generic_event_t& event) {
         const auto& notify = as<xcb_property_notify_event_t>(event);
         if (notify.window != window_ || notify.state != XCB_PROPERTY_NEW_VALUE) return;
         const auto read = reads_.find(notify.atom);
-        if (read != reads_.end() && read->second.inPieces) take(read);
+        if (read != reads_.end() && read->second.inPieces && !read->second.next) take(read->first);
     }
 }
 
 void SelectionReader::answered(const xcb_selection_notify_event_t& notify) {
     // A refusal does not name the property.
     const auto read = std::find_if(reads_.begin(), reads_.end(), [&](const auto& one) {
-        return one.second.target == notify.target && !one.second.inPieces &&
+        return one.second.target == notify.target && !one.second.inPieces && !one.second.next &&
                (notify.property == XCB_NONE || notify.property == one.first);
     });
     if (read == reads_.end()) return;
     if (notify.property == XCB_NONE) return finish(read->first, {});
-    take(read);
+    take(read->first);
 }
 
-void SelectionReader::take(Reads::iterator read) {
-    const xcb_atom_t property = read->first;
-    Data& data = read->second.data;
-    const uint32_t mostUnits = uint32_t((mostBytes - data.bytes.size()) / 4 + 1);
-    const auto reply = connection_->ask(xcb_get_property, xcb_get_property_reply, true, window_, property,
-                                        xcb_atom_t(XCB_GET_PROPERTY_TYPE_ANY), 0, mostUnits);
-    const bool missing = !reply || reply->type == XCB_ATOM_NONE;
-    if (missing && read->second.inPieces) return;  // an event for a piece that was taken already
-    if (missing || reply->bytes_after > 0) return finish(property, {});
-    if (!read->second.inPieces && reply->type == connection_->atom("INCR")) {
-        // Deleting the property, as was done just now, asks for the first piece.
+void SelectionReader::take(xcb_atom_t property) {
+    const auto read = reads_.find(property);
+    if (read == reads_.end()) return;
+    read->second.next.cancel();
+    const auto slice = connection_->ask(xcb_get_property, xcb_get_property_reply, false, window_, property,
+                                        xcb_atom_t(XCB_GET_PROPERTY_TYPE_ANY), read->second.offset, sliceBytes / unit);
+    const bool missing = !slice || slice->type == XCB_ATOM_NONE;
+    if (missing && read->second.inPieces && read->second.offset == 0) return;  // a piece that was taken already
+    if (missing) return finish(property, {});
+    if (!read->second.inPieces && slice->type == connection_->atom("INCR")) {
         read->second.inPieces = true;
+        remove(property);  // which asks for the first piece
         return awaitMore(read);
     }
-    data.type = reply->type;
-    data.format = reply->format;
-    const int length = xcb_get_property_value_length(reply.get());
-    data.bytes.append(static_cast<const char*>(xcb_get_property_value(reply.get())), length);
-    if (data.bytes.size() > mostBytes) return finish(property, {});
-    if (read->second.inPieces && length > 0) return awaitMore(read);
-    finish(property, std::move(data));
+    sliceTaken(read, *slice);
+}
+
+void SelectionReader::sliceTaken(Reads::iterator read, const xcb_get_property_reply_t& slice) {
+    const xcb_atom_t property = read->first;
+    Data& data = read->second.data;
+    const Limits& limits = read->second.limits;
+    const int length = xcb_get_property_value_length(&slice);
+    const qsizetype room = limits.mostBytes - data.bytes.size();
+    const qsizetype waiting = length + qsizetype(slice.bytes_after);
+    if (waiting > room && !limits.cut) return finish(property, {});
+    if (read->second.offset == 0 && slice.bytes_after > 0)
+        data.bytes.reserve(data.bytes.size() + std::min(waiting, room));
+    data.type = slice.type;
+    data.format = slice.format;
+    data.bytes.append(static_cast<const char*>(xcb_get_property_value(&slice)), std::min<qsizetype>(length, room));
+    if (length > 0 && slice.bytes_after > 0 && length < room) {
+        read->second.offset += uint32_t(length) / unit;
+        read->second.next = loop_.after(0, [this, property] { take(property); });
+        return awaitMore(read);
+    }
+    const bool last = length >= room || !read->second.inPieces || (length == 0 && read->second.offset == 0);
+    read->second.offset = 0;
+    remove(property);
+    if (last) return finish(property, std::move(data));
+    awaitMore(read);
+}
+
+// The owner of an answer in pieces takes this for the wish for the next.
+void SelectionReader::remove(xcb_atom_t property) {
+    xcb_delete_property(connection_->xcb(), window_, property);
+    connection_->flush();
 }
 
 void SelectionReader::finish(xcb_atom_t property, std::optional<Data> data) {

@@ -16,6 +16,12 @@ class SelectionReader {
         QByteArray bytes;
     };
     using Done = std::function<void(std::optional<Data>)>;
+    struct Limits {
+        double patience;      ///< seconds in which the owner sends nothing
+        double longest = 60;  ///< seconds in all
+        qsizetype mostBytes = 64 << 20;
+        bool cut = false;  ///< whether the first `mostBytes` of a longer answer are wanted
+    };
 
     /// `time` is when `selection` came to its owner or was dropped. `loop` must live longer than this.
     SelectionReader(std::shared_ptr<X11Connection> connection, MainLoop& loop, const QByteArray& selection,
@@ -25,25 +31,28 @@ class SelectionReader {
     SelectionReader(const SelectionReader&) = delete;
     SelectionReader& operator=(const SelectionReader&) = delete;
 
-    /// Asks for the form `target` and calls `done` later, once: with nothing when the owner refuses, sends nothing for
-    /// `patience` seconds, goes on for more than a minute or sends more than 64 MiB. `done` may delete this.
-    void read(xcb_atom_t target, double patience, Done done);
+    /// Asks for the form `target` and calls `done` later, once: with nothing when the owner refuses or goes beyond the
+    /// limits. A large answer is fetched in many small steps of the loop. `done` may delete this.
+    void read(xcb_atom_t target, const Limits& limits, Done done);
 
  private:
     struct Read {
         xcb_atom_t target;
-        double patience;
+        Limits limits;
         Done done;
         bool inPieces = false;
+        uint32_t offset = 0;  // of what is still to be taken of the property, in units of four bytes
         Data data;
-        TimerHandle stall, end;
+        TimerHandle stall, end, next;
     };
     using Reads = std::map<xcb_atom_t, Read>;
 
     void handle(const xcb_generic_event_t& event);
     void answered(const xcb_selection_notify_event_t& notify);
-    /// Takes what the owner has written into the read's property.
-    void take(Reads::iterator read);
+    /// Takes a slice of what the owner has written into the read's property.
+    void take(xcb_atom_t property);
+    void sliceTaken(Reads::iterator read, const xcb_get_property_reply_t& slice);
+    void remove(xcb_atom_t property);
     void awaitMore(Reads::iterator read);
     void finish(xcb_atom_t property, std::optional<Data> data);
 

@@ -13,6 +13,6 @@ void leaveX11Clipboard(const std::shared_ptr<X11Connection>& connection, MainLoo
     if (!QGuiApplication::clipboard()->ownsClipboard()) return loop.post(std::move(done));
     const auto manager = std::make_shared<SelectionReader>(connection, loop, "CLIPBOARD_MANAGER", XCB_CURRENT_TIME);
     // The reader lives until it has answered.
-    manager->read(connection->atom("SAVE_TARGETS"), patience,
+    manager->read(connection->atom("SAVE_TARGETS"), {.patience = patience},
                   [manager, done = std::move(done)](const auto&) { done(); });
 }

@@ -58,20 +58,21 @@ const xcb_query_extension_reply_t* X11Connection::extension(xcb_extension_t& ext
     return data && data->present ? data : nullptr;
 }
 
-XcbPtr<xcb_get_property_reply_t> X11Connection::property(xcb_window_t window, const QByteArray& name, xcb_atom_t type) {
-    constexpr uint32_t longest = 1 << 16;
-    return ask(xcb_get_property, xcb_get_property_reply, false, window, atom(name), type, 0, longest);
+XcbPtr<xcb_get_property_reply_t> X11Connection::property(xcb_window_t window, const QByteArray& name, xcb_atom_t type,
+                                                         uint32_t most) {
+    return ask(xcb_get_property, xcb_get_property_reply, false, window, atom(name), type, 0, most);
 }
 
-std::vector<uint32_t> X11Connection::values(xcb_window_t window, const QByteArray& name, xcb_atom_t type) {
-    const auto reply = property(window, name, type);
+std::vector<uint32_t> X11Connection::values(xcb_window_t window, const QByteArray& name, xcb_atom_t type,
+                                            uint32_t most) {
+    const auto reply = property(window, name, type, most);
     if (!reply || reply->format != 32) return {};
     const auto* first = static_cast<const uint32_t*>(xcb_get_property_value(reply.get()));
     return {first, first + reply->value_len};
 }
 
-QByteArray X11Connection::bytes(xcb_window_t window, const QByteArray& name, xcb_atom_t type) {
-    const auto reply = property(window, name, type);
+QByteArray X11Connection::bytes(xcb_window_t window, const QByteArray& name, xcb_atom_t type, uint32_t most) {
+    const auto reply = property(window, name, type, most);
     if (!reply || reply->format != 8) return {};
     return {static_cast<const char*>(xcb_get_property_value(reply.get())), int(reply->value_len)};
 }

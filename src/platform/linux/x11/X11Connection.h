@@ -50,10 +50,11 @@ class X11Connection {
     }
     void flush() const { xcb_flush(connection_); }
 
-    /// The 32-bit values of a window's property; empty where it has none.
-    std::vector<uint32_t> values(xcb_window_t window, const QByteArray& name, xcb_atom_t type);
-    /// A property as bytes; empty where the window has none.
-    QByteArray bytes(xcb_window_t window, const QByteArray& name, xcb_atom_t type);
+    /// The 32-bit values of a window's property, the first `most` of them; empty where it has none.
+    std::vector<uint32_t> values(xcb_window_t window, const QByteArray& name, xcb_atom_t type,
+                                 uint32_t most = kMostUnits);
+    /// A property as bytes, the first four times `most`; empty where the window has none.
+    QByteArray bytes(xcb_window_t window, const QByteArray& name, xcb_atom_t type, uint32_t most = kMostUnits);
 
     /// Calls `handler` for every event while the result lives.
     [[nodiscard]] Observation handle(std::function<void(const xcb_generic_event_t&)> handler) {
@@ -69,7 +70,9 @@ class X11Connection {
  private:
     X11Connection(xcb_connection_t* connection, int screenNumber);
 
-    XcbPtr<xcb_get_property_reply_t> property(xcb_window_t window, const QByteArray& name, xcb_atom_t type);
+    static constexpr uint32_t kMostUnits = 1 << 16;
+    XcbPtr<xcb_get_property_reply_t> property(xcb_window_t window, const QByteArray& name, xcb_atom_t type,
+                                              uint32_t most);
     void pump();
     void collectQueued();
 

@@ -13,6 +13,7 @@ namespace {
 // A source that lists its targets does so in some milliseconds; a drag is at the creature within half a second.
 constexpr double patience = 0.3;
 constexpr uint32_t lastRealButton = 3;  // the others are wheels, which turn during drags
+constexpr qsizetype targetBytes = qsizetype(mostTargets) * qsizetype(sizeof(xcb_atom_t));
 constexpr char selectionName[] = "XdndSelection";
 }  // namespace
 
@@ -62,23 +63,25 @@ void X11DragPasteboard::canReadUsable(std::function<void(bool usable)> answer) {
     }
     none_.cancel();
     reader_ = std::make_unique<SelectionReader>(connection_, loop_, selectionName, since_);
-    reader_->read(connection_->atom("TARGETS"), patience, [this](const auto& data) {
-        if (!data || data->format != 32 || data->bytes.isEmpty()) return finish(usableByTypeList());
-        std::vector<xcb_atom_t> targets(size_t(data->bytes.size()) / sizeof(xcb_atom_t));
-        std::memcpy(targets.data(), data->bytes.constData(), targets.size() * sizeof(xcb_atom_t));
-        finish(usable(targets));
-    });
+    reader_->read(connection_->atom("TARGETS"), {.patience = patience, .mostBytes = targetBytes, .cut = true},
+                  [this](const auto& data) {
+                      if (!data || data->format != 32 || data->bytes.isEmpty()) return finish(usableByTypeList());
+                      std::vector<xcb_atom_t> targets(size_t(data->bytes.size()) / sizeof(xcb_atom_t));
+                      std::memcpy(targets.data(), data->bytes.constData(), targets.size() * sizeof(xcb_atom_t));
+                      finish(usable(targets));
+                  });
 }
 
 bool X11DragPasteboard::usableByTypeList() {
-    const auto types = connection_->values(owner_, "XdndTypeList", XCB_ATOM_ATOM);
+    const auto types = connection_->values(owner_, "XdndTypeList", XCB_ATOM_ATOM, mostTargets);
     return types.empty() || usable(types);
 }
 
 bool X11DragPasteboard::usable(const std::vector<xcb_atom_t>& targets) {
     const auto forms = usableForms(*connection_, targets);
-    return std::any_of(forms.begin(), forms.end(),
-                       [](const DragForm& form) { return form.kind != DragForm::Kind::image; });
+    return std::any_of(forms.begin(), forms.end(), [](const DragForm& form) {
+        return form.kind != DragForm::Kind::image && form.kind != DragForm::Kind::contents;
+    });
 }
 
 void X11DragPasteboard::finish(bool usable) {

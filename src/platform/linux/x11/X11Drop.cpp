@@ -6,7 +6,13 @@
 #include "platform/FileUrls.h"
 
 namespace {
-constexpr double loadPatience = 5, savePatience = 10;  // seconds
+using Limits = SelectionReader::Limits;
+constexpr Limits wholeForm{.patience = 5};
+// Far more than a note can hold.
+constexpr Limits beginningOfText{.patience = 5, .mostBytes = 1 << 20, .cut = true};
+// Who awaits the file sees whether it grows, and knows better when to give up.
+constexpr Limits oneWord{.patience = 3600, .longest = 3600, .mostBytes = 16};
+constexpr uint32_t nameUnits = 1024;  // of four bytes
 constexpr char promiseTarget[] = "XdndDirectSave0";
 /// The forms of text, from the one whose meaning is surest to that whose is least sure.
 constexpr const char* textTargets[] = {"UTF8_STRING", "text/plain;charset=utf-8", "text/plain", "STRING", "TEXT"};
@@ -40,7 +46,7 @@ X11Drop::X11Drop(std::shared_ptr<X11Connection> connection, MainLoop& loop, cons
     const bool promises = std::any_of(forms_.begin(), forms_.end(),
                                       [](const DragForm& form) { return form.kind == DragForm::Kind::promise; });
     if (!promises) return;
-    const QByteArray name = connection_->bytes(peers_.source, promiseTarget, XCB_GET_PROPERTY_TYPE_ANY);
+    const QByteArray name = connection_->bytes(peers_.source, promiseTarget, XCB_GET_PROPERTY_TYPE_ANY, nameUnits);
     if (!name.isEmpty()) promisedName_ = name;
 }
 
@@ -51,7 +57,7 @@ X11Drop::~X11Drop() {
 QStringList X11Drop::types() const {
     QStringList result;
     for (const DragForm& form : forms_) {
-        if (form.kind == DragForm::Kind::promise) continue;
+        if (form.kind == DragForm::Kind::promise || (form.kind == DragForm::Kind::contents && !promisedName_)) continue;
         const QString type = form.kind == DragForm::Kind::text ? textType() : QString::fromLatin1(form.target);
         if (!result.contains(type)) result.append(type);
     }
@@ -68,7 +74,7 @@ void X11Drop::load(const QString& type, Loaded done) {
         }
         return loadText(std::move(targets), std::move(done));
     }
-    reader_.read(connection_->atom(type.toUtf8()), loadPatience, [this, done = std::move(done)](const auto& data) {
+    reader_.read(connection_->atom(type.toUtf8()), wholeForm, [this, done = std::move(done)](const auto& data) {
         const bool usable = data && data->format == 8 && !data->bytes.isEmpty();
         taken_ |= usable;
         done(usable ? std::optional(data->bytes) : std::nullopt);
@@ -79,7 +85,7 @@ void X11Drop::loadText(std::vector<QByteArray> targets, Loaded done) {
     if (targets.empty()) return done({});
     const QByteArray target = targets.front();
     targets.erase(targets.begin());
-    reader_.read(connection_->atom(target), loadPatience,
+    reader_.read(connection_->atom(target), beginningOfText,
                  [this, target, rest = std::move(targets), done = std::move(done)](const auto& data) {
                      const auto text = data ? utf8(target, *data) : std::nullopt;
                      taken_ |= text.has_value();
@@ -101,14 +107,14 @@ std::optional<QByteArray> X11Drop::utf8(const QByteArray& target, const Selectio
 
 void X11Drop::savePromise(const QUrl& target, std::function<void(bool saved)> done) {
     setPromisedFile("file://" + QSysInfo::machineHostName().toUtf8() + pathOf(target).toPercentEncoding("/"));
-    reader_.read(connection_->atom(promiseTarget), savePatience, [this, done = std::move(done)](const auto& data) {
+    reader_.read(connection_->atom(promiseTarget), oneWord, [this, done = std::move(done)](const auto& data) {
         const bool saved = data && data->format == 8 && data->bytes == "S";
         taken_ |= saved;
-        if (!saved) setPromisedFile({});  // which tells the source that its file is nowhere
         done(saved);
     });
 }
 
+// An empty one tells the source that its file is nowhere.
 void X11Drop::setPromisedFile(const QByteArray& uri) {
     xcb_change_property(connection_->xcb(), XCB_PROP_MODE_REPLACE, peers_.source, connection_->atom(promiseTarget),
                         connection_->atom("text/plain"), 8, uint32_t(uri.size()), uri.constData());

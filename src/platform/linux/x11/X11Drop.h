@@ -25,6 +25,7 @@ class X11Drop : public Drop {
     void load(const QString& type, std::function<void(std::optional<QByteArray>)> done) override;
     std::optional<QByteArray> promisedName() const override { return promisedName_; }
     void savePromise(const QUrl& target, std::function<void(bool saved)> done) override;
+    void declinePromise() override { setPromisedFile({}); }
 
  private:
     using Loaded = std::function<void(std::optional<QByteArray>)>;

@@ -3,6 +3,7 @@
 #include <xcb/xinput.h>
 
 #include <QGuiApplication>
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -54,7 +55,7 @@ void X11DropTarget::entered(const xcb_client_message_data_t& message) {
     // Three types fit into the message; where there are more, all are in the property.
     const bool more = message.data32[1] & 1;
     std::vector<xcb_atom_t> types;
-    if (more) types = connection_->values(source_, "XdndTypeList", XCB_ATOM_ATOM);
+    if (more) types = connection_->values(source_, "XdndTypeList", XCB_ATOM_ATOM, mostTargets);
     if (types.empty()) types.assign(message.data32 + 2, message.data32 + 5);
     forms_ = usableForms(*connection_, types);
     connection_->selectInputOnRoot(XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_RELEASE, true);
@@ -110,7 +111,9 @@ void X11DropTarget::forgetSource() {
 }
 
 bool X11DropTarget::accepts() const {
-    return !forms_.empty() && panel_.onDrop && panel_.acceptsDrop && panel_.acceptsDrop();
+    const bool usable = std::any_of(forms_.begin(), forms_.end(),
+                                    [](const DragForm& form) { return form.kind != DragForm::Kind::contents; });
+    return usable && panel_.onDrop && panel_.acceptsDrop && panel_.acceptsDrop();
 }
 
 void X11DropTarget::setTargeted(bool targeted) {
