@@ -30,13 +30,6 @@ class DropPanel : public RedPanel {
         EXPECT_TRUE(waitFor([&] { return answered; }, 8));
         return result;
     }
-    /// Whether the promised file was saved; absent when no answer comes.
-    std::optional<bool> saves(const QUrl& target) {
-        std::optional<bool> result;
-        drop->savePromise(target, [&](bool saved) { result = saved; });
-        EXPECT_TRUE(waitFor([&] { return result.has_value(); }, 13));
-        return result;
-    }
 
     bool accepts = true;
     int asked = 0;

@@ -1,14 +1,12 @@
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
-#include <ctime>
 
 #include "platform/FileUrls.h"
 #include "shelf/DropIntake.h"
+#include "shelf/Inbox.h"
 #include "shelf/NewFile.h"
 #include "shelf/NoteText.h"
 #include "shelf/UrlList.h"
@@ -118,6 +116,19 @@ TEST(DragWatch, ReleasingClosesTheMouthALittleLater) {
     EXPECT_FALSE(f.m.dragNear);
 }
 
+TEST(DragWatch, ADragKeepsTheCreatureAwake) {
+    DropFixture f;
+    f.f.loop.advance(100);
+    f.m.asleep = true;
+    f.beginUsableDrag();
+    EXPECT_FALSE(f.m.asleep);
+    f.f.loop.advance(100);
+    EXPECT_LT(f.f.clock.now() - f.m.lastActivity, 22) << "though it hangs still";
+    f.drops.dragEnded();
+    f.f.loop.advance(100);
+    EXPECT_GT(f.f.clock.now() - f.m.lastActivity, 99);
+}
+
 TEST(DragWatch, ANearDragBringsAHiddenCreatureBackButNotTheWeather) {
     DropFixture f;
     f.m.hidden = true;
@@ -174,6 +185,28 @@ TEST(Drop, AnImageOutOfABrowserBecomesAFile) {
     EXPECT_TRUE(f.m.bites->isEmpty());
 }
 
+TEST(Drop, AnImageThatIsItsOwnAddressBecomesAFile) {
+    const struct {
+        QByteArray address;
+        const char* extension;
+        QByteArray bytes;
+    } cases[] = {{"data:image/png;base64,AAEC/w==", ".png", QByteArray("\0\1\2\xff", 4)},
+                 {"Data:image/svg+xml;charset=utf-8,%3Csvg/%3E", ".svg", "<svg/>"},
+                 {"data:image/jpeg;base64,_-8%3D", ".jpg", "\xff\xef"},
+                 {"data:image/png;base64,", nullptr, {}},
+                 {"data:text/html,<b>", nullptr, {}}};
+    for (const auto& [address, extension, bytes] : cases) {
+        DropFixture f;
+        f.drop->offer("_NETSCAPE_URL", address + "\ntitle");
+        f.handle();
+        EXPECT_TRUE(f.m.bites->isEmpty()) << address.toStdString();
+        ASSERT_EQ(f.m.items->size(), extension ? 1 : 0);
+        if (!extension) continue;
+        EXPECT_TRUE(f.m.items->first().fileName().endsWith(QLatin1String(extension)));
+        EXPECT_EQ(f.contents(f.m.items->first()), bytes);
+    }
+}
+
 TEST(Drop, APromisedFileIsTakenWholeUnderAHarmlessName) {
     DropFixture f;
     f.drop->promise = "../../etc/pass\nwd.txt";
@@ -188,20 +221,6 @@ TEST(Drop, APromisedFileIsTakenWholeUnderAHarmlessName) {
     f.handle();
     EXPECT_EQ(f.m.items->last().fileName(), QStringLiteral("passwd-2.txt"));
     EXPECT_EQ(f.folder().size(), 2);
-}
-
-TEST(Drop, ABrokenPromiseFallsBackOnTheNextForm) {
-    for (const bool half : {false, true}) {
-        DropFixture f;
-        f.drop->promise = "big.iso";
-        if (half) f.drop->saved = "half of";
-        f.drop->kept = !half;  // says that it is there, but it is not; or leaves half of it and says so
-        f.drop->offer("text/uri-list", "https://example.org/big.iso");
-        f.handle();
-        EXPECT_TRUE(f.m.items->isEmpty());
-        EXPECT_EQ(f.m.bites->size(), 1);
-        EXPECT_TRUE(f.folder().isEmpty()) << half;
-    }
 }
 
 TEST(Drop, TextIsTrimmedAndCut) {
@@ -236,8 +255,8 @@ TEST(Drop, WithoutAFolderToWriteInNothingIsLostButTheImage) {
 TEST(UrlList, ReadsWhatProgramsSend) {
     const auto parsed = [](const char* type, const QByteArray& bytes) {
         QStringList list;
-        for (const QUrl& url : parseUrls(QString::fromLatin1(type), bytes))
-            list.append(QString::fromLatin1(url.toEncoded()));
+        const UrlList urls = parseUrls(QString::fromLatin1(type), bytes);
+        for (const QUrl& url : urls.files + urls.links) list.append(QString::fromLatin1(url.toEncoded()));
         return list.join(u' ');
     };
     const QByteArray utf16 = QByteArray(reinterpret_cast<const char*>(u"https://a.example/\nTitle"), 24 * 2);
@@ -250,16 +269,22 @@ TEST(UrlList, ReadsWhatProgramsSend) {
               QStringLiteral("file:///a file:///b mailto:x@y.example"));
     // Any bytes make a name, and equal paths make equal URLs.
     EXPECT_EQ(parsed("text/uri-list", "file:///t%FF%0A%2520%3a"), QStringLiteral("file:///t%FF%0A%2520%3A"));
-    EXPECT_EQ(parseUrls(QStringLiteral("text/uri-list"), "file:///x%3Ay").value(0),
+    EXPECT_EQ(parseUrls(QStringLiteral("text/uri-list"), "file:///x%3Ay").files.value(0),
               QUrl::fromLocalFile(QStringLiteral("/x:y")));
     EXPECT_EQ(parsed("text/uri-list", "file:///a%00b"), QString());
     EXPECT_EQ(parsed("text/uri-list", "file:////server/x"), QStringLiteral("file:///server/x")) << "a folder of ours";
+    // What cannot be kept, or is no place.
+    const QByteArray name(255, 'n');
+    for (const QByteArray& longest : {"https://e.example/" + QByteArray((8 << 10) - 18, 'l'), "file:///" + name})
+        EXPECT_EQ(parsed("text/uri-list", longest + '\n' + longest + 'x'), QString::fromLatin1(longest));
+    EXPECT_EQ(parsed("text/uri-list", "file:///" + (name + '/').repeated(17)), QString());
+    EXPECT_EQ(parsed("text/uri-list", "DATA:text/html,<b>"), QString());
 }
 
 TEST(UrlList, OfAnEndlessListTheEndCounts) {
     QByteArray list;
     for (int i = 0; i < 300000; ++i) list += "file:///f/" + QByteArray::number(i) + "\r\n";
-    const auto urls = parseUrls(QStringLiteral("text/uri-list"), list);
+    const auto urls = parseUrls(QStringLiteral("text/uri-list"), list).files;
     ASSERT_GE(urls.size(), 12);
     EXPECT_LE(urls.size(), 2000);
     EXPECT_EQ(urls.last(), QUrl(QStringLiteral("file:///f/299999")));
@@ -287,19 +312,21 @@ TEST(NewFile, CountersStandBeforeTheExtension) {
     }
 }
 
-TEST(NewFile, AbandonedInboxesAreClearedAwayAndYoungOnesAreNot) {
-    const QTemporaryDir dir;
-    const QUrl folder = QUrl::fromLocalFile(dir.path() + u'/');
-    const auto old = makeInbox(folder), young = makeInbox(folder);
-    ASSERT_TRUE(old && young);
-    QFile half(old->toLocalFile() + QStringLiteral("half"));
-    ASSERT_TRUE(half.open(QFile::WriteOnly));
-    const timespec yesterday{::time(nullptr) - 90000, 0}, times[2] = {yesterday, yesterday};
-    ASSERT_EQ(::utimensat(AT_FDCWD, QFile::encodeName(old->toLocalFile()), times, 0), 0);
-    const auto next = makeInbox(folder);
-    ASSERT_TRUE(next);
-    EXPECT_FALSE(QFileInfo::exists(old->toLocalFile()));
-    EXPECT_TRUE(QFileInfo::exists(young->toLocalFile()) && QFileInfo::exists(next->toLocalFile()));
+TEST(Inbox, WhatAnEarlierRunLeftIsHeldAtTheNextStart) {
+    DropFixture f;
+    const auto inbox = Inbox::make(f.m.droppedFolder());
+    ASSERT_TRUE(inbox);
+    const QString place = QFileInfo(inbox->place(QStringLiteral("x")).toLocalFile()).path() + u'/';
+    ASSERT_TRUE(QDir(place).mkpath(QStringLiteral("folder/inner")));
+    ASSERT_TRUE(QFile(place + QStringLiteral(".hidden")).open(QFile::WriteOnly));
+    ASSERT_TRUE(QFile::link(QStringLiteral("/etc"), place + QStringLiteral("link")));
+    f.drops.takeLeft();
+    f.f.loop.drain();
+    QStringList held;
+    for (const QUrl& item : f.m.items.get()) held.append(item.fileName());
+    EXPECT_EQ(held, (QStringList{QStringLiteral("hidden"), QStringLiteral("folder")}));
+    EXPECT_EQ(f.folder().size(), 3) << "a link leads elsewhere, and stays where it is";
+    EXPECT_TRUE(QFileInfo(place + QStringLiteral("link")).isSymLink());
 }
 
 TEST(NewFile, NamesAreMadeHarmless) {

@@ -203,16 +203,4 @@ TEST(Store, WhatCannotBeReadStaysUntilItIsWrittenAnew) {
     EXPECT_EQ(f.preferences.data(key), encodeBites(notes(1)));
 }
 
-TEST(Store, TheDroppedFolderIsMadeWheneverItIsAskedFor) {
-    CreatureFixture f;
-    const QTemporaryDir folder;
-    const NotchModel m(f.clock, f.loop, f.shelf(folder.path()));
-    for (int i = 0; i < 2; ++i) {
-        EXPECT_EQ(m.droppedFolder(), file(folder.filePath(QStringLiteral("Glimmet/Dropped/"))));
-        QDir dropped(folder.filePath(QStringLiteral("Glimmet/Dropped")));
-        EXPECT_TRUE(dropped.exists());
-        dropped.removeRecursively();
-    }
-}
-
 }  // namespace

@@ -1,21 +1,27 @@
 // A GTK window that is dragged from, like a file manager's or a browser's.
 //
-//   gtk-drag-source X Y [--hang] [--promise works|fails|silent NAME CONTENTS] [TARGET=TEXT | TARGET@FILE]...
+//   gtk-drag-source X Y [--hang] [--promise HOW NAME CONTENTS] [TARGET=TEXT | TARGET@FILE]...
 //
 // It lies at (X, Y), 100 x 100 device pixels, and offers each TARGET (an X11 name such as text/uri-list, image/png or
-// UTF8_STRING) as the given text or the bytes of a file, and a promised file by the Direct Save Protocol, whose writing
-// works, is refused, or is never answered. With --hang it stops itself when it is first asked for data.
+// UTF8_STRING) as the given text or the bytes of a file, and a promised file by the Direct Save Protocol. With --hang
+// it stops itself when it is first asked for data. HOW it keeps its promise:
 //
-// Lines on standard output: "ready"; for each drag "drag-begin", "data TARGET" for what was asked for, "saved PATH" for
-// the promised file, "delete" if it is told to delete what was moved, "drag-failed RESULT" (GTK's number), and
-// "drag-end ACTION", with what became of the promise ("kept" or "void") if there was one.
+//   fails    says so, as Chromium does            late     says that it has, and writes only then, as Firefox does
+//   silent   never answers                        several  says that it has, and writes the file, another and a folder
+//   empty    leaves an empty file                          when the drag is over, as File Roller does
+//   slow     writes for eleven seconds, then answers
+//   swaps    puts a link to the folder CONTENTS in the place of the one that it should write in
+//
+// Lines on standard output: "ready"; for each drag "drag-begin", "data TARGET" for what was asked for, "delete" if it
+// is told to delete what was moved, "drag-failed RESULT" (GTK's number), and "drag-end ACTION", with what became of the
+// promise ("kept" or "void") if there was one.
 
 #include <gtk/gtk.h>
 #include <signal.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <string>
 #include <vector>
 
@@ -25,7 +31,7 @@ constexpr char promiseTarget[] = "XdndDirectSave0";
 struct Offer {
     bool hang = false;
     std::string promise;  // how it goes; empty for none
-    std::string promisedName, promisedContents;
+    std::string promisedName, promisedContents, promisedPath;
     std::vector<std::pair<std::string, std::string>> forms;
 };
 
@@ -94,20 +100,54 @@ void began(GtkWidget*, GdkDragContext* context, Offer* offer) {
     say("drag-begin\n");
 }
 
-void keepPromise(GdkDragContext* context, GtkSelectionData* answer, const Offer& offer) {
+void append(const std::string& path, const std::string& contents) {
+    if (FILE* file = std::fopen(path.c_str(), "a")) {
+        std::fwrite(contents.data(), 1, contents.size(), file);
+        std::fclose(file);
+    }
+}
+
+std::string folderOf(const std::string& path) {
+    return path.substr(0, path.rfind('/'));
+}
+
+gboolean writeLate(gpointer data) {
+    const Offer& offer = *static_cast<Offer*>(data);
+    append(offer.promisedPath, offer.promisedContents);
+    if (offer.promise == "several") {
+        const std::string folder = folderOf(offer.promisedPath);
+        append(folder + "/another.txt", "more");
+        g_mkdir_with_parents((folder + "/folder/inner").c_str(), 0700);
+        append(folder + "/folder/inner/third.txt", "most");
+    }
+    return false;
+}
+
+bool keepPromise(Offer& offer) {
+    const std::string& how = offer.promise;
+    if (how == "fails") return false;
     // A loop within the loop: the program lives on, but this answer never goes out.
-    if (offer.promise == "silent") g_main_loop_run(g_main_loop_new(nullptr, false));
-    bool saved = false;
-    char* host = nullptr;
-    char* path = g_filename_from_uri(promisedUri(context).c_str(), &host, nullptr);
-    if (path && offer.promise == "works" && (!host || !strcmp(host, g_get_host_name())))
-        saved =
-            g_file_set_contents(path, offer.promisedContents.data(), gssize(offer.promisedContents.size()), nullptr);
-    if (saved) say("saved %s\n", path);
+    if (how == "silent") g_main_loop_run(g_main_loop_new(nullptr, false));
+    if (how == "swaps") {
+        const std::string folder = folderOf(offer.promisedPath);
+        return rmdir(folder.c_str()) == 0 && symlink(offer.promisedContents.c_str(), folder.c_str()) == 0;
+    }
+    if (how == "late" || how == "empty") append(offer.promisedPath, "");
+    if (how == "late") g_timeout_add(300, writeLate, &offer);
+    for (int i = 0; how == "slow" && i < 22; ++i) {
+        append(offer.promisedPath, offer.promisedContents);
+        g_usleep(G_USEC_PER_SEC / 2);
+    }
+    return true;
+}
+
+void answerPromise(GdkDragContext* context, GtkSelectionData* answer, Offer& offer) {
+    char* path = g_filename_from_uri(promisedUri(context).c_str(), nullptr, nullptr);
+    offer.promisedPath = path ? path : "";
     g_free(path);
-    g_free(host);
+    const bool kept = !offer.promisedPath.empty() && keepPromise(offer);
     gtk_selection_data_set(answer, gtk_selection_data_get_target(answer), 8,
-                           reinterpret_cast<const guchar*>(saved ? "S" : "F"), 1);
+                           reinterpret_cast<const guchar*>(kept ? "S" : "F"), 1);
 }
 
 void asked(GtkWidget*, GdkDragContext* context, GtkSelectionData* answer, guint number, guint, Offer* offer) {
@@ -115,13 +155,14 @@ void asked(GtkWidget*, GdkDragContext* context, GtkSelectionData* answer, guint 
     say("data %s\n", target);
     g_free(target);
     if (offer->hang) raise(SIGSTOP);
-    if (number == offer->forms.size()) return keepPromise(context, answer, *offer);
+    if (number == offer->forms.size()) return answerPromise(context, answer, *offer);
     const std::string& bytes = offer->forms[number].second;
     gtk_selection_data_set(answer, gtk_selection_data_get_target(answer), 8,
                            reinterpret_cast<const guchar*>(bytes.data()), gint(bytes.size()));
 }
 
 void ended(GtkWidget*, GdkDragContext* context, Offer* offer) {
+    if (offer->promise == "several") g_timeout_add(300, writeLate, offer);
     const GdkDragAction action = gdk_drag_context_get_selected_action(context);
     const char* name = action == GDK_ACTION_COPY ? "copy" : action == GDK_ACTION_MOVE ? "move" : "none";
     if (offer->promise.empty())
