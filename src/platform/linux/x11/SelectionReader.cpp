@@ -91,15 +91,16 @@ void SelectionReader::sliceTaken(Reads::iterator read, const xcb_get_property_re
     if (waiting > room && !limits.cut) return finish(property, {});
     if (read->second.offset == 0 && slice.bytes_after > 0)
         data.bytes.reserve(data.bytes.size() + std::min(waiting, room));
+    const bool full = limits.cut && length >= room;
     data.type = slice.type;
     data.format = slice.format;
     data.bytes.append(static_cast<const char*>(xcb_get_property_value(&slice)), std::min<qsizetype>(length, room));
-    if (length > 0 && slice.bytes_after > 0 && length < room) {
+    if (length > 0 && slice.bytes_after > 0 && !full) {
         read->second.offset += uint32_t(length) / unit;
         read->second.next = loop_.after(0, [this, property] { take(property); });
         return awaitMore(read);
     }
-    const bool last = length >= room || !read->second.inPieces || (length == 0 && read->second.offset == 0);
+    const bool last = full || !read->second.inPieces || (length == 0 && read->second.offset == 0);
     read->second.offset = 0;
     remove(property);
     if (last) return finish(property, std::move(data));
