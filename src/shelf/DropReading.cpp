@@ -22,6 +22,8 @@ const std::array<QString, 3> kUrlTypes{QStringLiteral("text/uri-list"), QStringL
 const QString kPromisedBytes = QStringLiteral("application/octet-stream");
 const QString kText = QStringLiteral("text/plain;charset=utf-8");
 constexpr double kPatience = 10;  // seconds without growth, after which a promise is not kept any more
+// Bytes that are looked at in less than a millisecond, so that most drops need no disk and wait for none that hangs.
+constexpr qsizetype kSmall = 32 << 10;
 
 /// The text of a note; empty where there is nothing to note down.
 QString noteText(const QByteArray& bytes) {
@@ -54,6 +56,7 @@ void DropReading::readUrls(int kind) {
     if (kind == int(kUrlTypes.size())) return savePromise();
     drop_->load(kUrlTypes[kind], [self = shared_from_this(), kind](const std::optional<QByteArray>& bytes) {
         if (!bytes) return self->readUrls(kind + 1);
+        if (bytes->size() <= kSmall) return self->takeUrls(parseUrls(kUrlTypes[kind], *bytes), kind);
         self->away([bytes = *bytes, kind] { return parseUrls(kUrlTypes[kind], bytes); },
                    [self, kind](const UrlList& urls) { self->takeUrls(urls, kind); });
     });
@@ -75,13 +78,17 @@ void DropReading::savePromise() {
     if (!name) return readImage(0);
     promisedName_ = sanitizedFileName(*name);
     promise_ = Promise::open;
+    const auto without = [self = shared_from_this()] {
+        self->promise_ = Promise::refused;
+        self->readPromisedBytes();
+    };
+    diskLimit_ = loop_.after(kPatience, without);
     away([folder = folder_] { return Inbox::make(folder); },
-         [self = shared_from_this()](const std::shared_ptr<Inbox>& inbox) {
+         [self = shared_from_this(), without](const std::shared_ptr<Inbox>& inbox) {
+             if (self->promise_ == Promise::refused) return;  // too late
+             self->diskLimit_.cancel();
+             if (!inbox) return without();
              self->inbox_ = inbox;
-             if (!inbox) {
-                 self->promise_ = Promise::refused;
-                 return self->readPromisedBytes();
-             }
              self->drop_->savePromise(inbox->place(self->promisedName_), [self, inbox](bool saved) {
                  self->promise_ = saved ? Promise::written : Promise::refused;
                  inbox->tell(saved ? Inbox::Word::written : Inbox::Word::refused);
@@ -104,6 +111,7 @@ void DropReading::promiseAwaited(Inbox::Contents contents, bool prompt) {
 }
 
 void DropReading::bringOut() {
+    drop_.reset();
     away([inbox = inbox_, first = promisedName_] { return inbox->bringOut(first); },
          [self = shared_from_this()](const QList<QUrl>& files) {
              if (files.isEmpty()) return self->writeImage();
@@ -143,11 +151,13 @@ void DropReading::readImage(int kind) {
 void DropReading::readText() {
     if (!image_.isEmpty() || !bites_.isEmpty() || !drop_->types().contains(kText)) return formsRead();
     drop_->load(kText, [self = shared_from_this()](const std::optional<QByteArray>& bytes) {
-        self->away([bytes = bytes.value_or(QByteArray())] { return noteText(bytes); },
-                   [self](const QString& text) {
-                       if (!text.isEmpty()) self->bites_.append(Bite::note(text));
-                       self->formsRead();
-                   });
+        const auto take = [self](const QString& text) {
+            if (!text.isEmpty()) self->bites_.append(Bite::note(text));
+            self->formsRead();
+        };
+        const QByteArray whole = bytes.value_or(QByteArray());
+        if (whole.size() <= kSmall) return take(noteText(whole));
+        self->away([whole] { return noteText(whole); }, take);
     });
 }
 

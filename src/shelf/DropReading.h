@@ -64,6 +64,7 @@ class DropReading : public std::enable_shared_from_this<DropReading> {
     Promise promise_ = Promise::none;
     QString promisedName_;
     std::shared_ptr<Inbox> inbox_;
+    TimerHandle diskLimit_;
     // What the other forms gave: an image to be written under a name, or bites.
     QString imageName_;
     QByteArray image_;

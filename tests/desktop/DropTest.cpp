@@ -138,26 +138,4 @@ TEST_F(Drop, ASourceThatHangsHoldsNothingUp) {
     EXPECT_TRUE(holds("glimmet.bites", "next")) << source->lines().join(u'\n').toStdString();
 }
 
-TEST_F(Drop, ComesBackFromHidingForADragButNotForTheWeather) {
-    glimmet.reset();
-    glimmet = std::make_unique<Glimmet>(session, home, QStringList{QStringLiteral("--hidden")});
-    ASSERT_TRUE(glimmet->started());
-    ASSERT_TRUE(waitFor([&] { return stored("glimmet.hidden").contains("true"); }));
-    drop({"UTF8_STRING=wake"});
-    EXPECT_TRUE(holds("glimmet.hidden", "false"));
-    EXPECT_TRUE(holds("glimmet.bites", "wake"));
-
-    glimmet = std::make_unique<Glimmet>(session, home, QStringList{QStringLiteral("--toy=weather")});
-    ASSERT_TRUE(glimmet->started());
-    ASSERT_TRUE(waitForBody(300, 94));
-    source =
-        std::make_unique<DragTool>(session, DragTool::Kind::gtkSource, kSource, QList<QByteArray>{"UTF8_STRING=rain"});
-    ASSERT_TRUE(source->drag(session, kOnNotch));
-    letPass(0.3);
-    EXPECT_TRUE(waitForBody(300, 94)) << "the weather takes no drops";
-    session.release(1);
-    EXPECT_TRUE(waitFor([&] { return !source->lines().filter(QStringLiteral("drag-failed")).isEmpty(); }));
-    EXPECT_FALSE(stored("glimmet.bites").contains("rain"));
-}
-
 }  // namespace

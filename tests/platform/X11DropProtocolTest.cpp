@@ -66,11 +66,6 @@ TEST_F(X11DropProtocol, AnswersEveryPositionAndTakesCopiesOnly) {
     EXPECT_EQ(panel.drop, nullptr);
 }
 
-TEST_F(X11DropProtocol, ReadsTheListOfMoreThanThreeTypes) {
-    drop({"a/a", "b/b", "c/c", "text/plain", "UTF8_STRING", "text/uri-list"});
-    EXPECT_EQ(panel.drop->types(), (QStringList{QStringLiteral("text/plain;charset=utf-8"), uriType}));
-}
-
 TEST_F(X11DropProtocol, IsNotLeftTargetedByASourceThatGoesSilent) {
     source.enter(target(), {"TEXT"});
     source.position(target());

@@ -252,6 +252,20 @@ TEST(Drop, WithoutAFolderToWriteInNothingIsLostButTheImage) {
     EXPECT_EQ(f.m.bites->size(), 1);
 }
 
+TEST(Drop, ADiskThatHangsHoldsUpNoLink) {
+    DropFixture f;
+    HeldQueue hanging;
+    DropIntake drops{f.m, f.f.clock, f.f.loop, f.pasteboard, hanging};
+    f.drop->promise = "a.txt";
+    f.drop->offer("text/uri-list", "https://example.org/");
+    drops.handleDrop(std::move(f.drop));
+    f.f.loop.advance(11);
+    EXPECT_EQ(f.m.bites->size(), 1);
+    hanging.runAll();
+    f.f.loop.drain();
+    EXPECT_EQ(f.m.bites->size(), 1);
+}
+
 TEST(UrlList, ReadsWhatProgramsSend) {
     const auto parsed = [](const char* type, const QByteArray& bytes) {
         QStringList list;
