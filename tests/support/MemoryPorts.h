@@ -177,7 +177,7 @@ class MemoryDrop : public Drop {
         file.close();
         done(kept);
     }
-    void declinePromise() override { declined = true; }
+    void declinePromise() override {}
     void offer(const char* type, const QByteArray& data) {
         offered.append(QString::fromLatin1(type));
         forms.insert(QString::fromLatin1(type), data);
@@ -186,7 +186,7 @@ class MemoryDrop : public Drop {
     QStringList offered, loaded;
     QHash<QString, QByteArray> forms;
     std::optional<QByteArray> promise, saved;
-    bool kept = true, declined = false;
+    bool kept = true;
 };
 
 /// Files have no icons until the test gives one.
