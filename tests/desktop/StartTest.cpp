@@ -1,3 +1,7 @@
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
 #include <QStringList>
 
 #include "desktop/DesktopTest.h"
@@ -27,7 +31,41 @@ TEST(Start, RunsOnAPlatformWithoutAWindowSystem) {
               QStringLiteral("glimmet: notch=(307.5, 768.0, 185.0, 32.0) top=800.0 toy=Critter"));
 }
 
+TEST(Start, OutlivesWhoeverReadsWhatItWrites) {
+    const Home home;
+    auto environment = home.environment();
+    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    close(ends[0]);
+    QProcess program;
+    program.setProcessEnvironment(environment);
+    program.setChildProcessModifier([&] { dup2(ends[1], STDOUT_FILENO); });
+    program.start(QStringLiteral(GLIMMET_PROGRAM), {QStringLiteral("--menudump")});
+    EXPECT_TRUE(program.waitForFinished(10000));
+    EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
+    close(ends[1]);
+}
+
 class Startup : public DesktopTest {};
+
+TEST_F(Startup, DoesWithoutABusThatSaysNothing) {
+    const QByteArray path = home.filePath(QStringLiteral("bus")).toUtf8();
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    std::copy(path.begin(), path.end(), address.sun_path);
+    const int listener = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    ASSERT_EQ(bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    ASSERT_EQ(listen(listener, 10), 0);  // nobody will ever accept
+    auto environment = home.environment();
+    environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QString::fromUtf8("unix:path=" + path));
+    Glimmet glimmet(session, environment, home);
+    ASSERT_TRUE(glimmet.started());
+    EXPECT_TRUE(waitForEyes());
+    glimmet.terminate();
+    EXPECT_TRUE(waitFor([&] { return glimmet.exitCode() == 0; }));
+    close(listener);
+}
 
 TEST_F(Startup, SaysWhereItLivesAndHangsThereFromTheTop) {
     const OtherWindow window(session, {.geometry = {300, 400, 300, 200}});

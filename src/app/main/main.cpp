@@ -5,6 +5,7 @@
 #include <QRandomGenerator>
 #include <QStandardPaths>
 #include <algorithm>
+#include <csignal>
 #include <cstdlib>
 
 #include "app/AppDelegate.h"
@@ -20,6 +21,7 @@
 #include "platform/linux/QtPasteboard.h"
 #include "platform/linux/QtScreens.h"
 #include "platform/linux/ScreenCoordinates.h"
+#include "platform/linux/SilentBus.h"
 #include "platform/linux/SystemClock.h"
 #include "platform/linux/ThreadQueues.h"
 #include "platform/linux/WorkerProcess.h"
@@ -27,6 +29,8 @@
 int main(int argc, char** argv) {
     // Threads that hardly ever meet need no heap each.
     ::mallopt(M_ARENA_MAX, 2);
+    // Whoever read what this program writes may end before it.
+    std::signal(SIGPIPE, SIG_IGN);
     const QStringList arguments = [&] {
         QStringList list;
         for (int i = 0; i < argc; ++i) list.append(QString::fromLocal8Bit(argv[i]));
@@ -37,10 +41,12 @@ int main(int argc, char** argv) {
         Diagnostics(arguments).log(QStringLiteral("no screen to live on"));
         return 0;
     }
+    SilentBusGuard busGuard;
     // The toolkit gets the name only: it would end the program over an option of its own that it cannot follow.
     int nameOnly = std::min(argc, 1);
     QApplication application(nameOnly, argv);
     if (chosen) qunsetenv("QT_QPA_PLATFORM");
+    busGuard.restoreEnvironment();
     QApplication::setApplicationName(QStringLiteral("glimmet"));
     // The panel is no window in this sense: closing a menu must not end the program.
     QApplication::setQuitOnLastWindowClosed(false);

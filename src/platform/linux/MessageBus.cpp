@@ -1,24 +1,26 @@
 #include "platform/linux/MessageBus.h"
 
-#include <QFileInfo>
 #include <QUuid>
 
+#include "platform/linux/SilentBus.h"
+
 namespace {
-// By type: a connection to an address ends the program if the bus does not greet it.
-QDBusConnection connectTo(QDBusConnection::BusType type) {
+constexpr double kGreetingPatience = 1;
+
+// By type: a connection to an address ends the program if the bus does not greet it. All connections of the library
+// share a thread, which a silent bus would hold up for ever. Where there is none the library would start one.
+QDBusConnection connectTo(QDBusConnection::BusType type, const QByteArray& address) {
+    if (address.isEmpty() || isSilentBus(address, kGreetingPatience)) return QDBusConnection(QString());
     return QDBusConnection::connectToBus(type, QUuid::createUuid().toString());
 }
 }  // namespace
 
 MessageBus MessageBus::session() {
-    // Without either the library would start a bus of its own.
-    const bool there = !qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS") ||
-                       QFileInfo::exists(qEnvironmentVariable("XDG_RUNTIME_DIR") + QStringLiteral("/bus"));
-    return MessageBus(there ? connectTo(QDBusConnection::SessionBus) : QDBusConnection(QString()));
+    return MessageBus(connectTo(QDBusConnection::SessionBus, sessionBusAddress()));
 }
 
 MessageBus MessageBus::system() {
-    return MessageBus(connectTo(QDBusConnection::SystemBus));
+    return MessageBus(connectTo(QDBusConnection::SystemBus, systemBusAddress()));
 }
 
 MessageBus::~MessageBus() {

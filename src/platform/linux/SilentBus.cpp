@@ -1,0 +1,96 @@
+#include "platform/linux/SilentBus.h"
+
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <QDBusConnection>
+#include <QDeadlineTimer>
+#include <QFile>
+
+namespace {
+constexpr double kPatience = 2;
+constexpr const char* kSession = "DBUS_SESSION_BUS_ADDRESS";
+
+QByteArray runtimeBus() {
+    return qgetenv("XDG_RUNTIME_DIR") + "/bus";
+}
+
+/// The socket's name for the system, which begins with a zero if it is abstract; empty for other kinds of addresses.
+QByteArray socketName(const QByteArray& address) {
+    if (!address.startsWith("unix:")) return {};
+    for (const QByteArray& part : address.mid(5).split(',')) {
+        const qsizetype equals = part.indexOf('=');
+        const QByteArray key = part.left(equals), value = QByteArray::fromPercentEncoding(part.mid(equals + 1));
+        if (key == "path") return value;
+        if (key == "abstract") return '\0' + value;
+        if (key == "runtime") return runtimeBus();
+    }
+    return {};
+}
+
+/// A connection that waits for nothing, or -1.
+int connectTo(const QByteArray& name) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    if (name.isEmpty() || size_t(name.size()) >= sizeof address.sun_path) return -1;
+    std::copy(name.begin(), name.end(), address.sun_path);
+    const int descriptor = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+    const auto length = socklen_t(offsetof(sockaddr_un, sun_path) + size_t(name.size()));
+    // One that has no room for another connection will not greet it either.
+    if (connect(descriptor, reinterpret_cast<const sockaddr*>(&address), length) == 0 || errno == EAGAIN)
+        return descriptor;
+    close(descriptor);
+    return -1;
+}
+
+/// Introduces this program as the D-Bus specification has it, and waits for any answer.
+bool greets(int descriptor, double seconds) {
+    const QByteArray user = QByteArray::number(getuid()).toHex();
+    const QByteArray hello = '\0' + ("AUTH EXTERNAL " + user) + "\r\n";
+    if (send(descriptor, hello.constData(), size_t(hello.size()), MSG_NOSIGNAL) < 0) return false;
+    const QDeadlineTimer deadline(qint64(seconds * 1000));
+    pollfd answer{descriptor, POLLIN, 0};
+    int ready = 0;
+    do ready = poll(&answer, 1, int(deadline.remainingTime()));
+    while (ready < 0 && errno == EINTR);
+    return ready > 0;
+}
+}  // namespace
+
+bool isSilentBus(const QByteArray& addresses, double seconds) {
+    for (const QByteArray& address : addresses.split(';')) {
+        const int descriptor = connectTo(socketName(address));
+        if (descriptor < 0) continue;
+        const bool silent = !greets(descriptor, seconds);
+        close(descriptor);
+        return silent;
+    }
+    return false;
+}
+
+QByteArray sessionBusAddress() {
+    if (const QByteArray told = qgetenv(kSession); !told.isEmpty()) return told;
+    return access(runtimeBus().constData(), F_OK) == 0 ? "unix:path=" + runtimeBus() : QByteArray();
+}
+
+QByteArray systemBusAddress() {
+    const QByteArray told = qgetenv("DBUS_SYSTEM_BUS_ADDRESS");
+    return told.isEmpty() ? "unix:path=/run/dbus/system_bus_socket" : told;
+}
+
+SilentBusGuard::SilentBusGuard() {
+    const QByteArray address = sessionBusAddress();
+    hiding_ = address.isEmpty() || isSilentBus(address, kPatience);
+    if (!hiding_) return;
+    if (qEnvironmentVariableIsSet(kSession)) before_ = qgetenv(kSession);
+    qputenv(kSession, "unix:path=/dev/null");
+}
+
+void SilentBusGuard::restoreEnvironment() {
+    if (!hiding_) return;
+    // The library remembers for good where it has looked first.
+    QDBusConnection::sessionBus();
+    before_ ? qputenv(kSession, *before_) : qunsetenv(kSession);
+}
