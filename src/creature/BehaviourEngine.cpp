@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "creature/Numbers.h"
 #include "platform/EventMonitors.h"
@@ -22,6 +23,8 @@ constexpr double kDozeOffAfter = 22;
 constexpr double kActivityWindow = 300;
 constexpr double kStretchStreak = 3000;
 constexpr double kStretchSpacing = 3300;
+constexpr double kNever = std::numeric_limits<double>::infinity();
+constexpr double kFirstYawnAfter = 45;
 constexpr double kYawnSpacingLeast = 180;
 constexpr double kYawnSpacingMost = 330;
 constexpr double kSlideHomeDelay = 5;
@@ -46,9 +49,11 @@ BehaviourEngine::BehaviourEngine(NotchModel& model, Clock& clock, MainLoop& loop
       sounds_(sounds),
       random_(std::move(random)),
       trace_(std::move(trace)),
-      lastMoveTime_(clock.now()),
-      activeStreakStart_(clock.now()),
-      nextYawn_(clock.now() + 45) {}
+      lastMoveTime_(clock.uptime()),
+      lastGazePublish_(-kNever),
+      activeStreakStart_(clock.uptime()),
+      lastStretch_(-kNever),
+      nextYawn_(clock.uptime() + kFirstYawnAfter) {}
 
 void BehaviourEngine::startTicks() {
     vitalsTick();
@@ -67,7 +72,7 @@ bool BehaviourEngine::inHoverZone(QPointF pointer, double margin) const {
 }
 
 void BehaviourEngine::pointerMoved(QPointF pointer) {
-    const Date now = clock_.now();
+    const double now = clock_.uptime();
     startleAt(pointer, now - lastMoveTime_);
     lastCursor_ = pointer;
     lastMoveTime_ = now;
@@ -88,7 +93,7 @@ void BehaviourEngine::startleAt(QPointF pointer, double elapsed) {
     cooldownEnd_ = loop_.after(kStartleCooldown, [this] { startleCooldown_ = false; });
 }
 
-void BehaviourEngine::publishGaze(QPointF pointer, Date now, bool hoverChanges) {
+void BehaviourEngine::publishGaze(QPointF pointer, double now, bool hoverChanges) {
     const bool due =
         now - lastGazePublish_ > kGazeInterval && (pointer - publishedCursor_).manhattanLength() > kGazeDistance;
     if (!hoverChanges && !due) return;
@@ -112,7 +117,7 @@ void BehaviourEngine::applicationActivated() {
 }
 
 void BehaviourEngine::vitalsTick() {
-    const Date now = clock_.now();
+    const double now = clock_.uptime();
     if (!m_.isSleepy() || now <= nextYawn_) return;
     nextYawn_ = now + (kYawnSpacingLeast + random_() * (kYawnSpacingMost - kYawnSpacingLeast));
     m_.yawn();
@@ -131,7 +136,7 @@ void BehaviourEngine::ringTimers() {
 }
 
 void BehaviourEngine::followStreak() {
-    const Date now = clock_.now();
+    const double now = clock_.uptime();
     if (m_.asleep || now - m_.lastActivity > kActivityWindow) {
         activeStreakStart_ = now;
         return;
@@ -144,7 +149,7 @@ void BehaviourEngine::followStreak() {
 
 void BehaviourEngine::dozeOff() {
     if (m_.toy != Toy::critter || m_.hovering || m_.asleep || m_.hidden) return;
-    if (clock_.now() - m_.lastActivity <= kDozeOffAfter) return;
+    if (clock_.uptime() - m_.lastActivity <= kDozeOffAfter) return;
     m_.withAnimation(Animation::easeInOut(0.7), [this] { m_.asleep = true; });
 }
 

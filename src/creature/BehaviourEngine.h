@@ -41,7 +41,7 @@ class BehaviourEngine {
 
  private:
     void startleAt(QPointF pointer, double elapsed);
-    void publishGaze(QPointF pointer, Date now, bool hoverChanges);
+    void publishGaze(QPointF pointer, double now, bool hoverChanges);
     void setHovering(bool inside, QPointF pointer);
     void ringTimers();
     void followStreak();
@@ -57,13 +57,14 @@ class BehaviourEngine {
     std::function<double()> random_;
     std::function<void(const QString&)> trace_;
 
+    // Moments are Clock::uptime(): setting the time must neither hold up the eyes nor keep the creature awake.
     QPointF lastCursor_;
-    Date lastMoveTime_;
-    Date lastGazePublish_ = Date::distantPast();
+    double lastMoveTime_;
+    double lastGazePublish_;
     QPointF publishedCursor_;
-    Date activeStreakStart_;
-    Date lastStretch_ = Date::distantPast();
-    Date nextYawn_;
+    double activeStreakStart_;
+    double lastStretch_;
+    double nextYawn_;
     bool startleCooldown_ = false;
 
     TimerHandle cooldownEnd_;

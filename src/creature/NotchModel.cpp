@@ -3,7 +3,7 @@
 #include <algorithm>
 
 NotchModel::NotchModel(Clock& clock, MainLoop& loop, const ShelfPorts& shelf)
-    : lastActivity(clock.now()),
+    : lastActivity(clock.uptime()),
       clock_(clock),
       loop_(loop),
       shelf_(shelf),
@@ -49,7 +49,7 @@ double NotchModel::shapeHeight() const {
 }
 
 void NotchModel::markActivity() {
-    lastActivity = clock_.now();
+    lastActivity = clock_.uptime();
     if (asleep) withAnimation(Animation::easeOut(0.4), [this] { asleep = false; });
 }
 

@@ -101,7 +101,7 @@ class NotchModel : public ObservableObject {
     QSizeF notchSize{185, 32};
     double centerX = 0;    ///< middle of the notch, screen coordinates
     double screenTop = 0;  ///< top edge of the notch's screen, screen coordinates
-    Date lastActivity;     ///< when the user last did something that the creature noticed
+    double lastActivity;   ///< when the user last did something that the creature noticed, by Clock::uptime()
 
     bool attending() const { return hovering || dragging || dragNear; }
     bool hasHeld() const { return heldCount() > 0; }

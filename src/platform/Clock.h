@@ -26,8 +26,9 @@ class Clock {
 
     /// Wall time; may jump when the user or the network sets it.
     virtual Date now() const = 0;
-    /// Seconds since an arbitrary start; never jumps. Motion is timed by it.
+    /// Seconds since an arbitrary start, those that the machine was suspended for included; never jumps back. Motion is
+    /// timed and durations are measured by it.
     virtual double uptime() const = 0;
-    /// Hour of the user's local calendar at `date`, 0 to 23.
+    /// Hour of the user's local calendar at `date`, 0 to 23, in the time zone of the moment of asking.
     virtual int localHour(Date date) const = 0;
 };

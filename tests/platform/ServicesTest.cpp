@@ -19,6 +19,7 @@
 #include "platform/linux/QtScreens.h"
 #include "platform/linux/SystemClock.h"
 #include "platform/linux/ThreadQueues.h"
+#include "support/Environment.h"
 #include "support/ManualLoop.h"
 #include "support/MemoryPorts.h"
 
@@ -93,13 +94,12 @@ TEST(SystemClock, CountsFromItsReferenceAndKnowsTheLocalHour) {
     const SystemClock clock;
     const double unixNow = double(QDateTime::currentMSecsSinceEpoch()) / 1000;
     EXPECT_NEAR(clock.now().seconds, unixNow - 978307200, 0.5);
-    qputenv("TZ", "XYZ-2");
-    tzset();
+    EnvironmentVariable zone("TZ", "XYZ-5");
+    EXPECT_EQ(clock.localHour({0}), 5);
+    qputenv("TZ", "XYZ-2");  // as when the user has travelled
     EXPECT_EQ(clock.localHour({0}), 2);
     EXPECT_EQ(clock.localHour({-1}), 1);
     EXPECT_EQ(clock.localHour({86400 * 100 + 21.99 * 3600}), 23);
-    qunsetenv("TZ");
-    tzset();
 }
 
 /// A disk that never answers.

@@ -21,12 +21,15 @@ Date SystemClock::now() const {
 }
 
 double SystemClock::uptime() const {
-    return read(CLOCK_MONOTONIC);
+    // Who comes back to a machine that slept for a night was away, and has not worked through it.
+    return read(CLOCK_BOOTTIME);
 }
 
 int SystemClock::localHour(Date date) const {
     const auto seconds = time_t(std::floor(date.seconds + Date::kReference));
     tm local{};
+    // localtime_r alone would keep to the time zone at the start.
+    tzset();
     localtime_r(&seconds, &local);
     return local.tm_hour;
 }
