@@ -26,11 +26,10 @@ QList<MenuItem> Commands::menu() {
     items.append(timerItem());
     items.append(quietItem());
     items.append(MenuItem{});
-    items.append(
-        {QStringLiteral("Watch Downloads"), [this] { toggleDownloads(); }, preferences_.boolean(kWatchDownloads), {}});
-    items.append(
-        {QStringLiteral("Meeting whispers"), [this] { toggleWhispers(); }, preferences_.boolean(kWhispers), {}});
-    items.append({QStringLiteral("Music in the notch"), [this] { toggleMusic(); }, preferences_.boolean(kMusic), {}});
+    // What these switch on is not there yet, so they cannot be chosen.
+    items.append({QStringLiteral("Watch Downloads"), {}, preferences_.boolean(kWatchDownloads), {}});
+    items.append({QStringLiteral("Meeting whispers"), {}, preferences_.boolean(kWhispers), {}});
+    items.append({QStringLiteral("Music in the notch"), {}, preferences_.boolean(kMusic), {}});
     items.append(updateItem());
     items.append(MenuItem{});
     items.append({m_.hidden ? QStringLiteral("Show Glimmet") : QStringLiteral("Hide Glimmet"),
@@ -82,27 +81,6 @@ void Commands::shh() {
 void Commands::wakeUp() {
     m_.quietUntil = Date::distantPast();
     ++m_.glanceCount;
-}
-
-bool Commands::flip(const QString& key) {
-    const bool on = !preferences_.boolean(key);
-    preferences_.setBoolean(key, on);
-    return on;
-}
-
-void Commands::toggleDownloads() {
-    flip(kWatchDownloads);
-}
-
-void Commands::toggleWhispers() {
-    if (!flip(kWhispers)) m_.eventWhisper = std::nullopt;
-}
-
-void Commands::toggleMusic() {
-    if (flip(kMusic)) return;
-    m_.musicPlaying = false;
-    m_.musicTrack = std::nullopt;
-    m_.artwork = std::nullopt;
 }
 
 void Commands::openSite() {

@@ -21,9 +21,6 @@ class Commands {
     void holdTimer(int minutes);
     void shh();
     void wakeUp();
-    void toggleDownloads();
-    void toggleWhispers();
-    void toggleMusic();
     void openSite();
     void toggleHidden();
 
@@ -36,7 +33,6 @@ class Commands {
     MenuItem timerItem();
     MenuItem quietItem();
     MenuItem updateItem();
-    bool flip(const QString& key);
 
     NotchModel& m_;
     Clock& clock_;
