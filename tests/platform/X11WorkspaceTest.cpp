@@ -4,6 +4,7 @@
 
 #include "X11Test.h"
 #include "platform/linux/x11/X11Workspace.h"
+#include "support/Environment.h"
 
 namespace {
 class ImmediateQueue : public BackgroundQueue {
@@ -55,9 +56,9 @@ TEST_F(X11Applications, ReportsAnotherApplicationButNotAnotherWindow) {
 }
 
 TEST_F(X11Applications, BringsTheNamedApplicationForward) {
-    qputenv("XDG_DATA_HOME", folder.path().toUtf8());
+    const EnvironmentVariable data("XDG_DATA_HOME", folder.path().toUtf8()), language("LC_ALL", "de_DE.UTF-8");
     write(QStringLiteral("applications/org.example.Console.desktop"),
-          "[Desktop Entry]\nType=Application\nName=Console\nName[de]=Konsole zwei\nExec=consoled %U\n"
+          "[Desktop Entry]\nType=Application\nName=Console\nName[de]=Konsole zwei\nExec=true %U\n"
           "StartupWMClass=consoled-window\n");
     const struct {
         const char *instance, *className, *displayName;

@@ -1,12 +1,10 @@
 #include "platform/linux/DesktopEntries.h"
 
-#include <QDirIterator>
-#include <QFile>
+#include <gio/gdesktopappinfo.h>
+
 #include <QFileInfo>
-#include <QProcess>
-#include <QRegularExpression>
 #include <QSet>
-#include <QStandardPaths>
+#include <memory>
 
 #include "platform/FileUrls.h"
 
@@ -23,6 +21,65 @@ QStringList withoutFieldCodes(const QStringList& arguments) {
         result.append(part.replace(QStringLiteral("%%"), QStringLiteral("%")));
     }
     return result;
+}
+
+QStringList wordsOf(const char* commandLine) {
+    char** words = nullptr;
+    QStringList result;
+    if (!commandLine || !g_shell_parse_argv(commandLine, nullptr, &words, nullptr)) return result;
+    for (char** word = words; *word; ++word) result.append(QString::fromUtf8(*word));
+    g_strfreev(words);
+    return result;
+}
+
+QString textOf(GDesktopAppInfo* info, const char* key) {
+    const std::unique_ptr<char, decltype(&g_free)> text(g_desktop_app_info_get_string(info, key), &g_free);
+    return QString::fromUtf8(text.get());
+}
+
+DesktopEntry entryOf(GAppInfo* application) {
+    GDesktopAppInfo* info = G_DESKTOP_APP_INFO(application);
+    DesktopEntry entry;
+    entry.id = QString::fromUtf8(g_app_info_get_id(application));
+    if (entry.id.endsWith(QLatin1String(".desktop"))) entry.id.chop(8);
+    entry.names = {textOf(info, G_KEY_FILE_DESKTOP_KEY_NAME), QString::fromUtf8(g_app_info_get_name(application))};
+    entry.arguments = wordsOf(g_app_info_get_commandline(application));
+    entry.command = withoutFieldCodes(entry.arguments);
+    entry.windowClass = QString::fromUtf8(g_desktop_app_info_get_startup_wm_class(info));
+    entry.terminal = textOf(info, G_KEY_FILE_DESKTOP_KEY_CATEGORIES).split(u';').contains(u"TerminalEmulator");
+    entry.inTerminal = g_desktop_app_info_get_boolean(info, G_KEY_FILE_DESKTOP_KEY_TERMINAL);
+    if (const char** types = g_app_info_get_supported_types(application))
+        for (; *types; ++types) entry.mimeTypes.append(QString::fromUtf8(*types));
+    return entry;
+}
+
+/// The entries that can be started. Takes the list and what is in it over.
+QList<DesktopEntry> entriesOf(GList* applications) {
+    QList<DesktopEntry> entries;
+    for (const GList* node = applications; node; node = node->next) {
+        const DesktopEntry entry = entryOf(G_APP_INFO(node->data));
+        if (!entry.command.isEmpty()) entries.append(entry);
+    }
+    g_list_free_full(applications, g_object_unref);
+    return entries;
+}
+
+/// What the desktop has on record for the types. Where nobody has made its records, what the applications themselves
+/// say.
+QList<DesktopEntry> candidatesFor(const QStringList& types) {
+    QList<DesktopEntry> candidates;
+    for (const QString& type : types) {
+        const QByteArray name = type.toUtf8();
+        if (GAppInfo* first = g_app_info_get_default_for_type(name.constData(), false))
+            candidates += entriesOf(g_list_append(nullptr, first));
+        candidates += entriesOf(g_app_info_get_recommended_for_type(name.constData()));
+    }
+    if (!candidates.isEmpty()) return candidates;
+    const auto all = installedApplications();
+    for (const QString& type : types)
+        for (const DesktopEntry& entry : all)
+            if (entry.mimeTypes.contains(type)) candidates.append(entry);
+    return candidates;
 }
 }  // namespace
 
@@ -54,7 +111,7 @@ QList<QByteArray> commandFor(const DesktopEntry& entry, const QUrl& thing) {
             const char code = argument[++i];
             const bool file = code == 'f' || code == 'F', url = code == 'u' || code == 'U';
             if (code == '%') word += '%';
-            if (code == 'c') word += entry.name.toUtf8();
+            if (code == 'c') word += entry.names.last().toUtf8();
             if (file || url) word += file ? path : address;
             placed = placed || file || url;
         }
@@ -65,65 +122,17 @@ QList<QByteArray> commandFor(const DesktopEntry& entry, const QUrl& thing) {
     return command;
 }
 
-std::optional<DesktopEntry> parseDesktopEntry(const QString& id, const QString& text) {
-    DesktopEntry entry;
-    entry.id = id;
-    bool application = false, inGroup = false;
-    for (const QStringView line : QStringView(text).split(u'\n')) {
-        const QStringView trimmed = line.trimmed();
-        if (trimmed.startsWith(u'[')) {
-            inGroup = trimmed == QLatin1String("[Desktop Entry]");
-            continue;
-        }
-        const qsizetype equals = trimmed.indexOf(u'=');
-        if (!inGroup || trimmed.startsWith(u'#') || equals < 0) continue;
-        const QStringView key = trimmed.left(equals).trimmed();
-        const QString value = trimmed.mid(equals + 1).trimmed().toString();
-        if (key == QLatin1String("Name")) entry.name = value;
-        if (key == QLatin1String("Type"))
-            application = value == QLatin1String("Application");
-        else if (key == QLatin1String("Hidden") && value == QLatin1String("true"))
-            return {};
-        else if (key == QLatin1String("Terminal"))
-            entry.inTerminal = value == QLatin1String("true");
-        else if (key == QLatin1String("TryExec"))
-            entry.condition = value;
-        else if (key == QLatin1String("MimeType"))
-            entry.mimeTypes = value.split(u';', Qt::SkipEmptyParts);
-        else if (key == QLatin1String("Name") || key.startsWith(QLatin1String("Name[")))
-            entry.names.append(value);
-        else if (key == QLatin1String("Exec"))
-            entry.command = withoutFieldCodes(entry.arguments = QProcess::splitCommand(value));
-        else if (key == QLatin1String("StartupWMClass"))
-            entry.windowClass = value;
-        else if (key == QLatin1String("Categories"))
-            entry.terminal = value.split(u';').contains(QLatin1String("TerminalEmulator"));
-    }
-    if (!application || entry.command.isEmpty()) return {};
-    return entry;
+QList<DesktopEntry> installedApplications() {
+    return entriesOf(g_app_info_get_all());
 }
 
-QList<DesktopEntry> readDesktopEntries(const QStringList& dataFolders) {
-    QList<DesktopEntry> entries;
+QList<DesktopEntry> applicationsFor(const QStringList& types, int most) {
+    QList<DesktopEntry> applications;
     QSet<QString> seen;
-    for (const QString& folder : dataFolders) {
-        const QString root = folder + QStringLiteral("/applications/");
-        QDirIterator files(root, {QStringLiteral("*.desktop")}, QDir::Files, QDirIterator::Subdirectories);
-        while (files.hasNext()) {
-            const QString path = files.next();
-            // A file in a subfolder is known by its path with dashes.
-            QString id = path.mid(root.size()).chopped(8).replace(u'/', u'-');
-            if (seen.contains(id)) continue;
-            seen.insert(id);
-            QFile file(path);
-            constexpr qint64 longest = 1 << 20;
-            if (!file.open(QFile::ReadOnly)) continue;
-            if (auto entry = parseDesktopEntry(id, QString::fromUtf8(file.read(longest)))) entries.append(*entry);
-        }
+    for (const DesktopEntry& entry : candidatesFor(types)) {
+        if (seen.contains(entry.id) || entry.inTerminal || applications.size() >= most) continue;
+        seen.insert(entry.id);
+        applications.append(entry);
     }
-    return entries;
-}
-
-QStringList dataFolders() {
-    return QStandardPaths::standardLocations(QStandardPaths::GenericDataLocation);
+    return applications;
 }

@@ -32,8 +32,7 @@ QStringList iconNames(const QByteArray& path) {
     QStringList names{type.iconName(), type.genericIconName()};
     if (type.inherits(QStringLiteral("application/x-desktop"))) {
         // Never the path of a picture, which anybody may have put there.
-        const KeyFile entry = readKeyFile(QString::fromUtf8(path));
-        names.prepend(entry.value(QStringLiteral("Desktop Entry")).value(QStringLiteral("Icon")));
+        names.prepend(keyFileValue(path, "Desktop Entry", "Icon"));
     }
     names.append({QStringLiteral("application-x-generic"), QStringLiteral("unknown")});
     return names;

@@ -4,10 +4,10 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QHash>
+#include <QSettings>
 #include <QStandardPaths>
 #include <algorithm>
 
-#include "platform/linux/DesktopEntries.h"
 #include "platform/linux/KeyFile.h"
 #include "platform/linux/x11/XSettings.h"
 
@@ -124,19 +124,19 @@ QString IconTheme::find(const QStringList& icons, int pixels) const {
 QStringList iconThemeNames() {
     QStringList names{xSetting("Net/IconThemeName")};
     const auto configs = QStandardPaths::standardLocations(QStandardPaths::GenericConfigLocation);
-    const auto tell = [&](const char* file, const char* group, const char* key) {
-        for (const QString& folder : configs)
-            names.append(
-                readKeyFile(folder + QLatin1String(file)).value(QLatin1String(group)).value(QLatin1String(key)));
-    };
     const bool plasma = qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(u':').contains(QLatin1String("KDE"));
     if (plasma) {
         names.clear();
-        tell("/kdeglobals", "Icons", "Theme");
+        for (const QString& folder : configs) {
+            // KDE's groups have subgroups, over which GLib's reader stumbles.
+            const QSettings globals(folder + QStringLiteral("/kdeglobals"), QSettings::IniFormat);
+            names.append(globals.value(QStringLiteral("Icons/Theme")).toString());
+        }
         names.append(QStringLiteral("breeze"));
     }
-    tell("/gtk-4.0/settings.ini", "Settings", "gtk-icon-theme-name");
-    tell("/gtk-3.0/settings.ini", "Settings", "gtk-icon-theme-name");
+    for (const char* file : {"/gtk-4.0/settings.ini", "/gtk-3.0/settings.ini"})
+        for (const QString& folder : configs)
+            names.append(keyFileValue(QFile::encodeName(folder) + file, "Settings", "gtk-icon-theme-name"));
     for (const char* common : {"Adwaita", "breeze", "Papirus", "gnome", "oxygen", "hicolor"})
         names.append(QLatin1String(common));
     return names;
@@ -144,6 +144,7 @@ QStringList iconThemeNames() {
 
 QStringList iconRoots() {
     QStringList roots{QDir::homePath() + QStringLiteral("/.icons")};
-    for (const QString& folder : dataFolders()) roots.append(folder + QStringLiteral("/icons"));
+    for (const QString& folder : QStandardPaths::standardLocations(QStandardPaths::GenericDataLocation))
+        roots.append(folder + QStringLiteral("/icons"));
     return roots;
 }

@@ -1,35 +1,17 @@
 #include "platform/linux/KeyFile.h"
 
-#include <QFile>
-#include <QStringList>
+#include <glib.h>
+#include <sys/stat.h>
 
-KeyFile parseKeyFile(const QString& text) {
-    KeyFile file;
-    QString group;
-    for (const QStringView line : QStringView(text).split(u'\n')) {
-        const QStringView trimmed = line.trimmed();
-        if (trimmed.startsWith(u'[') && trimmed.endsWith(u']')) {
-            group = trimmed.mid(1).chopped(1).toString();
-            continue;
-        }
-        const qsizetype equals = trimmed.indexOf(u'=');
-        if (trimmed.startsWith(u'#') || equals < 0) continue;
-        const QString key = trimmed.left(equals).trimmed().toString();
-        auto& keys = file[group];
-        if (!keys.contains(key)) keys.insert(key, trimmed.mid(equals + 1).trimmed().toString());
-    }
-    return file;
-}
+#include <memory>
 
-KeyFile readKeyFile(const QString& path) {
-    constexpr qint64 longest = 4 << 20;
-    QFile file(path);
-    if (!file.open(QFile::ReadOnly)) return {};
-    return parseKeyFile(QString::fromUtf8(file.read(longest)));
-}
-
-QStringList listed(const QString& value, QChar separator) {
-    QStringList words;
-    for (const QString& word : value.split(separator, Qt::SkipEmptyParts)) words.append(word.trimmed());
-    return words;
+QString keyFileValue(const QByteArray& path, const char* group, const char* key) {
+    constexpr off_t longest = 1 << 20;
+    struct stat status = {};
+    if (::stat(path.constData(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_size > longest) return {};
+    const std::unique_ptr<GKeyFile, decltype(&g_key_file_unref)> file(g_key_file_new(), &g_key_file_unref);
+    if (!g_key_file_load_from_file(file.get(), path.constData(), G_KEY_FILE_NONE, nullptr)) return {};
+    const std::unique_ptr<char, decltype(&g_free)> value(g_key_file_get_string(file.get(), group, key, nullptr),
+                                                         &g_free);
+    return QString::fromUtf8(value.get());
 }

@@ -5,11 +5,11 @@
 #include <QStandardPaths>
 
 #include "platform/FileUrls.h"
+#include "platform/linux/DesktopEntries.h"
 #include "platform/linux/MessageBus.h"
 #include "platform/linux/MimeTypes.h"
 #include "platform/linux/Openers.h"
 #include "platform/linux/Programs.h"
-#include "platform/linux/ProgramsFor.h"
 
 namespace {
 constexpr double kPatience = 1;
@@ -85,7 +85,7 @@ QList<ShareOffer> mailOffers(BackgroundQueue& queue, const QUrl& thing) {
     const QString title = QStringLiteral("Send by mail\u2026");
     const bool file = thing.isLocalFile();
     if (file && !installed("xdg-email")) return {};
-    if (!sendable(thing) || programsFor({QStringLiteral("x-scheme-handler/mailto")}, 1).isEmpty()) return {};
+    if (!sendable(thing) || applicationsFor({QStringLiteral("x-scheme-handler/mailto")}, 1).isEmpty()) return {};
     if (file) return {starting(queue, title, {"xdg-email", "--attach", pathOf(thing)})};
     const QUrl mail = QUrl::fromEncoded("mailto:?body=" + thing.toEncoded().toPercentEncoding());
     return {{title, [&queue, mail] { openUrl(queue, mail); }, {}}};
@@ -125,8 +125,8 @@ QList<ShareOffer> bluetoothOffers(BackgroundQueue& queue, const QUrl& thing) {
 
 QList<ShareOffer> programOffers(BackgroundQueue& queue, const QUrl& thing) {
     ShareOffer openWith{QStringLiteral("Open with"), {}, {}};
-    for (const DesktopEntry& entry : programsFor(typesOf(thing), kMostPrograms))
-        openWith.choices.append(starting(queue, asTitle(entry.name), commandFor(entry, thing)));
+    for (const DesktopEntry& entry : applicationsFor(typesOf(thing), kMostPrograms))
+        openWith.choices.append(starting(queue, asTitle(entry.names.last()), commandFor(entry, thing)));
     if (openWith.choices.isEmpty()) return {};
     return {openWith};
 }

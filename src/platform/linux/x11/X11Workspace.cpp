@@ -59,7 +59,7 @@ void X11Workspace::activateOrOpenTerminal(const QString& displayName) {
         const auto findProgram = [](const QString& program) {
             return QFileInfo(QStandardPaths::findExecutable(program)).canonicalFilePath();
         };
-        const auto choice = chooseApplicationOrTerminal(displayName, windows, readDesktopEntries(dataFolders()),
+        const auto choice = chooseApplicationOrTerminal(displayName, windows, installedApplications(),
                                                         qEnvironmentVariable("TERMINAL"), findProgram);
         QList<QByteArray> command;
         for (const QString& word : choice.command) command.append(word.toLocal8Bit());
