@@ -2,7 +2,11 @@
 
 #include <QApplication>
 #include <QMenu>
+#include <QPalette>
 #include <QStringList>
+
+#include "app/MenuStyle.h"
+#include "views/Colors.h"
 
 QStringList describeMenu(const QList<MenuItem>& items) {
     QStringList lines;
@@ -20,7 +24,11 @@ QStringList describeMenu(const QList<MenuItem>& items) {
 
 namespace {
 
-void fill(QMenu& menu, const QList<MenuItem>& items) {
+void fill(QMenu& menu, const QList<MenuItem>& items, QStyle& style, bool translucent) {
+    menu.setStyle(&style);
+    // For what the style leaves to others: the arrows of a menu that is too long for the screen.
+    menu.setPalette(QPalette(gray(0.2)));
+    menu.setAttribute(Qt::WA_TranslucentBackground, translucent);
     for (const MenuItem& item : items) {
         if (item.separator()) {
             menu.addSeparator();
@@ -29,7 +37,7 @@ void fill(QMenu& menu, const QList<MenuItem>& items) {
         // A single ampersand would be taken for a mnemonic.
         const QString title = QString(item.title).replace(u'&', QStringLiteral("&&"));
         if (!item.submenu.isEmpty()) {
-            fill(*menu.addMenu(title), item.submenu);
+            fill(*menu.addMenu(title), item.submenu, style, translucent);
             continue;
         }
         QAction* action = menu.addAction(title);
@@ -42,11 +50,13 @@ void fill(QMenu& menu, const QList<MenuItem>& items) {
 
 }  // namespace
 
-void popUp(const QList<MenuItem>& items, const QPoint& position) {
+void popUp(const QList<MenuItem>& items, const QPoint& position, bool translucent) {
     closePopUp();
     auto* menu = new QMenu;
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    fill(*menu, items);
+    auto* style = new MenuStyle(translucent);
+    fill(*menu, items, *style, translucent);
+    style->setParent(menu);  // after the submenus, which go first
     menu->popup(position);
 }
 

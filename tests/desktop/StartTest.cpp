@@ -59,7 +59,7 @@ TEST_F(Startup, DoesWithoutABusThatSaysNothing) {
     ASSERT_EQ(listen(listener, 10), 0);  // nobody will ever accept
     auto environment = home.environment();
     environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QString::fromUtf8("unix:path=" + path));
-    Glimmet glimmet(session, environment, home);
+    Glimmet glimmet(session, environment, home, {});
     ASSERT_TRUE(glimmet.started());
     EXPECT_TRUE(waitForEyes());
     glimmet.terminate();

@@ -26,6 +26,12 @@
 #include "platform/linux/ThreadQueues.h"
 #include "platform/linux/WorkerProcess.h"
 
+namespace {
+void popUpMenu(const Desktop& desktop, const QList<MenuItem>& items, QPointF at) {
+    popUp(items, toQt(at).toPoint(), desktop.blendsWindows());
+}
+}  // namespace
+
 int main(int argc, char** argv) {
     // Threads that hardly ever meet need no heap each.
     ::mallopt(M_ARENA_MAX, 2);
@@ -89,7 +95,7 @@ int main(int argc, char** argv) {
               .disk = drops,
               .jobs = jobs,
               .random = [] { return QRandomGenerator::global()->generateDouble(); },
-              .popUp = [](const QList<MenuItem>& items, QPointF at) { popUp(items, toQt(at).toPoint()); },
+              .popUp = [&](const QList<MenuItem>& items, QPointF at) { popUpMenu(desktop, items, at); },
               .closePopUp = closePopUp,
               .quit = quit,
               .dataFolder = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)},

@@ -64,16 +64,22 @@ Desktop makeDesktop(MainLoop& loop, BackgroundQueue& queue) {
     if (QGuiApplication::platformName() == QLatin1String("xcb")) {
         if (const auto connection = X11Connection::open()) {
             const auto sampler = std::make_shared<PointerSampler>(connection, loop);
-            return {std::make_unique<X11PanelWindow>(connection, sampler, loop),
+            auto panel = std::make_unique<X11PanelWindow>(connection, sampler, loop);
+            const auto blends = [panel = panel.get()] { return panel->blended(); };
+            return {std::move(panel),
                     std::make_unique<X11EventMonitors>(connection, sampler, &X11PanelWindow::ownWindow),
                     std::make_unique<X11Workspace>(connection, loop, queue),
                     std::make_unique<X11DragPasteboard>(connection, loop, &X11PanelWindow::ownWindow),
-                    [connection, &loop](auto done) { leaveX11Clipboard(connection, loop, std::move(done)); }};
+                    [connection, &loop](auto done) { leaveX11Clipboard(connection, loop, std::move(done)); },
+                    blends};
         }
     }
-    return {std::make_unique<QtPanelWindow>(), std::make_unique<PlainMonitors>(),
-            std::make_unique<PlainWorkspace>(queue), std::make_unique<PlainDragPasteboard>(),
-            [&loop](auto done) { loop.post(std::move(done)); }};
+    return {std::make_unique<QtPanelWindow>(),
+            std::make_unique<PlainMonitors>(),
+            std::make_unique<PlainWorkspace>(queue),
+            std::make_unique<PlainDragPasteboard>(),
+            [&loop](auto done) { loop.post(std::move(done)); },
+            [] { return true; }};
 }
 
 bool choosePlatform() {

@@ -19,6 +19,8 @@ struct Desktop {
     /// Lets the desktop's keeper of the clipboard, where there is one, take over what this program has put there; it
     /// would be lost with the program. Calls `done` later, once: after a second at most.
     std::function<void(std::function<void()> done)> leaveClipboard;
+    /// Whether translucent windows are blended with what lies below them, now.
+    std::function<bool()> blendsWindows;
 };
 
 /// On a platform other than X11 the monitors see nothing but where the pointer is, the workspace only opens and

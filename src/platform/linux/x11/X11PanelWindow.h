@@ -26,6 +26,9 @@ class X11PanelWindow : public QtPanelWindow {
     void setOutline(const QPainterPath& outline) override;
     void paint(const QRegion& damage, const std::function<void(QPainter&)>& draw) override;
 
+    /// Whether the desktop blends translucent windows now.
+    bool blended() const { return neverShaped_ || compositor_.running(); }
+
     /// Whether an X window belongs to this program, told by the range that its number is from.
     static bool ownWindow(xcb_window_t window);
 
