@@ -16,6 +16,9 @@ class EventMonitors {
 
     /// Where the pointer is now.
     virtual QPointF pointerLocation() const = 0;
+    /// Notices, a moment later, a pointer that a program has put elsewhere: of that no input tells. For whoever is
+    /// awake anyway; costs as much as one sample.
+    virtual void lookForPointer() {}
     /// Whether Caps Lock is on now.
     virtual bool capsLock() const = 0;
 

@@ -101,6 +101,7 @@ void RootView::showOrHideCritter(const std::optional<Animation>& how, double now
 }
 
 void RootView::breathe() {
+    if (onBreath) onBreath();
     if (m_.attending()) {
         breathPhase_ = 0;
         return;

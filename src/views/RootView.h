@@ -23,6 +23,8 @@ class RootView {
 
     /// Called when the picture has changed or begun to move.
     std::function<void()> onChange;
+    /// Called four times a second, when the creature breathes.
+    std::function<void()> onBreath;
 
     /// What is on screen now.
     void compose(DisplayList& list);

@@ -55,6 +55,17 @@ TEST_F(X11Applications, ReportsAnotherApplicationButNotAnotherWindow) {
     EXPECT_EQ(activations, 2);
 }
 
+TEST_F(X11Applications, ReportsOneThatWasClosedAndOpenedAgain) {
+    workspace.start();
+    for (int i = 1; i <= 2; ++i) {
+        {
+            const OtherWindow mail(session(), {.instance = "mail", .className = "Mail"});
+            ASSERT_TRUE(waitFor([&] { return activations == i; }));
+        }
+        letPass(0.4);  // nobody is faster
+    }
+}
+
 TEST_F(X11Applications, BringsTheNamedApplicationForward) {
     const EnvironmentVariable data("XDG_DATA_HOME", folder.path().toUtf8()), language("LC_ALL", "de_DE.UTF-8");
     write(QStringLiteral("applications/org.example.Console.desktop"),

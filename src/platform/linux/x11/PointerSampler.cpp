@@ -18,7 +18,7 @@ double refreshRateAt(QPointF pointer) {
 }  // namespace
 
 PointerSampler::PointerSampler(std::shared_ptr<X11Connection> connection, MainLoop& loop)
-    : connection_(std::move(connection)), loop_(loop) {
+    : connection_(std::move(connection)), loop_(loop), self_(std::make_shared<PointerSampler*>(this)) {
     const auto* input = connection_->extension(xcb_input_id);
     if (!input) return;
     events_ = connection_->handle([this, opcode = input->major_opcode](const xcb_generic_event_t& event) {
@@ -38,8 +38,25 @@ Observation PointerSampler::observe(std::function<void(const Sample&)> observer)
 
 PointerSampler::Sample PointerSampler::sample() const {
     const auto reply = connection_->ask(xcb_query_pointer, xcb_query_pointer_reply, connection_->root());
-    if (!reply) return last_;
-    return {nativeToModel(QPointF(reply->root_x, reply->root_y)), uint16_t(reply->mask & anyButton), reply->child};
+    return reply ? from(*reply) : last_;
+}
+
+PointerSampler::Sample PointerSampler::from(const xcb_query_pointer_reply_t& reply) const {
+    return {nativeToModel(QPointF(reply.root_x, reply.root_y)), uint16_t(reply.mask & anyButton), reply.child};
+}
+
+void PointerSampler::look() {
+    if (timer_ || looking_) return;
+    looking_ = true;
+    connection_->answerLater<xcb_query_pointer_reply_t>(
+        xcb_query_pointer(connection_->xcb(), connection_->root()),
+        [self = std::weak_ptr(self_)](const XcbPtr<xcb_query_pointer_reply_t>& reply) {
+            const auto sampler = self.lock();
+            if (!sampler) return;
+            (*sampler)->looking_ = false;
+            if (reply && !(*sampler)->timer_ && (*sampler)->differs((*sampler)->from(*reply)))
+                (*sampler)->beginSampling();
+        });
 }
 
 void PointerSampler::watchMotion() {
@@ -67,9 +84,13 @@ void PointerSampler::tick() {
     if (reportChange()) beginSampling();
 }
 
+bool PointerSampler::differs(const Sample& now) const {
+    return now.pointer != last_.pointer || now.buttons != last_.buttons;
+}
+
 bool PointerSampler::reportChange() {
     const Sample now = sample();
-    const bool changed = now.pointer != last_.pointer || now.buttons != last_.buttons;
+    const bool changed = differs(now);
     last_ = now;
     if (changed && !observers_.notify(now)) {
         timer_.cancel();

@@ -22,12 +22,16 @@ class PointerSampler {
     [[nodiscard]] Observation observe(std::function<void(const Sample&)> observer);
     /// Asks for the present state.
     Sample sample() const;
+    /// Notices a pointer that another program has put elsewhere, of which no event tells. Waits for nothing.
+    void look();
 
  private:
     void watchMotion();
     void beginSampling();
     void tick();
+    Sample from(const xcb_query_pointer_reply_t& reply) const;
     bool reportChange();
+    bool differs(const Sample& now) const;
 
     std::shared_ptr<X11Connection> connection_;
     MainLoop& loop_;
@@ -35,6 +39,9 @@ class PointerSampler {
     Observation events_;
     TimerHandle timer_;
     Sample last_;
+    bool looking_ = false;
     int restingTicks_ = 0;
     int ticksToRest_ = 0;
+    /// Lives as long as this object, for an answer that comes later.
+    std::shared_ptr<PointerSampler*> self_;
 };

@@ -1,8 +1,7 @@
 #include "platform/linux/x11/X11Connection.h"
 
+#include <xcb/xcbext.h>
 #include <xcb/xinput.h>
-
-#include <QMetaObject>
 
 namespace {
 const xcb_screen_t* screenAt(xcb_connection_t* connection, int number) {
@@ -33,6 +32,9 @@ X11Connection::X11Connection(xcb_connection_t* connection, int screenNumber)
     : connection_(connection), screenNumber_(screenNumber), screen_(screenAt(connection, screenNumber)) {
     notifier_ = std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(connection), QSocketNotifier::Read);
     QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [this] { pump(); });
+    // A timer, because posted calls that post again would keep the loop from its timers.
+    more_.setSingleShot(true);
+    QObject::connect(&more_, &QTimer::timeout, &more_, [this] { pump(); });
     if (extension(xcb_input_id)) {
         const auto version = ask(xcb_input_xi_query_version, xcb_input_xi_query_version_reply, 2, 2);
         hasInput2_ = version && (version->major_version > 2 || version->minor_version >= 2);
@@ -78,10 +80,15 @@ QByteArray X11Connection::bytes(xcb_window_t window, const QByteArray& name, xcb
 }
 
 void X11Connection::selectOnRoot(uint32_t events, bool on) {
-    const uint32_t wanted = on ? rootEvents_ | events : rootEvents_ & ~events;
-    if (wanted == rootEvents_) return;
-    rootEvents_ = wanted;
-    xcb_change_window_attributes(connection_, root(), XCB_CW_EVENT_MASK, &rootEvents_);
+    uint32_t wanted = 0, was = 0;
+    for (uint32_t bit = 0; bit < rootEventUsers_.size(); ++bit) {
+        const uint32_t event = 1U << bit;
+        was |= rootEventUsers_[bit] > 0 ? event : 0;
+        if (events & event) rootEventUsers_[bit] += on ? 1 : -1;
+        wanted |= rootEventUsers_[bit] > 0 ? event : 0;
+    }
+    if (wanted == was) return;
+    xcb_change_window_attributes(connection_, root(), XCB_CW_EVENT_MASK, &wanted);
     flush();
 }
 
@@ -97,8 +104,10 @@ void X11Connection::selectInputOnRoot(uint32_t events, bool on) {
     flush();
 }
 
+// Other programs can cause events faster than they are dealt with, so the rest of the program gets its turn in between.
 void X11Connection::pump() {
-    for (;;) {
+    constexpr int most = 256;
+    for (int handled = 0; handled < most; ++handled) {
         XcbPtr<xcb_generic_event_t> event;
         if (!queued_.empty()) {
             event = std::move(queued_.front());
@@ -106,17 +115,31 @@ void X11Connection::pump() {
         } else {
             event.reset(xcb_poll_for_event(connection_));
         }
-        if (!event) break;
+        if (!event) {
+            deliverAnswers();
+            if (xcb_connection_has_error(connection_)) notifier_->setEnabled(false);
+            return;
+        }
         handlers_.notify(*event);
     }
-    if (xcb_connection_has_error(connection_)) notifier_->setEnabled(false);
+    deliverAnswers();
+    more_.start();
+}
+
+void X11Connection::deliverAnswers() {
+    while (!awaited_.empty()) {
+        void* answer = nullptr;
+        xcb_generic_error_t* error = nullptr;
+        if (!xcb_poll_for_reply(connection_, awaited_.front().sequence, &answer, &error)) return;
+        std::free(error);
+        const auto done = std::move(awaited_.front().done);
+        awaited_.pop_front();
+        done(answer);
+    }
 }
 
 void X11Connection::collectQueued() {
-    const bool idle = queued_.empty();
     while (auto* event = xcb_poll_for_queued_event(connection_)) queued_.emplace_back(event);
     // The socket is empty now, so nothing else would wake the loop for these.
-    if (idle && !queued_.empty())
-        QMetaObject::invokeMethod(
-            notifier_.get(), [this] { pump(); }, Qt::QueuedConnection);
+    if (!queued_.empty() || !awaited_.empty()) more_.start();
 }

@@ -5,6 +5,8 @@
 #include <QByteArray>
 #include <QHash>
 #include <QSocketNotifier>
+#include <QTimer>
+#include <array>
 #include <deque>
 #include <functional>
 #include <memory>
@@ -49,6 +51,15 @@ class X11Connection {
         return result;
     }
     void flush() const { xcb_flush(connection_); }
+    /// Calls `done` from the loop with the answer to a request that was sent before, null when that is an error. Waits
+    /// for nothing.
+    template <class Answer, class Cookie>
+    void answerLater(Cookie cookie, std::function<void(XcbPtr<Answer>)> done) {
+        awaited_.push_back({cookie.sequence, [done = std::move(done)](void* answer) {
+                                done(XcbPtr<Answer>(static_cast<Answer*>(answer)));
+                            }});
+        flush();
+    }
 
     /// The 32-bit values of a window's property, the first `most` of them; empty where it has none.
     std::vector<uint32_t> values(xcb_window_t window, const QByteArray& name, xcb_atom_t type,
@@ -60,7 +71,7 @@ class X11Connection {
     [[nodiscard]] Observation handle(std::function<void(const xcb_generic_event_t&)> handler) {
         return handlers_.add(std::move(handler));
     }
-    /// Adds to or takes from the core events that we get for the root window. Each event has one user.
+    /// Adds to or takes from the core events that we get for the root window. An event comes while it has a user.
     void selectOnRoot(uint32_t events, bool on);
     /// The same for XInput 2 events of all master devices.
     void selectInputOnRoot(uint32_t events, bool on);
@@ -75,18 +86,25 @@ class X11Connection {
                                               uint32_t most);
     void pump();
     void collectQueued();
+    void deliverAnswers();
 
     xcb_connection_t* connection_;
     int screenNumber_;
     const xcb_screen_t* screen_;
     bool hasInput2_ = false;
-    uint32_t rootEvents_ = 0;
+    std::array<int, 32> rootEventUsers_{};
     uint32_t rootInputEvents_ = 0;
     QHash<QByteArray, xcb_atom_t> atoms_;
     Observers<const xcb_generic_event_t&> handlers_;
     /// Events that were read along with an answer.
     std::deque<XcbPtr<xcb_generic_event_t>> queued_;
+    struct Awaited {
+        unsigned int sequence;
+        std::function<void(void*)> done;  ///< takes the answer over
+    };
+    std::deque<Awaited> awaited_;
     std::unique_ptr<QSocketNotifier> notifier_;
+    QTimer more_;  // events have been read, so that nothing else would wake the loop for them
 };
 
 /// The event of type `T` that `event` is known to be.

@@ -16,6 +16,7 @@ class X11EventMonitors : public EventMonitors {
 
     void start() override;
     QPointF pointerLocation() const override { return sampler_->sample().pointer; }
+    void lookForPointer() override { sampler_->look(); }
     bool capsLock() const override;
 
  private:

@@ -2,32 +2,49 @@
 
 #include <QFileInfo>
 #include <QStandardPaths>
+#include <algorithm>
 
 #include "platform/linux/Openers.h"
 #include "platform/linux/Programs.h"
+
+namespace {
+// The focus may wander through several windows before it rests, and some programs never let it rest.
+constexpr double settleSeconds = 0.1;
+}  // namespace
 
 X11Workspace::X11Workspace(std::shared_ptr<X11Connection> connection, MainLoop& loop, BackgroundQueue& queue)
     : connection_(std::move(connection)), loop_(loop), queue_(queue), self_(std::make_shared<X11Workspace*>(this)) {}
 
 X11Workspace::~X11Workspace() {
-    connection_->selectOnRoot(XCB_EVENT_MASK_PROPERTY_CHANGE, false);
+    if (events_) connection_->selectOnRoot(XCB_EVENT_MASK_PROPERTY_CHANGE, false);
 }
 
 void X11Workspace::start() {
-    events_ = connection_->handle([this](const xcb_generic_event_t& event) {
-        if (code(event) != XCB_PROPERTY_NOTIFY) return;
+    const auto atoms = {connection_->atom("_NET_ACTIVE_WINDOW"), connection_->atom("_NET_CLIENT_LIST")};
+    events_ = connection_->handle([this, atoms = std::vector(atoms)](const xcb_generic_event_t& event) {
+        if (code(event) != XCB_PROPERTY_NOTIFY || pending_) return;
         const auto& notify = as<xcb_property_notify_event_t>(event);
-        if (notify.window == connection_->root() && notify.atom == connection_->atom("_NET_ACTIVE_WINDOW"))
-            activeWindowChanged();
+        if (notify.window == connection_->root() && std::find(atoms.begin(), atoms.end(), notify.atom) != atoms.end())
+            pending_ = loop_.after(settleSeconds, [this] { windowsChanged(); });
     });
     connection_->selectOnRoot(XCB_EVENT_MASK_PROPERTY_CHANGE, true);
     const auto active = connection_->values(connection_->root(), "_NET_ACTIVE_WINDOW", XCB_ATOM_WINDOW);
     if (!active.empty() && active.front()) activeApplication_ = applicationOf(active.front());
 }
 
-void X11Workspace::activeWindowChanged() {
+void X11Workspace::windowsChanged() {
+    pending_.cancel();
+    const auto windows = connection_->values(connection_->root(), "_NET_CLIENT_LIST", XCB_ATOM_WINDOW);
     const auto active = connection_->values(connection_->root(), "_NET_ACTIVE_WINDOW", XCB_ATOM_WINDOW);
-    if (active.empty() || !active.front()) return;
+    // Not every manager takes the property back when the window is closed.
+    if (active.empty() || std::find(windows.begin(), windows.end(), active.front()) == windows.end()) {
+        // Either the focus is on its way, or the last window of the application is gone.
+        const bool open = std::any_of(windows.begin(), windows.end(), [this](xcb_window_t window) {
+            return applicationOf(window) == activeApplication_;
+        });
+        if (!open) activeApplication_.clear();
+        return;
+    }
     const QByteArray application = applicationOf(active.front());
     if (application == activeApplication_) return;
     activeApplication_ = application;

@@ -21,7 +21,7 @@ class X11Workspace : public Workspace {
     void reveal(const QUrl& file) override;
 
  private:
-    void activeWindowChanged();
+    void windowsChanged();
     QByteArray applicationOf(xcb_window_t window);
     QList<ApplicationWindow> applicationWindows();
     void activate(xcb_window_t window);
@@ -30,7 +30,8 @@ class X11Workspace : public Workspace {
     MainLoop& loop_;
     BackgroundQueue& queue_;
     Observation events_;
-    /// What tells the active application from others; empty before any was active.
+    TimerHandle pending_;
+    /// What tells the active application from others; empty before any was active and when it was closed.
     QByteArray activeApplication_;
     /// Lives as long as this object, for what comes back from the queue.
     std::shared_ptr<X11Workspace*> self_;
