@@ -38,6 +38,6 @@ std::optional<NotchGeometry> notchGeometry(const QList<Screen>& screens) {
     if (!screen) return {};
     const QRectF notch = notchOf(*screen);
     const double top = screen->frame.bottom();
-    return NotchGeometry{
-        {notch.center().x() - kPanelWidth / 2, top - kPanelHeight, kPanelWidth, kPanelHeight}, notch, top};
+    const QRectF panel(notch.center().x() - kPanelWidth / 2, top - kPanelHeight, kPanelWidth, kPanelHeight);
+    return NotchGeometry{panel, notch, top, screen->place};
 }

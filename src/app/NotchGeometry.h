@@ -11,6 +11,7 @@ struct NotchGeometry {
     QRectF panelFrame;
     QRectF notch;
     double top = 0;  ///< top edge of the screen
+    QRectF place;    ///< the screen's place in the desktop (see Screen)
 
     friend bool operator==(const NotchGeometry&, const NotchGeometry&) = default;
 };

@@ -18,6 +18,8 @@ class NotchPanel {
     void setFrame(const QRectF& frame);
     /// Where the panel is; its window hangs lower while the shelf has more rows than fit.
     QRectF frame() const { return frame_; }
+    /// Where the desktop shows it.
+    QRectF shownFrame() const { return window_.frame(); }
 
     /// Lets the panel take the pointer exactly while the creature attends, is aimed at with a drop, or is off its
     /// place.

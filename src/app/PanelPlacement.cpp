@@ -28,6 +28,7 @@ void PanelPlacement::take(const NotchGeometry& geometry) {
     m_.screenTop = geometry.top;
     homeFrame_ = geometry.panelFrame;
     notch_ = geometry.notch;
+    place_ = geometry.place;
     m_.didChange();
 }
 
@@ -51,7 +52,8 @@ void PanelPlacement::forgetHome() {
 void PanelPlacement::placePanel() {
     const auto geometry = notchGeometry(screens_.screens());
     if (!geometry) return;
-    if (geometry->panelFrame == homeFrame_ && geometry->notch.size() == m_.notchSize) return;
+    const bool stays = geometry->panelFrame == homeFrame_ && geometry->place == place_;
+    if (stays && geometry->notch.size() == m_.notchSize) return;
     take(*geometry);
     if (m_.slideX != 0.0) m_.slideX = 0;
     behaviour_->cancelSlideHome();

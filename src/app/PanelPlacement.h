@@ -38,6 +38,7 @@ class PanelPlacement {
     BehaviourEngine* behaviour_ = nullptr;
     QRectF homeFrame_;
     QRectF notch_;
+    QRectF place_;  // of the screen in the desktop
     TimerHandle settled_;
     Subscription slideSubscription_;
 };

@@ -30,7 +30,7 @@ void ScreenTest::pretendChange() {
 void ScreenTest::reportUnchanged() {
     Diagnostics::write(QStringLiteral("screentest: before=%1 after=%2 same=%3 panel=%4 centerX=%5 top=%6")
                            .arg(formatRect(before_), formatRect(placement_.homeFrame()),
-                                word(before_ == placement_.homeFrame()), formatRect(panel_.frame()),
+                                word(before_ == placement_.homeFrame()), formatRect(panel_.shownFrame()),
                                 formatNumber(m_.centerX), formatNumber(m_.screenTop)));
     placement_.forgetHome();
     placement_.screensChanged();
@@ -39,5 +39,5 @@ void ScreenTest::reportUnchanged() {
 
 void ScreenTest::reportRecovered() {
     Diagnostics::write(QStringLiteral("screentest: recovered=%1 panel=%2")
-                           .arg(word(placement_.homeFrame() == before_), formatRect(panel_.frame())));
+                           .arg(word(placement_.homeFrame() == before_), formatRect(panel_.shownFrame())));
 }

@@ -24,7 +24,7 @@ class PanelWindow {
 
     /// Moves and resizes the window to a rectangle of the screen.
     virtual void setFrame(const QRectF& frame) = 0;
-    /// Where the window is now.
+    /// Where the window is now, as the desktop has it. May wait for the desktop.
     virtual QRectF frame() const = 0;
     /// Makes the window visible and puts it in front of all others.
     virtual void orderFrontRegardless() = 0;

@@ -12,6 +12,9 @@ struct Screen {
     std::optional<QRectF> auxiliaryTopLeftArea;
     std::optional<QRectF> auxiliaryTopRightArea;
     bool main = false;
+    /// Where the desktop has it, in the desktop's own units. Only good for telling whether it moved: the frame of the
+    /// main screen does not.
+    QRectF place{};
 
     friend bool operator==(const Screen&, const Screen&) = default;
 };

@@ -54,19 +54,19 @@ TEST_F(ScreenChanges, TheCreatureMovesToTheNewTop) {
 }
 
 TEST_F(ScreenChanges, AScreenBesideItsOwnIsNoReasonToMove) {
-    xrandr("--setmonitor *own 800/200x600/150+0+0 screen");
+    xrandr("--setmonitor *own 756/200x600/150+0+0 screen");
     Glimmet glimmet(session, home, {QStringLiteral("--slide=100")});
     ASSERT_TRUE(glimmet.started());
-    ASSERT_TRUE(waitForPanelAt(glimmet, 220 + 100));
+    ASSERT_TRUE(waitForPanelAt(glimmet, 198 + 100));
 
-    xrandr("--setmonitor other 712/200x600/150+800+0 none");
+    xrandr("--setmonitor other 756/200x600/150+756+0 none");
     letPass(1);
-    EXPECT_TRUE(waitForPanelAt(glimmet, 220 + 100));
+    EXPECT_TRUE(waitForPanelAt(glimmet, 198 + 100));
 
     xrandr("--delmonitor own");
-    EXPECT_TRUE(waitForPanelAt(glimmet, 976)) << "a new home ends a slide";
-    xrandr("--setmonitor *own 800/200x600/150+0+0 screen");
-    EXPECT_TRUE(waitForPanelAt(glimmet, 220)) << "the main screen is back";
+    EXPECT_TRUE(waitForPanelAt(glimmet, 954)) << "an equal screen elsewhere is a new home, which ends a slide";
+    xrandr("--setmonitor *own 756/200x600/150+0+0 screen");
+    EXPECT_TRUE(waitForPanelAt(glimmet, 198)) << "the main screen is back";
 }
 
 }  // namespace

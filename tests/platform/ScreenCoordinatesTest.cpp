@@ -44,14 +44,18 @@ TEST_F(TwoScreens, ScaleNativePointsByTheirOwnRatio) {
         EXPECT_EQ(nativeToModel(native), model) << native.x() << ',' << native.y();
 }
 
-TEST_F(TwoScreens, HaveTheUsersHousingOnTheMainOneOnly) {
+TEST_F(TwoScreens, HaveTheUsersHousingWhereItWasWritten) {
     MemoryPreferences preferences;
     preferences.setText(QStringLiteral("glimmet.notch"), QStringLiteral("200x30"));
     ManualClock clock;
     ManualLoop loop(clock);
     const QList<Screen> found = QtScreens(preferences, loop).screens();
     ASSERT_EQ(found.size(), 2);
-    EXPECT_TRUE(found.contains(Screen{{0, 0, 800, 600}, QRectF(0, 570, 300, 30), QRectF(500, 570, 300, 30), true}));
-    EXPECT_TRUE(found.contains(Screen{{-1000, -280, 1000, 1080}, {}, {}, false}));
+    EXPECT_TRUE(found.contains(
+        Screen{{0, 0, 800, 600}, QRectF(0, 570, 300, 30), QRectF(500, 570, 300, 30), true, {1000, 200, 1600, 1200}}));
+    preferences.setText(QStringLiteral("glimmet.notchScreen"), QStringLiteral("B"));
+    for (const Screen& screen : QtScreens(preferences, loop).screens())
+        EXPECT_NE(screen.main, screen.auxiliaryTopLeftArea.has_value()) << "whichever is the main one today";
+    EXPECT_TRUE(found.contains(Screen{{-1000, -280, 1000, 1080}, {}, {}, false, {0, 0, 1000, 1080}}));
 }
 }  // namespace

@@ -193,20 +193,19 @@ TEST_F(PathReferencesTest, GiveSlowDisksTheBenefitOfTheDoubtOnce) {
 TEST(QtScreens, TakeTheHousingFromThePreference) {
     MemoryPreferences preferences;
     QtMainLoop loop;
-    const QtScreens screens(preferences, loop);
-    ASSERT_FALSE(screens.screens().isEmpty());
-    const QRectF frame = screens.screens().first().frame;
-    EXPECT_FALSE(screens.screens().first().auxiliaryTopLeftArea);
+    const auto first = [&] { return QtScreens(preferences, loop).screens().first(); };
+    const QRectF frame = first().frame;
+    EXPECT_FALSE(first().auxiliaryTopLeftArea);
 
     preferences.setText(QStringLiteral("glimmet.notch"), QStringLiteral("200x38"));
-    const Screen notched = screens.screens().first();
+    const Screen notched = first();
     ASSERT_TRUE(notched.auxiliaryTopLeftArea && notched.auxiliaryTopRightArea);
     EXPECT_EQ(notched.auxiliaryTopRightArea->left() - notched.auxiliaryTopLeftArea->right(), 200);
     EXPECT_EQ(notched.auxiliaryTopLeftArea->bottom(), frame.bottom());
     EXPECT_EQ(notched.auxiliaryTopLeftArea->height(), 38);
     for (const char* odd : {"none", "200", "x", "99999x9", "200x38x2", "-1x3", "0x0", "200x0", "00x38", "2000x38"}) {
         preferences.setText(QStringLiteral("glimmet.notch"), QLatin1String(odd));
-        EXPECT_FALSE(screens.screens().first().auxiliaryTopLeftArea) << odd;
+        EXPECT_FALSE(first().auxiliaryTopLeftArea) << odd;
     }
 }
 

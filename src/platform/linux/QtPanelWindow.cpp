@@ -72,7 +72,7 @@ void QtPanelWindow::setFrame(const QRectF& frame) {
 }
 
 QRectF QtPanelWindow::frame() const {
-    return toModel(QRectF(window_->geometry()));
+    return toModel(shownGeometry());
 }
 
 void QtPanelWindow::orderFrontRegardless() {

@@ -35,6 +35,8 @@ class QtPanelWindow : public PanelWindow {
     virtual void pressed(QMouseEvent& event);
     /// Clears `area` of `device` and draws there, in points.
     static void drawInto(QPaintDevice& device, const QRegion& area, const std::function<void(QPainter&)>& draw);
+    /// Where the window is, in Qt's coordinates.
+    virtual QRectF shownGeometry() const { return window_->geometry(); }
     /// The window came to another screen, or its screen's device pixel ratio changed.
     virtual void screenChanged() {}
 

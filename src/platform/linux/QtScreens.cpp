@@ -3,11 +3,39 @@
 #include <QGuiApplication>
 #include <QRegularExpression>
 #include <QScreen>
+#include <algorithm>
+#include <cstdlib>
 
 #include "platform/linux/NotchedPanels.h"
 #include "platform/linux/ScreenCoordinates.h"
 
-QtScreens::QtScreens(const Preferences& preferences, MainLoop& loop) : preferences_(preferences), loop_(loop) {
+namespace {
+/// Where the name is kept of the screen that "glimmet.notch" was written for.
+const QString kHousingScreen = QStringLiteral("glimmet.notchScreen");
+// A screen's size in points is rounded, so the pixels that are computed from it may be off.
+constexpr int kRounding = 2;
+
+/// Whether it is the panel of a laptop, by the name of its connector.
+bool builtIn(const QScreen& screen) {
+    static const QRegularExpression connectors(QStringLiteral("^(eDP|LVDS|DSI)"),
+                                               QRegularExpression::CaseInsensitiveOption);
+    return connectors.match(screen.name()).hasMatch();
+}
+
+/// The size in a preference of the form "WIDTHxHEIGHT"; empty in any other.
+QSizeF sizeIn(const QString& preference) {
+    static const QRegularExpression form(QStringLiteral("^([1-9]\\d{1,3})x([1-9]\\d{0,2})$"));
+    const auto match = form.match(preference);
+    return match.hasMatch() ? QSizeF(match.captured(1).toDouble(), match.captured(2).toDouble()) : QSizeF();
+}
+
+bool near(QSize a, QSize b) {
+    return std::abs(a.width() - b.width()) <= kRounding && std::abs(a.height() - b.height()) <= kRounding;
+}
+}  // namespace
+
+QtScreens::QtScreens(Preferences& preferences, MainLoop& loop) : preferences_(preferences), loop_(loop) {
+    rememberHousingScreen();
     for (QScreen* screen : QGuiApplication::screens()) watch(screen);
     QObject::connect(qGuiApp, &QGuiApplication::screenAdded, &context_, [this](QScreen* screen) {
         watch(screen);
@@ -24,6 +52,7 @@ void QtScreens::watch(QScreen* screen) {
 
 // One change of the desktop comes as several signals in a row.
 void QtScreens::changed() {
+    rememberHousingScreen();
     announcement_ = loop_.after(0, [this] {
         if (onChange) onChange();
     });
@@ -35,8 +64,8 @@ QList<Screen> QtScreens::screens() const {
         // While the last screen is unplugged Qt stands in with one that has no size.
         if (screen->geometry().isEmpty()) continue;
         const bool main = screen == QGuiApplication::primaryScreen();
-        Screen found{toModel(QRectF(screen->geometry())), {}, {}, main};
-        if (const auto size = housing(*screen, main)) {
+        Screen found{toModel(QRectF(screen->geometry())), {}, {}, main, nativeGeometry(*screen)};
+        if (const auto size = housing(*screen)) {
             const QRectF& frame = found.frame;
             const double side = (frame.width() - size->width()) / 2;
             const double low = frame.bottom() - size->height();
@@ -48,21 +77,29 @@ QList<Screen> QtScreens::screens() const {
     return screens;
 }
 
-std::optional<QSizeF> QtScreens::housing(const QScreen& screen, bool main) const {
+// Whoever wrote the preference meant a screen, not whichever is the main one later.
+void QtScreens::rememberHousingScreen() {
+    const QList<QScreen*> screens = QGuiApplication::screens();
+    const QScreen* main = QGuiApplication::primaryScreen();
+    if (sizeIn(preferences_.text(QStringLiteral("glimmet.notch")).value_or(QString())).isEmpty()) return;
+    if (!main || main->name().isEmpty() || preferences_.text(kHousingScreen)) return;
+    const auto panel =
+        std::find_if(screens.begin(), screens.end(), [](const QScreen* screen) { return builtIn(*screen); });
+    preferences_.setText(kHousingScreen, (panel == screens.end() ? main : *panel)->name());
+}
+
+std::optional<QSizeF> QtScreens::housing(const QScreen& screen) const {
     if (const auto setting = preferences_.text(QStringLiteral("glimmet.notch"))) {
         if (*setting == QLatin1String("none")) return {};
-        static const QRegularExpression form(QStringLiteral("^([1-9]\\d{1,3})x([1-9]\\d{0,2})$"));
-        const auto match = form.match(*setting);
-        if (match.hasMatch()) {
-            const QSizeF wanted(match.captured(1).toDouble(), match.captured(2).toDouble());
+        if (const QSizeF wanted = sizeIn(*setting); !wanted.isEmpty()) {
             const QSize size = screen.geometry().size();
-            return main && wanted.width() < size.width() && wanted.height() < size.height() ? std::optional(wanted)
-                                                                                            : std::nullopt;
+            const bool fits = wanted.width() < size.width() && wanted.height() < size.height();
+            return fits && screen.name() == preferences_.text(kHousingScreen) ? std::optional(wanted) : std::nullopt;
         }
     }
     const QSize pixels = nativeGeometry(screen).size().toSize();
     for (const NotchedPanel& panel : kNotchedPanels) {
-        if (panel.resolution == pixels) return QSizeF(panel.housing) / screen.devicePixelRatio();
+        if (near(panel.resolution, pixels)) return QSizeF(panel.housing) / screen.devicePixelRatio();
     }
     return {};
 }

@@ -10,20 +10,22 @@
 class QScreen;
 
 /// The screens as Qt knows them. A camera housing is known from the panel's resolution, or from the user's preference
-/// "glimmet.notch": "WIDTHxHEIGHT" in points puts one on the main screen, "none" says that there is none anywhere. Main
+/// "glimmet.notch": "WIDTHxHEIGHT" in points puts one on the built-in screen or, where there is none, on the one that
+/// was the main screen then, whose name is kept in "glimmet.notchScreen"; "none" says that there is none anywhere. Main
 /// thread only; needs a QGuiApplication; the references must outlive the object.
 class QtScreens : public Screens {
  public:
-    QtScreens(const Preferences& preferences, MainLoop& loop);
+    QtScreens(Preferences& preferences, MainLoop& loop);
 
     QList<Screen> screens() const override;
 
  private:
     void watch(QScreen* screen);
     void changed();
-    std::optional<QSizeF> housing(const QScreen& screen, bool main) const;
+    void rememberHousingScreen();
+    std::optional<QSizeF> housing(const QScreen& screen) const;
 
-    const Preferences& preferences_;
+    Preferences& preferences_;
     MainLoop& loop_;
     QObject context_;  // ends the connections
     TimerHandle announcement_;
