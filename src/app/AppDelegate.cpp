@@ -4,6 +4,7 @@
 
 #include "creature/Numbers.h"
 #include "platform/EventMonitors.h"
+#include "platform/ScreenLock.h"
 #include "platform/Workspace.h"
 
 namespace {
@@ -44,9 +45,13 @@ void AppDelegate::connect() {
     // Below the panel, in its middle.
     chipActions_.showSharing = [this](const QList<MenuItem>& items) {
         const QRectF panel = panel_.frame();
-        ports_.popUp(items, {panel.center().x() - 1, panel.top() + kSharingAbove});
+        popUp(items, {panel.center().x() - 1, panel.top() + kSharingAbove});
     };
     commands_.quit = ports_.quit;
+    ports_.screenLock.onChange = [this] { lockChanged(); };
+    root_.onBreath = [this] {
+        if (!m_.screenLocked) ports_.monitors.lookForPointer();
+    };
     m_.onFocusBlockedTerminal = [this] { agents_.focusBlockedTerminal(); };
 }
 
@@ -65,6 +70,7 @@ AppDelegate::Launch AppDelegate::launch() {
     }
     m_.loadShelf();
     watchPointer();
+    lockChanged();
     panel_.show(placement_.homeFrame());
     if (const auto paths = flags_.value("--droptest=")) shelfTest_.startDrop(*paths);
     m_.loadHeld();
@@ -106,12 +112,24 @@ void AppDelegate::startSensors() {
     agents_.start();
 }
 
+void AppDelegate::lockChanged() {
+    m_.screenLocked = ports_.screenLock.locked();
+    if (!m_.screenLocked) return;
+    ports_.closePopUp();
+    panel_.letGo();
+    drops_.refuse();
+}
+
+void AppDelegate::popUp(const QList<MenuItem>& items, QPointF at) {
+    if (!m_.screenLocked) ports_.popUp(items, at);
+}
+
 void AppDelegate::rightMouseDown(QPointF pointer) {
     if (!behaviour_.inHoverZone(pointer, kMenuMargin)) return;
     panel_.letGo();
     const Chip* chip = panel_.chipAt(pointer);
     if (demo_ && !chip) return;
-    ports_.popUp(chip ? chipActions_.menu(chip->thing()) : commands_.menu(), pointer);
+    popUp(chip ? chipActions_.menu(chip->thing()) : commands_.menu(), pointer);
 }
 
 void AppDelegate::dumpMenu() {

@@ -25,6 +25,7 @@ class FileIcons;
 class PanelWindow;
 class Pasteboard;
 class Preferences;
+class ScreenLock;
 class Screens;
 class Sharing;
 class Sounds;
@@ -39,6 +40,7 @@ struct Ports {
     Screens& screens;
     PanelWindow& window;
     EventMonitors& monitors;
+    ScreenLock& screenLock;
     Workspace& workspace;
     Sounds& sounds;
     DragPasteboard& dragPasteboard;
@@ -79,6 +81,8 @@ class AppDelegate {
     void watchPointer();
     ChipPorts chipPorts();
     void startSensors();
+    void lockChanged();
+    void popUp(const QList<MenuItem>& items, QPointF at);
     void rightMouseDown(QPointF pointer);
     void dumpMenu();
     void logStart() const;

@@ -16,6 +16,11 @@ bool NotchModel::isSleepy() const {
     return hour == 23 || hour < 6;
 }
 
+bool NotchModel::timerRung() const {
+    const auto done = [](const HeldTimer& timer) { return timer.done; };
+    return !screenLocked && std::any_of(timers->begin(), timers->end(), done);
+}
+
 bool NotchModel::quiet() const {
     return clock_.now() < quietUntil;
 }
@@ -60,11 +65,10 @@ void NotchModel::yawn() {
 }
 
 void NotchModel::notchTapped() {
-    const bool rung = std::any_of(timers->begin(), timers->end(), [](const HeldTimer& timer) { return timer.done; });
     if (hidden) {
         withAnimation(commonSpring(), [this] { hidden = false; });
         ++boopCount;
-    } else if (rung) {
+    } else if (timerRung()) {
         clearDoneTimers();
         ++boopCount;
     } else if (needsYou && blockedTerminal && !blockedTerminal->isEmpty()) {

@@ -92,6 +92,7 @@ class NotchModel : public ObservableObject {
     Published<int> spawnCount{*this, 0};
     Published<bool> cameraInUse{*this, false};
     Published<bool> micInUse{*this, false};
+    Published<bool> screenLocked{*this, false};  ///< nothing that is held may be seen
 
     /// Called with a command word by the music buttons.
     std::function<void(const QString&)> onMusicCommand;
@@ -105,7 +106,11 @@ class NotchModel : public ObservableObject {
 
     bool attending() const { return hovering || dragging || dragNear; }
     bool hasHeld() const { return heldCount() > 0; }
-    int heldCount() const { return int(items->size() + bites->size() + timers->size()); }
+    /// What may be seen of it: nothing while the screen is locked.
+    int heldCount() const { return screenLocked ? 0 : int(items->size() + bites->size() + timers->size()); }
+    bool timerRung() const;
+    /// The whispered meeting, if it may be seen.
+    std::optional<QString> whisper() const { return screenLocked ? std::nullopt : eventWhisper.get(); }
     /// Tired: the battery is low and not charging, or it is late at night.
     bool isSleepy() const;
     /// The user asked for quiet and the time is not over.

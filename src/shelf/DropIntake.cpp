@@ -67,6 +67,14 @@ void DropIntake::setNear(bool near) {
     if (updateMousePassThrough) updateMousePassThrough();
 }
 
+void DropIntake::refuse() {
+    dragIsFiles_ = false;
+    farewell_.cancel();
+    m_.dragNear = false;
+    m_.dropTargeted = false;
+    if (updateMousePassThrough) updateMousePassThrough();
+}
+
 void DropIntake::dragEnded() {
     // What is dragged next need not be a drag of things: a window, a selection, the creature itself.
     dragIsFiles_ = dragging_ = false;

@@ -30,7 +30,9 @@ class DropIntake {
     void dragEnded();
 
     /// Whether a drop would be taken now.
-    bool acceptsDrops() const { return m_.toy == Toy::critter; }
+    bool acceptsDrops() const { return m_.toy == Toy::critter && !m_.screenLocked; }
+    /// Drops are no longer taken, not even one that is near.
+    void refuse();
     /// Reads what was dropped, each thing in the best of its forms, and puts it on the shelf when all of it is there.
     void handleDrop(std::shared_ptr<Drop> drop);
 

@@ -66,6 +66,7 @@ bool ShelfArea::wanted() const {
 }
 
 QList<HeldThing> ShelfArea::shownThings() const {
+    if (m_.screenLocked) return {};
     const qsizetype files = m_.shelfExpanded ? m_.items->size() : kFoldedFiles;
     const qsizetype bites = m_.shelfExpanded ? m_.bites->size() : kFoldedBites;
     QList<HeldThing> things;
@@ -240,7 +241,7 @@ void ShelfArea::composePill(DisplayList& list) const {
 }
 
 void ShelfArea::composeWhisper(DisplayList& list) const {
-    const QString whisper = m_.eventWhisper->value_or(QString());
+    const QString whisper = m_.whisper().value_or(QString());
     if (whisper.isEmpty()) return;
     const double line = lineHeight(kWhisperStyle), top = layout().bottom;
     list.add(piece::whisper, QRectF(-160, top, 320, line), {top, whisper}, [=](Canvas& canvas) {

@@ -1,28 +1,22 @@
 #include "views/StatusGlyph.h"
 
-#include <algorithm>
-
 #include "creature/NotchModel.h"
 #include "views/Colors.h"
 
 namespace {
 
-bool anyTimerDone(const NotchModel& m) {
-    return std::any_of(m.timers->begin(), m.timers->end(), [](const HeldTimer& timer) { return timer.done; });
-}
-
 bool calledFor(const NotchModel& m, GlyphHints hints) {
-    return m.attending() || hints.worried || m.needsYou || m.cameraInUse || m.micInUse || anyTimerDone(m) ||
-           m.eventWhisper->has_value() || m.downloading || m.offline || hints.stretching;
+    return m.attending() || hints.worried || m.needsYou || m.cameraInUse || m.micInUse || m.timerRung() ||
+           m.whisper().has_value() || m.downloading || m.offline || hints.stretching;
 }
 
 QString symbolFor(const NotchModel& m, GlyphHints hints, int hour) {
     if (m.needsYou) return QStringLiteral("exclamationmark");
-    if (anyTimerDone(m)) return QStringLiteral("timer");
+    if (m.timerRung()) return QStringLiteral("timer");
     if (m.cameraInUse) return QStringLiteral("eye.slash.fill");
     if (m.micInUse) return QStringLiteral("waveform");
     if (m.musicPlaying) return QStringLiteral("music.note");
-    if (m.eventWhisper->has_value()) return QStringLiteral("calendar");
+    if (m.whisper().has_value()) return QStringLiteral("calendar");
     if (m.downloading) return QStringLiteral("arrow.down.circle");
     if (m.offline) return QStringLiteral("wifi.slash");
     if (m.updateAvailable->has_value()) return QStringLiteral("gift.fill");
@@ -36,7 +30,7 @@ QString symbolFor(const NotchModel& m, GlyphHints hints, int hour) {
 }
 
 QColor colorFor(const NotchModel& m, GlyphHints hints) {
-    if (m.needsYou || anyTimerDone(m) || m.eventWhisper->has_value() || m.diskFull) return accentOrange();
+    if (m.needsYou || m.timerRung() || m.whisper().has_value() || m.diskFull) return accentOrange();
     if (m.cameraInUse || m.micInUse || m.offline || m.downloading || hints.stretching) return white(1);
     if (m.updateAvailable->has_value()) return accentOrange();
     if (m.charging) return systemGreen();

@@ -18,6 +18,7 @@ struct ProgramFixture {
     FakeScreens screens;
     FakePanelWindow window;
     FakeMonitors monitors;
+    FakeScreenLock screenLock;
     MemoryWorkspace workspace;
     MemorySounds sounds;
     MemoryDragPasteboard dragPasteboard;
@@ -41,6 +42,7 @@ struct ProgramFixture {
                                screens,
                                window,
                                monitors,
+                               screenLock,
                                workspace,
                                sounds,
                                dragPasteboard,

@@ -63,7 +63,11 @@ xcb_window_t DesktopTest::windowAt(QPoint place) const {
 
 bool DesktopTest::panelOnTop(const Glimmet& glimmet) const {
     const QList<xcb_window_t> windows = session.stacking();
-    return !windows.isEmpty() && windows.last() == glimmet.panel();
+    const qsizetype place = windows.indexOf(glimmet.panel());
+    const QRect panel = glimmet.panelFrame();
+    return place >= 0 && std::none_of(windows.begin() + place + 1, windows.end(), [&](xcb_window_t window) {
+               return visible(session, window) && frameOf(session, window).intersects(panel);
+           });
 }
 
 std::unique_ptr<OtherWindow> DesktopTest::windowBelow(const Glimmet& glimmet) {

@@ -26,6 +26,7 @@ class DesktopTest : public testing::Test {
     xcb_window_t windowAt(QPoint place) const;
     /// A light window all over the screen, with the panel above it again.
     std::unique_ptr<OtherWindow> windowBelow(const Glimmet& glimmet);
+    /// Whether nothing visible lies over the panel.
     bool panelOnTop(const Glimmet& glimmet) const;
 
     static constexpr QPoint kFar{200, 700};

@@ -26,13 +26,19 @@ bool isPanel(const QRect& frame) {
     return frame.width() == 360 && frame.height() >= 230 && frame.top() == 0;
 }
 
+}  // namespace
+
 QRect frameOf(const XSession& session, xcb_window_t window) {
     xcb_connection_t* xcb = session.xcb();
     const auto frame = owned(xcb_get_geometry_reply(xcb, xcb_get_geometry(xcb, window), nullptr));
     return frame ? QRect(frame->x, frame->y, frame->width, frame->height) : QRect();
 }
 
-}  // namespace
+bool visible(const XSession& session, xcb_window_t window) {
+    const auto cookie = xcb_get_window_attributes(session.xcb(), window);
+    const auto attributes = owned(xcb_get_window_attributes_reply(session.xcb(), cookie, nullptr));
+    return attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE;
+}
 
 Home::Home() {
     for (const char* name : {"config/glimmet", "data", "cache"}) QDir().mkpath(filePath(QLatin1String(name)));
@@ -143,9 +149,7 @@ QList<xcb_window_t> Glimmet::windows() const {
         const auto owner = owned(xcb_get_property_reply(xcb, cookie, nullptr));
         if (!owner || owner->value_len != 1) continue;
         if (*static_cast<uint32_t*>(xcb_get_property_value(owner.get())) != uint32_t(pid())) continue;
-        const auto attributes =
-            owned(xcb_get_window_attributes_reply(xcb, xcb_get_window_attributes(xcb, window), nullptr));
-        if (attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE) found.append(window);
+        if (visible(*session_, window)) found.append(window);
     }
     return found;
 }

@@ -8,6 +8,10 @@
 
 #include "support/XSession.h"
 
+/// Where a window is; empty when it is gone.
+QRect frameOf(const XSession& session, xcb_window_t window);
+bool visible(const XSession& session, xcb_window_t window);
+
 /// The folders in which one user's programs keep what they know, all of them temporary. It outlives the programs that
 /// are started in it, so that a second one finds what the first one left.
 class Home {

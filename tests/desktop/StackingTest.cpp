@@ -2,23 +2,70 @@
 
 namespace {
 
-class Stacking : public DesktopTest {};
+class Stacking : public DesktopTest {
+ protected:
+    static constexpr QRect kScreen{0, 0, 1512, 982};
 
-TEST_F(Stacking, ItComesBackOverWhateverCoversIt) {
+    /// What lies over the panel and can be seen, from the bottom to the top.
+    QList<xcb_window_t> above(xcb_window_t panel) const {
+        const QList<xcb_window_t> windows = session.stacking();
+        return windows.mid(windows.indexOf(panel) + 1);
+    }
+};
+
+TEST_F(Stacking, ItLiesOverWhatIsManagedAndUnderWhatIsNot) {
+    auto menu = std::make_unique<OtherWindow>(
+        session, OtherWindow::Options{.geometry = {700, 0, 120, 40}, .overrideRedirect = true});
     Glimmet glimmet(session, home);
     ASSERT_TRUE(glimmet.started());
-
-    OtherWindow fullScreen(session, {.geometry = {0, 0, 1512, 982}, .colour = kLight, .fullScreen = true});
+    EXPECT_TRUE(waitFor([&] { return above(glimmet.panel()).contains(menu->id()); })) << "even if it was there before";
+    menu.reset();
+    OtherWindow fullScreen(session, {.geometry = kScreen, .colour = kLight, .fullScreen = true});
     EXPECT_TRUE(waitFor([&] { return panelOnTop(glimmet); })) << "a full-screen window";
+    EXPECT_TRUE(waitFor([&] { return fullScreen.active(); }));
     EXPECT_TRUE(waitForBody(185, 58));
 
-    OtherWindow tooltip(session, {.geometry = {700, 0, 120, 40}, .colour = kLight, .overrideRedirect = true});
-    EXPECT_TRUE(waitFor([&] { return panelOnTop(glimmet); })) << "a window that no manager knows";
-    const uint32_t above = XCB_STACK_MODE_ABOVE;
-    xcb_configure_window(session.xcb(), tooltip.id(), XCB_CONFIG_WINDOW_STACK_MODE, &above);
-    EXPECT_TRUE(waitFor([&] { return panelOnTop(glimmet); })) << "and its return";
-    EXPECT_TRUE(waitForBody(185, 58));
-    EXPECT_TRUE(waitFor([&] { return fullScreen.active(); }));
+    OtherWindow dragPicture(session, {.geometry = {700, 0, 120, 40}, .overrideRedirect = true});
+    Home other;
+    Glimmet second(session, other);
+    ASSERT_TRUE(second.started());
+    letPass(0.5);
+    EXPECT_TRUE(above(glimmet.panel()).contains(dragPicture.id()));
+    const QList<xcb_window_t> settled = session.stacking();
+    for (int i = 0; i < 10; ++i) {
+        letPass(0.1);
+        EXPECT_EQ(session.stacking(), settled) << "two of its kind leave each other alone";
+    }
+
+    xcb_client_message_event_t close{XCB_CLIENT_MESSAGE, 32, 0, glimmet.panel(), session.atom("WM_PROTOCOLS"), {}};
+    close.data.data32[0] = session.atom("WM_DELETE_WINDOW");
+    xcb_send_event(session.xcb(), false, glimmet.panel(), 0, reinterpret_cast<const char*>(&close));
+    letPass(0.5);
+    EXPECT_NE(glimmet.panel(), XCB_NONE) << "it cannot be closed";
+}
+
+TEST_F(Stacking, NothingHeldIsSeenOnALockedScreen) {
+    Glimmet glimmet(session, home, {QStringLiteral("--bites")});
+    ASSERT_TRUE(glimmet.started());
+    const auto below = windowBelow(glimmet);
+    session.moveTo(kOnNotch);
+    ASSERT_TRUE(waitForBody(320, 152));
+    session.press(3);
+    session.release(3);
+    ASSERT_TRUE(waitFor([&] { return glimmet.menus().size() == 1; }));
+    const auto opensTo = [&](int height) {
+        return waitFor([&] { return glimmet.inputRegion().boundingRect().height() == height; });
+    };
+    {
+        OtherWindow locker(session, {.geometry = kScreen.adjusted(1, 1, -1, -1), .overrideRedirect = true});
+        EXPECT_TRUE(waitFor([&] { return glimmet.menus().isEmpty(); }));
+        EXPECT_TRUE(above(glimmet.panel()).contains(locker.id()));
+        session.click(kOnNotch + QPoint(5, 0), 3);
+        letPass(0.5);
+        EXPECT_TRUE(glimmet.menus().isEmpty());
+        EXPECT_TRUE(opensTo(108)) << "as with nothing held";
+    }
+    EXPECT_TRUE(opensTo(152));
 }
 
 class WithoutCompositor : public DesktopTest {

@@ -65,6 +65,11 @@ class TestService : public QDBusVirtualObject {
         if (reply.type() != QDBusMessage::InvalidMessage) connection.send(reply);
         return true;
     }
+    void send(const QString& path, const QString& interface, const QString& signal, const QVariantList& arguments) {
+        QDBusMessage message = QDBusMessage::createSignal(path, interface, signal);
+        message.setArguments(arguments);
+        connection_.send(message);
+    }
     QString introspect(const QString&) const override { return {}; }
 
     std::function<QDBusMessage(const QDBusMessage&)> answer = [](const QDBusMessage& call) {

@@ -1,5 +1,4 @@
 #include "X11Test.h"
-#include "support/DragTools.h"
 
 namespace {
 constexpr int capsLockKey = 66;
@@ -17,7 +16,7 @@ class X11Monitors : public X11Test {
     }
 
     /// Takes what would otherwise open the window manager's menus and change desktops.
-    OtherWindow floor{session(), {.geometry = {0, 0, 1280, 800}, .overrideRedirect = true}};
+    OtherWindow floor{session(), {.geometry = {0, 0, 1280, 800}, .fullScreen = true}};
     X11EventMonitors monitors;
     QList<QPointF> moves, drags, ups, rights, scrolls;
     QList<bool> locks;
@@ -64,21 +63,6 @@ TEST_F(X11Monitors, TellDragsFromMoves) {
     ASSERT_TRUE(waitFor([&] { return moves.endsWith(modelAt({600, 500})); }));
     EXPECT_EQ(drags.size(), count);
     EXPECT_FALSE(moves.contains(modelAt({500, 500})));
-}
-
-TEST_F(X11Monitors, FollowADragThatHoldsThePointer) {
-    for (const auto kind : {DragTool::Kind::gtkSource, DragTool::Kind::qtSource}) {
-        drags.clear();
-        ups.clear();
-        DragTool source(session(), kind, {100, 500}, {"text/plain=a"});
-        ASSERT_TRUE(source.drag(session(), {700, 300}));
-        session().glide({700, 300}, {900, 200}, 50, 4);
-        EXPECT_TRUE(waitFor([&] { return drags.endsWith(modelAt({900, 200})); }));
-        EXPECT_GE(drags.size(), 10);
-        EXPECT_TRUE(ups.empty());
-        session().release(1);
-        EXPECT_TRUE(waitFor([&] { return ups == QList{modelAt({900, 200})}; }));
-    }
 }
 
 TEST_F(X11Monitors, ReportRightPressesWhenAMenuCanOpen) {

@@ -22,10 +22,7 @@ class EventCount : public QObject {
 class X11Panel : public X11Test {
  protected:
     X11Panel() : panel(connection, sampler, loop) {
-        panel.onPress = [this](PanelWindow::Button, QPointF position, QPointF pointer) {
-            presses.append(position);
-            pressPointer = pointer;
-        };
+        panel.onPress = [this](PanelWindow::Button, QPointF position, QPointF) { presses.append(position); };
         panel.onRelease = [this](PanelWindow::Button, QPointF) { ++releases; };
         panel.onDrag = [this](QPointF pointer) { drags.append(pointer); };
     }
@@ -42,30 +39,15 @@ class X11Panel : public X11Test {
     const QPointF middle{320, 60};
     RedPanel panel;
     QList<QPointF> presses;
-    QPointF pressPointer;
     int releases = 0;
     QList<QPointF> drags;
 };
 
-TEST_F(X11Panel, LiesOverFullScreenWindowsAndLeavesThemTheFocus) {
-    OtherWindow below(session(), {.fullScreen = true});
-    ASSERT_TRUE(waitFor([&] { return below.active(); }));
-    ASSERT_TRUE(waitFor([&] { return red(); }));
-    EXPECT_EQ(panel.frame(), toModel(RedPanel::place));
-
-    panel.setInputRegionNow(QRect(0, 0, 240, 120));
-    session().click(pixel(middle));
-    ASSERT_TRUE(waitFor([&] { return presses.size() == 1 && releases == 1; }));
-    EXPECT_EQ(presses.first(), middle - RedPanel::place.topLeft());
-    EXPECT_EQ(pressPointer, toModel(middle));
-    letPass(0.2);
-    EXPECT_TRUE(below.active());
-    EXPECT_TRUE(below.presses().empty());
-    EXPECT_TRUE(red());
-}
-
 TEST_F(X11Panel, TakesClicksInsideItsInputRegionOnly) {
+    // One that no click raises.
     OtherWindow below(session(), {.geometry = {0, 0, 1280, 700}, .overrideRedirect = true});
+    const uint32_t lowest = XCB_STACK_MODE_BELOW;
+    xcb_configure_window(session().xcb(), below.id(), XCB_CONFIG_WINDOW_STACK_MODE, &lowest);
     ASSERT_TRUE(waitFor([&] { return red(); }));
     const struct {
         QRegion region;
@@ -95,7 +77,7 @@ TEST_F(X11Panel, LeavesItsOwnMenusAbove) {
     menu.setFlags(Qt::ToolTip);
     menu.setGeometry(300, 40, 100, 100);
     menu.show();
-    OtherWindow elsewhere(session(), {.geometry = {600, 500, 100, 100}, .overrideRedirect = true});
+    OtherWindow elsewhere(session(), {.geometry = {600, 500, 100, 100}});
     ASSERT_TRUE(waitFor([&] { return session().stacking().contains(xcb_window_t(menu.winId())) && menu.isExposed(); }));
     letPass(0.5);
     const auto stacking = session().stacking();
@@ -104,7 +86,7 @@ TEST_F(X11Panel, LeavesItsOwnMenusAbove) {
 
 TEST_F(X11Panel, GivesWayToAProgramThatInsists) {
     ASSERT_TRUE(waitFor([&] { return red(); }));
-    OtherWindow rival(session(), {.geometry = {0, 0, 1280, 300}, .overrideRedirect = true});
+    OtherWindow rival(session(), {.fullScreen = true});
     int lost = 0;
     QElapsedTimer timer;
     timer.start();
@@ -117,11 +99,11 @@ TEST_F(X11Panel, GivesWayToAProgramThatInsists) {
         letPass(0.005);
     }
     EXPECT_GE(lost, 2);
-    EXPECT_LE(lost, 6);
+    EXPECT_LE(lost, 9);
 }
 
 TEST_F(X11Panel, HasTheShapeOfItsOutlineWhereNothingBlends) {
-    OtherWindow below(session(), {.geometry = {0, 0, 1280, 700}, .colour = 0x00ff00, .overrideRedirect = true});
+    OtherWindow below(session(), {.colour = 0x00ff00, .fullScreen = true});
     const QPoint corner = pixel({205, 110});
     panel.onExpose = [this] {
         panel.paint(QRect(0, 0, 240, 120), [](QPainter& painter) { painter.fillRect(80, 0, 80, 120, Qt::red); });

@@ -4,6 +4,7 @@
 
 #include "platform/EventMonitors.h"
 #include "platform/PanelWindow.h"
+#include "platform/ScreenLock.h"
 #include "platform/Screens.h"
 
 /// Screens as the test lays them out.
@@ -39,6 +40,11 @@ class FakePanelWindow : public PanelWindow {
     QPainterPath outline;
     int raised = 0, paints = 0;
     QImage picture{360, 230, QImage::Format_ARGB32_Premultiplied};
+};
+
+class FakeScreenLock : public ScreenLock {
+ public:
+    bool locked() const override { return false; }
 };
 
 class FakeMonitors : public EventMonitors {

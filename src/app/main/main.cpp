@@ -85,6 +85,7 @@ int main(int argc, char** argv) {
               .screens = screens,
               .window = *desktop.panelWindow,
               .monitors = *desktop.monitors,
+              .screenLock = *desktop.screenLock,
               .workspace = *desktop.workspace,
               .sounds = sounds,
               .dragPasteboard = *desktop.dragPasteboard,

@@ -12,10 +12,12 @@
 #include "platform/linux/Openers.h"
 #include "platform/linux/QtPanelWindow.h"
 #include "platform/linux/ScreenCoordinates.h"
+#include "platform/linux/SessionLock.h"
 #include "platform/linux/x11/X11Clipboard.h"
 #include "platform/linux/x11/X11DragPasteboard.h"
 #include "platform/linux/x11/X11EventMonitors.h"
 #include "platform/linux/x11/X11PanelWindow.h"
+#include "platform/linux/x11/X11ScreenLock.h"
 #include "platform/linux/x11/X11Workspace.h"
 
 namespace {
@@ -66,10 +68,12 @@ Desktop makeDesktop(MainLoop& loop, BackgroundQueue& queue) {
             const auto sampler = std::make_shared<PointerSampler>(connection, loop);
             auto panel = std::make_unique<X11PanelWindow>(connection, sampler, loop);
             const auto blends = [panel = panel.get()] { return panel->blended(); };
+            auto lock = std::make_unique<X11ScreenLock>(panel->stacking(), std::make_unique<SessionLock>(loop, queue));
             return {std::move(panel),
                     std::make_unique<X11EventMonitors>(connection, sampler, &X11PanelWindow::ownWindow),
                     std::make_unique<X11Workspace>(connection, loop, queue),
                     std::make_unique<X11DragPasteboard>(connection, loop, &X11PanelWindow::ownWindow),
+                    std::move(lock),
                     [connection, &loop](auto done) { leaveX11Clipboard(connection, loop, std::move(done)); },
                     blends};
         }
@@ -78,6 +82,7 @@ Desktop makeDesktop(MainLoop& loop, BackgroundQueue& queue) {
             std::make_unique<PlainMonitors>(),
             std::make_unique<PlainWorkspace>(queue),
             std::make_unique<PlainDragPasteboard>(),
+            std::make_unique<SessionLock>(loop, queue),
             [&loop](auto done) { loop.post(std::move(done)); },
             [] { return true; }};
 }

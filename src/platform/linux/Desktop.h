@@ -8,6 +8,7 @@
 #include "platform/EventMonitors.h"
 #include "platform/MainLoop.h"
 #include "platform/PanelWindow.h"
+#include "platform/ScreenLock.h"
 #include "platform/Workspace.h"
 
 /// The parts that depend on which kind of desktop this is.
@@ -16,6 +17,7 @@ struct Desktop {
     std::unique_ptr<EventMonitors> monitors;
     std::unique_ptr<Workspace> workspace;
     std::unique_ptr<DragPasteboard> dragPasteboard;
+    std::unique_ptr<ScreenLock> screenLock;
     /// Lets the desktop's keeper of the clipboard, where there is one, take over what this program has put there; it
     /// would be lost with the program. Calls `done` later, once: after a second at most.
     std::function<void(std::function<void()> done)> leaveClipboard;

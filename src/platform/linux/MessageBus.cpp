@@ -34,6 +34,13 @@ QDBusMessage MessageBus::call(const Peer& peer, const QString& method, const QVa
     return connection_.call(message, QDBus::Block, int(seconds * 1000));
 }
 
+void MessageBus::hear(const QString& interface, const QString& signal, const QString& first, QObject& receiver,
+                      const char* slot) const {
+    QDBusConnection connection = connection_;
+    connection.connect({}, {}, interface, signal, first.isEmpty() ? QStringList() : QStringList(first), {}, &receiver,
+                       slot);
+}
+
 bool MessageBus::owned(const QString& service, double seconds) const {
     const QString bus = QStringLiteral("org.freedesktop.DBus");
     const auto answer =

@@ -22,6 +22,10 @@ class MessageBus {
     /// The answer, or an error: also where there is no bus and when `seconds` have passed. Starts the service if the
     /// bus knows how.
     QDBusMessage call(const Peer& peer, const QString& method, const QVariantList& arguments, double seconds) const;
+    /// Calls a slot without parameters of `receiver`, in its thread, whenever anybody sends the signal; `first`, unless
+    /// empty, is what its first argument must be.
+    void hear(const QString& interface, const QString& signal, const QString& first, QObject& receiver,
+              const char* slot) const;
     /// Whether a program runs that offers the service.
     bool owned(const QString& service, double seconds) const;
 

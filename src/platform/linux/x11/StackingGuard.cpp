@@ -1,72 +1,112 @@
 #include "platform/linux/x11/StackingGuard.h"
 
-#include <QRect>
 #include <algorithm>
 
 namespace {
-// One click can restack many windows and a dragged window moves at every motion, so a while passes before we look.
-constexpr double settleSeconds = 0.1;
-constexpr double firstPause = 0.3, longestPause = 5;
-
-QRect rectangle(const xcb_get_geometry_reply_t& geometry) {
-    const int border = 2 * geometry.border_width;
-    return {geometry.x, geometry.y, geometry.width + border, geometry.height + border};
-}
+// One click can restack many windows and a dragged window moves at every motion, so after a first look at once a while
+// passes before the next.
+constexpr double settleSeconds = 0.1, calmSeconds = 0.3;
+// The first is too short for the eye.
+constexpr double firstRest = 0.05, longestRest = 5;
 }  // namespace
 
 StackingGuard::StackingGuard(std::shared_ptr<X11Connection> connection, MainLoop& loop, xcb_window_t window,
-                             std::function<bool(xcb_window_t)> ownWindow, std::function<void()> raise)
+                             std::function<bool(xcb_window_t)> ownWindow, std::function<QRect()> screen)
     : connection_(std::move(connection)),
       loop_(loop),
       window_(window),
+      clientList_(connection_->atom("_NET_CLIENT_LIST_STACKING")),
       ownWindow_(std::move(ownWindow)),
-      raise_(std::move(raise)),
-      secondsToNextRaise_(firstPause) {
-    events_ = connection_->handle([this](const xcb_generic_event_t& event) {
-        const bool restacks = code(event) == XCB_MAP_NOTIFY || code(event) == XCB_CONFIGURE_NOTIFY ||
-                              code(event) == XCB_CIRCULATE_NOTIFY || code(event) == XCB_REPARENT_NOTIFY;
-        if (restacks && !pending_) checkIn(settleSeconds);
-    });
+      screen_(std::move(screen)),
+      nextRest_(firstRest) {
+    events_ = connection_->handle([this](const xcb_generic_event_t& event) { handle(event); });
     connection_->selectOnRoot(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY, true);
+    connection_->selectOnRoot(XCB_EVENT_MASK_PROPERTY_CHANGE, true);
 }
 
 StackingGuard::~StackingGuard() {
-    connection_->selectOnRoot(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY, false);
+    if (!pending_) connection_->selectOnRoot(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY, false);
+    connection_->selectOnRoot(XCB_EVENT_MASK_PROPERTY_CHANGE, false);
 }
 
-void StackingGuard::checkIn(double seconds) {
+void StackingGuard::handle(const xcb_generic_event_t& event) {
+    if (pending_) return;
+    switch (code(event)) {
+        case XCB_PROPERTY_NOTIFY:
+            if (as<xcb_property_notify_event_t>(event).atom != clientList_) return;
+            break;
+        case XCB_MAP_NOTIFY:
+        case XCB_UNMAP_NOTIFY:
+        case XCB_DESTROY_NOTIFY:
+        case XCB_CONFIGURE_NOTIFY:
+        case XCB_CIRCULATE_NOTIFY:
+        case XCB_REPARENT_NOTIFY:
+            break;
+        default:
+            return;
+    }
+    lookLater();
+}
+
+void StackingGuard::lookLater() {
     connection_->selectOnRoot(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY, false);
-    pending_ = loop_.after(seconds, [this] { check(); });
+    if (!busy_) soon_ = loop_.after(0, [this] { check(); });
+    pending_ = loop_.after(settleSeconds, [this] {
+        pending_.cancel();
+        busy_ = loop_.after(calmSeconds, [this] { busy_.cancel(); });
+        // Before the look, so that nothing is missed.
+        connection_->selectOnRoot(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY, true);
+        check();
+    });
 }
 
 void StackingGuard::check() {
-    pending_.cancel();
-    connection_->selectOnRoot(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY, true);  // before the look, so that nothing is missed
-    if (!covered()) {
-        secondsToNextRaise_ = firstPause;
-        return;
-    }
-    raise_();
-    checkIn(secondsToNextRaise_);
-    secondsToNextRaise_ = std::min(2 * secondsToNextRaise_, longestPause);
+    const TopLevels windows(*connection_);
+    const int place = windows.place(window_);
+    if (place < 0) return;
+    const xcb_window_t managed = windows.highestManaged();
+    if (windows.place(managed) > place)
+        raiseAbove(managed);
+    else if (!resting_)
+        nextRest_ = firstRest;
+
+    const bool covered = windows.cover(screen_(), place, [this](xcb_window_t window) { return foreign(window); });
+    if (covered == covered_) return;
+    covered_ = covered;
+    if (onCovered) onCovered();
 }
 
-bool StackingGuard::covered() {
-    const auto tree = connection_->ask(xcb_query_tree, xcb_query_tree_reply, connection_->root());
-    const auto ours = connection_->ask(xcb_get_geometry, xcb_get_geometry_reply, window_);
-    if (!tree || !ours) return false;
-    const xcb_window_t* first = xcb_query_tree_children(tree.get());
-    const xcb_window_t* end = first + xcb_query_tree_children_length(tree.get());
-    const xcb_window_t* place = std::find(first, end, window_);
-    if (place == end) return false;
-
-    return std::any_of(place + 1, end, [&](xcb_window_t other) {
-        if (ownWindow_(other)) return false;
-        const auto attributes = connection_->ask(xcb_get_window_attributes, xcb_get_window_attributes_reply, other);
-        if (!attributes || attributes->map_state != XCB_MAP_STATE_VIEWABLE ||
-            attributes->_class != XCB_WINDOW_CLASS_INPUT_OUTPUT)
-            return false;
-        const auto geometry = connection_->ask(xcb_get_geometry, xcb_get_geometry_reply, other);
-        return geometry && rectangle(*geometry).intersects(rectangle(*ours));
+void StackingGuard::raiseAbove(xcb_window_t managed) {
+    if (resting_) return;
+    restack(managed, XCB_STACK_MODE_ABOVE);
+    resting_ = loop_.after(nextRest_, [this] {
+        resting_.cancel();
+        check();
     });
+    nextRest_ = std::min(2 * nextRest_, longestRest);
+}
+
+void StackingGuard::settle() {
+    const TopLevels windows(*connection_);
+    if (const xcb_window_t managed = windows.highestManaged()) {
+        restack(managed, XCB_STACK_MODE_ABOVE);
+    } else {
+        const auto lowest = windows.lowestUnmanaged([this](xcb_window_t window) { return foreign(window); });
+        if (lowest && windows.place(lowest) < windows.place(window_)) restack(lowest, XCB_STACK_MODE_BELOW);
+    }
+    check();
+}
+
+// The sibling may be gone by then: the server answers with an error event, which nobody listens to, and the end of that
+// window makes us look again.
+void StackingGuard::restack(xcb_window_t sibling, xcb_stack_mode_t mode) {
+    const uint32_t values[] = {sibling, mode};
+    xcb_configure_window(connection_->xcb(), window_, XCB_CONFIG_WINDOW_SIBLING | XCB_CONFIG_WINDOW_STACK_MODE, values);
+    connection_->flush();
+}
+
+// The server itself has a window over all others when a compositor draws into it.
+bool StackingGuard::foreign(xcb_window_t window) const {
+    const bool servers = window <= xcb_get_setup(connection_->xcb())->resource_id_mask;
+    return !servers && !ownWindow_(window);
 }

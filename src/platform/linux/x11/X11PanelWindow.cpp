@@ -8,6 +8,8 @@
 
 #include "platform/linux/OutlineRegion.h"
 
+#include "platform/linux/ScreenCoordinates.h"
+
 namespace {
 /// Requests about the panel go through Qt's connection, in one order with Qt's own.
 xcb_connection_t* qtConnection() {
@@ -35,22 +37,45 @@ QRegion inPixels(const QRegion& region, double ratio) {
 
 X11PanelWindow::X11PanelWindow(const std::shared_ptr<X11Connection>& connection,
                                std::shared_ptr<PointerSampler> sampler, MainLoop& loop)
-    : sampler_(std::move(sampler)),
+    : connection_(connection),
+      sampler_(std::move(sampler)),
+      id_(xcb_window_t(window().winId())),
       neverShaped_(underXWayland(*connection)),
       compositor_(connection, [this] { applyOutline(); }) {
-    window().create();
     ignoreMotion();
     prepareDrawing();
     applyInputRegion();
     applyOutline();
     xcb_flush(qtConnection());
     stacking_ = std::make_unique<StackingGuard>(connection, loop, id(), &X11PanelWindow::ownWindow,
-                                                [this] { window().raise(); });
+                                                [this] { return nativeGeometry(*window().screen()).toRect(); });
     drops_ = std::make_unique<X11DropTarget>(connection, loop, id(), *this);
+    qGuiApp->installNativeEventFilter(this);
 }
 
 X11PanelWindow::~X11PanelWindow() {
+    qGuiApp->removeNativeEventFilter(this);
     xcb_free_gc(qtConnection(), context_);
+}
+
+// A window manager's wish that a window be closed: the toolkit would, and the creature would be gone but not the
+// program.
+bool X11PanelWindow::nativeEventFilter(const QByteArray& type, void* message, qintptr*) {
+    if (type != "xcb_generic_event_t") return false;
+    const auto& event = *static_cast<const xcb_generic_event_t*>(message);
+    if (code(event) != XCB_CLIENT_MESSAGE) return false;
+    const auto& client = as<xcb_client_message_event_t>(event);
+    return client.window == id() && client.type == connection_->atom("WM_PROTOCOLS") && client.format == 32 &&
+           client.data.data32[0] == connection_->atom("WM_DELETE_WINDOW");
+}
+
+QRectF X11PanelWindow::shownGeometry() const {
+    const auto place = connection_->ask(xcb_translate_coordinates, xcb_translate_coordinates_reply, id(),
+                                        connection_->root(), int16_t(0), int16_t(0));
+    const auto size = connection_->ask(xcb_get_geometry, xcb_get_geometry_reply, id());
+    if (!place || !size) return QtPanelWindow::shownGeometry();
+    return {toQt(nativeToModel(QPointF(place->dst_x, place->dst_y))),
+            QSizeF(size->width, size->height) / devicePixelRatio()};
 }
 
 void X11PanelWindow::prepareDrawing() {
@@ -115,7 +140,9 @@ void X11PanelWindow::ignoreMotion() {
 
 void X11PanelWindow::orderFrontRegardless() {
     QtPanelWindow::orderFrontRegardless();
-    window().raise();
+    // Our connection's requests are to come after Qt's.
+    awaitReply(qtConnection(), xcb_get_input_focus, xcb_get_input_focus_reply);
+    stacking_->settle();
 }
 
 void X11PanelWindow::setInputRegion(const QRegion& region) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QAbstractNativeEventFilter>
 #include <QImage>
 #include <QPainterPath>
 #include <memory>
@@ -11,11 +12,12 @@
 #include "platform/linux/x11/StackingGuard.h"
 #include "platform/linux/x11/X11DropTarget.h"
 
-/// The panel on X11: a window that no window manager touches, on every desktop and over full-screen windows. Clicks
+/// The panel on X11: a window that no window manager touches, on every desktop and over full-screen windows, but below
+/// what other programs show in the same way. Clicks
 /// outside its input region go to what lies below. Without a compositor it has the shape of its outline.
 ///
 /// Hardware motion does not wake the program: drags are sampled.
-class X11PanelWindow : public QtPanelWindow {
+class X11PanelWindow : public QtPanelWindow, private QAbstractNativeEventFilter {
  public:
     X11PanelWindow(const std::shared_ptr<X11Connection>& connection, std::shared_ptr<PointerSampler> sampler,
                    MainLoop& loop);
@@ -28,24 +30,30 @@ class X11PanelWindow : public QtPanelWindow {
 
     /// Whether the desktop blends translucent windows now.
     bool blended() const { return neverShaped_ || compositor_.running(); }
+    /// Knows what lies over the panel.
+    StackingGuard& stacking() { return *stacking_; }
 
     /// Whether an X window belongs to this program, told by the range that its number is from.
     static bool ownWindow(xcb_window_t window);
 
  protected:
+    QRectF shownGeometry() const override;
     void pressed(QMouseEvent& event) override;
     void screenChanged() override;
 
  private:
+    bool nativeEventFilter(const QByteArray& type, void* message, qintptr* result) override;
     void ignoreMotion();
     void prepareDrawing();
     void put(const QRect& pixels);
     void applyInputRegion();
     void applyOutline();
     void dragSampled(const PointerSampler::Sample& sample);
-    xcb_window_t id() { return xcb_window_t(window().winId()); }
+    xcb_window_t id() const { return id_; }
 
+    std::shared_ptr<X11Connection> connection_;
     std::shared_ptr<PointerSampler> sampler_;
+    xcb_window_t id_;
     bool neverShaped_;
     CompositorWatch compositor_;
     QRegion inputRegion_;

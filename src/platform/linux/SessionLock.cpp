@@ -1,0 +1,94 @@
+#include "platform/linux/SessionLock.h"
+
+#include <QDBusObjectPath>
+#include <QDBusVariant>
+#include <QTimer>
+#include <utility>
+
+#include "platform/linux/MessageBus.h"
+
+namespace {
+constexpr double patience = 2;  // seconds for an answer
+
+const QString kLogin = QStringLiteral("org.freedesktop.login1");
+const QString kSession = QStringLiteral("org.freedesktop.login1.Session");
+const QString kSaver = QStringLiteral("org.freedesktop.ScreenSaver");
+const QString kProperties = QStringLiteral("org.freedesktop.DBus.Properties");
+const QString kBus = QStringLiteral("org.freedesktop.DBus");
+
+QVariant firstValue(const QDBusMessage& answer) {
+    return answer.type() == QDBusMessage::ReplyMessage ? answer.arguments().value(0) : QVariant();
+}
+
+bool hintsLock(const MessageBus& bus) {
+    if (!bus.owned(kLogin, patience)) return false;
+    const QString id = qEnvironmentVariable("XDG_SESSION_ID", QStringLiteral("auto"));
+    const MessageBus::Peer manager{kLogin, QStringLiteral("/org/freedesktop/login1"),
+                                   kLogin + QStringLiteral(".Manager")};
+    const auto session = firstValue(bus.call(manager, QStringLiteral("GetSession"), {id}, patience));
+    const QString path = session.value<QDBusObjectPath>().path();
+    if (path.isEmpty()) return false;
+    const auto hint = firstValue(bus.call({kLogin, path, kProperties}, QStringLiteral("Get"),
+                                          {kSession, QStringLiteral("LockedHint")}, patience));
+    return hint.value<QDBusVariant>().variant().toBool();
+}
+
+bool saverActive(const MessageBus& bus) {
+    if (!bus.owned(kSaver, patience)) return false;
+    // The second is where an older desktop has it.
+    for (const auto* path : {"/org/freedesktop/ScreenSaver", "/ScreenSaver"}) {
+        const auto active =
+            firstValue(bus.call({kSaver, QLatin1String(path), kSaver}, QStringLiteral("GetActive"), {}, patience));
+        if (active.isValid()) return active.toBool();
+    }
+    return false;
+}
+}  // namespace
+
+/// Used on the queue, by one job at a time.
+struct SessionLock::Buses {
+    std::unique_ptr<const MessageBus> system, session;
+    /// Runs out, on the main thread, when something may have changed.
+    std::shared_ptr<QTimer> hint{new QTimer, [](QTimer* timer) { timer->deleteLater(); }};
+
+    // Anybody on the system bus could have sent what is heard, so it only makes us ask.
+    void open() {
+        system.reset(new MessageBus(MessageBus::system()));
+        session.reset(new MessageBus(MessageBus::session()));
+        const char* slot = SLOT(start());
+        system->hear(kProperties, QStringLiteral("PropertiesChanged"), kSession, *hint, slot);
+        session->hear(kSaver, QStringLiteral("ActiveChanged"), {}, *hint, slot);
+        system->hear(kBus, QStringLiteral("NameOwnerChanged"), kLogin, *hint, slot);
+        session->hear(kBus, QStringLiteral("NameOwnerChanged"), kSaver, *hint, slot);
+    }
+};
+
+SessionLock::SessionLock(MainLoop& loop, BackgroundQueue& queue)
+    : loop_(loop), queue_(queue), buses_(std::make_shared<Buses>()), self_(std::make_shared<SessionLock*>(this)) {
+    QTimer* hint = buses_->hint.get();
+    hint->setSingleShot(true);
+    QObject::connect(hint, &QTimer::timeout, hint, [this] { ask(); });
+    ask();
+}
+
+SessionLock::~SessionLock() {
+    buses_->hint->disconnect();
+}
+
+void SessionLock::ask() {
+    askAgain_ = asking_;
+    if (asking_) return;
+    asking_ = true;
+    queue_.run([&loop = loop_, buses = buses_, self = std::weak_ptr(self_)] {
+        if (!buses->system) buses->open();
+        const bool locked = hintsLock(*buses->system) || saverActive(*buses->session);
+        loop.post([self, locked] {
+            const auto alive = self.lock();
+            if (!alive) return;
+            SessionLock& lock = **alive;
+            lock.asking_ = false;
+            if (lock.askAgain_) lock.buses_->hint->start();
+            if (std::exchange(lock.locked_, locked) != locked && lock.onChange) lock.onChange();
+        });
+    });
+}

@@ -1,0 +1,132 @@
+#include "platform/linux/x11/TopLevels.h"
+
+#include <algorithm>
+
+namespace {
+// So many windows are asked about at once, and no more than so many in all.
+constexpr std::size_t atOnce = 16, atMost = 256;
+constexpr int deepestFrame = 8;
+// Some lockers leave the outermost pixels out.
+constexpr int margin = 2;
+}  // namespace
+
+TopLevels::TopLevels(X11Connection& connection) : connection_(connection) {
+    const auto tree = connection_.ask(xcb_query_tree, xcb_query_tree_reply, connection_.root());
+    if (!tree) return;
+    const xcb_window_t* first = xcb_query_tree_children(tree.get());
+    windows_.assign(first, first + xcb_query_tree_children_length(tree.get()));
+}
+
+int TopLevels::place(xcb_window_t window) const {
+    const auto found = std::find(windows_.begin(), windows_.end(), window);
+    return found == windows_.end() ? -1 : int(found - windows_.begin());
+}
+
+std::vector<TopLevels::Kind> TopLevels::kinds(const std::vector<xcb_window_t>& windows) const {
+    std::vector<xcb_get_window_attributes_cookie_t> cookies;
+    for (const auto window : windows) cookies.push_back(xcb_get_window_attributes(connection_.xcb(), window));
+    std::vector<Kind> kinds;
+    for (const auto cookie : cookies) {
+        const auto reply = connection_.answer(xcb_get_window_attributes_reply, cookie);
+        const bool visible =
+            reply && reply->map_state == XCB_MAP_STATE_VIEWABLE && reply->_class == XCB_WINDOW_CLASS_INPUT_OUTPUT;
+        kinds.push_back(!visible ? Kind::invisible : reply->override_redirect ? Kind::unmanaged : Kind::managed);
+    }
+    return kinds;
+}
+
+// A manager puts windows into frames, and these are usually none that another manager would manage.
+std::vector<xcb_window_t> TopLevels::framesOf(std::vector<xcb_window_t> clients) const {
+    std::vector<xcb_window_t> frames;
+    for (int depth = 0; depth < deepestFrame && !clients.empty(); ++depth) {
+        std::vector<xcb_query_tree_cookie_t> cookies;
+        for (const auto window : clients) cookies.push_back(xcb_query_tree(connection_.xcb(), window));
+        std::vector<xcb_window_t> parents;
+        for (std::size_t i = 0; i < clients.size(); ++i) {
+            const auto reply = connection_.answer(xcb_query_tree_reply, cookies[i]);
+            if (!reply) continue;
+            if (reply->parent == connection_.root())
+                frames.push_back(clients[i]);
+            else
+                parents.push_back(reply->parent);
+        }
+        clients = std::move(parents);
+    }
+    return frames;
+}
+
+xcb_window_t TopLevels::highestManaged() const {
+    auto clients = connection_.values(connection_.root(), "_NET_CLIENT_LIST_STACKING", XCB_ATOM_WINDOW);
+    if (clients.empty()) clients = connection_.values(connection_.root(), "_NET_CLIENT_LIST", XCB_ATOM_WINDOW);
+    const bool told = !clients.empty();
+    if (!told) clients = windows_;
+    std::reverse(clients.begin(), clients.end());
+    clients.resize(std::min(clients.size(), atMost));
+
+    for (std::size_t from = 0; from < clients.size(); from += atOnce) {
+        const auto first = clients.begin() + std::ptrdiff_t(from);
+        std::vector<xcb_window_t> some(first, first + std::ptrdiff_t(std::min(atOnce, clients.size() - from)));
+        if (told) some = framesOf(std::move(some));
+        const auto kind = kinds(some);
+        int highest = -1;
+        for (std::size_t i = 0; i < some.size(); ++i) {
+            if (kind[i] == Kind::managed || (told && kind[i] == Kind::unmanaged))
+                highest = std::max(highest, place(some[i]));
+        }
+        if (highest >= 0) return windows_[std::size_t(highest)];
+    }
+    return XCB_NONE;
+}
+
+xcb_window_t TopLevels::lowestUnmanaged(const std::function<bool(xcb_window_t)>& counts) const {
+    const std::vector<xcb_window_t> some(windows_.begin(),
+                                         windows_.begin() + std::ptrdiff_t(std::min(atMost, windows_.size())));
+    const auto kind = kinds(some);
+    for (std::size_t i = 0; i < some.size(); ++i) {
+        if (kind[i] == Kind::unmanaged && counts(some[i]) && !isDesktop(some[i])) return some[i];
+    }
+    return XCB_NONE;
+}
+
+bool TopLevels::isDesktop(xcb_window_t window) const {
+    const auto types = connection_.values(window, "_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM);
+    return std::find(types.begin(), types.end(), connection_.atom("_NET_WM_WINDOW_TYPE_DESKTOP")) != types.end();
+}
+
+bool TopLevels::cover(const QRect& area, int above, const std::function<bool(xcb_window_t)>& counts) const {
+    const QRect inner = area.adjusted(margin, margin, -margin, -margin);
+    std::vector<xcb_window_t> higher;
+    for (const auto window : candidates(inner)) {
+        if (place(window) > above && counts(window)) higher.push_back(window);
+    }
+    const auto kind = kinds(higher);
+    for (std::size_t i = 0; i < higher.size(); ++i) {
+        if (kind[i] == Kind::unmanaged && hides(higher[i], inner)) return true;
+    }
+    return false;
+}
+
+// What hides all of an area is among the highest, or is seen at one of a few places: between it and these there may be
+// invisible windows without number, or small ones.
+std::vector<xcb_window_t> TopLevels::candidates(const QRect& area) const {
+    std::vector<xcb_translate_coordinates_cookie_t> cookies;
+    for (const int x : {area.left(), area.center().x(), area.right()}) {
+        for (const int y : {area.top(), area.center().y(), area.bottom()})
+            cookies.push_back(xcb_translate_coordinates(connection_.xcb(), connection_.root(), connection_.root(),
+                                                        int16_t(x), int16_t(y)));
+    }
+    std::vector<xcb_window_t> found(windows_.end() - std::ptrdiff_t(std::min(atOnce, windows_.size())), windows_.end());
+    for (const auto cookie : cookies) {
+        const auto reply = connection_.answer(xcb_translate_coordinates_reply, cookie);
+        if (reply && reply->child && std::find(found.begin(), found.end(), reply->child) == found.end())
+            found.push_back(reply->child);
+    }
+    return found;
+}
+
+bool TopLevels::hides(xcb_window_t window, const QRect& area) const {
+    const auto geometry = connection_.ask(xcb_get_geometry, xcb_get_geometry_reply, window);
+    if (!geometry) return false;
+    const int border = 2 * geometry->border_width;
+    return QRect(geometry->x, geometry->y, geometry->width + border, geometry->height + border).contains(area);
+}
