@@ -43,17 +43,19 @@ void NotchPanel::show(const QRectF& frame) {
 
 void NotchPanel::setFrame(const QRectF& frame) {
     frame_ = frame;
-    window_.setFrame(frame_.adjusted(0, frame_.height() - height_, 0, 0));
+    fitOverdraw();
+    window_.setFrame(frame_);
 }
 
 // A shelf with many rows hangs lower than the panel. The window becomes longer before the shelf grows, and shorter when
 // it has shrunk.
-void NotchPanel::fitWindow() {
+void NotchPanel::fitOverdraw() {
     double height = std::max(RootView::kPanelHeight, std::ceil(root_.depth()));
     if (root_.growing()) height = std::max(height, height_);
     if (height == height_) return;
     height_ = height;
-    setFrame(frame_);
+    const int beside = RootView::kOverdraw;
+    window_.setOverdraw({beside, 0, beside, int(height_ - RootView::kPanelHeight)});
 }
 
 void NotchPanel::updateMousePassThrough() {
@@ -67,7 +69,7 @@ void NotchPanel::setIgnoresMouseEvents(bool ignores) {
 
 void NotchPanel::contentChanged() {
     if (!visible_) return;
-    fitWindow();
+    fitOverdraw();
     scheduleFrame(clock_.uptime());
 }
 
@@ -83,11 +85,12 @@ void NotchPanel::drawFrame(bool all) {
     if (!visible_) return;
     frameTimer_.cancel();
     lastFrame_ = clock_.uptime();
-    fitWindow();
+    fitOverdraw();
     DisplayList next;
     root_.compose(next);
-    const QRegion panel(0, 0, int(RootView::kPanelWidth), int(height_));
-    const QRegion damage = all ? panel : shown_.changesTo(next) & panel;
+    const QRegion picture =
+        QRect(0, 0, int(RootView::kPanelWidth), int(height_)).adjusted(-RootView::kOverdraw, 0, RootView::kOverdraw, 0);
+    const QRegion damage = all ? picture : shown_.changesTo(next) & picture;
     if (!damage.isEmpty()) {
         window_.paint(damage, [&](QPainter& painter) {
             Canvas canvas(painter, caches_, window_.devicePixelRatio());

@@ -16,7 +16,7 @@ class NotchPanel {
 
     void show(const QRectF& frame);
     void setFrame(const QRectF& frame);
-    /// Where the panel is; its window hangs lower while the shelf has more rows than fit.
+    /// Where the panel is; its picture hangs lower while the shelf has more rows than fit.
     QRectF frame() const { return frame_; }
     /// Where the desktop shows it.
     QRectF shownFrame() const { return window_.frame(); }
@@ -47,7 +47,7 @@ class NotchPanel {
     };
 
     void contentChanged();
-    void fitWindow();
+    void fitOverdraw();
     void scheduleFrame(double when);
     void drawFrame(bool all);
     void updateRegions();
@@ -68,7 +68,7 @@ class NotchPanel {
     DisplayList shown_;
     QRegion inputRegion_;
     QRectF frame_;
-    double height_ = RootView::kPanelHeight;  // of the window
+    double height_ = 0;  // of the picture; 0 until it has been fitted
     bool visible_ = false;
     bool ignoresMouse_ = true;
     std::optional<Press> press_;

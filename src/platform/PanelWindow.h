@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QMargins>
 #include <QPainter>
 #include <QPainterPath>
 #include <QPointF>
@@ -15,7 +16,7 @@
 /// only.
 ///
 /// Screen rectangles and points have y growing upwards (see Screen); what is inside the window has its origin at the
-/// top left and y growing downwards. All lengths are points.
+/// top left of its frame and y growing downwards. All lengths are points.
 class PanelWindow {
  public:
     enum class Button { left, right, middle };
@@ -26,6 +27,8 @@ class PanelWindow {
     virtual void setFrame(const QRectF& frame) = 0;
     /// Where the window is now, as the desktop has it. May wait for the desktop.
     virtual QRectF frame() const = 0;
+    /// How far the picture may reach beyond the frame; nothing unless told.
+    virtual void setOverdraw(const QMargins& points) = 0;
     /// Makes the window visible and puts it in front of all others.
     virtual void orderFrontRegardless() = 0;
 

@@ -16,6 +16,7 @@ constexpr double kTopRadius = 9;
 constexpr double kRimWidth = 0.8;
 constexpr double kShadowRadius = 12;
 constexpr double kShadowDrop = 7;
+constexpr double kWobble = 1.1;        // as tall as a boop makes the body on its way back
 constexpr double kBreathPeriod = 3.4;  // seconds
 constexpr double kBreathTick = 0.25;
 constexpr double kBreathDepth = 0.008;
@@ -134,7 +135,7 @@ QRectF RootView::bodyRect(double now) const {
 }
 
 double RootView::depth() const {
-    return height_.target() + kShadowDrop + 1.5 * kShadowRadius;
+    return kWobble * (height_.target() + kShadowDrop + 1.5 * kShadowRadius);
 }
 
 QPainterPath RootView::outline() const {

@@ -17,6 +17,9 @@ class RootView {
  public:
     static constexpr double kPanelWidth = 360;
     static constexpr double kPanelHeight = 230;
+    /// Points beside the panel that the picture may reach: the widest body with its flares and its shadow, squashed by
+    /// a boop while it bulges. A multiple of four, so that it is whole in device pixels.
+    static constexpr int kOverdraw = 52;
 
     /// `random` gives uniformly distributed numbers in [0, 1).
     RootView(NotchModel& model, ChipPorts ports, Clock& clock, MainLoop& loop, std::function<double()> random);
@@ -30,7 +33,7 @@ class RootView {
     void compose(DisplayList& list);
     /// When the picture must be drawn next if nothing else happens: Clock::uptime(), or infinity.
     double nextFrame() const;
-    /// How far down the picture reaches, its shadow included, once the body has come to rest.
+    /// How far down the picture reaches, its shadow included, once the body has its size; also while it wobbles.
     double depth() const;
     /// Whether the body is on its way to another size.
     bool growing() const { return height_.moving(clock_.uptime()); }

@@ -21,9 +21,11 @@ QString earlyAfternoon() {
     return QStringLiteral("TST%1").arg(hour - 13);
 }
 
-/// The panel, which hangs lower while its shelf has many rows.
+constexpr int kOverdraw = 52;  // that the window has on both sides of the panel
+
+/// The panel's window, which hangs lower while its shelf has many rows.
 bool isPanel(const QRect& frame) {
-    return frame.width() == 360 && frame.height() >= 230 && frame.top() == 0;
+    return frame.width() == 360 + 2 * kOverdraw && frame.height() >= 230 && frame.top() == 0;
 }
 
 }  // namespace
@@ -162,7 +164,7 @@ xcb_window_t Glimmet::panel() const {
 }
 
 QRect Glimmet::panelFrame() const {
-    return frameOf(*session_, panel());
+    return frameOf(*session_, panel()).adjusted(kOverdraw, 0, -kOverdraw, 0);
 }
 
 QRegion Glimmet::inputRegion() const {

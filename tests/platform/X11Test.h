@@ -45,6 +45,7 @@ class RedPanel : public X11PanelWindow {
     RedPanel(std::shared_ptr<X11Connection> connection, std::shared_ptr<PointerSampler> sampler, MainLoop& loop)
         : X11PanelWindow(std::move(connection), std::move(sampler), loop) {
         onExpose = [this] { fill(QRect(0, 0, 240, 120), Qt::red); };
+        setOverdraw({52, 0, 52, 20});
         setFrame(toModel(place));
         setOutline(rectangle({0, 0, 240, 120}));
         orderFrontRegardless();

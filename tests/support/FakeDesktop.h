@@ -19,6 +19,7 @@ class FakePanelWindow : public PanelWindow {
  public:
     void setFrame(const QRectF& rect) override { place = rect; }
     QRectF frame() const override { return place; }
+    void setOverdraw(const QMargins&) override {}
     void orderFrontRegardless() override { ++raised; }
     void setInputRegion(const QRegion& region) override { input = region; }
     void setOutline(const QPainterPath& path) override { outline = path; }

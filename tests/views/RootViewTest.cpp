@@ -71,6 +71,18 @@ TEST(Body, BoopSquashesAndWobblesBackEachTime) {
     EXPECT_NEAR(squash().x(), 1.18, 1e-3);
     f.loop.advance(3);
     EXPECT_NEAR(squash().x(), 1, 0.009);
+
+    // Neither the widest nor the tallest is cut off where the picture ends.
+    f.m.diskFull = f.m.hovering = true;
+    f.m.addTimer(5);
+    f.rest();
+    const double depth = f.root.depth();
+    for (++f.m.boopCount; f.root.nextFrame() <= f.clock.uptime(); f.loop.advance(1 / 60.0)) {
+        DisplayList list;
+        f.root.compose(list);
+        const QRect drawn = list.covered().boundingRect();
+        EXPECT_TRUE(drawn.left() >= -RootView::kOverdraw && drawn.bottom() <= depth) << drawn.left() << drawn.bottom();
+    }
 }
 
 TEST(Body, BulgesOnAFullDisk) {

@@ -68,11 +68,17 @@ void QtPanelWindow::setFrame(const QRectF& frame) {
     constexpr double farthest = 30000;
     const QRectF wanted = toQt(frame);
     const QPointF corner(std::clamp(wanted.left(), -farthest, farthest), std::clamp(wanted.top(), -farthest, farthest));
-    window_->setGeometry(QRect(corner.toPoint(), wanted.size().toSize()));
+    window_->setGeometry(QRect(corner.toPoint(), wanted.size().toSize()).marginsAdded(overdraw_));
 }
 
 QRectF QtPanelWindow::frame() const {
-    return toModel(shownGeometry());
+    return toModel(shownGeometry().marginsRemoved(overdraw_));
+}
+
+void QtPanelWindow::setOverdraw(const QMargins& points) {
+    const QRect frame = window_->geometry().marginsRemoved(overdraw_);
+    overdraw_ = points;
+    window_->setGeometry(frame.marginsAdded(overdraw_));
 }
 
 void QtPanelWindow::orderFrontRegardless() {
@@ -95,7 +101,7 @@ double QtPanelWindow::refreshRate() const {
 
 void QtPanelWindow::paint(const QRegion& damage, const std::function<void(QPainter&)>& draw) {
     if (!window_->isExposed()) return;
-    QRegion area = damage & QRect(QPoint(), window_->size());
+    QRegion area = damage.translated(origin()) & QRect(QPoint(), window_->size());
     if (store_->size() != window_->size()) {
         store_->resize(window_->size());
         area = QRect(QPoint(), window_->size());  // a resized store is empty
@@ -108,21 +114,24 @@ void QtPanelWindow::paint(const QRegion& damage, const std::function<void(QPaint
     store_->flush(area);
 }
 
-void QtPanelWindow::drawInto(QPaintDevice& device, const QRegion& area, const std::function<void(QPainter&)>& draw) {
+void QtPanelWindow::drawInto(QPaintDevice& device, const QRegion& area,
+                             const std::function<void(QPainter&)>& draw) const {
     QPainter painter(&device);
     painter.setCompositionMode(QPainter::CompositionMode_Source);
     for (const QRect& part : area) painter.fillRect(part, Qt::transparent);
     painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
     painter.setClipRegion(area);
+    painter.translate(origin());
     draw(painter);
 }
 
 void QtPanelWindow::pressed(QMouseEvent& event) {
     const auto button = portButton(event.button());
-    if (!button || (!held_ && !inputRegion_.contains(event.position().toPoint()))) return;
+    const QPointF position = event.position() - origin();
+    if (!button || (!held_ && !inputRegion_.contains(position.toPoint()))) return;
     // The release of a right button goes to the menu that its press opens.
     if (*button != Button::right) held_ |= event.button();
-    if (onPress) onPress(*button, event.position(), toModel(event.globalPosition()));
+    if (onPress) onPress(*button, position, toModel(event.globalPosition()));
 }
 
 void QtPanelWindow::released(QMouseEvent& event) {

@@ -17,6 +17,7 @@ class QtPanelWindow : public PanelWindow {
 
     void setFrame(const QRectF& frame) override;
     QRectF frame() const override;
+    void setOverdraw(const QMargins& points) override;
     void orderFrontRegardless() override;
     void setInputRegion(const QRegion& region) override;
     void setOutline(const QPainterPath&) override {}
@@ -33,10 +34,12 @@ class QtPanelWindow : public PanelWindow {
     /// takes it.
     Qt::MouseButtons held() const { return held_; }
     virtual void pressed(QMouseEvent& event);
-    /// Clears `area` of `device` and draws there, in points.
-    static void drawInto(QPaintDevice& device, const QRegion& area, const std::function<void(QPainter&)>& draw);
-    /// Where the window is, in Qt's coordinates.
+    /// Where the window is with its overdraw, in Qt's coordinates.
     virtual QRectF shownGeometry() const { return window_->geometry(); }
+    /// Where the frame begins in the window, and with it everything that is told in points of the panel.
+    QPoint origin() const { return {overdraw_.left(), overdraw_.top()}; }
+    /// Clears `area` (of the window) of `device` and draws there, in points of the panel.
+    void drawInto(QPaintDevice& device, const QRegion& area, const std::function<void(QPainter&)>& draw) const;
     /// The window came to another screen, or its screen's device pixel ratio changed.
     virtual void screenChanged() {}
 
@@ -54,6 +57,7 @@ class QtPanelWindow : public PanelWindow {
 
     std::unique_ptr<QWindow> window_;
     std::unique_ptr<QBackingStore> store_;
+    QMargins overdraw_;
     QRegion inputRegion_;
     Qt::MouseButtons held_;
     /// Those whose press became a drag out of the window.

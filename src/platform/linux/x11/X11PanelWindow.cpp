@@ -93,7 +93,7 @@ void X11PanelWindow::paint(const QRegion& damage, const std::function<void(QPain
     if (!window().isExposed()) return;
     const double ratio = devicePixelRatio();
     const QSize size = (QSizeF(window().size()) * ratio).toSize();
-    QRegion area = damage & QRect(QPoint(), window().size());
+    QRegion area = damage.translated(origin()) & QRect(QPoint(), window().size());
     if (picture_.size() != size) {
         picture_ = QImage(size, QImage::Format_ARGB32_Premultiplied);
         area = QRect(QPoint(), window().size());
@@ -138,6 +138,11 @@ void X11PanelWindow::ignoreMotion() {
     xcb_change_window_attributes(qtConnection(), id(), XCB_CW_EVENT_MASK, &core);
 }
 
+void X11PanelWindow::setOverdraw(const QMargins& points) {
+    QtPanelWindow::setOverdraw(points);
+    screenChanged();  // the regions begin elsewhere in the window
+}
+
 void X11PanelWindow::orderFrontRegardless() {
     QtPanelWindow::orderFrontRegardless();
     // Our connection's requests are to come after Qt's.
@@ -158,7 +163,7 @@ void X11PanelWindow::setOutline(const QPainterPath& outline) {
 }
 
 void X11PanelWindow::applyInputRegion() {
-    setShape(id(), XCB_SHAPE_SK_INPUT, inPixels(inputRegion_, devicePixelRatio()));
+    setShape(id(), XCB_SHAPE_SK_INPUT, inPixels(inputRegion_.translated(origin()), devicePixelRatio()));
 }
 
 void X11PanelWindow::applyOutline() {
@@ -168,7 +173,7 @@ void X11PanelWindow::applyOutline() {
         xcb_flush(qtConnection());
         return;
     }
-    const QRegion shape = pixelsInside(outline_, devicePixelRatio());
+    const QRegion shape = pixelsInside(outline_.translated(origin()), devicePixelRatio());
     if (std::exchange(shape_, shape) != shape) setShape(id(), XCB_SHAPE_SK_BOUNDING, shape);
 }
 

@@ -23,6 +23,7 @@ class X11PanelWindow : public QtPanelWindow, private QAbstractNativeEventFilter 
                    MainLoop& loop);
     ~X11PanelWindow() override;
 
+    void setOverdraw(const QMargins& points) override;
     void orderFrontRegardless() override;
     void setInputRegion(const QRegion& region) override;
     void setOutline(const QPainterPath& outline) override;
