@@ -60,10 +60,11 @@ class Glimmet {
     /// Gives it no chance to tidy up.
     void kill();
 
-    /// Its window of 360 x 230 points or more; 0 until it is there.
+    /// Its window; 0 until it is there.
     xcb_window_t panel() const;
+    /// The panel in it.
     QRect panelFrame() const;
-    /// Where the panel takes the pointer, in its own coordinates.
+    /// Where the window takes the pointer, in its own coordinates.
     QRegion inputRegion() const;
     /// Its visible windows other than the panel, on the screen.
     QList<QRect> menus() const;

@@ -44,7 +44,7 @@ void X11EventMonitors::start() {
     // Motion that a wheel with fine steps reports comes with button events for whole steps, so buttons tell all.
     connection_->selectInputOnRoot(
         XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_RELEASE, true);
-    lastMoved_ = pointerLocation();
+    lastMoved_ = lastTold_ = pointerLocation();
     samples_ = sampler_->observe([this](const PointerSampler::Sample& sample) { moved(sample); });
     watchKeyboard();
 }
@@ -103,6 +103,9 @@ void X11EventMonitors::pressed(int button) {
 
 void X11EventMonitors::released(int button) {
     if (button == leftButton && onLeftMouseUp) onLeftMouseUp(pointerLocation());
+    // What moved with a button held was no move of the mouse alone; where that has led is told now, since a pointer
+    // that rests from here on is not heard of again.
+    if (const auto sample = sampler_->sample(); !sample.buttons) pointerAt(sample.pointer);
     if (button != rightButton) return;
     const auto press = std::exchange(rightPressElsewhere_, std::nullopt);
     if (press && onRightMouseDown) onRightMouseDown(*press);
@@ -110,6 +113,11 @@ void X11EventMonitors::released(int button) {
 
 void X11EventMonitors::moved(const PointerSampler::Sample& sample) {
     if (sample.pointer == std::exchange(lastMoved_, sample.pointer)) return;
-    if (!sample.buttons && onMouseMoved) onMouseMoved(sample.pointer);
+    if (!sample.buttons) pointerAt(sample.pointer);
     if ((sample.buttons & XCB_BUTTON_MASK_1) && onLeftMouseDragged) onLeftMouseDragged(sample.pointer);
+}
+
+void X11EventMonitors::pointerAt(QPointF pointer) {
+    if (pointer == std::exchange(lastTold_, pointer)) return;
+    if (onMouseMoved) onMouseMoved(pointer);
 }

@@ -25,6 +25,7 @@ class X11EventMonitors : public EventMonitors {
     void pressed(int button);
     void released(int button);
     void moved(const PointerSampler::Sample& sample);
+    void pointerAt(QPointF pointer);
     void readButtonMap();
 
     std::shared_ptr<X11Connection> connection_;
@@ -35,6 +36,7 @@ class X11EventMonitors : public EventMonitors {
     int inputOpcode_ = -1;
     int keyboardEvent_ = -1;
     QPointF lastMoved_;
+    QPointF lastTold_;  // by onMouseMoved
     bool capsLock_ = false;
     /// Where the right button went down in another program's window, while it is held.
     std::optional<QPointF> rightPressElsewhere_;
