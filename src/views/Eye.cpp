@@ -7,6 +7,8 @@
 
 namespace {
 
+constexpr double kThinnestSlit = 0.4;  // points
+
 QRectF frame(const QPointF& center, double width, double height) {
     return {center.x() - width / 2, center.y() - height / 2, width, height};
 }
@@ -26,8 +28,9 @@ void drawPupil(Canvas& canvas, const QPointF& at, double p) {
 }
 
 void drawLid(Canvas& canvas, double d, double closure) {
+    // Its upper edge stays off the eye's own, whose soft pixels it would leave half uncovered.
     QPainterPath lid;
-    lid.addRect(QRectF(-(d + 6) / 2, -d / 2 - d * (1 - closure), d + 6, d));
+    lid.addRect(QRectF(-(d + 6) / 2, -d / 2 - 3, d + 6, d * closure + 3));
     canvas.fill(lid, Qt::black);
 }
 
@@ -60,6 +63,8 @@ void Eye::compose(DisplayList& list, int id, double now) const {
     const QRectF eye = frame({}, d, d);
     list.add(id, eye.adjusted(-2, 0, 2, 0), {d, p, lid, shut, gaze.x(), gaze.y()}, [=](Canvas& canvas) {
         canvas.layer(eye, circle({}, d), 1 - shut, [&](Canvas& sheet) {
+            // Of a slit that is no longer to be seen nothing is left but its edge's soft pixels: grey dashes.
+            if (d * (1 - lid) < kThinnestSlit) return sheet.cover(eye.adjusted(-1, -1, 1, 1), Qt::black);
             drawBall(sheet, d);
             drawPupil(sheet, gaze, p);
             drawLid(sheet, d, lid);
