@@ -39,7 +39,8 @@ class Chip {
 
     /// The pointer came over the chip or left it.
     void setHover(bool hover);
-    /// Where it can be hovered and clicked.
+    /// Where it can be hovered, pressed and clicked: a little beyond its edge, so that a lit chip, which is drawn
+    /// larger, answers wherever it is seen.
     QRectF outer() const;
     QRectF inner() const;
     /// Whether a press at `point` is for the remove button.

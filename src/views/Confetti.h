@@ -27,8 +27,6 @@ class Confetti {
     bool moving(double now) const { return flight_.moving(now); }
     void compose(DisplayList& list, double now) const;
 
-    const std::vector<Spark>& sparks() const { return sparks_; }
-
  private:
     MainLoop& loop_;
     std::function<double()> random_;

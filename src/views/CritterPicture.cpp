@@ -13,6 +13,7 @@ namespace {
 
 constexpr double kStartleScale = 0.16;
 constexpr double kStartleRise = 3;
+constexpr double kGulpDip = 2.5;
 constexpr double kBadgeGap = 6;
 constexpr double kGlyphSize = 11;
 constexpr double kGlyphRight = 30;
@@ -39,25 +40,35 @@ void CritterView::compose(DisplayList& list) const {
     list.with(QTransform(), 1 - sleep, [&] {
         composeFace(list, now);
         shelf_.compose(list, shelfTop());
+        composeMouth(list, now);
         composeBadge(list, now);
         composeGlyph(list, now);
     });
     list.with(QTransform(), sleep, [&] { composeSleep(list, now); });
 }
 
+QTransform CritterView::faceTransform(double now) const {
+    const double middle = padding_.at(now) + eyeSize_.at(now) / 2;
+    const double startle = startle_.at(now);
+    return scaledAround(middle, 1 + kStartleScale * startle) *
+           moved(0, kGulpDip * dip_.at(now) - kStartleRise * startle);
+}
+
 void CritterView::composeFace(DisplayList& list, double now) const {
-    const double top = padding_.at(now);
     const double size = std::max(eyeSize_.at(now), 0.0);
     const double apart = (size + spacing_.at(now)) / 2;
-    const double middle = top + size / 2;
-    const double startle = startle_.at(now);
-    const QTransform jump = scaledAround(middle, 1 + kStartleScale * startle) * moved(0, -kStartleRise * startle);
-    list.with(jump, 1, [&] {
+    const double middle = padding_.at(now) + size / 2;
+    list.with(faceTransform(now), 1, [&] {
         composeCheeks(list, now);
         list.with(moved(-apart, middle), 1, [&] { leftEye_.compose(list, piece::leftEye, now); });
         list.with(moved(apart, middle), 1, [&] { rightEye_.compose(list, piece::rightEye, now); });
-        list.with(moved(0, top + size), 1, [&] { mouth_.compose(list, now, clock_.now().seconds); });
     });
+}
+
+// In front of the shelf, which keeps behind it while it is open.
+void CritterView::composeMouth(DisplayList& list, double now) const {
+    const QTransform below = moved(0, padding_.at(now) + std::max(eyeSize_.at(now), 0.0));
+    list.with(below * faceTransform(now), 1, [&] { mouth_.compose(list, now, clock_.now().seconds); });
 }
 
 void CritterView::composeCheeks(DisplayList& list, double now) const {

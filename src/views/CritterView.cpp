@@ -12,7 +12,9 @@ namespace {
 
 constexpr double kBlinkEvery = 3.4;  // seconds
 constexpr double kShelfGap = 12;     // points below the eyes
-constexpr double kGazeReach = 160;   // points at which the pupils have gone all their way
+constexpr double kClosing = 0.17;    // seconds that the mouth takes to shut over something
+constexpr double kGulping = 0.24;
+constexpr double kGazeReach = 160;  // points at which the pupils have gone all their way
 
 }  // namespace
 
@@ -29,6 +31,7 @@ CritterView::CritterView(NotchModel& model, const ChipPorts& ports, Clock& clock
       seenSpawns_(m_.spawnCount),
       seenLookArounds_(m_.lookAroundCount),
       seenStretches_(m_.stretchCount),
+      seenSwallows_(m_.swallowCount),
       seenCharging_(m_.charging),
       shelf_(model, ports, clock, loop, changed_) {
     blinkTimer_ = loop_.every(kBlinkEvery, [this] { blink(); });
@@ -37,15 +40,17 @@ CritterView::CritterView(NotchModel& model, const ChipPorts& ports, Clock& clock
 
 void CritterView::disappear() {
     blinkTimer_.cancel();
+    swallowStep_.cancel();
     delays_.cancel();
 }
 
 void CritterView::update(const std::optional<Animation>& how) {
     const double now = clock_.uptime();
+    if (!m_.dragNear || m_.dropTargeted) fed_ = false;
     aimLayout(how, now);
     aimEyes(how, now);
     mouth_.aim(mouthState(), how, now);
-    shelf_.update(how);
+    shelf_.update(how, padding_.target() + eyeSize_.target() + kShelfGap);
     aimGlyph(how, now);
     // Last, because a reaction updates again with a curve of its own.
     react();
@@ -59,6 +64,7 @@ void CritterView::react() {
     if (grew(seenSpawns_, m_.spawnCount)) glanceDown();
     if (grew(seenLookArounds_, m_.lookAroundCount)) lookAround();
     if (grew(seenStretches_, m_.stretchCount)) stretch();
+    if (grew(seenSwallows_, m_.swallowCount)) swallow();
 }
 
 void CritterView::blink() {
@@ -91,6 +97,24 @@ void CritterView::worry() {
     };
     set(true, Animation::easeOut(0.25));
     delays_.after(1.4, [set] { set(false, Animation::easeInOut(0.5)); });
+}
+
+void CritterView::swallow() {
+    if (m_.quiet()) return;
+    fed_ = m_.dragNear && !m_.dropTargeted;
+    setSwallow(Swallow::closing);
+    swallowStep_ = loop_.after(kClosing, [this] { gulp(); });
+}
+
+void CritterView::gulp() {
+    setSwallow(Swallow::gulping);
+    swallowStep_ = loop_.after(kGulping, [this] { setSwallow(Swallow::none); });
+}
+
+void CritterView::setSwallow(Swallow step) {
+    swallow_ = step;
+    update(std::nullopt);
+    changed_();
 }
 
 void CritterView::glanceDown() {
@@ -133,6 +157,8 @@ void CritterView::aimLayout(const std::optional<Animation>& how, double now) {
     spacing_.aim(open ? 22 : 13, how, now);
     width_.aim(m_.shapeWidth(), how, now);
     startle_.aim(startled_ ? 1 : 0, Animation::interpolatingSpring(1, 300, 12), now);
+    const bool gulps = swallow_ == Swallow::gulping;
+    dip_.aim(gulps ? 1 : 0, gulps ? Animation::easeOut(0.12) : Animation::interpolatingSpring(1, 300, 16), now);
 
     const bool chargeChanged = std::exchange(seenCharging_, m_.charging) != m_.charging;
     cheeks_.aim(m_.charging ? 1 : 0, chargeChanged ? Animation::easeInOut(0.9) : how, now);
@@ -158,22 +184,28 @@ void CritterView::aimEyes(const std::optional<Animation>& how, double now) {
                    .pupil = open ? 13.0 : 8.0,
                    .lid = lidClosure(),
                    .gaze = gaze(-1),
-                   .shut = m_.cameraInUse};
+                   .shut = eyesShut()};
     leftEye_.aim(pose, curve, now);
     pose.gaze = gaze(+1);
     rightEye_.aim(pose, curve, now);
 }
 
 std::optional<Animation> CritterView::eyeCurve(const std::optional<Animation>& how) {
-    const EyeCauses was =
-        std::exchange(eyeCauses_, {m_.cameraInUse, blink_, m_.isSleepy(), m_.yawning, worried_, glancingDown_});
+    const EyeCauses was = std::exchange(eyeCauses_, {m_.cameraInUse, blink_, m_.isSleepy(), m_.yawning, worried_,
+                                                     glancingDown_, swallow_ == Swallow::gulping});
     if (was.camera != eyeCauses_.camera) return Animation::easeInOut(0.45);
     if (was.blink != eyeCauses_.blink) return Animation::easeOut(0.09);
     if (was.sleepy != eyeCauses_.sleepy) return Animation::easeInOut(0.5);
     if (was.yawning != eyeCauses_.yawning) return Animation::easeInOut(0.6);
     if (was.worried != eyeCauses_.worried) return Animation::easeOut(0.3);
     if (was.glancing != eyeCauses_.glancing) return Animation::easeOut(0.35);
+    if (was.gulping != eyeCauses_.gulping) return Animation::easeOut(0.06);
+    if (swallow_ == Swallow::closing) return Animation::easeOut(0.12);
     return how;
+}
+
+bool CritterView::eyesShut() const {
+    return m_.cameraInUse || swallow_ == Swallow::gulping;
 }
 
 double CritterView::lidClosure() const {
@@ -189,6 +221,7 @@ double CritterView::lidClosure() const {
 QPointF CritterView::gaze(double side) const {
     if (m_.quiet()) return {0, 0};
     if (worried_) return {4.5, -2.5};
+    if (swallow_ != Swallow::none) return {0, m_.attending() ? 5.0 : 3.0};
     if (glancingDown_) return {0, 5.5};
     if (lookPhase_ == 1) return {-5, 0.5};
     if (lookPhase_ == 2) return {5, 0.5};
@@ -204,10 +237,12 @@ QPointF CritterView::gaze(double side) const {
 }
 
 Mouth::State CritterView::mouthState() const {
-    if (m_.dropTargeted || m_.dragNear) return Mouth::State::eating;
+    if (swallow_ == Swallow::closing) return Mouth::State::full;
+    if (swallow_ == Swallow::gulping) return Mouth::State::gulping;
+    if (m_.dropTargeted || (m_.dragNear && !fed_)) return Mouth::State::eating;
     if (m_.yawning) return Mouth::State::yawning;
     if (m_.downloading || m_.chewing) return Mouth::State::munching;
-    return Mouth::State::resting;
+    return badge_.target() == 1 ? Mouth::State::covered : Mouth::State::resting;
 }
 
 void CritterView::aimGlyph(const std::optional<Animation>& how, double now) {
@@ -221,7 +256,7 @@ void CritterView::aimGlyph(const std::optional<Animation>& how, double now) {
 double CritterView::nextFrame() const {
     const double now = clock_.uptime();
     for (const auto* value :
-         {&padding_, &eyeSize_, &spacing_, &startle_, &cheeks_, &cheekSize_, &cheekGap_, &cheekDrop_, &sleep_,
+         {&padding_, &eyeSize_, &spacing_, &startle_, &dip_, &cheeks_, &cheekSize_, &cheekGap_, &cheekDrop_, &sleep_,
           &arcWidth_, &arcHeight_, &arcDroop_, &zzz_, &badge_, &glyphOpacity_, &width_}) {
         if (value->moving(now)) return now;
     }

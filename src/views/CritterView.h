@@ -37,14 +37,20 @@ class CritterView {
 
  private:
     /// Values whose changes move the eyes with curves of their own.
+    /// It shuts its mouth over what it was given, and then gulps it down.
+    enum class Swallow { none, closing, gulping };
     struct EyeCauses {
         bool camera = false, blink = false, sleepy = false, yawning = false, worried = false, glancing = false;
+        bool gulping = false;
     };
 
     void react();
     void blink();
     void startle();
     void worry();
+    void swallow();
+    void gulp();
+    void setSwallow(Swallow step);
     void glanceDown();
     void lookAround();
     void stretch();
@@ -54,11 +60,15 @@ class CritterView {
     void aimGlyph(const std::optional<Animation>& how, double now);
     std::optional<Animation> eyeCurve(const std::optional<Animation>& how);
     void setBadge(int count);
+    bool eyesShut() const;
     double lidClosure() const;
     QPointF gaze(double side) const;
     Mouth::State mouthState() const;
 
+    /// How the whole face is moved by what happens to it.
+    QTransform faceTransform(double now) const;
     void composeFace(DisplayList& list, double now) const;
+    void composeMouth(DisplayList& list, double now) const;
     void composeCheeks(DisplayList& list, double now) const;
     void composeSleep(DisplayList& list, double now) const;
     void composeBadge(DisplayList& list, double now) const;
@@ -75,10 +85,12 @@ class CritterView {
     bool glancingDown_ = false;
     int lookPhase_ = 0;  // 0 centre, 1 left, 2 right
     bool stretchGlyph_ = false;
-    TimerHandle blinkTimer_;
+    Swallow swallow_ = Swallow::none;
+    bool fed_ = false;  // the mouth stays shut until the drag that brought something is over
+    TimerHandle blinkTimer_, swallowStep_;
     DelayedCalls delays_;
 
-    int seenGlances_, seenStartles_, seenWorries_, seenSpawns_, seenLookArounds_, seenStretches_;
+    int seenGlances_, seenStartles_, seenWorries_, seenSpawns_, seenLookArounds_, seenStretches_, seenSwallows_;
     bool seenCharging_;
     EyeCauses eyeCauses_;
 
@@ -88,6 +100,7 @@ class CritterView {
     StatusGlyph glyph_;
     Animated<double> padding_{36}, eyeSize_{17}, spacing_{13};
     Animated<double> startle_{0, 0.001};  // 0 at ease, 1 startled
+    Animated<double> dip_{0, 0.002};      // 1 while it gulps
     Animated<double> cheeks_{0, 0.002}, cheekSize_{9}, cheekGap_{46}, cheekDrop_{5};
     Animated<double> sleep_{0, 0.002}, arcWidth_{16}, arcHeight_{7}, arcDroop_{6}, zzz_{0, 0.002};
     Animated<double> badge_{0, 0.002}, glyphOpacity_{0, 0.002}, width_{185};

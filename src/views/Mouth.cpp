@@ -16,17 +16,23 @@ constexpr double kChewPeriod = 0.55;  // seconds
 constexpr double kChewEase = 0.3;
 constexpr double kChewOpacity = 0.55;
 constexpr double kTongueDrop = 9;
+constexpr double kCheek = 17;
+constexpr double kWayDown = 0.34;                // seconds
 constexpr double kClosedEnd = 1, kYawnEnd = 19;  // radii of the mouth's gradient
 
 struct Numbers {
     double width, height, opacity, space, shadow, gradientEnd, rim, glow, tongueWidth, tongueHeight, tongueOpacity;
+    double cheeks = 0;
 };
 
 // In the order of Mouth::State.
-constexpr std::array<Numbers, 4> kNumbers{{{14, 2.4, 0.55, 7, 0, kClosedEnd, 0, 0, 0, 0, 0},
+constexpr std::array<Numbers, 7> kNumbers{{{14, 2.4, 0.55, 7, 0, kClosedEnd, 0, 0, 0, 0, 0},
+                                           {14, 2.4, 0, 7, 0, kClosedEnd, 0, 0, 0, 0, 0},
                                            {16, 7, 0.9, 7, 0, kClosedEnd, 0, 0, 0, 0, 0},
                                            {20, 24, 1, 7, 0.6, kYawnEnd, 0.24, 0.1, 0, 0, 0},
-                                           {40, 30, 1, 11, 0.6, 30, 0.34, 0.16, 20, 8, 1}}};
+                                           {40, 30, 1, 11, 0.6, 30, 0.34, 0.16, 20, 8, 1},
+                                           {24, 5, 1, 11, 0.3, kClosedEnd, 0.12, 0, 0, 0, 0, 1},
+                                           {9, 5, 1, 9, 0, kClosedEnd, 0, 0, 0, 0, 0, 0}}};
 
 const QColor kThroat = QColor::fromRgbF(0.11F, 0.015F, 0.04F);
 const QColor kPalate = QColor::fromRgbF(0.44F, 0.09F, 0.14F);
@@ -34,8 +40,32 @@ const QColor kLips = QColor::fromRgbF(0.74F, 0.24F, 0.25F);
 const QColor kTongueTop = QColor::fromRgbF(0.87F, 0.42F, 0.45F);
 const QColor kTongueBottom = QColor::fromRgbF(0.58F, 0.19F, 0.26F);
 
+const QColor kGroove = QColor::fromRgbF(0.46F, 0.13F, 0.2F, 0.6F);
+
+QColor faded(const QColor& color) {
+    return QColor::fromRgbF(color.redF(), color.greenF(), color.blueF(), 0);
+}
+
 QColor warmGlow(double opacity) {
     return QColor::fromRgbF(0.95F, 0.34F, 0.30F, float(opacity));
+}
+
+QPointF tonguePoint(const QRectF& frame, double x, double y) {
+    return {frame.left() + x * frame.width(), frame.top() + y * frame.height()};
+}
+
+/// Two soft humps at the back with a dip between them, and a round tip in front.
+QPainterPath tongueShape(const QRectF& frame) {
+    const auto at = [&frame](double x, double y) { return tonguePoint(frame, x, y); };
+    QPainterPath path(at(0.5, 0.08));
+    path.cubicTo(at(0.6, -0.03), at(0.8, -0.04), at(0.92, 0.14));
+    path.cubicTo(at(1.04, 0.34), at(0.98, 0.62), at(0.84, 0.8));
+    path.cubicTo(at(0.72, 0.95), at(0.6, 1), at(0.5, 1));
+    path.cubicTo(at(0.4, 1), at(0.28, 0.95), at(0.16, 0.8));
+    path.cubicTo(at(0.02, 0.62), at(-0.04, 0.34), at(0.08, 0.14));
+    path.cubicTo(at(0.2, -0.04), at(0.4, -0.03), at(0.5, 0.08));
+    path.closeSubpath();
+    return path;
 }
 
 /// How dark the black capsule over a munching mouth is: it comes and goes, one period each, easing at the turn.
@@ -50,15 +80,22 @@ double chewDarkness(double wallTime) {
 
 struct Mouth::Look {
     double width, height, opacity, space, shadow, gradientEnd, rim, glow, tongueWidth, tongueHeight, tongueOpacity;
-    double chew;
+    double chew, cheeks;
+    QRectF frame() const { return {-width / 2, space, width, height}; }
 };
 
 void Mouth::aim(State state, const std::optional<Animation>& how, double now) {
     std::optional<Animation> curve = how;
-    if ((state == State::eating) != (state_ == State::eating))
+    if (state != state_ && state == State::full)
+        curve = Animation::interpolatingSpring(1, 320, 27);  // shuts without another bounce
+    else if ((state == State::eating) != (state_ == State::eating))
         curve = Animation::interpolatingSpring(1, 260, 15);
     else if ((state == State::yawning) != (state_ == State::yawning))
         curve = Animation::easeInOut(0.6);
+    else if (state != state_ && state_ == State::gulping)
+        curve = Animation::interpolatingSpring(1, 260, 15);
+    else if (state != state_ && state == State::gulping)
+        curve = Animation::easeOut(0.1);
     state_ = state;
 
     const Numbers& n = kNumbers[size_t(state)];
@@ -73,11 +110,12 @@ void Mouth::aim(State state, const std::optional<Animation>& how, double now) {
     tongueWidth_.aim(n.tongueWidth, curve, now);
     tongueHeight_.aim(n.tongueHeight, curve, now);
     tongueOpacity_.aim(n.tongueOpacity, curve, now);
+    cheeks_.aim(n.cheeks, curve, now);
 }
 
 bool Mouth::moving(double now) const {
     for (const auto* value : {&width_, &height_, &opacity_, &space_, &shadow_, &gradientEnd_, &rim_, &glow_,
-                              &tongueWidth_, &tongueHeight_, &tongueOpacity_}) {
+                              &tongueWidth_, &tongueHeight_, &tongueOpacity_, &cheeks_}) {
         if (value->moving(now)) return true;
     }
     return false;
@@ -98,25 +136,44 @@ Mouth::Look Mouth::look(double now, double wallTime) const {
     return {length(width_),        length(height_),       share(opacity_),
             space_.at(now),        share(shadow_),        length(gradientEnd_),
             share(rim_),           share(glow_),          length(tongueWidth_),
-            length(tongueHeight_), share(tongueOpacity_), state_ == State::munching ? chewDarkness(wallTime) : 0};
+            length(tongueHeight_), share(tongueOpacity_), state_ == State::munching ? chewDarkness(wallTime) : 0,
+            share(cheeks_)};
 }
 
 void Mouth::compose(DisplayList& list, double now, double wallTime) const {
     const Look l = look(now, wallTime);
     // The glow is the widest: radius 13, so it fades out within 1.5 times that.
-    const double margin = l.glow > 0 || l.shadow > 0 ? 20 : 1;
+    const double margin = l.glow > 0 || l.shadow > 0 || l.cheeks > 0 ? 20 : 1;
     const QRectF bounds(-l.width / 2 - margin, l.space - margin, l.width + 2 * margin, l.height + 2 * margin);
     list.add(piece::mouth, bounds,
              {l.width, l.height, l.opacity, l.space, l.shadow, l.gradientEnd, l.rim, l.glow, l.tongueWidth,
-              l.tongueHeight, l.tongueOpacity, l.chew},
-             [l](Canvas& canvas) { canvas.with(QTransform(), l.opacity, [&] { draw(canvas, l); }); });
+              l.tongueHeight, l.tongueOpacity, l.chew, l.cheeks},
+             [l](Canvas& canvas) {
+                 // Nothing behind it is to be seen through it.
+                 if (l.opacity > 0) canvas.fill(continuousCapsule(l.frame()), Qt::black);
+                 canvas.with(QTransform(), l.opacity, [&] { draw(canvas, l); });
+             });
+}
+
+// Stuffed with what it has just taken.
+void Mouth::drawCheeks(Canvas& canvas, const Look& l) {
+    const QRectF mouth = l.frame();
+    for (const double side : {-1.0, 1.0}) {
+        const QPointF center(side * (mouth.width() / 2 + kCheek / 2 - 3), mouth.center().y());
+        const QRectF frame(center.x() - kCheek / 2, center.y() - kCheek / 2, kCheek, kCheek);
+        canvas.fill(
+            circle(center, kCheek),
+            radialGradient(frame, {0.5, 0.4}, 0, kCheek / 2,
+                           {{0, warmGlow(0.5 * l.cheeks)}, {0.6, warmGlow(0.24 * l.cheeks)}, {1, warmGlow(0)}}));
+    }
 }
 
 void Mouth::draw(Canvas& canvas, const Look& l) {
-    const QRectF frame(-l.width / 2, l.space, l.width, l.height);
+    const QRectF frame = l.frame();
     const QPainterPath capsule = continuousCapsule(frame);
     canvas.shadow(capsule, warmGlow(l.glow), 13, {});
     canvas.shadow(capsule, black(l.shadow), 4, {0, 2});
+    if (l.cheeks > 0) drawCheeks(canvas, l);
     // A closed mouth is flat and dark: throat and lips show as it opens.
     const double open = std::clamp((l.gradientEnd - kClosedEnd) / (kYawnEnd - kClosedEnd), 0.0, 1.0);
     canvas.fill(capsule,
@@ -134,7 +191,15 @@ void Mouth::draw(Canvas& canvas, const Look& l) {
 void Mouth::drawTongue(Canvas& canvas, const Look& l, const QPointF& center) {
     const QRectF frame(center.x() - l.tongueWidth / 2, center.y() + kTongueDrop - l.tongueHeight / 2, l.tongueWidth,
                        l.tongueHeight);
-    const QPainterPath tongue = continuousCapsule(frame);
+    const QPainterPath tongue = tongueShape(frame);
     canvas.shadow(tongue, black(0.45), 2.5, {0, -1.5});
     canvas.fill(tongue, linearGradient(frame, {0.5, 0}, {0.5, 1}, {{0, kTongueTop}, {1, kTongueBottom}}));
+    QPainterPath groove(tonguePoint(frame, 0.5, 0.2));
+    groove.lineTo(tonguePoint(frame, 0.5, 0.74));
+    canvas.stroke(groove, linearGradient(frame, {0.5, 0.1}, {0.5, 0.8}, {{0, kGroove}, {1, faded(kGroove)}}), 0.9);
+    for (const double x : {0.27, 0.73}) {
+        const QPointF light = tonguePoint(frame, x, 0.26);
+        const QRectF spot(light.x() - 3, light.y() - 1.2, 6, 2.4);
+        canvas.fill(continuousCapsule(spot), white(0.16));
+    }
 }

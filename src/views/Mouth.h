@@ -8,7 +8,15 @@
 /// The creature's mouth. It is drawn below the origin of its frame of reference, the bottom centre of the eye row.
 class Mouth {
  public:
-    enum class State { resting, munching, yawning, eating };
+    enum class State {
+        resting,
+        covered,  ///< not to be seen behind something else
+        munching,
+        yawning,
+        eating,
+        full,  ///< shut over something, with stuffed cheeks
+        gulping
+    };
 
     /// `how` moves whatever is not bound to eating or yawning by an animation of its own.
     void aim(State state, const std::optional<Animation>& how, double now);
@@ -25,9 +33,11 @@ class Mouth {
     Look look(double now, double wallTime) const;
     static void draw(Canvas& canvas, const Look& look);
     static void drawTongue(Canvas& canvas, const Look& look, const QPointF& center);
+    static void drawCheeks(Canvas& canvas, const Look& look);
 
     State state_ = State::resting;
     Animated<double> width_{14}, height_{2.4}, opacity_{0.55, 0.002}, space_{7}, shadow_{0, 0.002};
     Animated<double> gradientEnd_{1}, rim_{0, 0.002}, glow_{0, 0.002};
     Animated<double> tongueWidth_{0}, tongueHeight_{0}, tongueOpacity_{0, 0.002};
+    Animated<double> cheeks_{0, 0.002};  // stuffed
 };

@@ -14,7 +14,8 @@ enum : int {
     badge,
     glyph,
     pill,
-    whisper,
+    pillLabels,  ///< two: the present one and the one before it
+    whisper = pillLabels + 2,
     confetti,
     chips  ///< this and all above: two for each chip
 };

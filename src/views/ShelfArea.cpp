@@ -7,7 +7,6 @@
 
 #include "views/Colors.h"
 #include "views/PieceIds.h"
-#include "views/Shapes.h"
 
 namespace {
 
@@ -20,6 +19,9 @@ constexpr int kChipsPerRow = 5;
 constexpr int kFoldedFiles = 3;
 constexpr int kFoldedBites = 2;
 constexpr double kAppearScale = 0.9;
+constexpr double kWhisperRoom = 5;  // between the whisper and the rim
+constexpr double kBehindMouth = 4;  // between what has stepped back and the rim
+constexpr double kFaint = 0.4;
 
 const TextStyle kMoreStyle{11, QFont::DemiBold, Face::rounded};
 const TextStyle kLessStyle{9, QFont::DemiBold, Face::rounded};
@@ -43,12 +45,11 @@ bool sameThing(const HeldThing& a, const HeldThing& b) {
 /// The places of everything, relative to the shelf's top, before fading and scaling.
 struct ShelfArea::Layout {
     QList<QPointF> chips;  ///< their middles
-    QString pill;          ///< empty: none
-    QRectF pillFrame;
-    TextStyle pillStyle{0};
-    double pillText = 0, pillFill = 0;  ///< opacities
-    double bottom = 0;                  ///< where the whisper begins
-    double scale = 1;                   ///< that makes the widest row fit
+    std::optional<Pill::Look> pill;
+    double bottom = 0;   ///< of the chips and the pill
+    double scale = 1;    ///< that makes them fit into the body
+    double drop = 0;     ///< where they begin then
+    double whisper = 0;  ///< where the whisper begins
 
     /// A row of chips beginning at `left`, `row` rows down.
     void addRow(int count, double left, double gap, int row) {
@@ -76,7 +77,7 @@ QList<HeldThing> ShelfArea::shownThings() const {
     return things;
 }
 
-ShelfArea::Layout ShelfArea::layout() const {
+ShelfArea::Layout ShelfArea::layout(double top) const {
     Layout l;
     const int shown = int(shownThings().size());
     if (m_.shelfExpanded) {
@@ -85,46 +86,70 @@ ShelfArea::Layout ShelfArea::layout() const {
             const int count = std::min(kChipsPerRow, shown - row * kChipsPerRow);
             l.addRow(count, -rowWidth(count, kChipGap) / 2, kChipGap, row);
         }
-        l.pill = QStringLiteral("show less");
-        l.pillStyle = kLessStyle;
-        l.pillText = 0.55;
-        l.pillFill = 0.1;
-        const double width = Canvas::textWidth(l.pill, kLessStyle) + 16;
-        l.pillFrame = {-width / 2, rows * kRowHeight + kPillGap, width, lineHeight(kLessStyle) + 5};
-        l.bottom = l.pillFrame.bottom();
+        l.pill = Pill::Look{QStringLiteral("show less"), kLessStyle, 0.55, 0.1, {}};
+        const double width = Canvas::textWidth(l.pill->text, kLessStyle) + 16;
+        l.pill->frame = {-width / 2, rows * kRowHeight + kPillGap, width, lineHeight(kLessStyle) + 5};
+        l.bottom = l.pill->frame.bottom();
+        fit(l, rowWidth(std::min(shown, kChipsPerRow), kChipGap), top);
         return l;
     }
     double pillWidth = 0;
     if (m_.heldCount() > shown) {
-        l.pill = u'+' + QString::number(m_.heldCount() - shown);
-        l.pillStyle = kMoreStyle;
-        l.pillText = 0.75;
-        l.pillFill = 0.12;
-        pillWidth = Canvas::textWidth(l.pill, kMoreStyle) + 14;
+        l.pill = Pill::Look{u'+' + QString::number(m_.heldCount() - shown), kMoreStyle, 0.75, 0.12, {}};
+        pillWidth = Canvas::textWidth(l.pill->text, kMoreStyle) + 14;
     }
     const auto widthWith = [&](double gap) { return rowWidth(shown, gap) + (pillWidth > 0 ? gap + pillWidth : 0); };
     const double gap = widthWith(kChipGap) <= kWidest ? kChipGap : kTightGap;
     const double row = widthWith(gap);
     const double height = lineHeight(kMoreStyle) + 6;
-    if (pillWidth > 0) l.pillFrame = {row / 2 - pillWidth, (kRowHeight - height) / 2, pillWidth, height};
+    if (l.pill) l.pill->frame = {row / 2 - pillWidth, (kRowHeight - height) / 2, pillWidth, height};
     l.addRow(shown, -row / 2, gap, 0);
-    l.scale = std::min(1.0, kWidest / std::max(row, 1.0));
     l.bottom = shown > 0 ? kRowHeight : 0;
+    fit(l, row, top);
     return l;
 }
 
-void ShelfArea::update(const std::optional<Animation>& how) {
-    presence_.aim(wanted() ? 1 : 0, how, clock_.uptime());
-    arrange(how);
+// Into the body's width, and above its rim: with room for the whisper, or all of it behind the open mouth.
+void ShelfArea::fit(Layout& l, double row, double top) const {
+    const bool whispers = m_.whisper().has_value() && !steppedBack();
+    const double below = steppedBack() ? kBehindMouth : whispers ? lineHeight(kWhisperStyle) + kWhisperRoom : 0;
+    const double room = std::clamp(m_.shapeHeight() - top - below, 1.0, std::max(l.bottom, 1.0));
+    l.scale = std::min({1.0, kWidest / std::max(row, 1.0), room / std::max(l.bottom, 1.0)});
+    l.drop = (room - l.scale * l.bottom) / 2;
+    l.whisper = l.bottom > 0 ? room : 0;
+}
+
+void ShelfArea::update(const std::optional<Animation>& how, double top) {
+    const double now = clock_.uptime();
+    // What cannot be seen takes its place at once; what fades out stays where it is.
+    const auto curve = presence_.at(now) > 0 ? how : std::nullopt;
+    presence_.aim(wanted() ? 1 : 0, how, now);
+    const Layout l = layout(top);
+    arrange(l, curve);
+    if (wanted()) {
+        strength_.aim(steppedBack() ? kFaint : 1, curve, now);
+        scale_.aim(l.scale, curve, now);
+        drop_.aim(l.drop, curve, now);
+        pill_.show(l.pill, curve, now);
+        whisper(l, curve);
+    }
     hover();
 }
 
+void ShelfArea::whisper(const Layout& l, const std::optional<Animation>& how) {
+    const double now = clock_.uptime();
+    const bool seen = whisperShown_.at(now) > 0;
+    const QString text = steppedBack() ? QString() : m_.whisper().value_or(QString());
+    whisperShown_.aim(text.isEmpty() ? 0 : 1, how, now);
+    if (text.isEmpty()) return;
+    whisper_ = text;
+    whisperTop_.aim(l.whisper, seen ? how : std::nullopt, now);
+}
+
 // Chips go to the places of their things; what is new fades in, what is no longer shown fades out where it is.
-void ShelfArea::arrange(const std::optional<Animation>& how) {
+void ShelfArea::arrange(const Layout& l, const std::optional<Animation>& how) {
     chips_.remove_if([this](const Chip& chip) { return chip.gone() && &chip != pressed_; });
     const QList<HeldThing> things = shownThings();
-    const Layout l = layout();
-    scale_.aim(l.scale, how, clock_.uptime());
     for (Chip& chip : chips_) {
         const bool stays = std::any_of(things.begin(), things.end(),
                                        [&](const HeldThing& thing) { return sameThing(thing, chip.thing()); });
@@ -149,21 +174,26 @@ void ShelfArea::pointerMoved(const std::optional<QPointF>& point, double top) {
     hover();
 }
 
-// Neighbours share the ground between them; the nearer one has the pointer.
 void ShelfArea::hover() {
-    const Chip* hovered = nullptr;
-    const auto distance = [this](const Chip& chip) { return QLineF(chip.inner().center(), *pointer_).length(); };
-    for (const Chip& chip : chips_) {
-        if (!pointer_ || !reachable() || !chip.shown() || !chip.outer().contains(*pointer_)) continue;
-        if (!hovered || distance(chip) < distance(*hovered)) hovered = &chip;
-    }
+    const Chip* hovered = pointer_ ? chipNear(*pointer_) : nullptr;
     for (Chip& chip : chips_) chip.setHover(&chip == hovered);
 }
 
+// Neighbours share the ground between them.
+Chip* ShelfArea::chipNear(const QPointF& place) {
+    if (!reachable()) return nullptr;
+    Chip* nearest = nullptr;
+    const auto distance = [&place](const Chip& chip) { return QLineF(chip.inner().center(), place).length(); };
+    for (Chip& chip : chips_) {
+        if (!chip.shown() || !chip.outer().contains(place)) continue;
+        if (!nearest || distance(chip) < distance(*nearest)) nearest = &chip;
+    }
+    return nearest;
+}
+
 QTransform ShelfArea::fitting() const {
-    const double scale = scale_.at(clock_.uptime());
-    return QTransform::fromTranslate(0, -kRowHeight / 2) * QTransform::fromScale(scale, scale) *
-           QTransform::fromTranslate(0, kRowHeight / 2);
+    const double now = clock_.uptime(), scale = scale_.at(now);
+    return QTransform::fromScale(scale, scale) * QTransform::fromTranslate(0, drop_.at(now));
 }
 
 QPointF ShelfArea::onShelf(const QPointF& point, double top) const {
@@ -172,7 +202,10 @@ QPointF ShelfArea::onShelf(const QPointF& point, double top) const {
 
 double ShelfArea::nextFrame() const {
     const double now = clock_.uptime();
-    if (presence_.moving(now) || scale_.moving(now)) return now;
+    for (const auto* value : {&presence_, &strength_, &scale_, &drop_, &whisperShown_, &whisperTop_}) {
+        if (value->moving(now)) return now;
+    }
+    if (pill_.moving(now)) return now;
     double next = std::numeric_limits<double>::infinity();
     if (presence_.target() == 0) return next;
     for (const Chip& chip : chips_) next = std::min(next, chip.nextFrame());
@@ -180,11 +213,7 @@ double ShelfArea::nextFrame() const {
 }
 
 Chip* ShelfArea::chipAt(const QPointF& point, double top) {
-    if (!reachable()) return nullptr;
-    const auto found = std::find_if(chips_.begin(), chips_.end(), [&](const Chip& chip) {
-        return chip.shown() && chip.inner().contains(onShelf(point, top));
-    });
-    return found == chips_.end() ? nullptr : &*found;
+    return chipNear(onShelf(point, top));
 }
 
 bool ShelfArea::tap(const QPointF& point, double top) {
@@ -194,9 +223,7 @@ bool ShelfArea::tap(const QPointF& point, double top) {
         if (chip->shown()) ports_.use(HeldThing(chip->thing()));
         return true;
     }
-    if (!reachable()) return false;
-    const Layout l = layout();
-    if (l.pill.isEmpty() || !l.pillFrame.contains(onShelf(point, top))) return false;
+    if (!reachable() || !pill_.contains(onShelf(point, top), clock_.uptime())) return false;
     m_.withAnimation(Animation::spring(0.32, 0.85), [this] { m_.shelfExpanded = !m_.shelfExpanded; });
     return true;
 }
@@ -219,32 +246,24 @@ void ShelfArea::release(const QPointF& way) {
 }
 
 void ShelfArea::compose(DisplayList& list, double top) const {
-    const double presence = presence_.at(clock_.uptime());
+    const double now = clock_.uptime(), presence = presence_.at(now);
     if (presence <= 0) return;
     const double scale = kAppearScale + (1 - kAppearScale) * presence;
     list.with(QTransform::fromScale(scale, scale) * QTransform::fromTranslate(0, top), presence, [&] {
-        list.with(fitting(), 1, [&] {
+        list.with(fitting(), strength_.at(now), [&] {
             for (const Chip& chip : chips_) chip.compose(list);
-            composePill(list);
+            pill_.compose(list, now);
         });
         composeWhisper(list);
     });
 }
 
-void ShelfArea::composePill(DisplayList& list) const {
-    const Layout l = layout();
-    if (l.pill.isEmpty()) return;
-    list.add(piece::pill, l.pillFrame, {l.pillFrame, l.pill}, [l](Canvas& canvas) {
-        canvas.fill(continuousCapsule(l.pillFrame), white(l.pillFill));
-        canvas.text(l.pill, l.pillFrame.center(), l.pillStyle, white(l.pillText));
-    });
-}
-
 void ShelfArea::composeWhisper(DisplayList& list) const {
-    const QString whisper = m_.whisper().value_or(QString());
-    if (whisper.isEmpty()) return;
-    const double line = lineHeight(kWhisperStyle), top = layout().bottom;
-    list.add(piece::whisper, QRectF(-160, top, 320, line), {top, whisper}, [=](Canvas& canvas) {
-        canvas.text(whisper, {0, top + line / 2}, kWhisperStyle, accentOrange(0.9));
+    const double now = clock_.uptime(), line = lineHeight(kWhisperStyle);
+    const double top = whisperTop_.at(now);
+    list.with(QTransform(), whisperShown_.at(now), [&] {
+        list.add(piece::whisper, QRectF(-160, top, 320, line), {top, whisper_}, [=, text = whisper_](Canvas& canvas) {
+            canvas.text(text, {0, top + line / 2}, kWhisperStyle, accentOrange(0.9));
+        });
     });
 }

@@ -10,16 +10,18 @@
 #include "motion/Animated.h"
 #include "views/Chip.h"
 #include "views/DisplayList.h"
+#include "views/Pill.h"
 
-/// The rows of chips below the open face, the pills that unfold and fold them, and the whispered meeting. It is drawn
-/// around the middle of its frame of reference; `top` is the height at which it begins there. Main thread only; the
-/// references must outlive it.
+/// The rows of chips below the open face, the pill that unfolds and folds them, and the whispered meeting. While a drag
+/// is near they step back behind the open mouth, small and faint. It is drawn around the middle of its frame of
+/// reference; `top` is the height at which it begins there. Main thread only; the references must outlive it.
 class ShelfArea {
  public:
     /// `changed` is called when the shelf looks different from before or has begun to move.
     ShelfArea(NotchModel& model, const ChipPorts& ports, Clock& clock, MainLoop& loop, std::function<void()> changed);
 
-    void update(const std::optional<Animation>& how);
+    /// `top` is where it will be when everything has come to rest.
+    void update(const std::optional<Animation>& how, double top);
     /// When it looks different next, by Clock::uptime().
     double nextFrame() const;
     void compose(DisplayList& list, double top) const;
@@ -42,15 +44,19 @@ class ShelfArea {
  private:
     struct Layout;
 
-    Layout layout() const;
+    Layout layout(double top) const;
+    void fit(Layout& layout, double row, double top) const;
     bool wanted() const;
-    bool reachable() const { return wanted() && !m_.asleep; }
+    bool reachable() const { return wanted() && !m_.asleep && !steppedBack(); }
+    bool steppedBack() const { return m_.dropTargeted || m_.dragNear; }
     QList<HeldThing> shownThings() const;
-    void arrange(const std::optional<Animation>& how);
+    void arrange(const Layout& layout, const std::optional<Animation>& how);
+    void whisper(const Layout& layout, const std::optional<Animation>& how);
     void hover();
-    void composePill(DisplayList& list) const;
     void composeWhisper(DisplayList& list) const;
-    /// A row that would be too wide is drawn smaller.
+    /// The nearest of the chips that answer at a point of the chips' own coordinates.
+    Chip* chipNear(const QPointF& place);
+    /// What would be too large for the body is drawn smaller.
     QTransform fitting() const;
     /// A point of the frame of reference in the chips' own coordinates.
     QPointF onShelf(const QPointF& point, double top) const;
@@ -65,6 +71,9 @@ class ShelfArea {
     int chipsMade_ = 0;
     std::optional<QPointF> pointer_;  // in the chips' coordinates
     Chip* pressed_ = nullptr;         // by the press that has begun last; not forgotten until that ends
-    Animated<double> presence_{0, 0.002};
-    Animated<double> scale_{1, 0.001};  // of the chips, to fit the row into the body
+    Pill pill_;
+    QString whisper_;
+    Animated<double> presence_{0, 0.002}, strength_{1, 0.002};
+    Animated<double> scale_{1, 0.001}, drop_{0};  // of the chips and the pill, to fit them into the body
+    Animated<double> whisperShown_{0, 0.002}, whisperTop_{0};
 };

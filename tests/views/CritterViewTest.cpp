@@ -164,6 +164,9 @@ TEST(Eyes, BlinkOnTheirClockAndForAGlanceButNotAsleep) {
     EXPECT_LT(once, 0.2);
     ++f.m.glanceCount;
     EXPECT_GT(shutFor(0.4), 0.02);
+    ++f.m.glanceCount;
+    f.loop.advance(0.11);
+    EXPECT_FALSE(f.bounds(f.picture(), {-26, 35, 52, 20}, [](QColor c) { return c.lightness() > 0; })) << "dashes";
     f.m.cameraInUse = true;
     f.m.asleep = true;
     f.loop.advance(1);
@@ -272,6 +275,20 @@ TEST(Face, OpensItsMouthForADrop) {
     ASSERT_TRUE(mouth);
     EXPECT_NEAR(mouth->width(), 40, 3);
     EXPECT_NEAR(mouth->bottom(), 113, 2);
+
+    // It shuts over what it got and stays so, though the drag is not over yet; an hour of quiet lets it be.
+    for (const bool quiet : {true, false}) {
+        if (!quiet) f.m.quietUntil = f.clock.now();
+        if (quiet) f.m.quietUntil = f.clock.now() + 1000;
+        ++f.m.swallowCount;
+        f.loop.advance(0.3);
+        const bool eyes = f.eye(f.picture(), 1).white.height() > 20;
+        const auto gulp = f.bounds(f.picture(), below, reddish);
+        f.loop.advance(1);
+        EXPECT_EQ(eyes, quiet);
+        EXPECT_EQ(gulp.value_or(QRectF()).height() < 8, !quiet);
+        EXPECT_EQ(f.bounds(f.picture(), below, reddish).value_or(QRectF()).height() < 8, !quiet);
+    }
     f.m.dragNear = false;
     f.m.hovering = false;
     f.open = false;

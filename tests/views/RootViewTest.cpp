@@ -133,26 +133,6 @@ TEST(Confetti, TenSparksFlyApartAndFade) {
     EXPECT_FALSE(f.bounds(f.picture(), everywhere, colourful));
 }
 
-TEST(Confetti, SparksKeepToTheirRing) {
-    ManualClock clock;
-    ManualLoop loop(clock);
-    double next = 0;
-    Confetti confetti(loop, [&next] { return next = std::fmod(next + 0.37, 1.0); });
-    confetti.burst([&] { return clock.uptime(); }, [] {});
-    ASSERT_EQ(confetti.sparks().size(), 10U);
-    for (size_t n = 0; n < 10; ++n) {
-        const Spark& spark = confetti.sparks()[n];
-        const QPointF way = spark.flight + QPointF(0, 6);
-        EXPECT_GE(std::hypot(way.x(), way.y()), 26);
-        EXPECT_LE(std::hypot(way.x(), way.y()), 46);
-        const double turn = std::remainder(std::atan2(way.y(), way.x()) - double(n) / 10 * 2 * M_PI, 2 * M_PI);
-        EXPECT_LE(std::abs(turn), 0.3 + 1e-9);
-        EXPECT_GE(spark.size, 4);
-        EXPECT_LE(spark.size, 7);
-        EXPECT_EQ(spark.color, confetti.sparks()[n < 6 ? n + 4 : n - 4].color) << n;
-    }
-}
-
 TEST(Sliding, FollowsThePullWithinLimitsAndSnapsHome) {
     PictureFixture f;
     f.root.slide(400);

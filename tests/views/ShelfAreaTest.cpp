@@ -140,6 +140,39 @@ TEST(Shelf, AHoveredChipGrowsAndGlows) {
     ASSERT_TRUE(rim);
     EXPECT_NEAR(rim->width(), Chip::width * 1.07, 1.1);
     EXPECT_NEAR(rim->height(), Chip::height * 1.07, 1.1);
+    for (const QPointF& way : {QPointF(26.5, 0), QPointF(0, 28.7)})
+        EXPECT_TRUE(f.root.chipAt(f.chip(0) + way)) << "it answers where it is lit";
+}
+
+TEST(Shelf, StepsBackBehindTheOpenMouth) {
+    ShelfFixture f;
+    const auto bright = [&] {
+        return f.bounds(f.picture(), {-140, 84, 110, 34}, [](QColor c) { return c.lightness() > 120; }).has_value();
+    };
+    EXPECT_TRUE(bright());
+    f.m.withAnimation(Animation::spring(0.3, 0.7), [&] { f.m.dragNear = true; });
+    f.rest();
+    EXPECT_FALSE(bright());
+    const QColor throat = f.at(f.picture(), 8, 90);
+    EXPECT_GT(throat.red(), throat.green() * 2) << "the mouth in front";
+    EXPECT_FALSE(f.bounds(f.picture(), {-130, 117, 70, 2}, [](QColor c) { return c.lightness() > 2; })) << "cut off";
+    f.m.withAnimation(Animation::easeOut(0.25), [&] { f.m.dragNear = false; });
+    f.rest();
+    EXPECT_TRUE(bright());
+}
+
+TEST(Shelf, WhispersAboveTheRim) {
+    ShelfFixture f;
+    f.m.eventWhisper = QStringLiteral("Standup in 5 min");
+    for (const bool expanded : {false, true}) {
+        f.m.shelfExpanded = expanded;
+        f.rest();
+        const double rim = f.m.shapeHeight();
+        const auto text =
+            f.bounds(f.picture(), {-100, rim - 18, 200, 17}, [](QColor c) { return c.red() > 150 && c.blue() < 90; });
+        ASSERT_TRUE(text);
+        EXPECT_LT(text->bottom(), rim - 4);
+    }
 }
 
 TEST(Shelf, CountsDownBySecondsAndNotBetweenThem) {
@@ -195,8 +228,8 @@ TEST(Shelf, AnyNumberOfThingsFitsIntoTheBody) {
         const Chip* last = nullptr;
         for (double x = 179; x > 0 && !last; x -= 0.25) last = f.root.chipAt({180 + x, ShelfFixture::kRow});
         ASSERT_TRUE(last);
-        EXPECT_FALSE(f.root.chipAt({180 + 153, ShelfFixture::kRow}));
-        EXPECT_FALSE(f.root.chipAt({180 - 153, ShelfFixture::kRow}));
+        EXPECT_FALSE(f.root.chipAt({180 + 156, ShelfFixture::kRow}));
+        EXPECT_FALSE(f.root.chipAt({180 - 156, ShelfFixture::kRow}));
     }
 }
 
@@ -208,6 +241,13 @@ TEST(Shelf, UnfoldsIntoRowsOfFive) {
     const Chip* sixth = f.root.chipAt({180, second});
     ASSERT_TRUE(sixth);
     EXPECT_EQ(sixth->thing(), HeldThing(f.m.bites->last()));
+    f.m.shelfExpanded = false;
+    f.rest();
+    f.m.withAnimation(Animation::spring(0.32, 0.85), [&] { f.m.shelfExpanded = true; });
+    f.loop.advance(0.05);
+    f.tapAt({180, second + 28 + 9});
+    EXPECT_TRUE(f.m.shelfExpanded) << "the pill is on its way there";
+    f.rest();
     f.tapAt({180, second + 28 + 9});
     EXPECT_FALSE(f.m.shelfExpanded) << "the pill below the rows";
 }

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QRectF>
+#include <list>
+#include <optional>
+
+#include "motion/Animated.h"
+#include "views/DisplayList.h"
+
+/// A small capsule with a word in it. When it gets another place, another size or another word, it moves, grows and
+/// changes over in the same movement. Main thread only.
+class Pill {
+ public:
+    struct Look {
+        QString text;
+        TextStyle style{0};
+        double textOpacity = 0, fillOpacity = 0;
+        QRectF frame;
+    };
+
+    /// Lets it look so from now on; without a look it fades out where it is.
+    void show(const std::optional<Look>& look, const std::optional<Animation>& how, double now);
+    bool moving(double now) const;
+    /// Whether `point` is on it as it is drawn now.
+    bool contains(const QPointF& point, double now) const;
+    void compose(DisplayList& list, double now) const;
+
+ private:
+    struct Label {
+        QString text;
+        TextStyle style;
+        double opacity;
+        double width;  // of the pill around it
+        int number;
+        Animated<double> presence{0, 0.002};
+    };
+    QRectF frame(double now) const;
+
+    Animated<double> presence_{0, 0.002}, fill_{0, 0.002};
+    Animated<QPointF> middle_{QPointF()}, size_{QPointF()};
+    std::list<Label> labels_;  // one that goes, and the one that stays
+};
