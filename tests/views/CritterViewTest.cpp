@@ -119,12 +119,6 @@ TEST(Eyes, LidTellsTheMood) {
              {"chewing with caps lock", [](auto& f) { f.m.chewing = f.m.capsOn = true; }, 0.04},
              {"quiet", [](auto& f) { f.m.quietUntil = f.clock.now() + 1000; }, 0.4},
              {"tired", [](auto& f) { f.m.battery = 0.1; }, 0.46},
-             {"quiet and tired",
-              [](auto& f) {
-                  f.m.battery = 0.1;
-                  f.m.quietUntil = f.clock.now() + 1000;
-              },
-              0.4},
              {"yawning", [](auto& f) { f.m.yawning = true; }, 0.8},
              {"worried", [](auto& f) { ++f.m.worryCount; }, 0.02},
              {"worried in quiet",
@@ -196,6 +190,14 @@ TEST(Eyes, ReactionsTurnThePupils) {
               },
               0.95,
               {4.5, -2.5}},
+             {"nothing in an hour of quiet",
+              [](NotchModel& m) {
+                  m.quietUntil = Date{1e12};
+                  ++m.spawnCount;
+                  ++m.lookAroundCount;
+              },
+              0.45,
+              {0, 0}},
              {"back towards home", [](NotchModel& m) { m.slideX = 31.0; }, 0.1, {-4.5, 0.5}},
              {"back from the left", [](NotchModel& m) { m.slideX = -31.0; }, 0.1, {4.5, 0.5}},
          }) {
@@ -210,22 +212,6 @@ TEST(Eyes, ReactionsTurnThePupils) {
         EXPECT_NEAR(seen.x(), c.offset.x(), 1.3) << c.name;
         EXPECT_NEAR(seen.y(), c.offset.y(), 1.3) << c.name;
     }
-}
-
-TEST(Eyes, NothingButWorryReachesAQuietCreature) {
-    FaceFixture f;
-    f.openUp();
-    f.m.capsOn = true;
-    f.m.quietUntil = f.clock.now() + 1000;
-    f.lookAt(1000, 57);
-    ++f.m.spawnCount;
-    ++f.m.lookAroundCount;
-    ++f.m.startleCount;
-    f.loop.advance(0.4);
-    const SeenEye eye = f.eye(f.picture(), 1);
-    EXPECT_NEAR(eye.pupil.x(), 0, 0.8);
-    EXPECT_NEAR(eye.pupil.y(), 0, 0.8);
-    EXPECT_NEAR(eye.white.width(), 30, 1.2);
 }
 
 TEST(Face, JumpsWhenStartled) {
@@ -278,8 +264,7 @@ TEST(Face, OpensItsMouthForADrop) {
 
     // It shuts over what it got and stays so, though the drag is not over yet; an hour of quiet lets it be.
     for (const bool quiet : {true, false}) {
-        if (!quiet) f.m.quietUntil = f.clock.now();
-        if (quiet) f.m.quietUntil = f.clock.now() + 1000;
+        f.m.quietUntil = f.clock.now() + (quiet ? 1000 : 0);
         ++f.m.swallowCount;
         f.loop.advance(0.3);
         const bool eyes = f.eye(f.picture(), 1).white.height() > 20;
