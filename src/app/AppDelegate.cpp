@@ -4,6 +4,7 @@
 
 #include "creature/Numbers.h"
 #include "platform/EventMonitors.h"
+#include "platform/Preferences.h"
 #include "platform/ScreenLock.h"
 #include "platform/Workspace.h"
 
@@ -52,6 +53,7 @@ void AppDelegate::connect() {
     root_.onBreath = [this] {
         if (!m_.screenLocked) ports_.monitors.lookForPointer();
     };
+    ports_.preferences.onSaveFailed = [this] { ++m_.worryCount; };
     m_.onFocusBlockedTerminal = [this] { agents_.focusBlockedTerminal(); };
 }
 
@@ -68,12 +70,15 @@ AppDelegate::Launch AppDelegate::launch() {
         diagnostics_.log(QStringLiteral("no screen to live on"));
         return Launch::noScreen;
     }
-    m_.loadShelf();
+    ports_.preferences.whenRead([this] { m_.loadShelf(); });
     watchPointer();
     lockChanged();
     panel_.show(placement_.homeFrame());
     if (const auto paths = flags_.value("--droptest=")) shelfTest_.startDrop(*paths);
-    m_.loadHeld();
+    ports_.preferences.whenRead([this, late = !ports_.preferences.isRead()] {
+        m_.loadHeld();
+        if (late) placement_.screensChanged();  // a notch of the user's own
+    });
     placement_.follow(panel_, behaviour_);
     behaviour_.watchSlides();
     if (arguments_.contains(QStringLiteral("--menudump"))) {

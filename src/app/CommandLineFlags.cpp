@@ -89,11 +89,11 @@ void CommandLineFlags::applyToy(FlagEffects& effects) {
 
 void CommandLineFlags::applyShelfSeeds() {
     if (has("--bigseed")) {
-        m_.items =
-            applications({"Notes", "Calendar", "Maps", "Calculator", "TextEdit", "Preview", "Stocks", "Dictionary"});
+        m_.replaceItems(
+            applications({"Notes", "Calendar", "Maps", "Calculator", "TextEdit", "Preview", "Stocks", "Dictionary"}));
     }
     if (has("--expand")) m_.shelfExpanded = true;
-    if (has("--seed")) m_.items = applications({"Notes", "Calendar"});
+    if (has("--seed")) m_.replaceItems(applications({"Notes", "Calendar"}));
 }
 
 void CommandLineFlags::applyPointerAndSky() {

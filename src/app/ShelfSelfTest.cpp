@@ -63,7 +63,7 @@ void ShelfSelfTest::startChew(const QString& request) {
     if (parts.isEmpty()) return;
     const QUrl file = fileAt(parts[0]);
     const QString kind = parts.value(1, QStringLiteral("jpeg"));
-    m_.items = QList{file};
+    m_.replaceItems({file});
     chew_ = loop_.after(1, [this, file, kind] {
         chew(file, kind);
         chew_ = loop_.after(3, [this] { reportChew(); });

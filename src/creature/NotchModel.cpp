@@ -7,6 +7,7 @@ NotchModel::NotchModel(Clock& clock, MainLoop& loop, const ShelfPorts& shelf)
       clock_(clock),
       loop_(loop),
       shelf_(shelf),
+      references_(shelf.files),
       chewer_(shelf_.worker),
       self_(std::make_shared<NotchModel*>(this)) {}
 

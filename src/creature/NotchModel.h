@@ -18,6 +18,7 @@
 #include "shelf/Bite.h"
 #include "shelf/Chewer.h"
 #include "shelf/HeldTimer.h"
+#include "shelf/ItemReferences.h"
 
 class BackgroundQueue;
 class FileReferences;
@@ -127,9 +128,13 @@ class NotchModel : public ObservableObject {
     void notchTapped();
     void pickToy(Toy choice);
 
-    // The shelf. Each assignment to a stored collection saves it; a failure to save is silent.
+    // The shelf. Each assignment to a stored collection saves it, once the preferences have been read.
+    /// Holds the stored files that still exist, as older than what is held already, when their disks have answered.
     void loadShelf();
+    /// Holds the stored bites and timers, as older than what is held already, and hides if it was hidden.
     void loadHeld();
+    /// Holds these files instead of all others, stored ones that are still looked for included.
+    void replaceItems(const QList<QUrl>& files);
     /// Holds what is not held yet, pushing out the oldest beyond the limit. Returns how many were new.
     int addItems(const QList<QUrl>& files);
     int addBites(const QList<Bite>& newBites);
@@ -140,8 +145,7 @@ class NotchModel : public ObservableObject {
     void removeBite(const Bite& bite);
     void removeTimer(const HeldTimer& timer);
     void clearDoneTimers();
-    /// Where files that were dropped as data are written. Who writes there makes it first, where the disk may be waited
-    /// for.
+    /// Where files that were dropped as data are written. Whoever writes there makes it, away from the main thread.
     QUrl droppedFolder() const;
     /// Converts a held image in the background and holds the result; nothing while another job is under way.
     void chew(const QUrl& file, Chewer::Mode mode);
@@ -152,6 +156,8 @@ class NotchModel : public ObservableObject {
  private:
     void munch(std::function<std::function<bool()>()> job);
     void saveItems();
+    void storeReferences();
+    void loadTimers();
     void saveBites();
     void saveTimers();
     void saveHidden();
@@ -159,6 +165,8 @@ class NotchModel : public ObservableObject {
     Clock& clock_;
     MainLoop& loop_;
     ShelfPorts shelf_;
+    ItemReferences references_;
+    QList<HeldTimer> surplusTimers_;  // stored ones beyond what can be held: they stay stored
     Chewer chewer_;
     TimerHandle yawnEnd_;
     TimerHandle chewEnd_;

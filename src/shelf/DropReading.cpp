@@ -1,5 +1,6 @@
 #include "shelf/DropReading.h"
 
+#include <QDir>
 #include <algorithm>
 #include <array>
 

@@ -1,38 +1,18 @@
-#include <QSet>
 #include <algorithm>
 #include <cmath>
 #include <limits>
 
 #include "creature/NotchModel.h"
+#include "shelf/HeldLists.h"
 
 namespace {
 
-constexpr int kMostItems = 12;
-constexpr int kMostBites = 8;
-
-/// Two URLs of one file are equal in this form: "." and ".." and doubled slashes are resolved.
-QString standardized(const QUrl& file) {
-    return QString::fromUtf8(file.adjusted(QUrl::NormalizePathSegments | QUrl::StripTrailingSlash).toEncoded());
-}
-
-/// Appends to `held` what has a new key, pushing out the oldest beyond `most`. Returns how many were new, `most` at
-/// most.
+/// Holds what is not held yet. Returns how many were new, `most` at most.
 template <class T, class Key>
 int holdNew(Published<QList<T>>& held, const QList<T>& offered, int most, const Key& keyOf) {
-    QSet<QString> known;
-    for (const T& one : held.get()) known.insert(keyOf(one));
-    QList<T> all = held;
     int fresh = 0;
-    for (const T& one : offered) {
-        const QString key = keyOf(one);
-        if (known.contains(key)) continue;
-        known.insert(key);
-        all.append(one);
-        ++fresh;
-    }
-    if (fresh == 0) return 0;
-    if (all.size() > most) all.remove(0, all.size() - most);
-    held = all;
+    const QList<T> all = joined(held.get(), offered, most, keyOf, &fresh);
+    if (fresh > 0) held = all;
     return std::min(fresh, most);
 }
 

@@ -90,6 +90,18 @@ TEST(Launch, TellsWhereItLives) {
     EXPECT_GT(f.window.paints, 0);
 }
 
+TEST(Launch, DoesNotWaitForWhatIsStored) {
+    ProgramFixture f;
+    f.preferences.setBoolean(QStringLiteral("glimmet.hidden"), true);
+    f.preferences.read = false;
+    EXPECT_EQ(f.launch(), AppDelegate::Launch::running);
+    EXPECT_FALSE(f.m().hidden);
+    f.preferences.arrive();
+    EXPECT_TRUE(f.m().hidden);
+    f.preferences.onSaveFailed();
+    EXPECT_EQ(f.m().worryCount, 1);
+}
+
 TEST(Launch, DemoModeLeavesTheSensorsOff) {
     ProgramFixture f;
     f.launch({"--toy=wea"});

@@ -56,6 +56,24 @@ TEST_F(StoredState, WhereNothingCanBeWrittenItKeepsWhatItHoldsInMind) {
     expectAlive(glimmet, "no folder");
 }
 
+TEST_F(StoredState, BelongsToOneProgramThatMayBeAskedForItsMenu) {
+    Glimmet first(session, home, {QStringLiteral("--bites")});
+    ASSERT_TRUE(first.started());
+    ASSERT_TRUE(waitFor([&] { return home.preferences().contains("glimmet.bites = "); }));
+    const QByteArray held = home.preferences();
+    for (const auto& [flag, error] :
+         {std::pair{"--seed", "glimmet: already running for this user"}, {"--menudump", ""}}) {
+        const Home lines;
+        Glimmet second(session, home.environment(), lines, {QLatin1String(flag)});
+        ASSERT_TRUE(waitFor([&] { return !second.running(); })) << flag;
+        EXPECT_EQ(second.exitCode(), 0) << flag;
+        EXPECT_EQ(second.errors().join(u'\n'), QLatin1String(error));
+    }
+    EXPECT_EQ(home.preferences(), held);
+    first.kill();
+    EXPECT_TRUE(Glimmet(session, home).started());
+}
+
 TEST_F(StoredState, OutlivesASuddenEnd) {
     for (const auto& [flag, key] : {std::pair{"--bites", "glimmet.bites = "}, {"--timer=600", "glimmet.timers = "}}) {
         const Home fresh;

@@ -7,7 +7,7 @@
 #include "platform/linux/DesktopSharing.h"
 #include "platform/linux/QtMainLoop.h"
 #include "platform/linux/ThreadQueues.h"
-#include "support/HeldQueue.h"
+#include "support/MemoryPorts.h"
 #include "support/ManualLoop.h"
 #include "support/XSession.h"
 
@@ -233,13 +233,13 @@ TEST_F(SharingTest, AnswersOnceAndInTime) {
     EXPECT_EQ(calls, 0);
     manual.advance(0.2);
     EXPECT_EQ(found, joined("Copy link"));
-    stuck.work();
+    stuck.runAll();
     manual.drain();
     EXPECT_EQ(calls, 1);
 
     slow->offers(link, note);
     slow.reset();
-    stuck.work();
+    stuck.runAll();
     manual.advance(3);
     EXPECT_EQ(calls, 1) << "nobody is there any more";
     EXPECT_EQ(manual.pending(), 0);

@@ -7,7 +7,7 @@
 #include "platform/FileUrls.h"
 #include "platform/linux/Openers.h"
 #include "platform/linux/ThreadQueues.h"
-#include "support/HeldQueue.h"
+#include "support/MemoryPorts.h"
 #include "support/XSession.h"
 
 namespace {
@@ -54,12 +54,12 @@ TEST_F(Openers, WaitForNothing) {
     HeldQueue held;
     const QUrl url(QStringLiteral("https://a.example/"));
     openUrl(held, url);
-    held.work();  // there is no opener at all
+    held.runAll();  // there is no opener at all
 
     programs.install("xdg-open", "while [ ! -e " + programs.folder() +
                                      "/go ]; do /bin/sleep 0.01; done; echo $PPID > " + programs.folder() + "/parent");
     openUrl(held, url);
-    held.work();
+    held.runAll();
     EXPECT_TRUE(programs.told("xdg-open").isEmpty()) << "it has begun, and waits for what comes next";
     QFile go(QString::fromUtf8(programs.folder() + "/go"));
     ASSERT_TRUE(go.open(QFile::WriteOnly));

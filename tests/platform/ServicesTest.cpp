@@ -17,6 +17,7 @@
 #include "platform/linux/PathReferences.h"
 #include "platform/linux/QtMainLoop.h"
 #include "platform/linux/QtScreens.h"
+#include "platform/linux/SessionRestart.h"
 #include "platform/linux/SystemClock.h"
 #include "platform/linux/ThreadQueues.h"
 #include "support/Environment.h"
@@ -102,12 +103,6 @@ TEST(SystemClock, CountsFromItsReferenceAndKnowsTheLocalHour) {
     EXPECT_EQ(clock.localHour({86400 * 100 + 21.99 * 3600}), 23);
 }
 
-/// A disk that never answers.
-class StuckQueue : public BackgroundQueue {
- public:
-    void run(std::function<void()>) override {}
-};
-
 class PathReferencesTest : public testing::Test {
  protected:
     QByteArray path(const QByteArray& name) const { return folder.path().toUtf8() + '/' + name; }
@@ -115,16 +110,29 @@ class PathReferencesTest : public testing::Test {
     void rename(const QByteArray& from, const QByteArray& to) const {
         ASSERT_EQ(::rename(path(from).constData(), path(to).constData()), 0);
     }
-    /// Of an existing file; with its identity.
-    QByteArray bookmark(const QByteArray& name) const {
-        const auto bytes = references.bookmark(fileUrl(path(name)));
+    /// With the file's identity.
+    std::optional<QByteArray> bookmark(const QUrl& file) {
+        std::optional<std::optional<QByteArray>> answer;
+        references.bookmark(file, [&](const auto& reference) { answer = reference; });
+        EXPECT_TRUE(runUntil([&] { return answer.has_value(); }));
+        return answer.value_or(std::nullopt);
+    }
+    QByteArray bookmark(const QByteArray& name) {
+        const auto bytes = bookmark(fileUrl(path(name)));
         EXPECT_TRUE(bytes && !bytes->startsWith('/') && bytes->endsWith(path(name)));
         return bytes.value_or(QByteArray());
     }
+    std::optional<QUrl> resolve(const QByteArray& reference) {
+        std::optional<std::optional<QUrl>> answer;
+        references.resolve(reference, [&](const auto& file) { answer = file; });
+        EXPECT_TRUE(runUntil([&] { return answer.has_value(); }));
+        return answer.value_or(std::nullopt);
+    }
 
     QTemporaryDir folder;
-    ThreadQueue queue;
-    const PathReferences references{queue};
+    QtMainLoop loop;
+    ThreadQueue queue{DiskLanes::kMostThreads};
+    PathReferences references{queue, loop};
 };
 
 TEST_F(PathReferencesTest, FindFilesByPathAndByIdentityInTheirFolder) {
@@ -133,18 +141,18 @@ TEST_F(PathReferencesTest, FindFilesByPathAndByIdentityInTheirFolder) {
     for (const QByteArray& name : names) {
         make(name);
         const QByteArray stored = bookmark(name);
-        EXPECT_EQ(references.resolve(stored), fileUrl(path(name)));
-        EXPECT_EQ(references.resolve(path(name)), fileUrl(path(name))) << "a path alone is a reference too";
+        EXPECT_EQ(resolve(stored), fileUrl(path(name)));
+        EXPECT_EQ(resolve(path(name)), fileUrl(path(name))) << "a path alone is a reference too";
         rename(name, "elsewhere");
-        EXPECT_EQ(references.resolve(stored), fileUrl(path("elsewhere"))) << name.constData();
-        EXPECT_FALSE(references.resolve(path(name)));
+        EXPECT_EQ(resolve(stored), fileUrl(path("elsewhere"))) << name.constData();
+        EXPECT_FALSE(resolve(path(name)));
 
         make(name);
-        EXPECT_EQ(references.resolve(stored), fileUrl(path(name))) << "the path goes first";
+        EXPECT_EQ(resolve(stored), fileUrl(path(name))) << "the path goes first";
         QFile::remove(folder.filePath(QStringLiteral("elsewhere")));
         ::unlink(path(name).constData());
         make("successor");  // which may get the inode
-        EXPECT_FALSE(references.resolve(stored)) << name.constData();
+        EXPECT_FALSE(resolve(stored)) << name.constData();
         ::unlink(path("successor").constData());
     }
 }
@@ -156,11 +164,11 @@ TEST_F(PathReferencesTest, FoldersAndLinksAreFilesToo) {
     const QByteArray directory = bookmark("d/"), link = bookmark("link");
     rename("d", "moved");
     rename("link", "moved link");
-    EXPECT_EQ(references.resolve(directory), fileUrl(path("moved")));
-    EXPECT_EQ(references.resolve(link), fileUrl(path("moved link")));
+    EXPECT_EQ(resolve(directory), fileUrl(path("moved")));
+    EXPECT_EQ(resolve(link), fileUrl(path("moved link")));
     rename("target", "gone");
-    EXPECT_FALSE(references.resolve(link)) << "it leads nowhere";
-    EXPECT_EQ(references.resolve(bookmark("moved link")), std::nullopt);
+    EXPECT_FALSE(resolve(link)) << "it leads nowhere";
+    EXPECT_EQ(resolve(bookmark("moved link")), std::nullopt);
 }
 
 TEST_F(PathReferencesTest, TakeNothingForAReferenceThatIsNone) {
@@ -168,26 +176,71 @@ TEST_F(PathReferencesTest, TakeNothingForAReferenceThatIsNone) {
     const QByteArray stored = bookmark("file");
     rename("file", "renamed");
     const qsizetype colon = stored.indexOf(':');
-    EXPECT_FALSE(references.resolve("9" + stored)) << "on another device";
+    EXPECT_FALSE(resolve("9" + stored)) << "on another device";
     for (const QByteArray& odd : {QByteArray("/no/such/file"), QByteArray("relative"), QByteArray("/a\0b", 4),
                                   QByteArray("1:2:3"), QByteArray(), "x" + stored, stored.mid(colon + 1), "1:" + stored,
                                   ":::" + path("renamed"), "-1" + stored.mid(colon)})
-        EXPECT_FALSE(references.resolve(odd)) << odd.constData();
+        EXPECT_FALSE(resolve(odd)) << odd.constData();
     for (const char* url : {"https://a.example/", "file:", "relative", "file:///a%00b"})
-        EXPECT_FALSE(references.bookmark(QUrl(QLatin1String(url)))) << url;
+        EXPECT_FALSE(bookmark(QUrl(QLatin1String(url)))) << url;
 }
 
-TEST_F(PathReferencesTest, GiveSlowDisksTheBenefitOfTheDoubtOnce) {
-    StuckQueue stuck;
-    const PathReferences waiting(stuck);
-    QElapsedTimer time;
-    time.start();
-    const QUrl url = fileUrl("/no/such/caf\xe9");
-    for (int i = 0; i < 100; ++i) {
-        EXPECT_EQ(waiting.resolve("1:2:3:/no/such/caf\xe9"), url);
-        EXPECT_EQ(waiting.bookmark(url), "/no/such/caf\xe9");
+/// Disks that answer when they are told to.
+struct SilentDisks {
+    ManualClock clock;
+    ManualLoop loop{clock};
+    HeldQueue queue;
+    void answer() {
+        queue.runAll();
+        loop.drain();
     }
-    EXPECT_LT(time.elapsed(), 1500) << "one wait for all";
+};
+
+TEST(PathReferences, GiveSilentDisksTheBenefitOfTheDoubt) {
+    SilentDisks disks;
+    PathReferences references(disks.queue, disks.loop);
+    const QUrl url = fileUrl("/no/such/caf\xe9");
+    QList<std::optional<QUrl>> found;
+    bool told = false;
+    references.resolve("1:2:3:/no/such/caf\xe9", [&](const auto& file) { found.append(file); });
+    references.bookmark(url, [&](const auto& reference) { told = !reference; });
+    disks.loop.advance(0.9);
+    EXPECT_TRUE(found.isEmpty());
+    disks.loop.advance(0.2);
+    EXPECT_EQ(found, QList{std::optional(url)});
+    EXPECT_EQ(references.plain(url), "/no/such/caf\xe9");
+    EXPECT_FALSE(references.plain(fileUrl('/' + QByteArray(5000, 'x')))) << "no path is that long";
+    EXPECT_FALSE(told);
+    while (!told) disks.answer();
+    EXPECT_EQ(found.size(), 1) << "only the first answer counts";
+}
+
+TEST(DiskLanes, LetOneSilentDiskHoldUpFewOthers) {
+    SilentDisks disks;
+    DiskLanes lanes(disks.queue, disks.loop);
+    int answers = 0;
+    const auto ask = [&](const QByteArray& path) {
+        lanes.ask(path, [&] { return [&] { ++answers; }; });
+        return int(disks.queue.jobs.size());
+    };
+    EXPECT_EQ(ask("/proc/a/1"), 1);
+    EXPECT_EQ(ask("/proc/a/2"), 1) << "the folder's turn comes later";
+    for (const char* other : {"/proc/b/1", "/proc/c/1", "/proc/d/1", "/proc/e/1"}) ask(other);
+    EXPECT_EQ(disks.queue.jobs.size(), 3) << "enough for one file system";
+    EXPECT_EQ(ask("/nowhere/1"), 4) << "the others go on";
+    while (answers < 7) {
+        const int before = answers;
+        disks.answer();
+        ASSERT_GT(answers, before);
+    }
+}
+
+TEST(SessionRestart, GivesTheToolkitOnlyWhatIsItsOwn) {
+    const auto list = [](const char* words) { return QString::fromLatin1(words).split(u' ', Qt::SkipEmptyParts); };
+    for (const auto& [given, passed] : {std::pair{"glimmet --seed -session 1_2 -x", "glimmet -session 1_2"},
+                                        {"glimmet -platform x -session", "glimmet"},
+                                        {"", ""}})
+        EXPECT_EQ(toolkitArguments(list(given)), list(passed)) << given;
 }
 
 TEST(QtScreens, TakeTheHousingFromThePreference) {

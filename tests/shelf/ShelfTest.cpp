@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <QDir>
-#include <QTemporaryDir>
-
 #include "creature/NotchModel.h"
 #include "support/Creature.h"
 
@@ -201,6 +198,74 @@ TEST(Store, WhatCannotBeReadStaysUntilItIsWrittenAnew) {
     EXPECT_EQ(f.preferences.data(key), QByteArray("[{]"));
     again.m.addBites(notes(1));
     EXPECT_EQ(f.preferences.data(key), encodeBites(notes(1)));
+}
+
+TEST(Store, ARenamedFileIsNotForgottenAtTheNextSave) {
+    CreatureFixture f;
+    const QString moved = QStringLiteral("/f/new name");
+    f.m.addItems(files(2));
+    f.files.missing.insert(QStringLiteral("/f/0"));
+    f.files.renamed.insert(QStringLiteral("/f/0"), moved);
+    f.m.addItems(files(1, 5));
+    const Restarted again(f);
+    EXPECT_EQ(again.m.items.get(),
+              (QList<QUrl>{file(moved), file(QStringLiteral("/f/1")), file(QStringLiteral("/f/5"))}));
+}
+
+TEST(Store, WhatADiskIsStillAskedAboutStaysStored) {
+    CreatureFixture f;
+    const QString slow = QStringLiteral("/f/1");
+    f.m.addItems(files(3));
+    f.files.silent.insert(slow);
+    NotchModel late(f.clock, f.loop, f.shelf());
+    late.loadShelf();
+    EXPECT_TRUE(late.items->isEmpty());
+    late.addItems(files(1, 9));
+    const auto stored = [&] { return *f.preferences.dataList(QStringLiteral("glimmet.shelf")); };
+    EXPECT_EQ(stored(), (QList<QByteArray>{"id:/f/0", "id:/f/1", "id:/f/2", "id:/f/9"}));
+    f.files.answer();
+    EXPECT_EQ(late.items.get(), files(3) + files(1, 9));
+
+    f.files.silent.insert(QStringLiteral("/f/7"));
+    late.replaceItems(files(1, 7));
+    EXPECT_EQ(stored(), QList<QByteArray>{"/f/7"}) << "as far as it is known";
+    f.files.answer();
+    EXPECT_EQ(stored(), QList<QByteArray>{"id:/f/7"});
+}
+
+TEST(Store, WhatIsHeldBeforePreferencesAreReadJoinsWhatIsStored) {
+    CreatureFixture f;
+    f.m.addItems(files(2));
+    f.m.addBites(notes(2));
+    f.m.addTimer(1);
+    const auto before = f.preferences.values;
+    f.preferences.read = false;
+    NotchModel late(f.clock, f.loop, f.shelf());
+    late.addItems(files(2, 1));
+    late.addBites(notes(8, 1));
+    late.addTimer(2);
+    EXPECT_EQ(f.preferences.values, before) << "nothing is written over it";
+    f.preferences.arrive();
+    late.loadShelf();
+    late.loadHeld();
+    const Restarted again(f);
+    for (const NotchModel* m : std::initializer_list<const NotchModel*>{&late, &again.m}) {
+        EXPECT_EQ(m->items.get(), files(3));
+        EXPECT_EQ(m->bites.get(), notes(8, 1));
+        EXPECT_EQ(m->timers->size(), 2);
+        EXPECT_EQ(m->timers->last().minutes, 2);
+    }
+}
+
+TEST(Store, OfAThousandTimersTheFirstOnesRunAndNoneIsLost) {
+    CreatureFixture f;
+    QList<HeldTimer> stored;
+    for (int i = 0; i < 1000; ++i) stored.append({QUuid::createUuid(), f.clock.now() + 60, 1, false});
+    f.preferences.setData(QStringLiteral("glimmet.timers"), encodeTimers(stored));
+    Restarted again(f);
+    EXPECT_EQ(again.m.timers->size(), 200);
+    again.m.removeTimer(stored.first());
+    EXPECT_EQ(decodeTimers(*f.preferences.data(QStringLiteral("glimmet.timers"))), stored.mid(1));
 }
 
 }  // namespace

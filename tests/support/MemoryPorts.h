@@ -24,6 +24,14 @@
 /// Preferences that live as long as the object; `writes` counts what was set.
 class MemoryPreferences : public Preferences {
  public:
+    bool isRead() const override { return read; }
+    void whenRead(std::function<void()> then) override { read ? then() : waiting.append(std::move(then)); }
+    /// What is stored has been read after all.
+    void arrive() {
+        read = true;
+        while (!waiting.isEmpty()) waiting.takeFirst()();
+    }
+
     bool boolean(const QString& key) const override { return get<bool>(key).value_or(false); }
     std::optional<double> number(const QString& key) const override { return get<double>(key); }
     std::optional<QString> text(const QString& key) const override { return get<QString>(key); }
@@ -40,6 +48,8 @@ class MemoryPreferences : public Preferences {
 
     QHash<QString, QVariant> values;
     int writes = 0;
+    bool read = true;
+    QList<std::function<void()>> waiting;
 
  private:
     template <class T>
@@ -54,20 +64,38 @@ class MemoryPreferences : public Preferences {
     }
 };
 
-/// References are paths; files named in `missing` do not exist.
+/// References are paths with "id:" before them, or without while the disk is silent. Files named in `missing` do not
+/// exist, and those in `silent` are on a disk that answers when answer() is called.
 class MemoryFiles : public FileReferences {
  public:
-    std::optional<QByteArray> bookmark(const QUrl& file) const override {
-        if (!file.isLocalFile()) return {};
-        return file.toLocalFile().toUtf8();
+    std::optional<QByteArray> plain(const QUrl& file) const override {
+        return file.isLocalFile() ? std::optional(file.toLocalFile().toUtf8()) : std::nullopt;
     }
-    std::optional<QUrl> resolve(const QByteArray& bookmark) const override {
-        const QString path = QString::fromUtf8(bookmark);
-        if (!path.startsWith(u'/') || missing.contains(path)) return {};
-        return QUrl::fromLocalFile(path);
+    void bookmark(const QUrl& file, std::function<void(const std::optional<QByteArray>&)> done) override {
+        const QString path = file.toLocalFile();
+        ask(path,
+            [this, path, done] { done(missing.contains(path) ? std::nullopt : std::optional("id:" + path.toUtf8())); });
+    }
+    void resolve(const QByteArray& bookmark, std::function<void(const std::optional<QUrl>&)> done) override {
+        const QString path = QString::fromUtf8(bookmark.mid(bookmark.indexOf('/')));
+        ask(path, [this, path, bookmark, done] {
+            const QString now = bookmark.startsWith("id:") ? renamed.value(path, path) : path;
+            done(missing.contains(now) ? std::nullopt : std::optional(QUrl::fromLocalFile(now)));
+        });
+    }
+    void answer() {
+        silent.clear();
+        while (!waiting.isEmpty()) waiting.takeFirst()();
     }
 
-    QSet<QString> missing;
+    QSet<QString> missing, silent;
+    QHash<QString, QString> renamed;
+
+ private:
+    void ask(const QString& path, std::function<void()> question) {
+        silent.contains(path) ? waiting.append(std::move(question)) : question();
+    }
+    QList<std::function<void()>> waiting;
 };
 
 class MemorySounds : public Sounds {

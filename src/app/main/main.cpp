@@ -4,9 +4,12 @@
 #include <QFile>
 #include <QRandomGenerator>
 #include <QStandardPaths>
-#include <algorithm>
+#include <QWindow>
+#include <chrono>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
+#include <vector>
 
 #include "app/AppDelegate.h"
 #include "app/EndSignals.h"
@@ -21,15 +24,28 @@
 #include "platform/linux/QtPasteboard.h"
 #include "platform/linux/QtScreens.h"
 #include "platform/linux/ScreenCoordinates.h"
+#include "platform/linux/SessionRestart.h"
 #include "platform/linux/SilentBus.h"
+#include "platform/linux/SilentFolders.h"
 #include "platform/linux/SystemClock.h"
 #include "platform/linux/ThreadQueues.h"
 #include "platform/linux/WorkerProcess.h"
 
 namespace {
+
+/// How long the start waits for what is stored; it comes later where the disk takes longer.
+constexpr std::chrono::milliseconds kPatience(300);
+
+/// Ends at once: threads that wait for a disk that does not answer would hold up an end in order.
+[[noreturn]] void end(int status) {
+    std::fflush(nullptr);
+    std::_Exit(status);
+}
+
 void popUpMenu(const Desktop& desktop, const QList<MenuItem>& items, QPointF at) {
     popUp(items, toQt(at).toPoint(), desktop.blendsWindows());
 }
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -42,17 +58,25 @@ int main(int argc, char** argv) {
         for (int i = 0; i < argc; ++i) list.append(QString::fromLocal8Bit(argv[i]));
         return list;
     }();
+    SilentFolders silentFolders;
     const bool chosen = choosePlatform();
     if (!displayReachable()) {
         Diagnostics(arguments).log(QStringLiteral("no screen to live on"));
-        return 0;
+        end(0);
     }
     SilentBusGuard busGuard;
-    // The toolkit gets the name only: it would end the program over an option of its own that it cannot follow.
-    int nameOnly = std::min(argc, 1);
-    QApplication application(nameOnly, argv);
+    // The toolkit gets nothing else: it would end the program over an option of its own that it cannot follow.
+    QList<QByteArray> forToolkit;
+    for (const QString& argument : toolkitArguments(arguments)) forToolkit.append(argument.toLocal8Bit());
+    std::vector<char*> toolkitArgv;
+    for (QByteArray& argument : forToolkit) toolkitArgv.push_back(argument.data());
+    toolkitArgv.push_back(nullptr);
+    int toolkitArgc = int(forToolkit.size());
+    QApplication application(toolkitArgc, toolkitArgv.data());
     if (chosen) qunsetenv("QT_QPA_PLATFORM");
     busGuard.restoreEnvironment();
+    silentFolders.reveal();
+    restartWith(arguments);
     QApplication::setApplicationName(QStringLiteral("glimmet"));
     // The panel is no window in this sense: closing a menu must not end the program.
     QApplication::setQuitOnLastWindowClosed(false);
@@ -60,13 +84,22 @@ int main(int argc, char** argv) {
 
     SystemClock clock;
     QtMainLoop loop;
-    ThreadQueue background;
-    ThreadQueue references, pictures, drops;  // a dead disk may hold up all of a queue's threads
+    ThreadQueue background, pictures, drops;  // a dead disk may hold up all of a queue's threads
+    ThreadQueue references(DiskLanes::kMostThreads);
     ThreadSerialQueue writing;
     ThreadSerialQueue playing;
     ThreadSerialQueue jobs;
-    FilePreferences preferences(FilePreferences::defaultPath(), writing);
-    PathReferences files(references);
+    // Printing the menu changes nothing, and may be done beside a creature that lives.
+    const bool onlyPrints = arguments.contains(QStringLiteral("--menudump"));
+    using Access = FilePreferences::Access;
+    FilePreferences preferences(FilePreferences::defaultPath(), onlyPrints ? Access::readOnly : Access::exclusive,
+                                writing, loop);
+    preferences.onTaken = [&arguments] {
+        Diagnostics(arguments).log(QStringLiteral("already running for this user"));
+        end(0);
+    };
+    preferences.waitUntilRead(kPatience);
+    PathReferences files(references, loop);
     QtScreens screens(preferences, loop);
     CanberraSounds sounds(playing);
     QtPasteboard pasteboard;
@@ -101,11 +134,13 @@ int main(int argc, char** argv) {
               .quit = quit,
               .dataFolder = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)},
         arguments);
-    if (delegate.launch() != AppDelegate::Launch::running) return 0;
+    if (delegate.launch() != AppDelegate::Launch::running) end(0);
     const int status = QApplication::exec();
+    // A disk that does not answer may keep the kernel from ending the process; nobody shall see it until then.
+    for (QWindow* window : QGuiApplication::topLevelWindows()) window->hide();
     desktop.leaveClipboard(quit);
     QApplication::exec();
     // Nothing else is worth waiting for: a held file's disk that does not answer, or a chime, would hold up the end.
-    preferences.flush();
-    std::_Exit(status);
+    preferences.close();
+    end(status);
 }

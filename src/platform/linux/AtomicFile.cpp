@@ -1,6 +1,9 @@
 #include "platform/linux/AtomicFile.h"
 
+#include <dirent.h>
 #include <fcntl.h>
+#include <signal.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -9,10 +12,13 @@
 #include <QFileInfo>
 #include <cerrno>
 #include <cstdio>
+#include <memory>
 
 namespace {
 
-constexpr int kMostLinks = 40;  // as many as the kernel follows
+constexpr int kMostLinks = 40;    // as many as the kernel follows
+constexpr int kMostAside = 1000;  // unreadable files beside each other
+const QByteArray kTemporary = ".new-";
 
 /// A file descriptor that closes itself.
 class Descriptor {
@@ -30,8 +36,16 @@ class Descriptor {
     int fd_;
 };
 
-QByteArray folderOf(const QByteArray& path) {
-    return path.left(path.lastIndexOf('/'));
+bool exists(const QByteArray& path) {
+    struct stat status = {};
+    return ::lstat(path.constData(), &status) == 0;
+}
+
+/// Readable by its owner only where it has to be made.
+bool makeFolder(const QByteArray& folder) {
+    const QString name = QFile::decodeName(folder);
+    if (QFileInfo::exists(name)) return true;
+    return QDir().mkpath(name) && ::chmod(folder.constData(), 0700) == 0;
 }
 
 bool writeAll(int fd, const QByteArray& contents) {
@@ -50,7 +64,41 @@ bool writeAll(int fd, const QByteArray& contents) {
 AtomicFile::AtomicFile(const QString& path) {
     QFileInfo file(path);
     for (int i = 0; i < kMostLinks && file.isSymLink(); ++i) file.setFile(file.symLinkTarget());
-    path_ = QFile::encodeName(file.filePath());
+    path_ = QFile::encodeName(file.absoluteFilePath());
+    folder_ = path_.left(path_.lastIndexOf('/'));
+}
+
+AtomicFile::~AtomicFile() {
+    if (lock_ < 0) return;
+    // Not left to the closing, which does not end a lock while a child that has not started its program shares it.
+    ::flock(lock_, LOCK_UN);
+    ::close(lock_);
+}
+
+bool AtomicFile::keep() {
+    makeFolder(folder_);
+    lock_ = ::open((path_ + ".lock").constData(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600);
+    // In a folder that cannot be written the folder itself does as well.
+    if (lock_ < 0) lock_ = ::open(folder_.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (lock_ >= 0 && ::flock(lock_, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) return false;
+    removeLeftovers();
+    return true;
+}
+
+void AtomicFile::removeLeftovers() const {
+    const std::unique_ptr<DIR, int (*)(DIR*)> directory(::opendir(folder_.constData()), &::closedir);
+    const QByteArray prefix = path_.mid(folder_.size() + 1) + kTemporary;
+    while (const dirent* entry = directory ? ::readdir(directory.get()) : nullptr) {
+        const QByteArray name = entry->d_name;
+        bool number = false;
+        const int process = name.mid(prefix.size()).toInt(&number);
+        if (!name.startsWith(prefix) || !number || process <= 0) continue;
+        if (process != ::getpid() && (::kill(process, 0) == 0 || errno != ESRCH)) continue;
+        struct stat status = {};
+        const bool found = ::fstatat(::dirfd(directory.get()), entry->d_name, &status, AT_SYMLINK_NOFOLLOW) == 0;
+        if (found && S_ISREG(status.st_mode) && status.st_uid == ::geteuid())
+            ::unlinkat(::dirfd(directory.get()), entry->d_name, 0);
+    }
 }
 
 std::optional<QByteArray> AtomicFile::read(qint64 largest) {
@@ -80,24 +128,32 @@ bool AtomicFile::writeTemporary(const QByteArray& name, const QByteArray& conten
     return file && writeAll(file.get(), contents) && ::fsync(file.get()) == 0;
 }
 
-bool AtomicFile::replace(const QByteArray& contents) {
-    const QByteArray folder = folderOf(path_);
-    if (!QFileInfo::exists(QFile::decodeName(folder))) {
-        if (!QDir().mkpath(QFile::decodeName(folder))) return false;
-        ::chmod(folder.constData(), 0700);
+// Under a free name: what was moved aside before stays, too.
+bool AtomicFile::moveAside() const {
+    for (int counter = 1; counter <= kMostAside; ++counter) {
+        const QByteArray name =
+            path_ + ".unreadable" + (counter == 1 ? QByteArray() : '-' + QByteArray::number(counter));
+        if (::renameat2(AT_FDCWD, path_.constData(), AT_FDCWD, name.constData(), RENAME_NOREPLACE) == 0) return true;
+        if (errno == ENOENT) return true;  // somebody has taken it away
+        if (errno == EEXIST) continue;
+        // Some file systems cannot promise to replace nothing.
+        if (errno != EINVAL && errno != ENOSYS) return false;
+        if (!exists(name)) return std::rename(path_.constData(), name.constData()) == 0;
     }
+    return false;
+}
+
+bool AtomicFile::replace(const QByteArray& contents) {
+    if (!makeFolder(folder_)) return false;
     // A name of this process's own: two programs that write at once must not rename each other's half-written file.
-    const QByteArray temporary = path_ + ".new-" + QByteArray::number(::getpid());
-    if (!writeTemporary(temporary, contents)) {
+    const QByteArray temporary = path_ + kTemporary + QByteArray::number(::getpid());
+    const bool ready = writeTemporary(temporary, contents) && (!keepAside_ || moveAside());
+    if (ready) keepAside_ = false;
+    if (!ready || std::rename(temporary.constData(), path_.constData()) != 0) {
         ::unlink(temporary.constData());
         return false;
     }
-    if (keepAside_) {
-        if (std::rename(path_.constData(), (path_ + ".unreadable").constData()) != 0 && errno != ENOENT) return false;
-        keepAside_ = false;
-    }
-    if (std::rename(temporary.constData(), path_.constData()) != 0) return false;
     // The new name is safe only once the folder is.
-    const Descriptor directory(::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const Descriptor directory(::open(folder_.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     return directory && ::fsync(directory.get()) == 0;
 }

@@ -5,16 +5,15 @@
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 
-#include <future>
+#include <climits>
 #include <memory>
+#include <utility>
 
 #include "platform/FileUrls.h"
 
 namespace {
 
-constexpr std::chrono::milliseconds kPatience(200);
-constexpr std::chrono::milliseconds kPatienceAfterwards(1);
-constexpr std::chrono::seconds kPauseBetweenSeries(1);
+constexpr double kPatience = 1;  // seconds
 
 /// What stays the same when a file is renamed. The time of birth tells a file from a later one that was given the inode
 /// of a deleted one; it is 0 where the file system keeps none.
@@ -94,32 +93,39 @@ QByteArray find(const Reference& reference) {
 
 }  // namespace
 
-template <class Answer>
-std::optional<Answer> PathReferences::ask(std::function<Answer()> question) const {
-    const auto promise = std::make_shared<std::promise<Answer>>();
-    auto answer = promise->get_future();
-    queue_.run([promise, question = std::move(question)] { promise->set_value(question()); });
-
-    const auto now = Clock::now();
-    if (now - lastAnswer_ > kPauseBetweenSeries) patienceEnds_ = now + kPatience;
-    const auto status = answer.wait_until(std::max(patienceEnds_, now + kPatienceAfterwards));
-    lastAnswer_ = Clock::now();
-    if (status != std::future_status::ready) return {};
-    return answer.get();
-}
-
-std::optional<QByteArray> PathReferences::bookmark(const QUrl& file) const {
+std::optional<QByteArray> PathReferences::plain(const QUrl& file) const {
     const QByteArray path = pathOf(file);
-    if (!path.startsWith('/') || path.contains('\0')) return {};
-    const auto identity =
-        ask<std::optional<Identity>>([path] { return identityOf(AT_FDCWD, withoutEnd(path).constData()); });
-    return encode({identity.value_or(std::nullopt), path});
+    if (!path.startsWith('/') || path.contains('\0') || path.size() >= PATH_MAX) return {};
+    return path;
 }
 
-std::optional<QUrl> PathReferences::resolve(const QByteArray& bookmark) const {
+void PathReferences::bookmark(const QUrl& file, std::function<void(const std::optional<QByteArray>&)> done) {
+    const auto path = plain(file);
+    if (!path) return done({});
+    lanes_.ask(withoutEnd(*path), [path = *path, done = std::move(done)]() -> DiskLanes::Answer {
+        const auto identity = identityOf(AT_FDCWD, withoutEnd(path).constData());
+        return [=] { done(identity ? std::optional(encode({identity, path})) : std::nullopt); };
+    });
+}
+
+void PathReferences::resolve(const QByteArray& bookmark, std::function<void(const std::optional<QUrl>&)> done) {
     const auto reference = decode(bookmark);
-    if (!reference) return {};
-    const auto path = ask<QByteArray>([reference = *reference] { return find(reference); });
-    if (path && path->isEmpty()) return {};
-    return fileUrl(path.value_or(reference->path));
+    if (!reference) return done({});
+    // Of the disk's answer and the end of our patience the first one counts.
+    struct Once {
+        std::function<void(const std::optional<QUrl>&)> done;
+        TimerHandle patience;
+        void answer(const std::optional<QUrl>& file) {
+            patience.cancel();
+            if (const auto call = std::exchange(done, nullptr)) call(file);
+        }
+    };
+    const auto once = std::make_shared<Once>(Once{std::move(done), {}});
+    once->patience = loop_.after(kPatience, [weak = std::weak_ptr(once), path = reference->path] {
+        if (const auto waiting = weak.lock()) waiting->answer(fileUrl(path));
+    });
+    lanes_.ask(withoutEnd(reference->path), [reference = *reference, once]() -> DiskLanes::Answer {
+        const QByteArray path = find(reference);
+        return [=] { once->answer(path.isEmpty() ? std::nullopt : std::optional(fileUrl(path))); };
+    });
 }

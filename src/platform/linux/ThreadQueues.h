@@ -7,7 +7,7 @@
 /// A few threads that live while there is work: some of them may have to wait long.
 class ThreadQueue : public BackgroundQueue {
  public:
-    ThreadQueue() { pool_.setMaxThreadCount(8); }
+    explicit ThreadQueue(int most = 8) { pool_.setMaxThreadCount(most); }
     void run(std::function<void()> job) override { pool_.start(std::move(job)); }
 
  private:

@@ -1,0 +1,76 @@
+#include "platform/linux/SilentFolders.h"
+
+#include <unistd.h>
+
+#include <QFontDatabase>
+#include <QtGlobal>
+#include <array>
+#include <chrono>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <thread>
+
+namespace {
+
+constexpr std::chrono::milliseconds kPatience(300);
+
+struct Folder {
+    const char* variable;
+    const char* inHome;  // where it is if the variable is not set
+};
+
+constexpr std::array<Folder, 3> kFolders{
+    {{"XDG_CONFIG_HOME", "/.config"}, {"XDG_DATA_HOME", "/.local/share"}, {"XDG_CACHE_HOME", "/.cache"}}};
+
+struct Answers {
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::array<bool, kFolders.size()> came{};
+};
+
+QByteArray placeOf(const Folder& folder) {
+    const QByteArray set = qgetenv(folder.variable);
+    return set.startsWith('/') ? set : qgetenv("HOME") + folder.inHome;
+}
+
+/// Returns when the disk has answered. What is not there is in no cache, so that the disk itself has to be asked.
+void askFor(const QByteArray& folder) {
+    ::access((folder + "/.glimmet-" + QByteArray::number(::getpid())).constData(), F_OK);
+}
+
+}  // namespace
+
+SilentFolders::SilentFolders() {
+    const auto answers = std::make_shared<Answers>();
+    for (size_t i = 0; i < kFolders.size(); ++i) {
+        std::thread([answers, i, place = placeOf(kFolders[i])] {
+            askFor(place);
+            const std::lock_guard lock(answers->mutex);
+            answers->came[i] = true;
+            answers->changed.notify_one();
+        }).detach();
+    }
+    std::unique_lock lock(answers->mutex);
+    answers->changed.wait_for(lock, kPatience, [&] {
+        return answers->came == std::array<bool, kFolders.size()>{true, true, true};
+    });
+    for (size_t i = 0; i < kFolders.size(); ++i) {
+        if (answers->came[i]) continue;
+        hidden_.append({kFolders[i].variable, qgetenv(kFolders[i].variable)});
+        // Nothing can be read below it, and nothing made.
+        qputenv(kFolders[i].variable, "/dev/null");
+    }
+}
+
+void SilentFolders::reveal() {
+    if (hidden_.isEmpty()) return;
+    // The font library looks for fonts, settings and its cache when it is first used.
+    QFontDatabase::families();
+    for (const auto& [variable, value] : hidden_) {
+        if (value.isNull())
+            qunsetenv(variable);
+        else
+            qputenv(variable, value);
+    }
+}

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QList>
+#include <QSet>
+#include <QString>
+#include <QUrl>
+
+constexpr int kMostItems = 12;
+constexpr int kMostBites = 8;
+
+/// Two URLs of one file are equal in this form: "." and ".." and doubled slashes are resolved.
+inline QString standardized(const QUrl& file) {
+    return QString::fromUtf8(file.adjusted(QUrl::NormalizePathSegments | QUrl::StripTrailingSlash).toEncoded());
+}
+
+/// `older`, then what of `newer` has a new key, without the oldest beyond `most`. Adds to `fresh` how many were new.
+template <class T, class Key>
+QList<T> joined(const QList<T>& older, const QList<T>& newer, int most, const Key& keyOf, int* fresh = nullptr) {
+    QSet<QString> known;
+    QList<T> all;
+    for (const QList<T>* list : {&older, &newer}) {
+        for (const T& one : *list) {
+            const QString key = keyOf(one);
+            if (known.contains(key)) continue;
+            known.insert(key);
+            all.append(one);
+            if (fresh && list == &newer) ++*fresh;
+        }
+    }
+    if (all.size() > most) all.remove(0, all.size() - most);
+    return all;
+}
