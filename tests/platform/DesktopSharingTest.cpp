@@ -7,8 +7,8 @@
 #include "platform/linux/DesktopSharing.h"
 #include "platform/linux/QtMainLoop.h"
 #include "platform/linux/ThreadQueues.h"
-#include "support/MemoryPorts.h"
 #include "support/ManualLoop.h"
+#include "support/MemoryPorts.h"
 #include "support/XSession.h"
 
 namespace {
