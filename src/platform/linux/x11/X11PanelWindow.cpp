@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "platform/linux/OutlineRegion.h"
-
 #include "platform/linux/ScreenCoordinates.h"
 
 namespace {
