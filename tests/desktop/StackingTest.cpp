@@ -81,16 +81,19 @@ TEST_F(WithoutCompositor, NothingButTheOutlineIsSeen) {
     const auto clean = [&](double width, double height) {
         ASSERT_TRUE(waitForBody(width, height));
         ASSERT_TRUE(waitForEyes());
-        const QImage seen = panelPicture();
-        int stray = 0;
-        for (int y = 0; y < 230; ++y) {
-            for (int x = 0; x < 360; ++x) {
-                // The flares at the top make the outline 9 points wider on both sides.
-                const bool beside = std::abs(x + 0.5 - 180) > width / 2 + 11 || y > height + 1;
-                stray += beside && !light(seen.pixel(x, y));
+        const auto stray = [&] {
+            const QImage seen = panelPicture();
+            int count = 0;
+            for (int y = 0; y < 230; ++y) {
+                for (int x = 0; x < 360; ++x) {
+                    // The flares at the top make the outline 9 points wider on both sides.
+                    const bool beside = std::abs(x + 0.5 - 180) > width / 2 + 11 || y > height + 1;
+                    count += beside && !light(seen.pixel(x, y));
+                }
             }
-        }
-        EXPECT_EQ(stray, 0) << "around the body of " << width << " x " << height;
+            return count;
+        };
+        EXPECT_TRUE(waitFor([&] { return stray() == 0; })) << stray() << " pixels around the body of " << width;
     };
     clean(185, 58);
     session.moveTo(kOnNotch);

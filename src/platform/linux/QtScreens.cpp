@@ -35,7 +35,6 @@ bool near(QSize a, QSize b) {
 }  // namespace
 
 QtScreens::QtScreens(Preferences& preferences, MainLoop& loop) : preferences_(preferences), loop_(loop) {
-    rememberHousingScreen();
     for (QScreen* screen : QGuiApplication::screens()) watch(screen);
     QObject::connect(qGuiApp, &QGuiApplication::screenAdded, &context_, [this](QScreen* screen) {
         watch(screen);
@@ -52,7 +51,6 @@ void QtScreens::watch(QScreen* screen) {
 
 // One change of the desktop comes as several signals in a row.
 void QtScreens::changed() {
-    rememberHousingScreen();
     announcement_ = loop_.after(0, [this] {
         if (onChange) onChange();
     });
@@ -78,14 +76,18 @@ QList<Screen> QtScreens::screens() const {
 }
 
 // Whoever wrote the preference meant a screen, not whichever is the main one later.
-void QtScreens::rememberHousingScreen() {
+const QScreen* QtScreens::housingScreen() const {
     const QList<QScreen*> screens = QGuiApplication::screens();
-    const QScreen* main = QGuiApplication::primaryScreen();
-    if (sizeIn(preferences_.text(QStringLiteral("glimmet.notch")).value_or(QString())).isEmpty()) return;
-    if (!main || main->name().isEmpty() || preferences_.text(kHousingScreen)) return;
-    const auto panel =
-        std::find_if(screens.begin(), screens.end(), [](const QScreen* screen) { return builtIn(*screen); });
-    preferences_.setText(kHousingScreen, (panel == screens.end() ? main : *panel)->name());
+    const auto first = [&](auto fits) -> const QScreen* {
+        const auto found = std::find_if(screens.begin(), screens.end(), fits);
+        return found == screens.end() ? nullptr : *found;
+    };
+    if (const auto name = preferences_.text(kHousingScreen))
+        return first([&](const QScreen* screen) { return screen->name() == *name; });
+    const QScreen* panel = first([](const QScreen* screen) { return builtIn(*screen); });
+    if (!panel) panel = QGuiApplication::primaryScreen();
+    if (panel && !panel->name().isEmpty()) preferences_.setText(kHousingScreen, panel->name());
+    return panel;
 }
 
 std::optional<QSizeF> QtScreens::housing(const QScreen& screen) const {
@@ -94,7 +96,7 @@ std::optional<QSizeF> QtScreens::housing(const QScreen& screen) const {
         if (const QSizeF wanted = sizeIn(*setting); !wanted.isEmpty()) {
             const QSize size = screen.geometry().size();
             const bool fits = wanted.width() < size.width() && wanted.height() < size.height();
-            return fits && screen.name() == preferences_.text(kHousingScreen) ? std::optional(wanted) : std::nullopt;
+            return fits && &screen == housingScreen() ? std::optional(wanted) : std::nullopt;
         }
     }
     const QSize pixels = nativeGeometry(screen).size().toSize();

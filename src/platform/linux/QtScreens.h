@@ -22,7 +22,7 @@ class QtScreens : public Screens {
  private:
     void watch(QScreen* screen);
     void changed();
-    void rememberHousingScreen();
+    const QScreen* housingScreen() const;
     std::optional<QSizeF> housing(const QScreen& screen) const;
 
     Preferences& preferences_;
