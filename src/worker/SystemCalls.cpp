@@ -26,7 +26,7 @@ constexpr int kAllowed[] = {
     SCMP_SYS(readlinkat), SCMP_SYS(getcwd), SCMP_SYS(getdents64), SCMP_SYS(poll), SCMP_SYS(ppoll),
     // threads
     SCMP_SYS(futex), SCMP_SYS(set_robust_list), SCMP_SYS(rseq), SCMP_SYS(sched_yield), SCMP_SYS(sched_getaffinity),
-    SCMP_SYS(getcpu), SCMP_SYS(exit), SCMP_SYS(exit_group),
+    SCMP_SYS(getcpu), SCMP_SYS(exit), SCMP_SYS(exit_group), SCMP_SYS(eventfd2),  // to wake one another
     // signals to itself
     SCMP_SYS(rt_sigaction), SCMP_SYS(rt_sigprocmask), SCMP_SYS(rt_sigreturn), SCMP_SYS(sigaltstack),
     SCMP_SYS(restart_syscall),
