@@ -21,6 +21,9 @@ class ResultFile {
     /// Gives it this name in its folder, unless that is taken. No file is ever replaced.
     virtual Naming name(const QByteArray& fileName) = 0;
 
+    /// The path of its folder, which may have been renamed since the file was made. Empty if that cannot be told.
+    virtual QByteArray folder() const = 0;
+
     /// The longest name that its folder can hold, in bytes.
     virtual qsizetype longestName() const = 0;
 };

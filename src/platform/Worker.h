@@ -8,8 +8,8 @@
 
 #include "platform/ResultFile.h"
 
-/// Runs the jobs that decode files which nobody vouches for, each in a process of its own. Only away from the main
-/// thread, one job at a time.
+/// Runs the jobs that decode files which nobody vouches for, each in a process of its own. Any thread but the main one;
+/// a job may be asked for while another's disk has not answered yet.
 class Worker {
  public:
     virtual ~Worker() = default;

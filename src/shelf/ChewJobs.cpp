@@ -1,4 +1,5 @@
 #include <QDir>
+#include <atomic>
 
 #include "creature/NotchModel.h"
 #include "platform/BackgroundQueue.h"
@@ -27,12 +28,14 @@ void endChewing(NotchModel& m, const std::function<bool()>& take) {
 void NotchModel::munch(std::function<std::function<bool()>()> job) {
     if (chewing) return;
     withAnimation(Animation::easeInOut(0.3), [this] { chewing = true; });
-    const auto isGivenUp = std::make_shared<bool>(false);
+    const auto isGivenUp = std::make_shared<std::atomic_bool>(false);
     chewEnd_ = loop_.after(kPatience, [this, isGivenUp] {
         *isGivenUp = true;
         endChewing(*this, [] { return false; });
     });
     shelf_.jobs.run([&loop = loop_, self = std::weak_ptr(self_), isGivenUp, job = std::move(job)] {
+        // When disks that hang hold up all threads, it waited for one in vain.
+        if (*isGivenUp) return;
         loop.post([self, isGivenUp, take = job()] {
             const auto model = self.lock();
             if (!model || *isGivenUp) return;

@@ -56,6 +56,13 @@ bool exists(const QByteArray& path) {
     return ::lstat(path.constData(), &status) == 0;
 }
 
+/// Whether the path leads to the open file.
+bool isAt(const QByteArray& path, int descriptor) {
+    struct stat there = {}, file = {};
+    return ::stat(path.constData(), &there) == 0 && ::fstat(descriptor, &file) == 0 && there.st_dev == file.st_dev &&
+           there.st_ino == file.st_ino;
+}
+
 /// The name that the file got; empty when it could get none. `isTaken` says that the plain one is not to be tried.
 QByteArray giveName(ResultFile& file, const ChewedName& name, bool isTaken) {
     using Naming = ResultFile::Naming;
@@ -107,7 +114,8 @@ std::variant<QUrl, ChewError> Chewer::chew(const QUrl& source, Mode mode, const 
     QByteArray given;
     if (isWhole(place.file->descriptor(), mode) && place.file->finish()) given = giveName(*place.file, name, isTaken);
     if (given.isEmpty()) return failure(3, "couldn't finish the file");
-    return fileUrl(place.folder + '/' + given);
+    const QByteArray made = place.folder + '/' + given;
+    return fileUrl(isAt(made, place.file->descriptor()) ? made : place.file->folder() + '/' + given);
 }
 
 std::variant<QString, ChewError> Chewer::readText(const QUrl& source) {

@@ -20,7 +20,7 @@ struct ChewError {
 
 /// Turns held images into other images, and images and PDFs into text. The work is done by a process of its own, which
 /// gets to see nothing but the open file and is not believed more than it; calls wait for it, and for the file's disk,
-/// so they are made away from the main thread, one at a time.
+/// so they are made away from the main thread, where one that waits for ever holds up no other.
 class Chewer {
  public:
     enum class Mode { toJPEG, toPNG, smaller };

@@ -154,18 +154,19 @@ class MemoryWorker : public Worker {
 
  private:
     struct File : ResultFile {
-        File(MemoryWorker& w, QByteArray f) : worker(w), folder(std::move(f)) {}
+        File(MemoryWorker& w, QByteArray f) : worker(w), path(std::move(f)) {}
         int descriptor() const override { return bytes.get(); }
         bool finish() override { return true; }
         Naming name(const QByteArray& fileName) override {
-            if (worker.taken.contains(folder + '/' + fileName)) return Naming::taken;
-            worker.taken.append(folder + '/' + fileName);
+            if (worker.taken.contains(path + '/' + fileName)) return Naming::taken;
+            worker.taken.append(path + '/' + fileName);
             return Naming::done;
         }
+        QByteArray folder() const override { return path; }
         qsizetype longestName() const override { return 255; }
 
         MemoryWorker& worker;
-        QByteArray folder;
+        QByteArray path;
         Descriptor bytes{::memfd_create("result", MFD_CLOEXEC)};
     };
 };

@@ -84,11 +84,10 @@ int main(int argc, char** argv) {
 
     SystemClock clock;
     QtMainLoop loop;
-    ThreadQueue background, pictures, drops;  // a dead disk may hold up all of a queue's threads
+    ThreadQueue background, pictures, drops, jobs;  // a dead disk may hold up all of a queue's threads
     ThreadQueue references(DiskLanes::kMostThreads);
     ThreadSerialQueue writing;
     ThreadSerialQueue playing;
-    ThreadSerialQueue jobs;
     // Printing the menu changes nothing, and may be done beside a creature that lives.
     const bool onlyPrints = arguments.contains(QStringLiteral("--menudump"));
     using Access = FilePreferences::Access;

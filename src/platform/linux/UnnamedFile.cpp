@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <climits>
 #include <csignal>
 #include <cstdio>
 
@@ -110,6 +111,13 @@ UnnamedFile::Naming UnnamedFile::rename(const QByteArray& fileName) {
         }
     }
     return Naming::done;
+}
+
+QByteArray UnnamedFile::folder() const {
+    const QByteArray self = "/proc/self/fd/" + QByteArray::number(folder_.get());
+    QByteArray path(PATH_MAX, '\0');
+    path.truncate(std::max<qsizetype>(::readlink(self.constData(), path.data(), size_t(path.size())), 0));
+    return path;
 }
 
 qsizetype UnnamedFile::longestName() const {

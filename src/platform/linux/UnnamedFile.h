@@ -20,6 +20,7 @@ class UnnamedFile : public ResultFile {
     int descriptor() const override { return file_.get(); }
     bool finish() override;
     Naming name(const QByteArray& fileName) override;
+    QByteArray folder() const override;
     qsizetype longestName() const override;
 
  private:
