@@ -79,16 +79,17 @@ void DropReading::savePromise() {
     if (!name) return readImage(0);
     promisedName_ = sanitizedFileName(*name);
     promise_ = Promise::open;
-    const auto without = [self = shared_from_this()] {
-        self->promise_ = Promise::refused;
-        self->readPromisedBytes();
+    const auto without = [](DropReading& self) {
+        self.promise_ = Promise::refused;
+        self.readPromisedBytes();
     };
-    diskLimit_ = loop_.after(kPatience, without);
+    // The timer is the reading's own: while it lives, somebody else holds it.
+    diskLimit_ = loop_.after(kPatience, [self = this, without] { without(*self); });
     away([folder = folder_] { return Inbox::make(folder); },
          [self = shared_from_this(), without](const std::shared_ptr<Inbox>& inbox) {
              if (self->promise_ == Promise::refused) return;  // too late
              self->diskLimit_.cancel();
-             if (!inbox) return without();
+             if (!inbox) return without(*self);
              self->inbox_ = inbox;
              self->drop_->savePromise(inbox->place(self->promisedName_), [self, inbox](bool saved) {
                  self->promise_ = saved ? Promise::written : Promise::refused;
