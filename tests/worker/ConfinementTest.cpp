@@ -75,7 +75,7 @@ TEST(Confinement, RefusesWhatIsNotDecoding) {
     char* const arguments[] = {program, nullptr};
     cpu_set_t processors{};
     rlimit more{RLIM_INFINITY, RLIM_INFINITY};
-    int flags = FS_NODUMP_FL, ends[2];
+    int flags = FS_NODUMP_FL;
     struct flock lock {};
     const struct {
         const char* what;
@@ -92,7 +92,6 @@ TEST(Confinement, RefusesWhatIsNotDecoding) {
         {"signals when it is opened", [] { return ::fcntl(kResult, F_SETLEASE, F_WRLCK); }},
         {"locks", [&] { return ::fcntl(kResult, F_SETLK, &lock); }},
         {"memory that is a file", [] { return ::memfd_create("x", 0); }},
-        {"pipes", [&] { return ::pipe(ends); }},
         {"shared memory", [] { return ::shmget(IPC_PRIVATE, 4096, IPC_CREAT | 0600); }},
         {"processors", [&] { return ::sched_setaffinity(0, sizeof processors, &processors); }},
         {"more time", [] { return ::alarm(0) == 0 && ::alarm(0) == 0 ? 0L : -1L; }},
