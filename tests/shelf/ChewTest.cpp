@@ -88,7 +88,7 @@ TEST(Chew, DoesNotWaitForADeadDiskForEver) {
     EXPECT_FALSE(f.m.chewing);
     EXPECT_EQ(f.m.worryCount, 1);
     f.runJob();
-    EXPECT_TRUE(f.m.items->isEmpty()) << "too late";
+    EXPECT_TRUE(f.worker.requests.isEmpty()) << "too late";
     f.m.chew(f.file("a.png"), Chewer::Mode::toJPEG);
     f.runJob();
     EXPECT_EQ(f.m.items->size(), 1);
@@ -144,12 +144,22 @@ TEST(Chewer, BelievesOnlyWhatItSees) {
 
 TEST(Chewer, OpensRegularFilesOnly) {
     ChewFixture f;
-    for (const auto& [name, code] : {std::pair("missing.png", 1), {"missing.PDF", 4}, {"", 1}})
-        EXPECT_EQ(std::get<ChewError>(f.chewer.readText(fileUrl(f.path(name)))).code, code) << name;
+    ASSERT_EQ(::mkfifo(f.path("pipe.png").constData(), 0666), 0);
+    ASSERT_EQ(::symlink("loop.png", f.path("loop.png").constData()), 0);
+    ASSERT_EQ(::symlink("page.png", f.path("link.png").constData()), 0);
+    for (const auto& [path, code] : {std::pair(f.path("missing.png"), 1),
+                                     {f.path("missing.PDF"), 4},
+                                     {f.path(""), 1},
+                                     {f.path("pipe.png"), 1},
+                                     {f.path("loop.png"), 1},
+                                     {"/dev/zero", 1}})
+        EXPECT_EQ(std::get<ChewError>(f.chewer.readText(fileUrl(path))).code, code) << path.toStdString();
     EXPECT_EQ(std::get<ChewError>(f.chewer.chew(QUrl(u"https://a.example/a.png"_s), {}, {})).code, 1);
     EXPECT_TRUE(f.worker.requests.isEmpty());
     for (const char* name : {"page.Pdf", "page.png"}) f.chewer.readText(f.file(name));
-    EXPECT_EQ(f.worker.requests, (QList<QStringList>{{u"read"_s, u"pdf"_s}, {u"read"_s, u"image"_s}}));
+    f.chewer.readText(fileUrl(f.path("link.png")));
+    const QStringList image{u"read"_s, u"image"_s};
+    EXPECT_EQ(f.worker.requests, (QList<QStringList>{{u"read"_s, u"pdf"_s}, image, image}));
 }
 
 TEST(Chewer, NeverTakesANameThatIsTaken) {
