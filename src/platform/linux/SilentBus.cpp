@@ -7,7 +7,8 @@
 
 #include <QDBusConnection>
 #include <QDeadlineTimer>
-#include <QFile>
+#include <QtEndian>
+#include <algorithm>
 
 namespace {
 constexpr double kPatience = 2;
@@ -45,17 +46,50 @@ int connectTo(const QByteArray& name) {
     return -1;
 }
 
-/// Introduces this program as the D-Bus specification has it, and waits for any answer.
-bool greets(int descriptor, double seconds) {
-    const QByteArray user = QByteArray::number(getuid()).toHex();
-    const QByteArray hello = '\0' + ("AUTH EXTERNAL " + user) + "\r\n";
-    if (send(descriptor, hello.constData(), size_t(hello.size()), MSG_NOSIGNAL) < 0) return false;
-    const QDeadlineTimer deadline(qint64(seconds * 1000));
+/// Adds a field of a message's header, a text, in the form that the D-Bus specification gives them.
+void addField(QByteArray& fields, char code, char type, const QByteArray& value) {
+    while (fields.size() % 8) fields += '\0';
+    const auto length = qToLittleEndian(quint32(value.size()));
+    fields += code;
+    fields += '\1';
+    fields += type;
+    fields += '\0';
+    fields.append(reinterpret_cast<const char*>(&length), sizeof length);
+    fields += value + '\0';
+}
+
+/// The call without which a bus takes no other.
+QByteArray helloMessage() {
+    QByteArray fields;
+    addField(fields, 1, 'o', "/org/freedesktop/DBus");
+    addField(fields, 2, 's', "org.freedesktop.DBus");
+    addField(fields, 3, 's', "Hello");
+    addField(fields, 6, 's', "org.freedesktop.DBus");
+    const quint32 numbers[] = {0, qToLittleEndian(1U), qToLittleEndian(quint32(fields.size()))};  // no body; serial
+    while (fields.size() % 8) fields += '\0';
+    return QByteArray("l\1\0\1", 4) + QByteArray(reinterpret_cast<const char*>(numbers), sizeof numbers) + fields;
+}
+
+/// What the bus answers, or nothing when the time is over; an end of the connection is an answer too.
+std::optional<QByteArray> answerTo(int descriptor, const QByteArray& words, const QDeadlineTimer& deadline) {
+    if (send(descriptor, words.constData(), size_t(words.size()), MSG_NOSIGNAL) < 0) return {};
     pollfd answer{descriptor, POLLIN, 0};
     int ready = 0;
     do ready = poll(&answer, 1, int(deadline.remainingTime()));
     while (ready < 0 && errno == EINTR);
-    return ready > 0;
+    if (ready <= 0) return {};
+    char bytes[1024];
+    return QByteArray(bytes, std::max(recv(descriptor, bytes, sizeof bytes, 0), ssize_t(0)));
+}
+
+/// Introduces this program as the library would. Some let programs in and say nothing from then on.
+bool greets(int descriptor, double seconds) {
+    const QDeadlineTimer deadline(qint64(seconds * 1000));
+    const QByteArray user = QByteArray::number(getuid()).toHex();
+    const auto answer = answerTo(descriptor, '\0' + ("AUTH EXTERNAL " + user) + "\r\n", deadline);
+    // What asks for other credentials is left to the library.
+    if (!answer || !answer->startsWith("OK")) return answer.has_value();
+    return answerTo(descriptor, "BEGIN\r\n" + helloMessage(), deadline).has_value();
 }
 }  // namespace
 
