@@ -1,5 +1,6 @@
 #include "platform/linux/x11/TopLevels.h"
 
+#include <QRegion>
 #include <algorithm>
 
 namespace {
@@ -128,5 +129,20 @@ bool TopLevels::hides(xcb_window_t window, const QRect& area) const {
     const auto geometry = connection_.ask(xcb_get_geometry, xcb_get_geometry_reply, window);
     if (!geometry) return false;
     const int border = 2 * geometry->border_width;
-    return QRect(geometry->x, geometry->y, geometry->width + border, geometry->height + border).contains(area);
+    const QRect frame(geometry->x, geometry->y, geometry->width + border, geometry->height + border);
+    // What lets clicks through lies over a desktop in use: drawings on it, or a picture of the keys pressed.
+    const QRect inside = area.translated(-geometry->x - geometry->border_width, -geometry->y - geometry->border_width);
+    return frame.contains(area) && fills(window, XCB_SHAPE_SK_BOUNDING, inside) &&
+           fills(window, XCB_SHAPE_SK_INPUT, inside);
+}
+
+bool TopLevels::fills(xcb_window_t window, xcb_shape_sk_t kind, const QRect& area) const {
+    const auto shape = connection_.ask(xcb_shape_get_rectangles, xcb_shape_get_rectangles_reply, window, kind);
+    if (!shape) return true;
+    const xcb_rectangle_t* first = xcb_shape_get_rectangles_rectangles(shape.get());
+    const int count = std::min(xcb_shape_get_rectangles_rectangles_length(shape.get()), int(atMost));
+    QRegion rest = area;
+    std::for_each(first, first + count,
+                  [&](const xcb_rectangle_t& part) { rest -= QRect(part.x, part.y, part.width, part.height); });
+    return rest.isEmpty();
 }

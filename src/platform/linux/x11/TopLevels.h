@@ -1,5 +1,7 @@
 #pragma once
 
+#include <xcb/shape.h>
+
 #include <QRect>
 #include <functional>
 #include <vector>
@@ -19,7 +21,7 @@ class TopLevels {
     xcb_window_t highestManaged() const;
     /// The lowest visible one that nobody manages and that `counts`, pictures of a desktop apart. 0 for none.
     xcb_window_t lowestUnmanaged(const std::function<bool(xcb_window_t)>& counts) const;
-    /// Whether one that nobody manages, that `counts` and lies higher than `above` hides `area`.
+    /// Whether one that nobody manages, that `counts` and lies higher than `above` hides `area` and takes its clicks.
     bool cover(const QRect& area, int above, const std::function<bool(xcb_window_t)>& counts) const;
 
  private:
@@ -30,6 +32,7 @@ class TopLevels {
     std::vector<xcb_window_t> candidates(const QRect& area) const;
     bool isDesktop(xcb_window_t window) const;
     bool hides(xcb_window_t window, const QRect& area) const;
+    bool fills(xcb_window_t window, xcb_shape_sk_t kind, const QRect& area) const;
 
     X11Connection& connection_;
     std::vector<xcb_window_t> windows_;
