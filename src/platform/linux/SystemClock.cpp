@@ -5,6 +5,8 @@
 
 namespace {
 
+constexpr double kZonePatience = 60;  // seconds
+
 double read(clockid_t clock) {
     timespec time{};
     clock_gettime(clock, &time);
@@ -28,8 +30,11 @@ double SystemClock::uptime() const {
 int SystemClock::localHour(Date date) const {
     const auto seconds = time_t(std::floor(date.seconds + Date::kReference));
     tm local{};
-    // localtime_r alone would keep to the time zone at the start.
-    tzset();
+    // localtime_r alone would keep to the time zone at the start, and tzset looks at the disk.
+    if (const double up = uptime(); up >= zoneDue_) {
+        zoneDue_ = up + kZonePatience;
+        tzset();
+    }
     localtime_r(&seconds, &local);
     return local.tm_hour;
 }

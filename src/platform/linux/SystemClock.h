@@ -1,5 +1,7 @@
 #pragma once
 
+#include <atomic>
+
 #include "platform/Clock.h"
 
 /// The machine's clocks. Any thread.
@@ -7,5 +9,9 @@ class SystemClock : public Clock {
  public:
     Date now() const override;
     double uptime() const override;
+    /// Follows a change of the machine's time zone within a minute.
     int localHour(Date date) const override;
+
+ private:
+    mutable std::atomic<double> zoneDue_ = 0;  // uptime
 };
