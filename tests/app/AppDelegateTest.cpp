@@ -137,14 +137,6 @@ TEST(Launch, WithoutAScreenSaysSo) {
     EXPECT_EQ(f.window.raised, 0);
 }
 
-TEST(Launch, RestoresWhatWasHeldAndHidden) {
-    ProgramFixture f;
-    f.launch({"--bites", "--hidden", "--timer=300"});
-    f.launch();
-    EXPECT_TRUE(f.m().hidden);
-    EXPECT_EQ(f.m().heldCount(), 3);
-}
-
 TEST(PassThrough, FollowsWhatIsDrawnWhileTheCreatureAttends) {
     ProgramFixture f;
     f.launch();
@@ -206,50 +198,17 @@ TEST(Gestures, EndWhenTheMenuTakesThePointer) {
     EXPECT_EQ(f.m().boopCount, 0);
 }
 
-TEST(Menu, OpensInTheZoneOnly) {
-    ProgramFixture f;
-    f.launch();
-    f.monitors.onRightMouseDown({756 + 92.5 + 15, 960});
-    EXPECT_TRUE(f.menu.isEmpty());
-    f.monitors.onRightMouseDown({756 + 92.5 + 14, 960});
-    EXPECT_FALSE(f.menu.isEmpty());
-    f.menu.last().action();
-    EXPECT_TRUE(f.quit);
-}
-
-TEST(Screens, AChangeMovesThePanelHomeAndEndsASlide) {
+TEST(Screens, AChangeLeadsTheEyesThere) {
     ProgramFixture f;
     f.launch({"--slide=100"});
-    EXPECT_EQ(f.window.place.x(), 676);
-    const int raised = f.window.raised;
-    f.screens.list.append(Screen{QRectF(1512, 0, 800, 600), {}, {}, false});
-    f.screens.onChange();
-    f.loop.advance(1);
-    EXPECT_EQ(f.window.place.x(), 676);  // this one's geometry has not changed
-    EXPECT_EQ(f.window.raised, raised);
     f.screens.list[0].frame = QRectF(0, 0, 1920, 1080);
     f.screens.onChange();
     f.loop.advance(0.3);
-    EXPECT_EQ(f.window.place.x(), 676);
+    EXPECT_EQ(f.window.place.x(), 676) << "the desktop may still be changing";
     f.loop.advance(0.1);
     EXPECT_EQ(f.window.place, QRectF(780, 850, 360, 230));
     EXPECT_EQ(f.m().slideX, 0.0);
     EXPECT_EQ(f.m().cursor.get(), QPointF(960, 860));
-    f.screens.list.clear();
-    f.screens.onChange();
-    f.loop.advance(1);
-    EXPECT_EQ(f.window.place, QRectF(780, 850, 360, 230));
-}
-
-TEST(Screens, TheSelfTestFindsItsPlaceAgain) {
-    ProgramFixture f;
-    f.launch({"--screentest"});
-    ::testing::internal::CaptureStderr();
-    f.loop.advance(3.1);
-    EXPECT_EQ(::testing::internal::GetCapturedStderr(),
-              "screentest: before=(576.0, 752.0, 360.0, 230.0) after=(576.0, 752.0, 360.0, 230.0) same=true "
-              "panel=(576.0, 752.0, 360.0, 230.0) centerX=756.0 top=982.0\n"
-              "screentest: recovered=true panel=(576.0, 752.0, 360.0, 230.0)\n");
 }
 
 TEST(Frames, AreDrawnForTheBreathAloneWhileAsleep) {

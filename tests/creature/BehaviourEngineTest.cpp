@@ -6,27 +6,6 @@
 
 namespace {
 
-TEST(Hovering, EntersAt14PointsAndLeavesAt24) {
-    BehaviourFixture f;
-    const double side = 185 / 2.0;
-    f.moveTo(side + 14.5, 10);
-    EXPECT_FALSE(f.m.hovering);
-    f.moveTo(side + 14, 10);
-    EXPECT_TRUE(f.m.hovering);
-    // The shape is 214 wide now.
-    f.moveTo(107 + 24, 10);
-    EXPECT_TRUE(f.m.hovering);
-    f.moveTo(107 + 24.5, 10);
-    EXPECT_FALSE(f.m.hovering);
-    f.moveTo(side + 20, 10);
-    EXPECT_FALSE(f.m.hovering);
-    f.moveTo(0, 58 + 14.5);
-    EXPECT_FALSE(f.m.hovering);
-    f.moveTo(0, 58 + 14);
-    EXPECT_TRUE(f.m.hovering);
-    EXPECT_EQ(f.passThroughUpdates, 3);
-}
-
 TEST(Hovering, ZoneReachesFourPointsAboveTheScreenAndMovesWithTheSlide) {
     BehaviourFixture f;
     EXPECT_TRUE(f.engine.inHoverZone({756, 986}, 14));
@@ -40,15 +19,6 @@ TEST(Hovering, ZoneReachesFourPointsAboveTheScreenAndMovesWithTheSlide) {
     f.m.hidden = true;
     EXPECT_TRUE(f.engine.inHoverZone({756 + 92.5 + 14, 982 - 54}, 14));
     EXPECT_FALSE(f.engine.inHoverZone({756, 982 - 54.5}, 14));
-}
-
-TEST(Hovering, TracesEachChange) {
-    BehaviourFixture f;
-    f.moveTo(0, 10);
-    f.moveTo(0, 200);
-    ASSERT_EQ(f.traces.size(), 2);
-    EXPECT_EQ(f.traces[0], QStringLiteral("hovering false → true at (756.0, 972.0) zone=(106.5, 72.0)"));
-    EXPECT_EQ(f.traces[1], QStringLiteral("hovering true → false at (756.0, 782.0) zone=(121.0, 122.0)"));
 }
 
 TEST(Gaze, IsPublishedOnlyForMovesThatShow) {

@@ -11,12 +11,6 @@ QList<Bite> notes(int count) {
     return bites;
 }
 
-struct ShapeCase {
-    const char* name;
-    std::function<void(NotchModel&)> arrange;
-    double width, height;
-};
-
 void holdFiles(NotchModel& m, int count) {
     QList<QUrl> files;
     for (int i = 0; i < count; ++i) files.append(QUrl::fromLocalFile(QStringLiteral("/f%1").arg(i)));
@@ -24,105 +18,46 @@ void holdFiles(NotchModel& m, int count) {
 }
 
 TEST(NotchModel, ShapeTakesTheFirstRowThatMatches) {
-    const std::vector<ShapeCase> cases{
-        {"resting", [](NotchModel&) {}, 185, 58},
-        {"wide notch",
-         [](NotchModel& m) {
-             m.notchSize = {210, 38};
-         },
-         210, 58},
-        {"hidden beats all",
-         [](NotchModel& m) {
-             m.notchSize = {200, 38};
-             m.hidden = true;
-             m.dragNear = true;
-             holdFiles(m, 3);
-         },
-         200, 43},
-        {"weather", [](NotchModel& m) { m.toy = Toy::weather; }, 185, 40},
-        {"weather, drag near",
-         [](NotchModel& m) {
-             m.toy = Toy::weather;
-             m.dragNear = true;
-         },
-         300, 94},
-        {"weather, drop over it",
-         [](NotchModel& m) {
-             m.toy = Toy::weather;
-             m.dropTargeted = true;
-         },
-         185, 40},
-        {"drop",
-         [](NotchModel& m) {
-             m.dropTargeted = true;
-             holdFiles(m, 1);
-             m.hovering = true;
-         },
-         300, 120},
-        {"hover", [](NotchModel& m) { m.hovering = true; }, 214, 108},
-        {"dragging", [](NotchModel& m) { m.dragging = true; }, 214, 108},
-        {"music alone", [](NotchModel& m) { m.musicPlaying = true; }, 185, 58},
-        {"hover with music",
-         [](NotchModel& m) {
-             m.hovering = true;
-             m.musicPlaying = true;
-         },
-         300, 138},
-        {"hover, held",
-         [](NotchModel& m) {
-             m.hovering = true;
-             holdFiles(m, 1);
-         },
-         320, 152},
-        {"hover, held, music",
-         [](NotchModel& m) {
-             m.hovering = true;
-             holdFiles(m, 1);
-             m.musicPlaying = true;
-         },
-         320, 178},
-        {"held", [](NotchModel& m) { m.addTimer(5); }, 236, 74},
-        {"held, dragging",
-         [](NotchModel& m) {
-             holdFiles(m, 1);
-             m.dragging = true;
-         },
-         236, 74},
-        {"yawn", [](NotchModel& m) { m.yawning = true; }, 185, 92},
-        {"yawn, held",
-         [](NotchModel& m) {
-             m.yawning = true;
-             holdFiles(m, 1);
-         },
-         236, 92},
-        {"expanded 5",
-         [](NotchModel& m) {
-             m.hovering = true;
-             m.shelfExpanded = true;
-             holdFiles(m, 5);
-         },
-         320, 172},
-        {"expanded 6",
-         [](NotchModel& m) {
-             m.hovering = true;
-             m.shelfExpanded = true;
-             holdFiles(m, 6);
-         },
-         320, 228},
-        {"expanded 11",
-         [](NotchModel& m) {
-             m.hovering = true;
-             m.shelfExpanded = true;
-             holdFiles(m, 6);
-             m.bites = notes(5);
-         },
-         320, 284},
+    using Switch = Published<bool> NotchModel::*;
+    constexpr Switch hidden = &NotchModel::hidden, drag = &NotchModel::dragNear, drop = &NotchModel::dropTargeted,
+                     hover = &NotchModel::hovering, pull = &NotchModel::dragging, music = &NotchModel::musicPlaying,
+                     yawn = &NotchModel::yawning, expand = &NotchModel::shelfExpanded;
+    const struct {
+        QSizeF notch;
+        Toy toy;
+        std::vector<Switch> on;
+        int files, notes;
+        QSizeF shape;
+    } cases[] = {
+        {{185, 32}, Toy::critter, {}, 0, 0, {185, 58}},
+        {{210, 38}, Toy::critter, {}, 0, 0, {210, 58}},
+        {{200, 38}, Toy::critter, {hidden, drag}, 3, 0, {200, 43}},
+        {{185, 32}, Toy::weather, {}, 0, 0, {185, 40}},
+        {{185, 32}, Toy::weather, {drag}, 0, 0, {300, 94}},
+        {{185, 32}, Toy::weather, {drop}, 0, 0, {185, 40}},
+        {{185, 32}, Toy::critter, {drop, hover}, 1, 0, {300, 120}},
+        {{185, 32}, Toy::critter, {hover}, 0, 0, {214, 108}},
+        {{185, 32}, Toy::critter, {pull}, 0, 0, {214, 108}},
+        {{185, 32}, Toy::critter, {music}, 0, 0, {185, 58}},
+        {{185, 32}, Toy::critter, {hover, music}, 0, 0, {300, 138}},
+        {{185, 32}, Toy::critter, {hover}, 1, 0, {320, 152}},
+        {{185, 32}, Toy::critter, {hover, music}, 1, 0, {320, 178}},
+        {{185, 32}, Toy::critter, {}, 0, 1, {236, 74}},
+        {{185, 32}, Toy::critter, {pull}, 1, 0, {236, 74}},
+        {{185, 32}, Toy::critter, {yawn}, 0, 0, {185, 92}},
+        {{185, 32}, Toy::critter, {yawn}, 1, 0, {236, 92}},
+        {{185, 32}, Toy::critter, {hover, expand}, 5, 0, {320, 172}},
+        {{185, 32}, Toy::critter, {hover, expand}, 6, 0, {320, 228}},
+        {{185, 32}, Toy::critter, {hover, expand}, 6, 5, {320, 284}},
     };
-    for (const ShapeCase& c : cases) {
+    for (const auto& c : cases) {
         CreatureFixture f;
-        c.arrange(f.m);
-        EXPECT_EQ(f.m.shapeWidth(), c.width) << c.name;
-        EXPECT_EQ(f.m.shapeHeight(), c.height) << c.name;
+        f.m.notchSize = c.notch;
+        f.m.toy = c.toy;
+        for (const Switch one : c.on) f.m.*one = true;
+        holdFiles(f.m, c.files);
+        f.m.bites = notes(c.notes);
+        EXPECT_EQ(QSizeF(f.m.shapeWidth(), f.m.shapeHeight()), c.shape) << "row " << &c - cases;
     }
 }
 

@@ -3,6 +3,9 @@
 #include <unistd.h>
 
 #include <QStringList>
+#include <atomic>
+#include <cstring>
+#include <thread>
 
 #include "desktop/DesktopTest.h"
 
@@ -56,14 +59,29 @@ TEST_F(Startup, DoesWithoutABusThatSaysNothing) {
     std::copy(path.begin(), path.end(), address.sun_path);
     const int listener = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
     ASSERT_EQ(bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-    ASSERT_EQ(listen(listener, 10), 0);  // nobody will ever accept
+    ASSERT_EQ(listen(listener, 10), 0);
+    std::atomic<const char*> greeting = "";
+    std::thread bus([&] {
+        for (int program; (program = accept(listener, nullptr, nullptr)) >= 0;)
+            send(program, greeting, std::strlen(greeting), MSG_NOSIGNAL);
+    });
     auto environment = home.environment();
-    environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QString::fromUtf8("unix:path=" + path));
-    Glimmet glimmet(session, environment, home, {});
-    ASSERT_TRUE(glimmet.started());
-    EXPECT_TRUE(waitForEyes());
-    glimmet.terminate();
-    EXPECT_TRUE(waitFor([&] { return glimmet.exitCode() == 0; }));
+    for (const char* variable : {"DBUS_SESSION_BUS_ADDRESS", "DBUS_SYSTEM_BUS_ADDRESS"})
+        environment.insert(QLatin1String(variable), QString::fromUtf8("unix:path=" + path));
+    // The second lets programs in and answers no call.
+    for (const char* words : {"", "OK 0123456789abcdef0123456789abcdef\r\n"}) {
+        greeting = words;
+        session.moveTo(kFar);
+        Glimmet glimmet(session, environment, home, {});
+        EXPECT_TRUE(glimmet.started());
+        EXPECT_TRUE(waitForBody(185, 58));
+        session.moveTo(kOnNotch);
+        EXPECT_TRUE(waitForBody(214, 108)) << words;
+        glimmet.terminate();
+        EXPECT_TRUE(waitFor([&] { return glimmet.exitCode() == 0; })) << words;
+    }
+    shutdown(listener, SHUT_RDWR);
+    bus.join();
     close(listener);
 }
 

@@ -71,19 +71,6 @@ TEST_F(X11Panel, TakesClicksInsideItsInputRegionOnly) {
     }
 }
 
-TEST_F(X11Panel, LeavesItsOwnMenusAbove) {
-    ASSERT_TRUE(waitFor([&] { return red(); }));
-    QWindow menu;
-    menu.setFlags(Qt::ToolTip);
-    menu.setGeometry(300, 40, 100, 100);
-    menu.show();
-    OtherWindow elsewhere(session(), {.geometry = {600, 500, 100, 100}});
-    ASSERT_TRUE(waitFor([&] { return session().stacking().contains(xcb_window_t(menu.winId())) && menu.isExposed(); }));
-    letPass(0.5);
-    const auto stacking = session().stacking();
-    EXPECT_GT(stacking.indexOf(xcb_window_t(menu.winId())), stacking.indexOf(id()));
-}
-
 TEST_F(X11Panel, GivesWayToAProgramThatInsists) {
     ASSERT_TRUE(waitFor([&] { return red(); }));
     OtherWindow rival(session(), {.fullScreen = true});
