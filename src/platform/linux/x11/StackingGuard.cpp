@@ -19,6 +19,7 @@ StackingGuard::StackingGuard(std::shared_ptr<X11Connection> connection, MainLoop
       ownWindow_(std::move(ownWindow)),
       screen_(std::move(screen)),
       nextRest_(firstRest) {
+    if (const auto* shape = connection_->extension(xcb_shape_id)) shapeNotify_ = shape->first_event + XCB_SHAPE_NOTIFY;
     events_ = connection_->handle([this](const xcb_generic_event_t& event) { handle(event); });
     connection_->selectOnRoot(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY, true);
     connection_->selectOnRoot(XCB_EVENT_MASK_PROPERTY_CHANGE, true);
@@ -31,6 +32,7 @@ StackingGuard::~StackingGuard() {
 
 void StackingGuard::handle(const xcb_generic_event_t& event) {
     if (pending_) return;
+    if (code(event) == shapeNotify_) return lookLater();
     switch (code(event)) {
         case XCB_PROPERTY_NOTIFY:
             if (as<xcb_property_notify_event_t>(event).atom != clientList_) return;

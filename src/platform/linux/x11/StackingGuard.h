@@ -37,6 +37,7 @@ class StackingGuard {
     MainLoop& loop_;
     xcb_window_t window_;
     xcb_atom_t clientList_;
+    int shapeNotify_ = -1;  // the event's code
     std::function<bool(xcb_window_t)> ownWindow_;
     std::function<QRect()> screen_;
     bool covered_ = false;

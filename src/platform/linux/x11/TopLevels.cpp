@@ -132,8 +132,10 @@ bool TopLevels::hides(xcb_window_t window, const QRect& area) const {
     const QRect frame(geometry->x, geometry->y, geometry->width + border, geometry->height + border);
     // What lets clicks through lies over a desktop in use: drawings on it, or a picture of the keys pressed.
     const QRect inside = area.translated(-geometry->x - geometry->border_width, -geometry->y - geometry->border_width);
-    return frame.contains(area) && fills(window, XCB_SHAPE_SK_BOUNDING, inside) &&
-           fills(window, XCB_SHAPE_SK_INPUT, inside);
+    if (!frame.contains(area)) return false;
+    // Many programs shape a window only when it is there already.
+    xcb_shape_select_input(connection_.xcb(), window, true);
+    return fills(window, XCB_SHAPE_SK_BOUNDING, inside) && fills(window, XCB_SHAPE_SK_INPUT, inside);
 }
 
 bool TopLevels::fills(xcb_window_t window, xcb_shape_sk_t kind, const QRect& area) const {

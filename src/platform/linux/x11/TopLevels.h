@@ -22,6 +22,7 @@ class TopLevels {
     /// The lowest visible one that nobody manages and that `counts`, pictures of a desktop apart. 0 for none.
     xcb_window_t lowestUnmanaged(const std::function<bool(xcb_window_t)>& counts) const;
     /// Whether one that nobody manages, that `counts` and lies higher than `above` hides `area` and takes its clicks.
+    /// The connection hears of it when the shape of a window of that size changes.
     bool cover(const QRect& area, int above, const std::function<bool(xcb_window_t)>& counts) const;
 
  private:
