@@ -172,8 +172,10 @@ void CritterView::aimLayout(const std::optional<Animation>& how, double now) {
     arcDroop_.aim(open ? 9 : 6, how, now);
     zzz_.aim(open ? 1 : 0, how, now);
 
-    const bool badge = m_.hasHeld() && !m_.hovering && !m_.dragNear && !m_.dropTargeted;
-    badge_.aim(badge ? 1 : 0, how, now);
+    // It has its place in front of the mouth, and leaves it to a wide one.
+    const bool badge = m_.hasHeld() && !m_.hovering && !m_.dragNear && !m_.dropTargeted && !m_.yawning &&
+                       swallow_ == Swallow::none;
+    badge_.aim(badge ? 1 : 0, how.value_or(Animation::easeOut(0.12)), now);
     if (badge) setBadge(m_.heldCount());
 }
 
@@ -241,8 +243,8 @@ Mouth::State CritterView::mouthState() const {
     if (swallow_ == Swallow::gulping) return Mouth::State::gulping;
     if (m_.dropTargeted || (m_.dragNear && !fed_)) return Mouth::State::eating;
     if (m_.yawning) return Mouth::State::yawning;
-    if (m_.downloading || m_.chewing) return Mouth::State::munching;
-    return badge_.target() == 1 ? Mouth::State::covered : Mouth::State::resting;
+    if (badge_.target() == 1) return Mouth::State::covered;
+    return m_.downloading || m_.chewing ? Mouth::State::munching : Mouth::State::resting;
 }
 
 void CritterView::aimGlyph(const std::optional<Animation>& how, double now) {

@@ -36,9 +36,9 @@ class CritterView {
     double shelfTop() const;
 
  private:
-    /// Values whose changes move the eyes with curves of their own.
     /// It shuts its mouth over what it was given, and then gulps it down.
     enum class Swallow { none, closing, gulping };
+    /// Values whose changes move the eyes with curves of their own.
     struct EyeCauses {
         bool camera = false, blink = false, sleepy = false, yawning = false, worried = false, glancing = false;
         bool gulping = false;
