@@ -36,7 +36,8 @@ NotchPanel::~NotchPanel() {
 void NotchPanel::show(const QRectF& frame) {
     setFrame(frame);
     visible_ = true;
-    updateRegions();
+    window_.setOutline(root_.outline());
+    updateInputRegion();
     window_.orderFrontRegardless();
     drawFrame(true);
 }
@@ -64,7 +65,7 @@ void NotchPanel::updateMousePassThrough() {
 
 void NotchPanel::setIgnoresMouseEvents(bool ignores) {
     ignoresMouse_ = ignores;
-    updateRegions();
+    updateInputRegion();
 }
 
 void NotchPanel::contentChanged() {
@@ -92,25 +93,25 @@ void NotchPanel::drawFrame(bool all) {
         QRect(0, 0, int(RootView::kPanelWidth), int(height_)).adjusted(-RootView::kOverdraw, 0, RootView::kOverdraw, 0);
     const QRegion damage = all ? picture : shown_.changesTo(next) & picture;
     if (!damage.isEmpty()) {
+        // First: what the window grows by would not take the picture before.
+        window_.setOutline(root_.outline());
         window_.paint(damage, [&](QPainter& painter) {
             Canvas canvas(painter, caches_, window_.devicePixelRatio());
             next.paint(canvas, damage);
         });
-        updateRegions();
+        updateInputRegion();
     }
     shown_ = std::move(next);
     const double again = root_.nextFrame();
     if (std::isfinite(again)) scheduleFrame(again);
 }
 
-void NotchPanel::updateRegions() {
-    const QPainterPath outline = root_.outline();
-    window_.setOutline(outline);
+void NotchPanel::updateInputRegion() {
     QRegion input;
     if (!ignoresMouse_ && (m_.dragNear || m_.dropTargeted))
         input = QRect(0, 0, int(RootView::kPanelWidth), int(height_));
     else if (!ignoresMouse_)
-        input = pixelsInside(outline, 1);
+        input = pixelsInside(root_.outline(), 1);
     if (input != inputRegion_) window_.setInputRegion(inputRegion_ = input);
 }
 

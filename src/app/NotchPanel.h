@@ -50,7 +50,7 @@ class NotchPanel {
     void fitOverdraw();
     void scheduleFrame(double when);
     void drawFrame(bool all);
-    void updateRegions();
+    void updateInputRegion();
     void pressed(PanelWindow::Button button, QPointF position, QPointF pointer);
     void draggedTo(QPointF pointer);
     void released(PanelWindow::Button button, QPointF pointer);
