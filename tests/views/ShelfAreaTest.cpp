@@ -191,6 +191,8 @@ TEST(Shelf, CountsDownBySecondsAndNotBetweenThem) {
         before = now;
     }
     EXPECT_EQ(changes, 10);
+    f.loop.advance(0.7);
+    EXPECT_NEAR(f.root.nextFrame() - f.clock.uptime(), 0.8, 0.01) << "the frame of the next second, and none before";
     // One that fell due shows zero until it is told that it has rung.
     f.loop.advance(300);
     const QImage zero = picture();
@@ -200,29 +202,13 @@ TEST(Shelf, CountsDownBySecondsAndNotBetweenThem) {
     EXPECT_NE(picture(), zero);
 }
 
-TEST(Shelf, TheCountdownAsksForOneFrameASecond) {
-    ShelfFixture f;
-    f.m.addTimer(5);
-    f.rest(8);
-    const double wait = f.root.nextFrame() - f.clock.uptime();
-    EXPECT_GT(wait, 0);
-    EXPECT_LE(wait, 1);
-}
-
 TEST(Shelf, AnyNumberOfThingsFitsIntoTheBody) {
     for (const int timers : {0, 1, 3, 12}) {
         ShelfFixture f;
         for (int i = 0; i < timers; ++i) f.m.addTimer(5);
         f.rest();
-        const auto light = f.bounds(f.picture(), {-175, 82, 350, 60},
-                                    [](QColor c) { return c.lightness() > 25 && c.lightness() < 100; });
-        // The grey ground is lighter than a chip; what is found are chips, their pictures' edges and the rim.
-        ASSERT_TRUE(light);
-        const Chip* last = nullptr;
-        for (double x = 179; x > 0 && !last; x -= 0.25) last = f.root.chipAt({180 + x, ShelfFixture::kRow});
-        ASSERT_TRUE(last);
-        EXPECT_FALSE(f.root.chipAt({180 + 156, ShelfFixture::kRow}));
-        EXPECT_FALSE(f.root.chipAt({180 - 156, ShelfFixture::kRow}));
+        for (int i = 0; i < f.things().size(); ++i) EXPECT_FALSE(f.chip(i).isNull()) << i << " of " << timers;
+        for (const double side : {-156, 156}) EXPECT_FALSE(f.root.chipAt({180 + side, ShelfFixture::kRow}));
     }
 }
 
@@ -246,16 +232,13 @@ TEST(Shelf, UnfoldsIntoRowsOfFive) {
 }
 
 TEST(Shelf, FoldsWhenThePointerLeavesWhateverIsShown) {
-    for (const bool weather : {false, true}) {
-        ShelfFixture f;
-        f.m.shelfExpanded = true;
+    ShelfFixture f;
+    const std::function<void(NotchModel&)> covers[]{[](NotchModel& m) { m.hidden = true; },
+                                                    [](NotchModel& m) { m.pickToy(Toy::weather); }};
+    for (const auto& cover : covers) {
+        f.m.hovering = f.m.shelfExpanded = true;
+        cover(f.m);
         f.rest();
-        if (weather)
-            f.m.toy = Toy::weather;
-        else
-            f.m.hidden = true;
-        f.rest();
-        f.picture();
         EXPECT_TRUE(f.m.shelfExpanded);
         f.m.hovering = false;
         EXPECT_FALSE(f.m.shelfExpanded);
