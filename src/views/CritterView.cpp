@@ -173,8 +173,8 @@ void CritterView::aimLayout(const std::optional<Animation>& how, double now) {
     zzz_.aim(open ? 1 : 0, how, now);
 
     // It has its place in front of the mouth, and leaves it to a wide one.
-    const bool badge = m_.hasHeld() && !m_.hovering && !m_.dragNear && !m_.dropTargeted && !m_.yawning &&
-                       swallow_ == Swallow::none;
+    const bool badge =
+        m_.hasHeld() && !m_.hovering && !m_.dragNear && !m_.dropTargeted && !m_.yawning && swallow_ == Swallow::none;
     badge_.aim(badge ? 1 : 0, how.value_or(Animation::easeOut(0.12)), now);
     if (badge) setBadge(m_.heldCount());
 }
