@@ -93,7 +93,6 @@ void NotchPanel::drawFrame(bool all) {
         QRect(0, 0, int(RootView::kPanelWidth), int(height_)).adjusted(-RootView::kOverdraw, 0, RootView::kOverdraw, 0);
     const QRegion damage = all ? picture : shown_.changesTo(next) & picture;
     if (!damage.isEmpty()) {
-        // First: what the window grows by would not take the picture before.
         window_.setOutline(root_.outline());
         window_.paint(damage, [&](QPainter& painter) {
             Canvas canvas(painter, caches_, window_.devicePixelRatio());

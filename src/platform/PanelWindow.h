@@ -35,7 +35,8 @@ class PanelWindow {
     /// Where the window takes the pointer; everywhere else, and everywhere if empty, clicks reach what lies below.
     virtual void setInputRegion(const QRegion& region) = 0;
     /// What the picture covers, in points: the window's own shape where the desktop cannot blend a translucent one,
-    /// else unused. Each row crosses it once from the left to the right.
+    /// else unused. Each row crosses it once from the left to the right. The next paint() or
+    /// orderFrontRegardless() gives the window this shape.
     virtual void setOutline(const QPainterPath& outline) = 0;
 
     /// Device pixels per point at the place where the window is.

@@ -94,9 +94,9 @@ TEST_F(X11Panel, HasTheShapeOfItsOutlineWhereNothingBlends) {
     panel.onExpose = [this] {
         panel.paint(QRect(0, 0, 240, 120), [](QPainter& painter) { painter.fillRect(80, 0, 80, 120, Qt::red); });
     };
-    panel.onExpose();
     // Its left edge lies between two points: the shape is as fine as the pixels.
     panel.setOutline(RedPanel::rectangle({80.5, 0, 79.5, 120}));
+    panel.onExpose();
     const QPoint edge(pixel({200, 0}).x() + int(std::lround(80.5 * ratio())), pixel(middle).y());
     ASSERT_TRUE(waitFor([&] { return red() && colourAt(corner) == QColor(Qt::green); }));
     EXPECT_TRUE(shaped());

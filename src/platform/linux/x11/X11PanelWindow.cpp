@@ -88,8 +88,11 @@ void X11PanelWindow::prepareDrawing() {
 // done with the last one, which costs two wake-ups. The few pixels that change are sent instead.
 void X11PanelWindow::paint(const QRegion& damage, const std::function<void(QPainter&)>& draw) {
     // Pixels of other sizes are the toolkit's business.
-    if (depth_ != 32 && depth_ != 24) return QtPanelWindow::paint(damage, draw);
-    if (!window().isExposed()) return;
+    if (depth_ != 32 && depth_ != 24) {
+        reshape();
+        return QtPanelWindow::paint(damage, draw);
+    }
+    if (!window().isExposed()) return reshape();
     const double ratio = devicePixelRatio();
     const QSize size = (QSizeF(window().size()) * ratio).toSize();
     QRegion area = damage.translated(origin()) & QRect(QPoint(), window().size());
@@ -99,6 +102,8 @@ void X11PanelWindow::paint(const QRegion& damage, const std::function<void(QPain
     }
     picture_.setDevicePixelRatio(ratio);
     drawInto(picture_, area, draw);
+    // What the window grows by takes no pixels before, and should not stay without them.
+    reshape();
     for (const QRect& points : area)
         put(QRectF(QPointF(points.topLeft()) * ratio, QSizeF(points.size()) * ratio).toAlignedRect() & picture_.rect());
     xcb_flush(qtConnection());
@@ -143,6 +148,7 @@ void X11PanelWindow::setOverdraw(const QMargins& points) {
 }
 
 void X11PanelWindow::orderFrontRegardless() {
+    reshape();  // a window without any shape would never be told to paint
     QtPanelWindow::orderFrontRegardless();
     // Our connection's requests are to come after Qt's.
     awaitReply(qtConnection(), xcb_get_input_focus, xcb_get_input_focus_reply);
@@ -158,6 +164,9 @@ void X11PanelWindow::setInputRegion(const QRegion& region) {
 
 void X11PanelWindow::setOutline(const QPainterPath& outline) {
     outline_ = outline;
+}
+
+void X11PanelWindow::reshape() {
     if (shape_) applyOutline();
 }
 

@@ -49,6 +49,8 @@ class X11PanelWindow : public QtPanelWindow, private QAbstractNativeEventFilter 
     void put(const QRect& pixels);
     void applyInputRegion();
     void applyOutline();
+    /// The same, where the window has a shape at all.
+    void reshape();
     void dragSampled(const PointerSampler::Sample& sample);
     xcb_window_t id() const { return id_; }
 
