@@ -22,6 +22,8 @@ class Descriptor {
 
     explicit operator bool() const { return fd_ >= 0; }
     int get() const { return fd_; }
+    /// Leaves it to the caller to close it.
+    int release() { return std::exchange(fd_, -1); }
 
  private:
     int fd_;

@@ -31,24 +31,20 @@ struct Entry {
     off_t size = 0;
 };
 
-OwnedDescriptor openFolderIn(int folder, const QByteArray& name) {
-    return OwnedDescriptor(
-        ::openat(folder, name.constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+Descriptor openFolderIn(int folder, const QByteArray& name) {
+    return Descriptor(::openat(folder, name.constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
 }
 
 /// What is in an open folder, by name.
 QList<Entry> entries(int folder) {
-    OwnedDescriptor again = openFolderIn(folder, ".");
-    DIR* dir = again ? ::fdopendir(::dup(again.get())) : nullptr;
-    if (!dir) return {};
+    const std::unique_ptr<DIR, int (*)(DIR*)> directory(::fdopendir(openFolderIn(folder, ".").release()), &::closedir);
     QList<Entry> all;
-    while (const dirent* one = ::readdir(dir)) {
+    while (const dirent* one = directory ? ::readdir(directory.get()) : nullptr) {
         const QByteArray name = one->d_name;
         struct stat info {};
         if (name == "." || name == ".." || ::fstatat(folder, one->d_name, &info, AT_SYMLINK_NOFOLLOW) != 0) continue;
         all.append({name, info.st_mode, info.st_size});
     }
-    ::closedir(dir);
     std::sort(all.begin(), all.end(), [](const Entry& a, const Entry& b) { return a.name < b.name; });
     return all;
 }
@@ -79,15 +75,15 @@ QList<QUrl> bringOutOf(int inbox, const QByteArray& inboxName, int parent, const
 }  // namespace
 
 std::shared_ptr<Inbox> Inbox::make(const QUrl& folder) {
-    OwnedDescriptor parent = openFolder(folder);
+    Descriptor parent = openFolder(folder);
     QByteArray name = newHiddenName(kPrefix);
     if (!parent || ::mkdirat(parent.get(), name.constData(), S_IRWXU) != 0) return nullptr;
-    OwnedDescriptor self = openFolderIn(parent.get(), name);
+    Descriptor self = openFolderIn(parent.get(), name);
     if (!self) return nullptr;
     return std::shared_ptr<Inbox>(new Inbox(folder, std::move(name), std::move(parent), std::move(self)));
 }
 
-Inbox::Inbox(QUrl folder, QByteArray name, OwnedDescriptor parent, OwnedDescriptor self)
+Inbox::Inbox(QUrl folder, QByteArray name, Descriptor parent, Descriptor self)
     : folder_(std::move(folder)),
       name_(std::move(name)),
       parent_(std::move(parent)),
@@ -116,7 +112,7 @@ void Inbox::watch(int folder, int& budget) {
                         IN_CREATE | IN_MODIFY | IN_CLOSE_WRITE | IN_MOVED_TO | IN_MOVED_FROM | IN_DELETE | IN_ONLYDIR);
     for (const Entry& one : entries(folder)) {
         if (!S_ISDIR(one.mode)) continue;
-        if (const OwnedDescriptor inner = openFolderIn(folder, one.name)) watch(inner.get(), budget);
+        if (const Descriptor inner = openFolderIn(folder, one.name)) watch(inner.get(), budget);
     }
 }
 
@@ -186,11 +182,11 @@ bool Inbox::discard() {
 
 QList<QUrl> Inbox::bringOutLeft(const QUrl& folder) {
     QList<QUrl> out;
-    const OwnedDescriptor parent(::open(pathOf(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const Descriptor parent(::open(pathOf(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!parent) return out;
     for (const Entry& one : entries(parent.get())) {
         if (!one.name.startsWith(kPrefix) || !S_ISDIR(one.mode)) continue;
-        if (const OwnedDescriptor inbox = openFolderIn(parent.get(), one.name))
+        if (const Descriptor inbox = openFolderIn(parent.get(), one.name))
             out += bringOutOf(inbox.get(), one.name, parent.get(), folder, QString());
     }
     return out;

@@ -9,7 +9,7 @@
 #include <chrono>
 #include <memory>
 
-#include "platform/OwnedDescriptor.h"
+#include "platform/Descriptor.h"
 
 /// A hidden folder inside the dropped folder, in which another program writes what it has promised: so it can neither
 /// replace a file nor leave half of one in sight. It is held open, and nothing is looked up by its path again: whatever
@@ -47,7 +47,7 @@ class Inbox {
  private:
     using Time = std::chrono::steady_clock::time_point;
 
-    Inbox(QUrl folder, QByteArray name, OwnedDescriptor parent, OwnedDescriptor self);
+    Inbox(QUrl folder, QByteArray name, Descriptor parent, Descriptor self);
     void watch(int folder, int& budget);
     bool sleep(double seconds);
     bool readEvents();
@@ -55,7 +55,7 @@ class Inbox {
 
     QUrl folder_;
     QByteArray name_;
-    OwnedDescriptor parent_, self_, events_, wake_;
+    Descriptor parent_, self_, events_, wake_;
     std::atomic<Word> word_ = Word::none;
     QSet<QByteArray> beingWritten_;
 };

@@ -56,7 +56,7 @@ Naming moveOverOurs(int from, const char* name, int to, const char* target) {
     const bool folder = S_ISDIR(info.st_mode);
     if (folder) {
         if (::mkdirat(to, target, S_IRWXU) != 0) return refusal();
-    } else if (!OwnedDescriptor(::openat(to, target, O_RDONLY | O_CREAT | O_EXCL | O_CLOEXEC, kMode))) {
+    } else if (!Descriptor(::openat(to, target, O_RDONLY | O_CREAT | O_EXCL | O_CLOEXEC, kMode))) {
         return refusal();
     }
     if (::renameat(from, name, to, target) == 0) return Naming::done;
@@ -82,7 +82,7 @@ bool writeAll(int file, const QByteArray& contents) {
 /// For a file system that has no files without names.
 std::optional<QByteArray> writeHidden(int folder, const QString& name, const QByteArray& contents) {
     const QByteArray draft = newHiddenName(".glimmet-draft-");
-    const OwnedDescriptor file(
+    const Descriptor file(
         ::openat(folder, draft.constData(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kMode));
     if (!file) return {};
     std::optional<QByteArray> made;
@@ -107,9 +107,9 @@ QString beginning(const QString& text, qsizetype most) {
 
 }  // namespace
 
-OwnedDescriptor openFolder(const QUrl& folder) {
+Descriptor openFolder(const QUrl& folder) {
     QDir().mkpath(folder.toLocalFile());
-    return OwnedDescriptor(::open(pathOf(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    return Descriptor(::open(pathOf(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
 }
 
 QByteArray newHiddenName(const QByteArray& prefix) {
@@ -120,9 +120,9 @@ QByteArray newHiddenName(const QByteArray& prefix) {
 }
 
 std::optional<QUrl> writeNewFile(const QUrl& folder, const QString& name, const QByteArray& contents) {
-    const OwnedDescriptor dir = openFolder(folder);
+    const Descriptor dir = openFolder(folder);
     if (!dir) return {};
-    const OwnedDescriptor file(::openat(dir.get(), ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, kMode));
+    const Descriptor file(::openat(dir.get(), ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, kMode));
     std::optional<QByteArray> made;
     if (file) {
         if (!writeAll(file.get(), contents)) return {};

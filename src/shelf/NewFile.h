@@ -5,13 +5,13 @@
 #include <QUrl>
 #include <optional>
 
-#include "platform/OwnedDescriptor.h"
+#include "platform/Descriptor.h"
 
 // New files in a folder. A name that is taken gets a counter; no existing file is touched, and a file appears only once
 // it is whole. These wait for the disk, so they are called away from the main thread.
 
 /// Opens `folder`, making it and those above it when they are missing. Without a descriptor if that fails.
-OwnedDescriptor openFolder(const QUrl& folder);
+Descriptor openFolder(const QUrl& folder);
 /// A name that nothing else has, for what is not to be seen yet.
 QByteArray newHiddenName(const QByteArray& prefix);
 

@@ -14,27 +14,13 @@
 #include <cstdio>
 #include <memory>
 
+#include "platform/Descriptor.h"
+
 namespace {
 
 constexpr int kMostLinks = 40;    // as many as the kernel follows
 constexpr int kMostAside = 1000;  // unreadable files beside each other
 const QByteArray kTemporary = ".new-";
-
-/// A file descriptor that closes itself.
-class Descriptor {
- public:
-    explicit Descriptor(int fd) : fd_(fd) {}
-    ~Descriptor() {
-        if (fd_ >= 0) ::close(fd_);
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    explicit operator bool() const { return fd_ >= 0; }
-    int get() const { return fd_; }
-
- private:
-    int fd_;
-};
 
 bool exists(const QByteArray& path) {
     struct stat status = {};
