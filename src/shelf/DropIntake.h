@@ -36,8 +36,7 @@ class DropIntake {
     /// Reads what was dropped, each thing in the best of its forms, and puts it on the shelf when all of it is there.
     void handleDrop(std::shared_ptr<Drop> drop);
 
-    /// Holds what other programs wrote for an earlier run that ended before it could. To be called once, at the start,
-    /// while no drop is being read.
+    /// Holds what other programs wrote for an earlier run that ended before it could. To be called once, at the start.
     void takeLeft();
 
     /// Name for a file that was dropped as data, by the user's local time; `extension` without a dot.

@@ -4,11 +4,13 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/eventfd.h>
+#include <sys/file.h>
 #include <sys/inotify.h>
 #include <sys/stat.h>
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cmath>
 
 #include "platform/FileUrls.h"
@@ -49,6 +51,12 @@ QList<Entry> entries(int folder) {
     return all;
 }
 
+/// Whether nobody else uses the inbox; for as long as it is open nobody else will. Where there are no locks, nobody
+/// does.
+bool claim(int inbox) {
+    return ::flock(inbox, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+}
+
 bool isEmptyFile(const Entry& entry) {
     return S_ISREG(entry.mode) && entry.size == 0;
 }
@@ -79,7 +87,7 @@ std::shared_ptr<Inbox> Inbox::make(const QUrl& folder) {
     QByteArray name = newHiddenName(kPrefix);
     if (!parent || ::mkdirat(parent.get(), name.constData(), S_IRWXU) != 0) return nullptr;
     Descriptor self = openFolderIn(parent.get(), name);
-    if (!self) return nullptr;
+    if (!self || !claim(self.get())) return nullptr;
     return std::shared_ptr<Inbox>(new Inbox(folder, std::move(name), std::move(parent), std::move(self)));
 }
 
@@ -186,8 +194,8 @@ QList<QUrl> Inbox::bringOutLeft(const QUrl& folder) {
     if (!parent) return out;
     for (const Entry& one : entries(parent.get())) {
         if (!one.name.startsWith(kPrefix) || !S_ISDIR(one.mode)) continue;
-        if (const Descriptor inbox = openFolderIn(parent.get(), one.name))
-            out += bringOutOf(inbox.get(), one.name, parent.get(), folder, QString());
+        const Descriptor inbox = openFolderIn(parent.get(), one.name);
+        if (inbox && claim(inbox.get())) out += bringOutOf(inbox.get(), one.name, parent.get(), folder, QString());
     }
     return out;
 }

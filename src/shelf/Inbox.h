@@ -40,8 +40,8 @@ class Inbox {
     /// Removes it with the empty files in it. False, and nothing changed, if there is anything else.
     bool discard();
 
-    /// Brings out what is left in all inboxes of `folder`, whose writers a program that ended in the middle did not
-    /// await. None may be in use.
+    /// Brings out what is left in the inboxes of `folder` that nobody uses: a program that ended in the middle did not
+    /// await their writers.
     static QList<QUrl> bringOutLeft(const QUrl& folder);
 
  private:

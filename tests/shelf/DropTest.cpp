@@ -328,12 +328,16 @@ TEST(NewFile, CountersStandBeforeTheExtension) {
 
 TEST(Inbox, WhatAnEarlierRunLeftIsHeldAtTheNextStart) {
     DropFixture f;
-    const auto inbox = Inbox::make(f.m.droppedFolder());
+    auto inbox = Inbox::make(f.m.droppedFolder());
     ASSERT_TRUE(inbox);
     const QString place = QFileInfo(inbox->place(QStringLiteral("x")).toLocalFile()).path() + u'/';
     ASSERT_TRUE(QDir(place).mkpath(QStringLiteral("folder/inner")));
     ASSERT_TRUE(QFile(place + QStringLiteral(".hidden")).open(QFile::WriteOnly));
     ASSERT_TRUE(QFile::link(QStringLiteral("/etc"), place + QStringLiteral("link")));
+    f.drops.takeLeft();
+    f.f.loop.drain();
+    EXPECT_TRUE(f.m.items->isEmpty()) << "it is still in use";
+    inbox.reset();
     f.drops.takeLeft();
     f.f.loop.drain();
     QStringList held;
