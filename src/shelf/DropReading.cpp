@@ -3,6 +3,7 @@
 #include <QDir>
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "platform/BackgroundQueue.h"
 #include "shelf/NewFile.h"
@@ -173,7 +174,9 @@ void DropReading::formsRead() {
 
 void DropReading::writeImage() {
     if (image_.isEmpty()) return finish({}, bites_);
-    away([folder = folder_, name = imageName_, bytes = image_] { return writeNewFile(folder, name, bytes); },
+    // Handed over, because giving so much memory back takes long.
+    away([folder = folder_, name = imageName_,
+          bytes = std::exchange(image_, {})] { return writeNewFile(folder, name, bytes); },
          [self = shared_from_this()](const std::optional<QUrl>& file) {
              if (file)
                  self->finish({*file}, {});

@@ -4,6 +4,7 @@
 
 #include <QFontDatabase>
 #include <QtGlobal>
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <condition_variable>
@@ -20,13 +21,17 @@ struct Folder {
     const char* inHome;  // where it is if the variable is not set
 };
 
-constexpr std::array<Folder, 3> kFolders{
-    {{"XDG_CONFIG_HOME", "/.config"}, {"XDG_DATA_HOME", "/.local/share"}, {"XDG_CACHE_HOME", "/.cache"}}};
+constexpr std::array<Folder, 4> kFolders{
+    {{"HOME", ""}, {"XDG_CONFIG_HOME", "/.config"}, {"XDG_DATA_HOME", "/.local/share"}, {"XDG_CACHE_HOME", "/.cache"}}};
 
 struct Answers {
     std::mutex mutex;
     std::condition_variable changed;
     std::array<bool, kFolders.size()> came{};
+
+    bool all() const {
+        return std::all_of(came.begin(), came.end(), [](bool one) { return one; });
+    }
 };
 
 QByteArray placeOf(const Folder& folder) {
@@ -52,9 +57,7 @@ SilentFolders::SilentFolders() {
         }).detach();
     }
     std::unique_lock lock(answers->mutex);
-    answers->changed.wait_for(lock, kPatience, [&] {
-        return answers->came == std::array<bool, kFolders.size()>{true, true, true};
-    });
+    answers->changed.wait_for(lock, kPatience, [&] { return answers->all(); });
     for (size_t i = 0; i < kFolders.size(); ++i) {
         if (answers->came[i]) continue;
         hidden_.append({kFolders[i].variable, qgetenv(kFolders[i].variable)});

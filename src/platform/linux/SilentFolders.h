@@ -4,9 +4,10 @@
 #include <QList>
 #include <utility>
 
-/// Hides those of the user's folders for configuration, data and caches whose disk does not answer within a fraction of
-/// a second from what reads them on the main thread, where it would wait for ever: the toolkit's start and its font
-/// library's. Created before the application and while no other thread runs that reads the environment.
+/// Hides those of the user's folders, home and those for configuration, data and caches, whose disk does not answer
+/// within a fraction of a second from what reads them on the main thread, where it would wait for ever: the toolkit's
+/// start and its font library's. Created before the application and while no other thread runs that reads the
+/// environment.
 class SilentFolders {
  public:
     SilentFolders();

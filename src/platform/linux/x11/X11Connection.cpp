@@ -138,6 +138,12 @@ void X11Connection::deliverAnswers() {
     }
 }
 
+void X11Connection::flush() {
+    xcb_flush(connection_);
+    // While it waits to write, the library reads what has come in.
+    collectQueued();
+}
+
 void X11Connection::collectQueued() {
     while (auto* event = xcb_poll_for_queued_event(connection_)) queued_.emplace_back(event);
     // The socket is empty now, so nothing else would wake the loop for these.

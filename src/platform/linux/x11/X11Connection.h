@@ -50,7 +50,8 @@ class X11Connection {
         collectQueued();
         return result;
     }
-    void flush() const { xcb_flush(connection_); }
+    /// Sends what has been asked for.
+    void flush();
     /// Calls `done` from the loop with the answer to a request that was sent before, null when that is an error. Waits
     /// for nothing.
     template <class Answer, class Cookie>
