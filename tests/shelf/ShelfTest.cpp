@@ -30,6 +30,9 @@ TEST(Items, TheThirteenthPushesTheOldestOut) {
     EXPECT_EQ(f.m.items->last(), file(QStringLiteral("/g")));
     EXPECT_EQ(f.m.addItems(files(20, 100)), 12);
     EXPECT_EQ(f.m.items->first(), file(QStringLiteral("/f/108")));
+    f.m.removeItem(file(QStringLiteral("/f/109")));
+    f.m.removeItem(file(QStringLiteral("/nowhere")));
+    EXPECT_EQ(f.m.items.get(), files(1, 108) + files(10, 110));
 }
 
 TEST(Items, OneFileIsHeldOnceUnderAnyOfItsPaths) {
@@ -42,14 +45,6 @@ TEST(Items, OneFileIsHeldOnceUnderAnyOfItsPaths) {
     for (const char* same : {"/a/./b", "/a//b", "/a/b/"})
         EXPECT_EQ(f.m.addItems({file(QLatin1String(same))}), 0) << same;
     EXPECT_EQ(f.preferences.writes, writes);
-}
-
-TEST(Items, OnlyTheNamedOneIsRemoved) {
-    CreatureFixture f;
-    f.m.addItems(files(3));
-    f.m.removeItem(file(QStringLiteral("/f/1")));
-    f.m.removeItem(file(QStringLiteral("/nowhere")));
-    EXPECT_EQ(f.m.items.get(), (QList<QUrl>{file(QStringLiteral("/f/0")), file(QStringLiteral("/f/2"))}));
 }
 
 TEST(Bites, KeepTheLastEightAndAreToldApartByKindAndText) {
@@ -67,11 +62,7 @@ TEST(Bites, KeepTheLastEightAndAreToldApartByKindAndText) {
 }
 
 TEST(Timers, RoundTheirMinutesButNotTheirTime) {
-    struct Case {
-        double length;
-        int minutes;
-    };
-    for (const auto& [length, minutes] : std::vector<Case>{{2.5, 3}, {0.2, 1}, {25, 25}, {0, 1}, {-3, 1}, {1.49, 1}}) {
+    for (const auto& [length, minutes] : {std::pair(2.5, 3), {0.2, 1}, {25.0, 25}, {0.0, 1}, {-3.0, 1}, {1.49, 1}}) {
         CreatureFixture f;
         f.m.asleep = true;
         f.m.addTimer(length);
