@@ -74,6 +74,8 @@ TEST_F(X11Panel, TakesClicksInsideItsInputRegionOnly) {
 TEST_F(X11Panel, GivesWayToAProgramThatInsists) {
     ASSERT_TRUE(waitFor([&] { return red(); }));
     OtherWindow rival(session(), {.fullScreen = true});
+    ASSERT_TRUE(waitFor([&] { return rival.active(); }));
+    panel.orderFrontRegardless();  // right above it, where it can be covered
     int lost = 0;
     QElapsedTimer timer;
     timer.start();
@@ -81,6 +83,7 @@ TEST_F(X11Panel, GivesWayToAProgramThatInsists) {
         if (red()) {
             ++lost;
             rival.raise();
+            waitFor([&] { return !red(); }, 0.1);  // may be over too soon to be seen
         }
         letPass(0.005);
     }

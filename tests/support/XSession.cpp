@@ -273,8 +273,7 @@ xcb_window_t OtherWindow::openSecond() {
 void OtherWindow::raise() {
     const uint32_t above = XCB_STACK_MODE_ABOVE;
     xcb_configure_window(connection_, window_, XCB_CONFIG_WINDOW_STACK_MODE, &above);
-    // What is seen afterwards is seen with it.
-    owned(xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
+    xcb_flush(connection_);
 }
 
 void OtherWindow::activate() {
