@@ -4,7 +4,7 @@
 #include <optional>
 #include <utility>
 
-#include "creature/Signal.h"
+#include "platform/Signal.h"
 #include "motion/Animation.h"
 #include "platform/MainLoop.h"
 
