@@ -38,7 +38,7 @@ class Panel {
 
     CreatureFixture f;
     MemoryIcons icons;
-    RootView root{f.m, {icons, {}, {}, {}, false}, f.clock, f.loop, [] { return 0.5; }};
+    RootView root{f.m, {.icons = icons}, f.clock, f.loop, [] { return 0.5; }};
 
  private:
     int ratio_;
@@ -59,7 +59,7 @@ void restingFace(benchmark::State& state) {
 /// The same with five things held.
 void restingFaceHolding(benchmark::State& state) {
     Panel panel(int(state.range(0)));
-    for (int i = 0; i < 5; ++i) panel.f.m.addBites({Bite::note(QString::number(i))});
+    for (int i = 0; i < 5; ++i) panel.f.shelf.addBites({Bite::note(QString::number(i))});
     for (auto _ : state) {
         panel.f.loop.advance(0.25);
         panel.frame();

@@ -11,7 +11,9 @@
 namespace {
 
 constexpr double kMenuMargin = 14;
-constexpr double kSharingAbove = 6;  // points above the panel's lower edge
+constexpr double kSharingAbove = 6;     // points above the panel's lower edge
+constexpr double kVitalsInterval = 15;  // seconds
+constexpr double kLifeInterval = 4;
 
 }  // namespace
 
@@ -19,21 +21,21 @@ AppDelegate::AppDelegate(const Ports& ports, const QStringList& arguments)
     : ports_(ports),
       arguments_(arguments),
       diagnostics_(arguments),
-      m_(ports.clock, ports.loop,
-         {ports.preferences, ports.files, ports.worker, ports.jobs, ports.pasteboard, ports.dataFolder}),
-      drops_(m_, ports.clock, ports.loop, ports.dragPasteboard, ports.disk),
-      chipActions_(m_, ports.workspace, ports.pasteboard, ports.sharing),
-      root_(m_, chipPorts(), ports.clock, ports.loop, ports.random),
-      panel_(m_, root_, ports.window, ports.clock, ports.loop),
-      behaviour_(m_, ports.clock, ports.loop, ports.sounds, ports.random,
+      shelf_(model_, {ports.clock, ports.loop, ports.preferences, ports.files, ports.worker, ports.jobs,
+                      ports.pasteboard, ports.dataFolder}),
+      drops_(model_, shelf_, ports.clock, ports.loop, ports.dragPasteboard, ports.disk),
+      chipActions_(model_, shelf_, ports.workspace, ports.sharing),
+      root_(model_, chipPorts(), ports.clock, ports.loop, ports.random),
+      panel_(model_, root_, ports.window, ports.clock, ports.loop),
+      behaviour_(model_, ports.clock, ports.loop, ports.sounds, ports.random,
                  [this](const QString& line) { diagnostics_.trace(line); }),
-      placement_(m_, ports.screens, ports.loop),
-      commands_(m_, ports.clock, ports.preferences, ports.workspace),
-      capsLock_(m_),
-      agents_(m_, ports.loop, ports.disk, ports.workspace),
-      flags_(m_, ports.loop, arguments, [this] { panel_.setIgnoresMouseEvents(false); }),
-      screenTest_(m_, ports.loop, placement_, panel_),
-      shelfTest_(m_, ports.loop, drops_) {
+      placement_(model_, ports.screens, ports.loop),
+      commands_(model_, shelf_, ports.clock, ports.preferences, ports.workspace, switches()),
+      capsLock_(model_),
+      agents_(model_, ports.loop, ports.disk, ports.workspace),
+      flags_(model_, shelf_, behaviour_, ports.loop, arguments, [this] { panel_.setIgnoresMouseEvents(false); }),
+      screenTest_(model_, ports.loop, placement_, panel_),
+      shelfTest_(model_, shelf_, ports.loop, drops_) {
     connect();
 }
 
@@ -51,15 +53,17 @@ void AppDelegate::connect() {
     commands_.quit = ports_.quit;
     ports_.screenLock.onChange = [this] { lockChanged(); };
     root_.onBreath = [this] {
-        if (!m_.screenLocked) ports_.monitors.lookForPointer();
+        if (!model_.screenLocked) ports_.monitors.lookForPointer();
     };
-    ports_.preferences.onSaveFailed = [this] { ++m_.worryCount; };
-    m_.onFocusBlockedTerminal = [this] { agents_.focusBlockedTerminal(); };
+    ports_.preferences.onSaveFailed = [this] { ++model_.worryCount; };
+    behaviour_.clearDoneTimers = [this] { shelf_.clearDoneTimers(); };
+    behaviour_.focusBlockedTerminal = [this] { agents_.focusBlockedTerminal(); };
 }
 
 ChipPorts AppDelegate::chipPorts() {
     return {.icons = ports_.icons,
             .trace = [this](const QString& line) { diagnostics_.trace(line); },
+            .notchTapped = [this] { behaviour_.notchTapped(); },
             .use = [this](const HeldThing& thing) { chipActions_.use(thing); },
             .remove = [this](const HeldThing& thing) { chipActions_.remove(thing); },
             .showX = arguments_.contains(QStringLiteral("--showx"))};
@@ -70,13 +74,13 @@ AppDelegate::Launch AppDelegate::launch() {
         diagnostics_.log(QStringLiteral("no screen to live on"));
         return Launch::noScreen;
     }
-    ports_.preferences.whenRead([this] { m_.loadShelf(); });
+    ports_.preferences.whenRead([this] { shelf_.loadShelf(); });
     watchPointer();
     lockChanged();
     panel_.show(placement_.homeFrame());
     if (const auto paths = flags_.value("--droptest=")) shelfTest_.startDrop(*paths);
     ports_.preferences.whenRead([this, late = !ports_.preferences.isRead()] {
-        m_.loadHeld();
+        shelf_.loadHeld();
         if (late) placement_.screensChanged();  // a notch of the user's own
     });
     placement_.follow(panel_, behaviour_);
@@ -110,23 +114,46 @@ void AppDelegate::watchPointer() {
 void AppDelegate::startSensors() {
     ports_.workspace.onApplicationActivated = [this] { behaviour_.applicationActivated(); };
     ports_.monitors.onCapsLockChanged = [this](bool on) { capsLock_.capsChanged(on); };
-    m_.capsOn = ports_.monitors.capsLock();
+    model_.capsOn = ports_.monitors.capsLock();
     ports_.workspace.start();
-    behaviour_.startTicks();
+    startTicks();
     drops_.takeLeft();
     agents_.start();
+    commands_.startSwitches();
+}
+
+void AppDelegate::startTicks() {
+    vitalsTick();
+    vitalsTimer_ = ports_.loop.every(kVitalsInterval, [this] { vitalsTick(); });
+    lifeTimer_ = ports_.loop.every(kLifeInterval, [this] { lifeTick(); });
+}
+
+void AppDelegate::vitalsTick() {
+    behaviour_.yawnTick();
+}
+
+void AppDelegate::lifeTick() {
+    if (shelf_.tickTimers()) behaviour_.timerRang();
+    behaviour_.lifeTick();
+}
+
+// What they switch is not there yet.
+QList<Switch> AppDelegate::switches() {
+    return {{QStringLiteral("Watch Downloads"), QStringLiteral("glimmet.watchDownloads"), {}, {}},
+            {QStringLiteral("Meeting whispers"), QStringLiteral("glimmet.whispers"), {}, {}},
+            {QStringLiteral("Music in the notch"), QStringLiteral("glimmet.music"), {}, {}}};
 }
 
 void AppDelegate::lockChanged() {
-    m_.screenLocked = ports_.screenLock.locked();
-    if (!m_.screenLocked) return;
+    model_.screenLocked = ports_.screenLock.locked();
+    if (!model_.screenLocked) return;
     ports_.closePopUp();
     panel_.letGo();
     drops_.refuse();
 }
 
 void AppDelegate::popUp(const QList<MenuItem>& items, QPointF at) {
-    if (!m_.screenLocked) ports_.popUp(items, at);
+    if (!model_.screenLocked) ports_.popUp(items, at);
 }
 
 void AppDelegate::rightMouseDown(QPointF pointer) {
@@ -145,5 +172,5 @@ void AppDelegate::dumpMenu() {
 void AppDelegate::logStart() const {
     const QRectF notch = placement_.notch();
     diagnostics_.log(
-        QStringLiteral("notch=%1 top=%2 toy=%3").arg(formatRect(notch), formatNumber(m_.screenTop), rawValue(m_.toy)));
+        QStringLiteral("notch=%1 top=%2 toy=%3").arg(formatRect(notch), formatNumber(model_.screenTop), rawValue(model_.toy)));
 }

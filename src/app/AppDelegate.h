@@ -14,6 +14,7 @@
 #include "creature/NotchModel.h"
 #include "shelf/ChipActions.h"
 #include "shelf/DropIntake.h"
+#include "shelf/Shelf.h"
 #include "views/RootView.h"
 #include "watchers/AgentWatcher.h"
 #include "watchers/CapsLock.h"
@@ -74,13 +75,17 @@ class AppDelegate {
     /// the main loop.
     Launch launch();
 
-    NotchModel& model() { return m_; }
+    NotchModel& model() { return model_; }
 
  private:
     void connect();
     void watchPointer();
     ChipPorts chipPorts();
+    static QList<Switch> switches();
     void startSensors();
+    void startTicks();
+    void vitalsTick();
+    void lifeTick();
     void lockChanged();
     void popUp(const QList<MenuItem>& items, QPointF at);
     void rightMouseDown(QPointF pointer);
@@ -90,7 +95,8 @@ class AppDelegate {
     Ports ports_;
     QStringList arguments_;
     Diagnostics diagnostics_;
-    NotchModel m_;
+    NotchModel model_;
+    Shelf shelf_;
     DropIntake drops_;
     ChipActions chipActions_;
     RootView root_;
@@ -103,5 +109,6 @@ class AppDelegate {
     CommandLineFlags flags_;
     ScreenTest screenTest_;
     ShelfSelfTest shelfTest_;
+    TimerHandle vitalsTimer_, lifeTimer_;
     bool demo_ = false;  // the creature does as the command line says
 };

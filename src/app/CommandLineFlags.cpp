@@ -2,6 +2,9 @@
 
 #include <cmath>
 
+#include "creature/BehaviourEngine.h"
+#include "shelf/Shelf.h"
+
 namespace {
 
 constexpr double kReactionDelay = 1.5;  // seconds, so that a viewer sees the state before
@@ -31,9 +34,14 @@ std::optional<double> parseNumber(const QString& text) {
 
 }  // namespace
 
-CommandLineFlags::CommandLineFlags(NotchModel& model, MainLoop& loop, QStringList arguments,
-                                   std::function<void()> takeMouse)
-    : m_(model), loop_(loop), arguments_(std::move(arguments)), takeMouse_(std::move(takeMouse)) {}
+CommandLineFlags::CommandLineFlags(NotchModel& model, Shelf& shelf, BehaviourEngine& behaviour, MainLoop& loop,
+                                   QStringList arguments, std::function<void()> takeMouse)
+    : model_(model),
+      shelf_(shelf),
+      behaviour_(behaviour),
+      loop_(loop),
+      arguments_(std::move(arguments)),
+      takeMouse_(std::move(takeMouse)) {}
 
 bool CommandLineFlags::has(const char* flag) const {
     return arguments_.contains(QLatin1String(flag));
@@ -61,11 +69,11 @@ void CommandLineFlags::later(std::function<void()> reaction) {
 FlagEffects CommandLineFlags::apply() {
     FlagEffects effects;
     applyToy(effects);
-    if (has("--targeted")) m_.dropTargeted = true;
+    if (has("--targeted")) model_.dropTargeted = true;
     applyShelfSeeds();
     applyPointerAndSky();
-    applyPowerAndMood(effects);
-    applySenses(effects);
+    applyPowerAndMood();
+    applySenses();
     effects.screenTest = has("--screentest");
     effects.chewTest = value("--chewtest=");
     applyHeldAndPlace();
@@ -78,22 +86,22 @@ void CommandLineFlags::applyToy(FlagEffects& effects) {
     for (const Toy toy : allToys) {
         if (!rawValue(toy).toLower().startsWith(name->toLower())) continue;
         effects.demo = true;
-        m_.toy = toy;
-        m_.hidden = false;
-        m_.hovering = true;
+        model_.toy = toy;
+        model_.hidden = false;
+        model_.hovering = true;
         takeMouse_();
-        m_.cursor = QPointF(m_.centerX + 40, m_.screenTop - 230);
+        model_.cursor = QPointF(model_.centerX + 40, model_.screenTop - 230);
         return;
     }
 }
 
 void CommandLineFlags::applyShelfSeeds() {
     if (has("--bigseed")) {
-        m_.replaceItems(
+        shelf_.replaceItems(
             applications({"Notes", "Calendar", "Maps", "Calculator", "TextEdit", "Preview", "Stocks", "Dictionary"}));
     }
-    if (has("--expand")) m_.shelfExpanded = true;
-    if (has("--seed")) m_.replaceItems(applications({"Notes", "Calendar"}));
+    if (has("--expand")) model_.shelfExpanded = true;
+    if (has("--seed")) shelf_.replaceItems(applications({"Notes", "Calendar"}));
 }
 
 void CommandLineFlags::applyPointerAndSky() {
@@ -102,67 +110,67 @@ void CommandLineFlags::applyPointerAndSky() {
         for (const QString& part : text->split(u',', Qt::SkipEmptyParts)) {
             if (const auto parsed = parseNumber(part)) numbers.append(*parsed);
         }
-        if (numbers.size() == 2) m_.cursor = QPointF(m_.centerX + numbers[0], m_.screenTop - numbers[1]);
+        if (numbers.size() == 2) model_.cursor = QPointF(model_.centerX + numbers[0], model_.screenTop - numbers[1]);
     }
     if (const auto name = value("--sky=")) {
-        m_.sky = skyNamed(name->toLower());
-        m_.tempC = 21.0;
+        model_.sky = skyNamed(name->toLower());
+        model_.tempC = 21.0;
     }
-    if (has("--drag")) m_.dragOffset = QSizeF(6, 76);
+    if (has("--drag")) model_.dragOffset = QSizeF(6, 76);
 }
 
-void CommandLineFlags::applyPowerAndMood(FlagEffects& effects) {
+void CommandLineFlags::applyPowerAndMood() {
     if (has("--charging")) {
-        m_.charging = true;
-        m_.battery = 0.55;
-        effects.batteryPinned = true;
+        model_.charging = true;
+        model_.battery = 0.55;
+        model_.batteryPinned = true;
     }
     if (has("--low")) {
-        m_.battery = 0.12;
-        m_.charging = false;
-        effects.batteryPinned = true;
+        model_.battery = 0.12;
+        model_.charging = false;
+        model_.batteryPinned = true;
     }
-    if (has("--yawn")) later([this] { m_.yawn(); });
-    if (has("--worry")) later([this] { ++m_.worryCount; });
+    if (has("--yawn")) later([this] { behaviour_.yawn(); });
+    if (has("--worry")) later([this] { ++model_.worryCount; });
 }
 
-void CommandLineFlags::applySenses(FlagEffects& effects) {
+void CommandLineFlags::applySenses() {
     if (has("--camera")) {
-        m_.cameraInUse = true;
-        effects.privacyPinned = true;
+        model_.cameraInUse = true;
+        model_.privacyPinned = true;
     }
     if (has("--mic")) {
-        m_.micInUse = true;
-        effects.privacyPinned = true;
+        model_.micInUse = true;
+        model_.privacyPinned = true;
     }
     if (has("--needsyou")) {
-        m_.needsYou = true;
-        later([this] { ++m_.spawnCount; });
+        model_.needsYou = true;
+        later([this] { ++model_.spawnCount; });
     }
-    if (has("--spawn")) later([this] { ++m_.spawnCount; });
-    if (has("--caps")) m_.capsOn = true;
-    if (has("--offline")) m_.offline = true;
+    if (has("--spawn")) later([this] { ++model_.spawnCount; });
+    if (has("--caps")) model_.capsOn = true;
+    if (has("--offline")) model_.offline = true;
     if (has("--disk")) {
-        m_.diskFull = true;
-        effects.batteryPinned = true;
+        model_.diskFull = true;
+        model_.batteryPinned = true;
     }
-    if (has("--whispers")) m_.eventWhisper = QStringLiteral("10:00 standup");
-    if (has("--update")) m_.updateAvailable = QStringLiteral("9.9");
-    if (has("--downloading")) m_.downloading = true;
-    if (has("--chewing")) m_.chewing = true;
+    if (has("--whispers")) model_.eventWhisper = QStringLiteral("10:00 standup");
+    if (has("--update")) model_.updateAvailable = QStringLiteral("9.9");
+    if (has("--downloading")) model_.downloading = true;
+    if (has("--chewing")) model_.chewing = true;
 }
 
 void CommandLineFlags::applyHeldAndPlace() {
-    if (has("--hidden")) m_.hidden = true;
+    if (has("--hidden")) model_.hidden = true;
     if (has("--music")) {
-        m_.musicPlaying = true;
-        m_.musicTrack = QStringLiteral("Night Train Home — The Lanterns");
+        model_.musicPlaying = true;
+        model_.musicTrack = QStringLiteral("Night Train Home — The Lanterns");
     }
     if (has("--bites")) {
-        m_.bites = QList{Bite::link(QUrl(QStringLiteral("https://example.org/recipes/soup"))),
+        model_.bites = QList{Bite::link(QUrl(QStringLiteral("https://example.org/recipes/soup"))),
                          Bite::note(QStringLiteral("call the bank about the card"))};
     }
-    if (const auto seconds = number("--timer=")) m_.addTimer(*seconds / 60);
-    if (const auto x = number("--slide=")) m_.slideX = *x;
-    if (has("--idle")) m_.hovering = false;
+    if (const auto seconds = number("--timer=")) shelf_.addTimer(*seconds / 60);
+    if (const auto x = number("--slide=")) model_.slideX = *x;
+    if (has("--idle")) model_.hovering = false;
 }

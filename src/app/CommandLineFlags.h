@@ -6,12 +6,14 @@
 #include <vector>
 
 #include "creature/NotchModel.h"
+#include "platform/MainLoop.h"
+
+class BehaviourEngine;
+class Shelf;
 
 /// What the flags do beyond setting the model.
 struct FlagEffects {
     bool demo = false;                ///< the live sensors stay off
-    bool batteryPinned = false;       ///< battery, charging and disk are as the flags say
-    bool privacyPinned = false;       ///< camera and microphone are as the flags say
     bool screenTest = false;          ///< the screen self-test was asked for
     std::optional<QString> chewTest;  ///< the chew self-test was, with this request
 };
@@ -20,8 +22,10 @@ struct FlagEffects {
 /// thread.
 class CommandLineFlags {
  public:
-    /// `takeMouse` lets the panel take the pointer, as it must for a creature that attends without one.
-    CommandLineFlags(NotchModel& model, MainLoop& loop, QStringList arguments, std::function<void()> takeMouse);
+    /// `takeMouse` lets the panel take the pointer, as it must for a creature that attends without one. The references
+    /// must outlive the object.
+    CommandLineFlags(NotchModel& model, Shelf& shelf, BehaviourEngine& behaviour, MainLoop& loop, QStringList arguments,
+                     std::function<void()> takeMouse);
 
     /// Applies the flags. One-shot reactions follow 1.5 s later, for as long as this object lives.
     FlagEffects apply();
@@ -35,12 +39,14 @@ class CommandLineFlags {
     void applyToy(FlagEffects& effects);
     void applyShelfSeeds();
     void applyPointerAndSky();
-    void applyPowerAndMood(FlagEffects& effects);
-    void applySenses(FlagEffects& effects);
+    void applyPowerAndMood();
+    void applySenses();
     void applyHeldAndPlace();
     void later(std::function<void()> reaction);
 
-    NotchModel& m_;
+    NotchModel& model_;
+    Shelf& shelf_;
+    BehaviourEngine& behaviour_;
     MainLoop& loop_;
     QStringList arguments_;
     std::function<void()> takeMouse_;

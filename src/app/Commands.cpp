@@ -2,37 +2,44 @@
 
 #include "platform/Preferences.h"
 #include "platform/Workspace.h"
+#include "shelf/Shelf.h"
 
 namespace {
 
-const QString kWatchDownloads = QStringLiteral("glimmet.watchDownloads");
-const QString kWhispers = QStringLiteral("glimmet.whispers");
-const QString kMusic = QStringLiteral("glimmet.music");
 const QString kSite = QStringLiteral("https://glimmet.example/");
 constexpr double kQuietSeconds = 3600;
 
 }  // namespace
 
-Commands::Commands(NotchModel& model, Clock& clock, Preferences& preferences, Workspace& workspace)
-    : m_(model), clock_(clock), preferences_(preferences), workspace_(workspace) {}
+Commands::Commands(NotchModel& model, Shelf& shelf, Clock& clock, Preferences& preferences, Workspace& workspace,
+                   QList<Switch> switches)
+    : model_(model),
+      shelf_(shelf),
+      clock_(clock),
+      preferences_(preferences),
+      workspace_(workspace),
+      switches_(std::move(switches)) {}
+
+void Commands::startSwitches() {
+    for (const Switch& one : switches_) {
+        if (one.start && preferences_.boolean(one.key)) one.start();
+    }
+}
 
 QList<MenuItem> Commands::menu() {
     QList<MenuItem> items;
     for (const Toy toy : allToys) {
         const QString name = rawValue(toy);
-        items.append({name, [this, name] { pick(name); }, m_.toy == toy, {}});
+        items.append({name, [this, name] { pick(name); }, model_.toy == toy, {}});
     }
     items.append(MenuItem{});
     items.append(timerItem());
     items.append(quietItem());
     items.append(MenuItem{});
-    // What these switch on is not there yet, so they cannot be chosen.
-    items.append({QStringLiteral("Watch Downloads"), {}, preferences_.boolean(kWatchDownloads), {}});
-    items.append({QStringLiteral("Meeting whispers"), {}, preferences_.boolean(kWhispers), {}});
-    items.append({QStringLiteral("Music in the notch"), {}, preferences_.boolean(kMusic), {}});
+    for (const Switch& one : switches_) items.append(switchItem(one));
     items.append(updateItem());
     items.append(MenuItem{});
-    items.append({m_.hidden ? QStringLiteral("Show Glimmet") : QStringLiteral("Hide Glimmet"),
+    items.append({model_.hidden ? QStringLiteral("Show Glimmet") : QStringLiteral("Hide Glimmet"),
                   [this] { toggleHidden(); },
                   false,
                   {}});
@@ -49,15 +56,20 @@ MenuItem Commands::timerItem() {
 }
 
 MenuItem Commands::quietItem() {
-    if (!m_.quiet()) return {QStringLiteral("Shh for an hour"), [this] { shh(); }, false, {}};
-    const int minutes = int((m_.quietUntil.get() - clock_.now()) / 60);
+    if (!model_.isQuiet(clock_)) return {QStringLiteral("Shh for an hour"), [this] { shh(); }, false, {}};
+    const int minutes = int((model_.quietUntil.get() - clock_.now()) / 60);
     return {QStringLiteral("Wake up (%1 min left)").arg(minutes), [this] { wakeUp(); }, false, {}};
 }
 
+MenuItem Commands::switchItem(const Switch& shown) {
+    const auto action = [this, shown] { flip(shown); };
+    return {shown.title, shown.start ? std::function<void()>(action) : nullptr, preferences_.boolean(shown.key), {}};
+}
+
 MenuItem Commands::updateItem() {
-    if (m_.updateAvailable->has_value())
+    if (model_.updateAvailable->has_value())
         return {
-            QStringLiteral("v%1 is out · get it").arg(m_.updateAvailable->value()), [this] { openSite(); }, false, {}};
+            QStringLiteral("v%1 is out · get it").arg(model_.updateAvailable->value()), [this] { openSite(); }, false, {}};
     // Nothing can look for a newer version yet, so this cannot be chosen.
     return {QStringLiteral("Check for updates…"), {}, false, {}};
 }
@@ -65,22 +77,27 @@ MenuItem Commands::updateItem() {
 void Commands::pick(const QString& name) {
     for (const Toy toy : allToys) {
         if (rawValue(toy) != name) continue;
-        m_.pickToy(toy);
+        model_.withAnimation(commonSpring(), [&] {
+            model_.toy = toy;
+            model_.dragOffset = QSizeF(0, 0);
+            model_.dragging = false;
+            model_.asleep = false;
+        });
         if (updateMousePassThrough) updateMousePassThrough();
     }
 }
 
 void Commands::holdTimer(int minutes) {
-    m_.withAnimation(Animation::spring(0.32, 0.8), [&] { m_.addTimer(minutes); });
+    model_.withAnimation(Animation::spring(0.32, 0.8), [&] { shelf_.addTimer(minutes); });
 }
 
 void Commands::shh() {
-    m_.withAnimation(Animation::easeInOut(0.5), [&] { m_.quietUntil = clock_.now() + kQuietSeconds; });
+    model_.withAnimation(Animation::easeInOut(0.5), [&] { model_.quietUntil = clock_.now() + kQuietSeconds; });
 }
 
 void Commands::wakeUp() {
-    m_.quietUntil = Date::distantPast();
-    ++m_.glanceCount;
+    model_.quietUntil = Date::distantPast();
+    ++model_.glanceCount;
 }
 
 void Commands::openSite() {
@@ -88,6 +105,12 @@ void Commands::openSite() {
 }
 
 void Commands::toggleHidden() {
-    m_.withAnimation(commonSpring(), [&] { m_.hidden = !m_.hidden; });
+    model_.withAnimation(commonSpring(), [&] { model_.hidden = !model_.hidden; });
     if (updateMousePassThrough) updateMousePassThrough();
+}
+
+void Commands::flip(const Switch& flipped) {
+    const bool on = !preferences_.boolean(flipped.key);
+    preferences_.setBoolean(flipped.key, on);
+    on ? flipped.start() : flipped.stop();
 }

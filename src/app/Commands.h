@@ -4,16 +4,21 @@
 #include <functional>
 
 #include "app/PopupMenu.h"
+#include "app/Switch.h"
 #include "creature/NotchModel.h"
 
 class Preferences;
+class Shelf;
 class Workspace;
 
 /// What the user commands from the popup menu. Main thread only; the references must outlive it.
 class Commands {
  public:
-    Commands(NotchModel& model, Clock& clock, Preferences& preferences, Workspace& workspace);
+    Commands(NotchModel& model, Shelf& shelf, Clock& clock, Preferences& preferences, Workspace& workspace,
+             QList<Switch> switches);
 
+    /// Starts what is switched on.
+    void startSwitches();
     /// The popup menu for the present state.
     QList<MenuItem> menu();
 
@@ -23,6 +28,7 @@ class Commands {
     void wakeUp();
     void openSite();
     void toggleHidden();
+    void flip(const Switch& flipped);
 
     /// Called after a change that may let the panel take the pointer or leave it alone.
     std::function<void()> updateMousePassThrough;
@@ -32,10 +38,13 @@ class Commands {
  private:
     MenuItem timerItem();
     MenuItem quietItem();
+    MenuItem switchItem(const Switch& shown);
     MenuItem updateItem();
 
-    NotchModel& m_;
+    NotchModel& model_;
+    Shelf& shelf_;
     Clock& clock_;
     Preferences& preferences_;
     Workspace& workspace_;
+    QList<Switch> switches_;
 };

@@ -5,6 +5,7 @@
 #include "app/Diagnostics.h"
 #include "platform/FileUrls.h"
 #include "shelf/DropIntake.h"
+#include "shelf/Shelf.h"
 
 namespace {
 
@@ -35,8 +36,8 @@ QUrl fileAt(const QString& path) {
 
 }  // namespace
 
-ShelfSelfTest::ShelfSelfTest(NotchModel& model, MainLoop& loop, DropIntake& drops)
-    : m_(model), loop_(loop), drops_(drops) {}
+ShelfSelfTest::ShelfSelfTest(const NotchModel& model, Shelf& shelf, MainLoop& loop, DropIntake& drops)
+    : model_(model), shelf_(shelf), loop_(loop), drops_(drops) {}
 
 void ShelfSelfTest::startDrop(const QString& paths) {
     const QStringList named = paths.split(u',', Qt::SkipEmptyParts);
@@ -63,7 +64,7 @@ void ShelfSelfTest::startChew(const QString& request) {
     if (parts.isEmpty()) return;
     const QUrl file = fileAt(parts[0]);
     const QString kind = parts.value(1, QStringLiteral("jpeg"));
-    m_.replaceItems({file});
+    shelf_.replaceItems({file});
     chew_ = loop_.after(1, [this, file, kind] {
         chew(file, kind);
         chew_ = loop_.after(3, [this] { reportChew(); });
@@ -72,21 +73,21 @@ void ShelfSelfTest::startChew(const QString& request) {
 
 void ShelfSelfTest::chew(const QUrl& file, const QString& kind) {
     if (kind == QLatin1String("read"))
-        m_.readText(file);
+        shelf_.readText(file);
     else if (kind == QLatin1String("jpeg"))
-        m_.chew(file, Chewer::Mode::toJPEG);
+        shelf_.chew(file, Chewer::Mode::toJPEG);
     else if (kind == QLatin1String("png"))
-        m_.chew(file, Chewer::Mode::toPNG);
+        shelf_.chew(file, Chewer::Mode::toPNG);
     else if (kind == QLatin1String("smaller"))
-        m_.chew(file, Chewer::Mode::smaller);
+        shelf_.chew(file, Chewer::Mode::smaller);
 }
 
 void ShelfSelfTest::reportChew() {
-    Diagnostics::write(QStringLiteral("chewtest: held=[%1] notes=%2").arg(heldNames()).arg(m_.bites->size()));
+    Diagnostics::write(QStringLiteral("chewtest: held=[%1] notes=%2").arg(heldNames()).arg(model_.bites->size()));
 }
 
 QString ShelfSelfTest::heldNames() const {
     QStringList names;
-    for (const QUrl& file : m_.items.get()) names.append(file.adjusted(QUrl::StripTrailingSlash).fileName());
+    for (const QUrl& file : model_.items.get()) names.append(file.adjusted(QUrl::StripTrailingSlash).fileName());
     return names.join(QStringLiteral(", "));
 }

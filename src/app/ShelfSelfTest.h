@@ -3,14 +3,16 @@
 #include <QStringList>
 
 #include "creature/NotchModel.h"
+#include "platform/MainLoop.h"
 
 class DropIntake;
+class Shelf;
 
 /// The shelf's self-tests: drop files as a program would, or chew one, and report on standard error what the shelf
 /// holds then. They run for as long as the object lives. Main thread.
 class ShelfSelfTest {
  public:
-    ShelfSelfTest(NotchModel& model, MainLoop& loop, DropIntake& drops);
+    ShelfSelfTest(const NotchModel& model, Shelf& shelf, MainLoop& loop, DropIntake& drops);
 
     /// `paths` are separated by commas. The drop comes a second later.
     void startDrop(const QString& paths);
@@ -23,7 +25,8 @@ class ShelfSelfTest {
     void reportChew();
     QString heldNames() const;
 
-    NotchModel& m_;
+    const NotchModel& model_;
+    Shelf& shelf_;
     MainLoop& loop_;
     DropIntake& drops_;
     TimerHandle drop_, chew_;

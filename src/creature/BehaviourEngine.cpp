@@ -5,16 +5,14 @@
 #include <limits>
 
 #include "creature/Numbers.h"
-#include "platform/EventMonitors.h"
 #include "platform/Sounds.h"
-#include "platform/Workspace.h"
 
 namespace {
 
 constexpr double kStartleSpeed = 2600;  // points per second
 constexpr double kStartleMargin = 70;
 constexpr double kStartleCooldown = 0.8;
-constexpr double kMinimumMoveInterval = 0.0001;
+constexpr double kMinMoveInterval = 0.0001;
 constexpr double kEnterMargin = 14;
 constexpr double kStayMargin = 24;
 constexpr double kGazeInterval = 0.05;
@@ -25,8 +23,8 @@ constexpr double kStretchStreak = 3000;
 constexpr double kStretchSpacing = 3300;
 constexpr double kNever = std::numeric_limits<double>::infinity();
 constexpr double kFirstYawnAfter = 45;
-constexpr double kYawnSpacingLeast = 180;
-constexpr double kYawnSpacingMost = 330;
+constexpr double kMinYawnSpacing = 180;
+constexpr double kMaxYawnSpacing = 330;
 constexpr double kSlideHomeDelay = 5;
 constexpr double kSlideHomeDuration = 0.5;
 constexpr double kSlideHomeStep = 1.0 / 60;
@@ -43,7 +41,7 @@ double zoneHeight(const NotchModel& m) {
 
 BehaviourEngine::BehaviourEngine(NotchModel& model, Clock& clock, MainLoop& loop, Sounds& sounds,
                                  std::function<double()> random, std::function<void(const QString&)> trace)
-    : m_(model),
+    : model_(model),
       clock_(clock),
       loop_(loop),
       sounds_(sounds),
@@ -53,22 +51,18 @@ BehaviourEngine::BehaviourEngine(NotchModel& model, Clock& clock, MainLoop& loop
       lastGazePublish_(-kNever),
       activeStreakStart_(clock.uptime()),
       lastStretch_(-kNever),
-      nextYawn_(clock.uptime() + kFirstYawnAfter) {}
-
-void BehaviourEngine::startTicks() {
-    vitalsTick();
-    vitalsTimer_ = loop_.every(15, [this] { vitalsTick(); });
-    lifeTimer_ = loop_.every(4, [this] { lifeTick(); });
+      nextYawn_(clock.uptime() + kFirstYawnAfter) {
+    model_.lastActivity = clock.uptime();
 }
 
 void BehaviourEngine::watchSlides() {
-    slidingSubscription_ = m_.sliding.deliver(loop_, [this](bool sliding) { slidingChanged(sliding); });
+    slidingSubscription_ = model_.sliding.deliver(loop_, [this](bool sliding) { slidingChanged(sliding); });
 }
 
 bool BehaviourEngine::inHoverZone(QPointF pointer, double margin) const {
-    if (std::abs(pointer.x() - (m_.centerX + m_.slideX)) > margin + zoneWidth(m_) / 2) return false;
-    if (pointer.y() < m_.screenTop - (margin + zoneHeight(m_))) return false;
-    return pointer.y() <= m_.screenTop + 4;
+    if (std::abs(pointer.x() - (model_.centerX + model_.slideX)) > margin + zoneWidth(model_) / 2) return false;
+    if (pointer.y() < model_.screenTop - (margin + zoneHeight(model_))) return false;
+    return pointer.y() <= model_.screenTop + 4;
 }
 
 void BehaviourEngine::pointerMoved(QPointF pointer) {
@@ -76,19 +70,19 @@ void BehaviourEngine::pointerMoved(QPointF pointer) {
     startleAt(pointer, now - lastMoveTime_);
     lastCursor_ = pointer;
     lastMoveTime_ = now;
-    m_.markActivity();
+    model_.markActivity(clock_.uptime());
 
-    const bool inside = inHoverZone(pointer, m_.hovering ? kStayMargin : kEnterMargin);
-    const bool hoverChanges = inside != m_.hovering;
+    const bool inside = inHoverZone(pointer, model_.hovering ? kStayMargin : kEnterMargin);
+    const bool hoverChanges = inside != model_.hovering;
     publishGaze(pointer, now, hoverChanges);
     if (hoverChanges) setHovering(inside, pointer);
 }
 
 void BehaviourEngine::startleAt(QPointF pointer, double elapsed) {
-    if (elapsed <= kMinimumMoveInterval || m_.toy != Toy::critter || startleCooldown_) return;
+    if (elapsed <= kMinMoveInterval || model_.toy != Toy::critter || startleCooldown_) return;
     const QPointF way = pointer - lastCursor_;
     if (std::hypot(way.x(), way.y()) / elapsed <= kStartleSpeed || !inHoverZone(pointer, kStartleMargin)) return;
-    ++m_.startleCount;
+    ++model_.startleCount;
     startleCooldown_ = true;
     cooldownEnd_ = loop_.after(kStartleCooldown, [this] { startleCooldown_ = false; });
 }
@@ -99,64 +93,84 @@ void BehaviourEngine::publishGaze(QPointF pointer, double now, bool hoverChanges
     if (!hoverChanges && !due) return;
     lastGazePublish_ = now;
     publishedCursor_ = pointer;
-    m_.cursor = pointer;
+    model_.cursor = pointer;
 }
 
 void BehaviourEngine::setHovering(bool inside, QPointF pointer) {
     const auto word = [](bool value) { return value ? QStringLiteral("true") : QStringLiteral("false"); };
     trace_(QStringLiteral("hovering %1 → %2 at %3 zone=%4")
-               .arg(word(m_.hovering), word(inside), formatNumbers({pointer.x(), pointer.y()}),
-                    formatNumbers({zoneWidth(m_) * 0.5 + kEnterMargin, zoneHeight(m_) + kEnterMargin})));
-    m_.withAnimation(commonSpring(), [&] { m_.hovering = inside; });
+               .arg(word(model_.hovering), word(inside), formatNumbers({pointer.x(), pointer.y()}),
+                    formatNumbers({zoneWidth(model_) * 0.5 + kEnterMargin, zoneHeight(model_) + kEnterMargin})));
+    model_.withAnimation(commonSpring(), [&] { model_.hovering = inside; });
     if (updateMousePassThrough) updateMousePassThrough();
 }
 
 void BehaviourEngine::applicationActivated() {
-    ++m_.glanceCount;
-    m_.markActivity();
+    ++model_.glanceCount;
+    model_.markActivity(clock_.uptime());
 }
 
-void BehaviourEngine::vitalsTick() {
+void BehaviourEngine::notchTapped() {
+    if (model_.hidden) {
+        model_.withAnimation(commonSpring(), [this] { model_.hidden = false; });
+        ++model_.boopCount;
+    } else if (model_.timerRung()) {
+        if (clearDoneTimers) clearDoneTimers();
+        ++model_.boopCount;
+    } else if (model_.needsYou && model_.blockedTerminal && !model_.blockedTerminal->isEmpty()) {
+        if (focusBlockedTerminal) focusBlockedTerminal();
+    } else {
+        ++model_.boopCount;
+    }
+    model_.markActivity(clock_.uptime());
+}
+
+void BehaviourEngine::timerRang() {
+    ++model_.boopCount;
+    if (!model_.isQuiet(clock_)) sounds_.play(QStringLiteral("Glass"));
+}
+
+void BehaviourEngine::yawn() {
+    if (model_.yawning || model_.asleep || model_.toy == Toy::weather || model_.attending() || model_.isQuiet(clock_)) return;
+    model_.withAnimation(Animation::easeInOut(0.7), [this] { model_.yawning = true; });
+    yawnEnd_ =
+        loop_.after(1.6, [this] { model_.withAnimation(Animation::easeInOut(0.5), [this] { model_.yawning = false; }); });
+}
+
+void BehaviourEngine::yawnTick() {
     const double now = clock_.uptime();
-    if (!m_.isSleepy() || now <= nextYawn_) return;
-    nextYawn_ = now + (kYawnSpacingLeast + random_() * (kYawnSpacingMost - kYawnSpacingLeast));
-    m_.yawn();
+    if (!model_.isSleepy(clock_) || now <= nextYawn_) return;
+    nextYawn_ = now + (kMinYawnSpacing + random_() * (kMaxYawnSpacing - kMinYawnSpacing));
+    yawn();
 }
 
 void BehaviourEngine::lifeTick() {
-    ringTimers();
     followStreak();
     dozeOff();
 }
 
-void BehaviourEngine::ringTimers() {
-    if (!m_.tickTimers()) return;
-    ++m_.boopCount;
-    if (!m_.quiet()) sounds_.play(QStringLiteral("Glass"));
-}
-
 void BehaviourEngine::followStreak() {
     const double now = clock_.uptime();
-    if (m_.asleep || now - m_.lastActivity > kActivityWindow) {
+    if (model_.asleep || now - model_.lastActivity > kActivityWindow) {
         activeStreakStart_ = now;
         return;
     }
-    if (now - activeStreakStart_ <= kStretchStreak || now - lastStretch_ <= kStretchSpacing || m_.quiet()) return;
+    if (now - activeStreakStart_ <= kStretchStreak || now - lastStretch_ <= kStretchSpacing || model_.isQuiet(clock_)) return;
     lastStretch_ = now;
-    ++m_.stretchCount;
-    m_.yawn();
+    ++model_.stretchCount;
+    yawn();
 }
 
 void BehaviourEngine::dozeOff() {
-    if (m_.toy != Toy::critter || m_.hovering || m_.asleep || m_.hidden) return;
-    if (clock_.uptime() - m_.lastActivity <= kDozeOffAfter) return;
-    m_.withAnimation(Animation::easeInOut(0.7), [this] { m_.asleep = true; });
+    if (model_.toy != Toy::critter || model_.hovering || model_.asleep || model_.hidden) return;
+    if (clock_.uptime() - model_.lastActivity <= kDozeOffAfter) return;
+    model_.withAnimation(Animation::easeInOut(0.7), [this] { model_.asleep = true; });
 }
 
 void BehaviourEngine::slidingChanged(bool sliding) {
     if (updateMousePassThrough) updateMousePassThrough();
     slideHomeTimer_.cancel();
-    if (!sliding && m_.slideX != 0.0) slideHomeTimer_ = loop_.after(kSlideHomeDelay, [this] { slideHome(); });
+    if (!sliding && model_.slideX != 0.0) slideHomeTimer_ = loop_.after(kSlideHomeDelay, [this] { slideHome(); });
 }
 
 void BehaviourEngine::cancelSlideHome() {
@@ -165,23 +179,23 @@ void BehaviourEngine::cancelSlideHome() {
 }
 
 void BehaviourEngine::slideHome() {
-    if (m_.slideX == 0.0) return;
-    const double from = m_.slideX;
+    if (model_.slideX == 0.0) return;
+    const double from = model_.slideX;
     const double started = clock_.uptime();
     slideSteps_ = loop_.every(kSlideHomeStep, [this, from, started] { stepHome(from, started); });
 }
 
 void BehaviourEngine::stepHome(double from, double started) {
-    if (m_.sliding) {
+    if (model_.sliding) {
         slideSteps_.cancel();
         return;
     }
     const double u = std::min((clock_.uptime() - started) / kSlideHomeDuration, 1.0);
     if (u < 1) {
-        m_.slideX = from * std::pow(1 - u, 3);
+        model_.slideX = from * std::pow(1 - u, 3);
         return;
     }
     slideSteps_.cancel();
-    m_.slideX = 0.0;
+    model_.slideX = 0.0;
     if (updateMousePassThrough) updateMousePassThrough();
 }

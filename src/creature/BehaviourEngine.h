@@ -5,9 +5,7 @@
 
 #include "creature/NotchModel.h"
 
-class EventMonitors;
 class Sounds;
-class Workspace;
 
 /// What makes the creature feel alive: turns pointer moves, other programs becoming active and the passage of time into
 /// changes of the model. Main thread only; the model and the ports must outlive it.
@@ -17,18 +15,20 @@ class BehaviourEngine {
     BehaviourEngine(NotchModel& model, Clock& clock, MainLoop& loop, Sounds& sounds, std::function<double()> random,
                     std::function<void(const QString&)> trace);
 
-    /// Sends the input of `monitors` and the activations of `workspace` here. Other receivers of their callbacks are
-    /// set by whoever owns them.
-    /// Runs the vitals tick once and starts the vitals and the life tick.
-    void startTicks();
     /// Starts the handling of slides; it runs from the beginning, even in demo mode.
     void watchSlides();
 
     void pointerMoved(QPointF pointer);
     void applicationActivated();
-    /// Every 15 s: a tired creature yawns now and then.
-    void vitalsTick();
-    /// Every 4 s: due timers ring, long work asks for a stretch, a forgotten creature dozes off.
+    /// A single tap on the notch.
+    void notchTapped();
+    /// A held timer has come due.
+    void timerRang();
+    /// Yawns, unless something speaks against it.
+    void yawn();
+    /// To be called every 15 s: a tired creature yawns now and then.
+    void yawnTick();
+    /// To be called every 4 s: long work asks for a stretch, a forgotten creature dozes off.
     void lifeTick();
 
     /// Whether `pointer` is on the notch shape, slid as it is, or within `margin` points of it.
@@ -36,6 +36,10 @@ class BehaviourEngine {
     /// Forgets the way home that is pending; the panel was put home otherwise.
     void cancelSlideHome();
 
+    /// Called by a tap while a timer has rung: takes those that have off the shelf.
+    std::function<void()> clearDoneTimers;
+    /// Called by a tap while an agent waits for the user: brings its terminal forward.
+    std::function<void()> focusBlockedTerminal;
     /// Called when a change may let the panel take the pointer or leave it alone.
     std::function<void()> updateMousePassThrough;
 
@@ -43,14 +47,13 @@ class BehaviourEngine {
     void startleAt(QPointF pointer, double elapsed);
     void publishGaze(QPointF pointer, double now, bool hoverChanges);
     void setHovering(bool inside, QPointF pointer);
-    void ringTimers();
     void followStreak();
     void dozeOff();
     void slidingChanged(bool sliding);
     void slideHome();
     void stepHome(double from, double started);
 
-    NotchModel& m_;
+    NotchModel& model_;
     Clock& clock_;
     MainLoop& loop_;
     Sounds& sounds_;
@@ -68,8 +71,7 @@ class BehaviourEngine {
     bool startleCooldown_ = false;
 
     TimerHandle cooldownEnd_;
-    TimerHandle vitalsTimer_;
-    TimerHandle lifeTimer_;
+    TimerHandle yawnEnd_;
     TimerHandle slideHomeTimer_;
     TimerHandle slideSteps_;
     Subscription slidingSubscription_;

@@ -2,28 +2,15 @@
 
 #include <algorithm>
 
-NotchModel::NotchModel(Clock& clock, MainLoop& loop, const ShelfPorts& shelf)
-    : lastActivity(clock.uptime()),
-      clock_(clock),
-      loop_(loop),
-      shelf_(shelf),
-      references_(shelf.files),
-      chewer_(shelf_.worker),
-      self_(std::make_shared<NotchModel*>(this)) {}
-
-bool NotchModel::isSleepy() const {
+bool NotchModel::isSleepy(const Clock& clock) const {
     if (battery < 0.2 && !charging) return true;
-    const int hour = clock_.localHour(clock_.now());
+    const int hour = clock.localHour(clock.now());
     return hour == 23 || hour < 6;
 }
 
 bool NotchModel::timerRung() const {
     const auto done = [](const HeldTimer& timer) { return timer.done; };
     return !screenLocked && std::any_of(timers->begin(), timers->end(), done);
-}
-
-bool NotchModel::quiet() const {
-    return clock_.now() < quietUntil;
 }
 
 double NotchModel::shapeWidth() const {
@@ -54,37 +41,7 @@ double NotchModel::shapeHeight() const {
     return 58;
 }
 
-void NotchModel::markActivity() {
-    lastActivity = clock_.uptime();
+void NotchModel::markActivity(double now) {
+    lastActivity = now;
     if (asleep) withAnimation(Animation::easeOut(0.4), [this] { asleep = false; });
-}
-
-void NotchModel::yawn() {
-    if (yawning || asleep || toy == Toy::weather || attending() || quiet()) return;
-    withAnimation(Animation::easeInOut(0.7), [this] { yawning = true; });
-    yawnEnd_ = loop_.after(1.6, [this] { withAnimation(Animation::easeInOut(0.5), [this] { yawning = false; }); });
-}
-
-void NotchModel::notchTapped() {
-    if (hidden) {
-        withAnimation(commonSpring(), [this] { hidden = false; });
-        ++boopCount;
-    } else if (timerRung()) {
-        clearDoneTimers();
-        ++boopCount;
-    } else if (needsYou && blockedTerminal && !blockedTerminal->isEmpty()) {
-        if (onFocusBlockedTerminal) onFocusBlockedTerminal();
-    } else {
-        ++boopCount;
-    }
-    markActivity();
-}
-
-void NotchModel::pickToy(Toy choice) {
-    withAnimation(commonSpring(), [&] {
-        toy = choice;
-        dragOffset = QSizeF(0, 0);
-        dragging = false;
-        asleep = false;
-    });
 }

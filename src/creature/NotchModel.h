@@ -6,49 +6,25 @@
 #include <QSizeF>
 #include <QString>
 #include <QUrl>
-#include <functional>
-#include <memory>
 #include <optional>
 
+#include "creature/Bite.h"
+#include "creature/HeldTimer.h"
 #include "creature/Published.h"
 #include "creature/Sky.h"
 #include "creature/Toy.h"
 #include "platform/Clock.h"
-#include "platform/MainLoop.h"
-#include "shelf/Bite.h"
-#include "shelf/Chewer.h"
-#include "shelf/HeldTimer.h"
-#include "shelf/ItemReferences.h"
-
-class BackgroundQueue;
-class FileReferences;
-class Pasteboard;
-class Preferences;
-
-/// What the shelf needs of the desktop. All of it must outlive the model.
-struct ShelfPorts {
-    Preferences& preferences;
-    FileReferences& files;
-    Worker& worker;
-    BackgroundQueue& jobs;  ///< where the worker is waited for
-    Pasteboard& pasteboard;
-    /// Where the user's programs keep their data; files that were dropped as data go below it.
-    QString dataFolder;
-};
 
 /// The curve of most changes that the user causes: opening, hiding, picking a toy.
 inline Animation commonSpring() {
     return Animation::interpolatingSpring(1, 220, 18, 0);
 }
 
-/// All that the creature knows: its mood, the pointer, the shelf, and what the watchers report. Sensors write it, views
-/// observe it. Lengths are points; screen coordinates have y growing upwards. Main thread only.
-///
-/// The ports must outlive the model.
+/// All that the creature knows: its mood, the pointer, the shelf, and what the watchers report. It is data: sensors and
+/// features write it, views observe it, and nothing happens by itself. Lengths are points; screen coordinates have y
+/// growing upwards. Main thread only.
 class NotchModel : public ObservableObject {
  public:
-    NotchModel(Clock& clock, MainLoop& loop, const ShelfPorts& shelf);
-
     Published<std::optional<QImage>> artwork{*this, std::nullopt};  ///< cover of the current track
     Published<Toy> toy{*this, Toy::critter};
     Published<QPointF> cursor{*this, {}};    ///< pointer as last shown to the eyes, screen coordinates
@@ -63,13 +39,13 @@ class NotchModel : public ObservableObject {
     Published<bool> charging{*this, false};
     Published<bool> yawning{*this, false};
     Published<int> worryCount{*this, 0};
-    Published<QList<QUrl>> items{*this, {}, [this] { saveItems(); }};  ///< held files, newest last
+    Published<QList<QUrl>> items{*this, {}};  ///< held files, newest last
     Published<bool> dropTargeted{*this, false};                        ///< a drag is over the panel
     Published<bool> dragNear{*this, false};                            ///< a usable drag is close to the notch
     Published<int> swallowCount{*this, 0};
     Published<bool> shelfExpanded{*this, false};
-    Published<QList<Bite>> bites{*this, {}, [this] { saveBites(); }};
-    Published<QList<HeldTimer>> timers{*this, {}, [this] { saveTimers(); }};
+    Published<QList<Bite>> bites{*this, {}};
+    Published<QList<HeldTimer>> timers{*this, {}};
     Published<bool> capsOn{*this, false};
     Published<bool> offline{*this, false};
     Published<int> lookAroundCount{*this, 0};
@@ -78,7 +54,7 @@ class NotchModel : public ObservableObject {
     Published<Date> quietUntil{*this, Date::distantPast()};
     Published<double> slideX{*this, 0.0};   ///< how far the panel is pushed aside
     Published<bool> sliding{*this, false};  ///< the user pushes it right now
-    Published<bool> hidden{*this, false, [this] { saveHidden(); }};
+    Published<bool> hidden{*this, false};
     Published<bool> downloading{*this, false};
     Published<std::optional<QString>> eventWhisper{*this, std::nullopt};
     Published<std::optional<QString>> updateAvailable{*this, std::nullopt};  ///< the newer version
@@ -95,15 +71,14 @@ class NotchModel : public ObservableObject {
     Published<bool> micInUse{*this, false};
     Published<bool> screenLocked{*this, false};  ///< nothing that is held may be seen
 
-    /// Called with a command word by the music buttons.
-    std::function<void(const QString&)> onMusicCommand;
-    /// Brings the terminal of the waiting agent forward; called by notchTapped().
-    std::function<void()> onFocusBlockedTerminal;
     std::optional<QString> blockedTerminal;  ///< display name of the terminal that holds the waiting agent
     QSizeF notchSize{185, 32};
     double centerX = 0;    ///< middle of the notch, screen coordinates
     double screenTop = 0;  ///< top edge of the notch's screen, screen coordinates
-    double lastActivity;   ///< when the user last did something that the creature noticed, by Clock::uptime()
+    double lastActivity = 0;  ///< when the user last did something that the creature noticed, by Clock::uptime()
+    /// What the command line says of them stays: sensors leave the battery, the charger and the disk alone, or the
+    /// camera and the microphone.
+    bool batteryPinned = false, privacyPinned = false;
 
     bool attending() const { return hovering || dragging || dragNear; }
     bool hasHeld() const { return heldCount() > 0; }
@@ -113,62 +88,13 @@ class NotchModel : public ObservableObject {
     /// The whispered meeting, if it may be seen.
     std::optional<QString> whisper() const { return screenLocked ? std::nullopt : eventWhisper.get(); }
     /// Tired: the battery is low and not charging, or it is late at night.
-    bool isSleepy() const;
+    bool isSleepy(const Clock& clock) const;
     /// The user asked for quiet and the time is not over.
-    bool quiet() const;
+    bool isQuiet(const Clock& clock) const { return clock.now() < quietUntil; }
     /// Size that the notch shape should have now.
     double shapeWidth() const;
     double shapeHeight() const;
 
-    /// Notes that the user is there; wakes a dozing creature.
-    void markActivity();
-    /// Yawns, unless something speaks against it.
-    void yawn();
-    /// The reaction to a tap on the notch.
-    void notchTapped();
-    void pickToy(Toy choice);
-
-    // The shelf. Each assignment to a stored collection saves it, once the preferences have been read.
-    /// Holds the stored files that still exist, as older than what is held already, when their disks have answered.
-    void loadShelf();
-    /// Holds the stored bites and timers, as older than what is held already, and hides if it was hidden.
-    void loadHeld();
-    /// Holds these files instead of all others, stored ones that are still looked for included.
-    void replaceItems(const QList<QUrl>& files);
-    /// Holds what is not held yet, pushing out the oldest beyond the limit. Returns how many were new.
-    int addItems(const QList<QUrl>& files);
-    int addBites(const QList<Bite>& newBites);
-    void addTimer(double length);  ///< minutes
-    /// Marks the timers that have come due; true if one rang in this call.
-    bool tickTimers();
-    void removeItem(const QUrl& file);
-    void removeBite(const Bite& bite);
-    void removeTimer(const HeldTimer& timer);
-    void clearDoneTimers();
-    /// Where files that were dropped as data are written. Whoever writes there makes it, away from the main thread.
-    QUrl droppedFolder() const;
-    /// Converts a held image in the background and holds the result; nothing while another job is under way.
-    void chew(const QUrl& file, Chewer::Mode mode);
-    /// Reads the text out of a held image or PDF in the background, puts it on the clipboard and holds its beginning as
-    /// a note; nothing while another job is under way.
-    void readText(const QUrl& file);
-
- private:
-    void munch(std::function<std::function<bool()>()> job);
-    void saveItems();
-    void storeReferences();
-    void loadTimers();
-    void saveBites();
-    void saveTimers();
-    void saveHidden();
-
-    Clock& clock_;
-    MainLoop& loop_;
-    ShelfPorts shelf_;
-    ItemReferences references_;
-    QList<HeldTimer> surplusTimers_;  // stored ones beyond what can be held: they stay stored
-    Chewer chewer_;
-    TimerHandle yawnEnd_;
-    TimerHandle chewEnd_;
-    std::shared_ptr<NotchModel*> self_;  // for what comes back from the background
+    /// Notes that the user is there at `now` (Clock::uptime()); wakes a dozing creature.
+    void markActivity(double now);
 };

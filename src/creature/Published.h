@@ -50,12 +50,11 @@ class ObservableObject {
 };
 
 /// A member of an ObservableObject that reads and writes like a plain T. A write announces the new value, replaces the
-/// old one, runs the member's follow-up (saving, say) and reports the change as complete, whether or not it differs.
+/// old one, lets those follow who save it, say, and reports the change as complete, whether or not it differs.
 template <class T>
 class Published {
  public:
-    Published(ObservableObject& owner, T initial, std::function<void()> followUp = {})
-        : owner_(owner), value_(std::move(initial)), followUp_(std::move(followUp)) {}
+    Published(ObservableObject& owner, T initial) : owner_(owner), value_(std::move(initial)) {}
     Published(const Published&) = delete;
     /// Copies the value, as a chain of assignments does; each keeps its own observers.
     Published& operator=(const Published& other) {
@@ -71,7 +70,7 @@ class Published {
         owner_.willChange();
         willChange.emit(value);
         value_ = std::move(value);
-        if (followUp_) followUp_();
+        didSet.emit();
         owner_.didChange();
         return *this;
     }
@@ -81,6 +80,8 @@ class Published {
 
     /// Emitted with the new value before it replaces the old one.
     Signal<const T&> willChange;
+    /// Emitted when it has been replaced, before the owner reports the change.
+    Signal<> didSet;
 
     /// Calls `observer` through the main loop with the present value and with every later one.
     [[nodiscard]] Subscription deliver(MainLoop& loop, std::function<void(const T&)> observer) {
@@ -98,5 +99,4 @@ class Published {
  private:
     ObservableObject& owner_;
     T value_;
-    std::function<void()> followUp_;
 };

@@ -1,6 +1,5 @@
 #include "shelf/ChipActions.h"
 
-#include "platform/Pasteboard.h"
 #include "platform/Sharing.h"
 #include "platform/Workspace.h"
 
@@ -28,7 +27,7 @@ QList<MenuItem> ChipActions::fileMenu(const QUrl& file) {
                           shareItem(file)};
     if (Chewer::canChew(file)) {
         const auto into = [&](const QString& title, Chewer::Mode mode) {
-            return MenuItem{title, [this, file, mode] { m_.chew(file, mode); }, false, {}};
+            return MenuItem{title, [this, file, mode] { shelf_.chew(file, mode); }, false, {}};
         };
         items.append(MenuItem{});
         items.append({QStringLiteral("Chew"),
@@ -39,7 +38,7 @@ QList<MenuItem> ChipActions::fileMenu(const QUrl& file) {
                        into(QStringLiteral("Smaller"), Chewer::Mode::smaller)}});
     }
     if (Chewer::canRead(file))
-        items.append({QStringLiteral("Read the text"), [this, file] { m_.readText(file); }, false, {}});
+        items.append({QStringLiteral("Read the text"), [this, file] { shelf_.readText(file); }, false, {}});
     items.append(MenuItem{});
     items.append(removeItem(file));
     return items;
@@ -72,16 +71,14 @@ void ChipActions::use(const HeldThing& thing) {
     const auto* bite = std::get_if<Bite>(&thing);
     if (!bite) return;
     if (bite->url()) return workspace_.open(*bite->url());
-    pasteboard_.setString(*bite->text());
-    ++m_.boopCount;
-    m_.markActivity();
+    shelf_.copy(*bite->text());
 }
 
 void ChipActions::remove(const HeldThing& thing) {
     if (const auto* file = std::get_if<QUrl>(&thing))
-        m_.withAnimation(Animation::easeInOut(kDefaultDuration), [&] { m_.removeItem(*file); });
+        model_.withAnimation(Animation::easeInOut(kDefaultDuration), [&] { shelf_.removeItem(*file); });
     else if (const auto* bite = std::get_if<Bite>(&thing))
-        m_.removeBite(*bite);
+        shelf_.removeBite(*bite);
     else
-        m_.removeTimer(std::get<HeldTimer>(thing));
+        shelf_.removeTimer(std::get<HeldTimer>(thing));
 }

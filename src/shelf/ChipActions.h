@@ -3,19 +3,18 @@
 #include <QList>
 #include <functional>
 
-#include "creature/NotchModel.h"
+#include "creature/HeldThing.h"
 #include "platform/MenuItem.h"
-#include "shelf/HeldThing.h"
+#include "shelf/Shelf.h"
 
-class Pasteboard;
 class Sharing;
 class Workspace;
 
 /// What can be done with a thing on the shelf. Main thread only; the references must outlive it.
 class ChipActions {
  public:
-    ChipActions(NotchModel& model, Workspace& workspace, Pasteboard& pasteboard, Sharing& sharing)
-        : m_(model), workspace_(workspace), pasteboard_(pasteboard), sharing_(sharing) {}
+    ChipActions(NotchModel& model, Shelf& shelf, Workspace& workspace, Sharing& sharing)
+        : model_(model), shelf_(shelf), workspace_(workspace), sharing_(sharing) {}
 
     /// Shows a menu of ways to share something; called a while after the user has asked for it.
     std::function<void(const QList<MenuItem>&)> showSharing;
@@ -33,8 +32,8 @@ class ChipActions {
     MenuItem shareItem(const QUrl& thing);
     MenuItem removeItem(const HeldThing& thing);
 
-    NotchModel& m_;
+    NotchModel& model_;
+    Shelf& shelf_;
     Workspace& workspace_;
-    Pasteboard& pasteboard_;
     Sharing& sharing_;
 };

@@ -8,18 +8,19 @@
 #include <memory>
 
 #include "creature/NotchModel.h"
+#include "platform/BackgroundJobs.h"
 #include "platform/Drop.h"
 
-class BackgroundQueue;
 class DragPasteboard;
+class Shelf;
 
 /// Sees what other programs drag towards the notch, and takes in what is dropped on it. Main thread only; the
 /// references must outlive it.
 class DropIntake {
  public:
     /// Files are written on `disk`.
-    DropIntake(NotchModel& model, Clock& clock, MainLoop& loop, DragPasteboard& pasteboard, BackgroundQueue& disk);
-    ~DropIntake();
+    DropIntake(NotchModel& model, Shelf& shelf, Clock& clock, MainLoop& loop, DragPasteboard& pasteboard,
+               BackgroundQueue& disk);
 
     /// Called after a change that may let the panel take the pointer or leave it alone.
     std::function<void()> updateMousePassThrough;
@@ -30,7 +31,7 @@ class DropIntake {
     void dragEnded();
 
     /// Whether a drop would be taken now.
-    bool acceptsDrops() const { return m_.toy == Toy::critter && !m_.screenLocked; }
+    bool acceptsDrops() const { return model_.toy == Toy::critter && !model_.screenLocked; }
     /// Drops are no longer taken, not even one that is near.
     void refuse();
     /// Reads what was dropped, each thing in the best of its forms, and puts it on the shelf when all of it is there.
@@ -39,17 +40,18 @@ class DropIntake {
     /// Holds what other programs wrote for an earlier run that ended before it could. To be called once, at the start.
     void takeLeft();
 
-    /// Name for a file that was dropped as data, by the user's local time; `extension` without a dot.
-    QString droppedFileName(const QString& extension) const;
+    /// Name for a file that is dropped as data at `now`, by the user's local time; `extension` without a dot.
+    static QString droppedFileName(Date now, const QString& extension);
 
  private:
-    bool nearNotch(QPointF pointer) const;
-    void judge(QPointF pointer);
-    void setNear(bool near);
+    bool isNearNotch(QPointF pointer) const;
+    void updateNear(QPointF pointer);
+    void setNear(bool isNear);
     void attend();
     void take(const QList<QUrl>& files, const QList<Bite>& bites);
 
-    NotchModel& m_;
+    NotchModel& model_;
+    Shelf& shelf_;
     Clock& clock_;
     MainLoop& loop_;
     DragPasteboard& pasteboard_;
@@ -59,7 +61,8 @@ class DropIntake {
     bool dragIsFiles_ = false;  // what is dragged now can be held
     bool dragging_ = false;     // with the button held down
     QPointF lastDrag_;
-    TimerHandle farewell_;
-    TimerHandle attention_;              // keeps the creature awake while a usable drag goes on
-    std::shared_ptr<DropIntake*> self_;  // for what comes back from the disk
+    TimerHandle closeMouth_;
+    TimerHandle attention_;  // keeps the creature awake while a usable drag goes on
+    BackgroundJobs jobs_;
+    Lifetime lifetime_;
 };

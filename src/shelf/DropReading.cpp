@@ -5,7 +5,6 @@
 #include <array>
 #include <utility>
 
-#include "platform/BackgroundQueue.h"
 #include "shelf/NewFile.h"
 #include "shelf/NoteText.h"
 
@@ -49,7 +48,7 @@ DropReading::DropReading(std::shared_ptr<Drop> drop, QUrl folder, std::function<
       folder_(std::move(folder)),
       nameFor_(std::move(nameFor)),
       loop_(loop),
-      disk_(disk),
+      disk_(disk, loop),
       done_(std::move(done)) {}
 
 void DropReading::readUrls(int kind) {
@@ -59,7 +58,7 @@ void DropReading::readUrls(int kind) {
     drop_->load(kUrlTypes[kind], [self = shared_from_this(), kind](const std::optional<QByteArray>& bytes) {
         if (!bytes) return self->readUrls(kind + 1);
         if (bytes->size() <= kSmall) return self->takeUrls(parseUrls(kUrlTypes[kind], *bytes), kind);
-        self->away([bytes = *bytes, kind] { return parseUrls(kUrlTypes[kind], bytes); },
+        self->disk_.run([bytes = *bytes, kind] { return parseUrls(kUrlTypes[kind], bytes); },
                    [self, kind](const UrlList& urls) { self->takeUrls(urls, kind); });
     });
 }
@@ -86,7 +85,7 @@ void DropReading::savePromise() {
     };
     // The timer is the reading's own: while it lives, somebody else holds it.
     diskLimit_ = loop_.after(kPatience, [self = this, without] { without(*self); });
-    away([folder = folder_] { return Inbox::make(folder); },
+    disk_.run([folder = folder_] { return Inbox::make(folder); },
          [self = shared_from_this(), without](const std::shared_ptr<Inbox>& inbox) {
              if (self->promise_ == Promise::refused) return;  // too late
              self->diskLimit_.cancel();
@@ -101,7 +100,7 @@ void DropReading::savePromise() {
 }
 
 void DropReading::awaitPromise(bool prompt) {
-    away([inbox = inbox_, prompt] { return inbox->await(kPatience, prompt); },
+    disk_.run([inbox = inbox_, prompt] { return inbox->await(kPatience, prompt); },
          [self = shared_from_this(), prompt](Inbox::Contents contents) { self->promiseAwaited(contents, prompt); });
 }
 
@@ -109,13 +108,13 @@ void DropReading::promiseAwaited(Inbox::Contents contents, bool prompt) {
     if (contents == Inbox::Contents::things) return bringOut();
     if (prompt) return readPromisedBytes();
     if (image_.isEmpty() && contents == Inbox::Contents::emptyFiles) return bringOut();
-    away([inbox = inbox_] { return inbox->discard(); },
+    disk_.run([inbox = inbox_] { return inbox->discard(); },
          [self = shared_from_this()](bool discarded) { discarded ? self->writeImage() : self->bringOut(); });
 }
 
 void DropReading::bringOut() {
     drop_.reset();
-    away([inbox = inbox_, first = promisedName_] { return inbox->bringOut(first); },
+    disk_.run([inbox = inbox_, first = promisedName_] { return inbox->bringOut(first); },
          [self = shared_from_this()](const QList<QUrl>& files) {
              if (files.isEmpty()) return self->writeImage();
              self->finish(files, {});
@@ -160,7 +159,7 @@ void DropReading::readText() {
         };
         const QByteArray whole = bytes.value_or(QByteArray());
         if (whole.size() <= kSmall) return take(noteText(whole));
-        self->away([whole] { return noteText(whole); }, take);
+        self->disk_.run([whole] { return noteText(whole); }, take);
     });
 }
 
@@ -168,14 +167,14 @@ void DropReading::formsRead() {
     drop_.reset();
     if (promise_ == Promise::written) return awaitPromise(false);
     // What a source has left behind that then refused is nobody's; the next start finds it.
-    if (inbox_) disk_.run([inbox = inbox_] { inbox->discard(); });
+    if (inbox_) disk_.run([inbox = inbox_] { inbox->discard(); }, [] {});
     writeImage();
 }
 
 void DropReading::writeImage() {
     if (image_.isEmpty()) return finish({}, bites_);
     // Handed over, because giving so much memory back takes long.
-    away([folder = folder_, name = imageName_,
+    disk_.run([folder = folder_, name = imageName_,
           bytes = std::exchange(image_, {})] { return writeNewFile(folder, name, bytes); },
          [self = shared_from_this()](const std::optional<QUrl>& file) {
              if (file)
@@ -188,12 +187,4 @@ void DropReading::writeImage() {
 void DropReading::finish(const QList<QUrl>& files, const QList<Bite>& bites) {
     drop_.reset();
     loop_.post([done = done_, files, bites] { done(files, bites); });
-}
-
-template <class Job, class Then>
-void DropReading::away(Job job, Then then) {
-    disk_.run([&loop = loop_, job = std::move(job), then = std::move(then)]() mutable {
-        // Posted together with what it holds, so that the drop is let go on the main thread.
-        loop.post([made = job(), then = std::move(then)] { then(made); });
-    });
 }

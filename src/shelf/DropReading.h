@@ -6,13 +6,11 @@
 #include <functional>
 #include <memory>
 
+#include "creature/Bite.h"
+#include "platform/BackgroundJobs.h"
 #include "platform/Drop.h"
-#include "platform/MainLoop.h"
-#include "shelf/Bite.h"
 #include "shelf/Inbox.h"
 #include "shelf/UrlList.h"
-
-class BackgroundQueue;
 
 /// The reading of one drop: asks for its forms in the order of preference until one of them gives something. Lives as
 /// long as an answer is out. Main thread only.
@@ -50,15 +48,12 @@ class DropReading : public std::enable_shared_from_this<DropReading> {
     void formsRead();
     void writeImage();
     void finish(const QList<QUrl>& files, const QList<Bite>& bites);
-    /// Runs `job` away from the main thread and hands its result to `then` on it.
-    template <class Job, class Then>
-    void away(Job job, Then then);
 
     std::shared_ptr<Drop> drop_;
     QUrl folder_;
     std::function<QString(const QString&)> nameFor_;
     MainLoop& loop_;
-    BackgroundQueue& disk_;
+    BackgroundJobs disk_;
     Done done_;
 
     Promise promise_ = Promise::none;

@@ -5,17 +5,17 @@
 #include <QString>
 #include <QUrl>
 
-constexpr int kMostItems = 12;
-constexpr int kMostBites = 8;
+constexpr int kMaxItems = 12;
+constexpr int kMaxBites = 8;
 
 /// Two URLs of one file are equal in this form: "." and ".." and doubled slashes are resolved.
 inline QString standardized(const QUrl& file) {
     return QString::fromUtf8(file.adjusted(QUrl::NormalizePathSegments | QUrl::StripTrailingSlash).toEncoded());
 }
 
-/// `older`, then what of `newer` has a new key, without the oldest beyond `most`. Adds to `fresh` how many were new.
+/// `older`, then what of `newer` has a new key, without the oldest beyond `max`. Adds to `fresh` how many were new.
 template <class T, class Key>
-QList<T> joined(const QList<T>& older, const QList<T>& newer, int most, const Key& keyOf, int* fresh = nullptr) {
+QList<T> joined(const QList<T>& older, const QList<T>& newer, int max, const Key& keyOf, int* fresh = nullptr) {
     QSet<QString> known;
     QList<T> all;
     for (const QList<T>* list : {&older, &newer}) {
@@ -27,6 +27,6 @@ QList<T> joined(const QList<T>& older, const QList<T>& newer, int most, const Ke
             if (fresh && list == &newer) ++*fresh;
         }
     }
-    if (all.size() > most) all.remove(0, all.size() - most);
+    if (all.size() > max) all.remove(0, all.size() - max);
     return all;
 }

@@ -22,10 +22,10 @@ using std::chrono::duration;
 using std::chrono::steady_clock;
 
 const QByteArray kPrefix = ".glimmet-inbox-";
-constexpr double kQuiet = 0.5;      // seconds without a change, after which the writer has done
+constexpr double kQuiet = 0.5;      // seconds without a change, after which the writer is done
 constexpr double kPrompt = 1;       // seconds in which most writers begin
-constexpr double kLongest = 3600;   // seconds that even a file which never ceases to grow is waited for
-constexpr int kMostWatches = 2000;  // folders in a folder that are watched
+constexpr double kMaxWait = 3600;   // seconds that even a file which never ceases to grow is waited for
+constexpr int kMaxWatches = 2000;  // folders in a folder that are watched
 
 struct Entry {
     QByteArray name;
@@ -98,7 +98,7 @@ Inbox::Inbox(QUrl folder, QByteArray name, Descriptor parent, Descriptor self)
       self_(std::move(self)),
       events_(::inotify_init1(IN_CLOEXEC | IN_NONBLOCK)),
       wake_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
-    int budget = kMostWatches;
+    int budget = kMaxWatches;
     watch(self_.get(), budget);
 }
 
@@ -150,7 +150,7 @@ bool Inbox::readEvents() {
             newFolder |= (event->mask & (IN_ISDIR | IN_Q_OVERFLOW)) != 0;
         }
     }
-    int budget = kMostWatches;
+    int budget = kMaxWatches;
     if (newFolder) watch(self_.get(), budget);
     return changed;
 }
@@ -171,7 +171,7 @@ Inbox::Contents Inbox::await(double patience, bool prompt) {
         const double limit = prompt && written && beingWritten_.isEmpty() ? std::min(kPrompt, patience) : patience;
         const bool whole = written && beingWritten_.isEmpty() && contents() == Contents::things;
         const double left = (whole ? std::min(kQuiet, limit) : limit) - since(changed);
-        if (left <= 0 || since(start) > kLongest) return contents();
+        if (left <= 0 || since(start) > kMaxWait) return contents();
         if (sleep(left)) changed = steady_clock::now();
     }
 }

@@ -8,7 +8,7 @@
 namespace {
 
 // Far more than are ever held; a longer list was not written by us, and its end is what came last.
-constexpr qsizetype kMostStored = 64;
+constexpr qsizetype kMaxStored = 64;
 
 }  // namespace
 
@@ -24,7 +24,7 @@ ItemReferences::ItemReferences(FileReferences& files) : files_(files) {}
 ItemReferences::~ItemReferences() = default;
 
 void ItemReferences::load(const QList<QByteArray>& references, std::function<void(const QList<QUrl>&)> done) {
-    const QList<QByteArray> last = references.last(std::min(references.size(), kMostStored));
+    const QList<QByteArray> last = references.last(std::min(references.size(), kMaxStored));
     const auto loading =
         std::make_shared<Loading>(Loading{last, QList<std::optional<QUrl>>(last.size()), last.size(), std::move(done)});
     loading_ = loading;
@@ -40,12 +40,11 @@ void ItemReferences::load(const QList<QByteArray>& references, std::function<voi
     };
     if (last.isEmpty()) return finish();
     for (qsizetype i = 0; i < last.size(); ++i) {
-        files_.resolve(last[i],
-                       [this, alive = std::weak_ptr(alive_), loading, i, finish](const std::optional<QUrl>& file) {
-                           if (alive.expired() || loading != loading_) return;
-                           loading->found[i] = file;
-                           if (--loading->unanswered == 0) finish();
-                       });
+        files_.resolve(last[i], lifetime_.guard([this, loading, i, finish](const std::optional<QUrl>& file) {
+            if (loading != loading_) return;
+            loading->found[i] = file;
+            if (--loading->unanswered == 0) finish();
+        }));
     }
 }
 
@@ -67,15 +66,14 @@ void ItemReferences::refresh(const QList<QUrl>& items, std::function<void()> cha
     known_.removeIf([&](const auto& entry) { return !items.contains(entry.key()); });
     for (const QUrl& file : items) {
         if (std::exchange(known_[file].asked, true)) continue;
-        files_.bookmark(
-            file, [this, alive = std::weak_ptr(alive_), file, changed](const std::optional<QByteArray>& reference) {
-                if (alive.expired() || !known_.contains(file)) return;
-                Known& known = known_[file];
-                known.asked = false;
-                // Of a file that is not there the last good reference stays: it may only have got another name.
-                if (!reference || *reference == known.reference) return;
-                known.reference = *reference;
-                changed();
-            });
+        files_.bookmark(file, lifetime_.guard([this, file, changed](const std::optional<QByteArray>& reference) {
+            if (!known_.contains(file)) return;
+            Known& known = known_[file];
+            known.asked = false;
+            // Of a file that is not there the last good reference stays: it may only have got another name.
+            if (!reference || *reference == known.reference) return;
+            known.reference = *reference;
+            changed();
+        }));
     }
 }

@@ -7,6 +7,8 @@
 #include <memory>
 #include <optional>
 
+#include "platform/Lifetime.h"
+
 class FileReferences;
 
 /// The stored references of the held files. It keeps the last good one of each, so that a file that was renamed in the
@@ -37,5 +39,5 @@ class ItemReferences {
     FileReferences& files_;
     QHash<QUrl, Known> known_;
     std::shared_ptr<Loading> loading_;
-    std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
+    Lifetime lifetime_;
 };

@@ -14,8 +14,8 @@
 namespace {
 
 constexpr mode_t kMode = 0644;
-constexpr qsizetype kLongestExtension = 16;
-constexpr qsizetype kMostBytes = 230;  // of the 255 that a name may have, so that a counter fits
+constexpr qsizetype kMaxExtension = 16;
+constexpr qsizetype kMaxBytes = 230;  // of the 255 that a name may have, so that a counter fits
 
 enum class Naming { done, taken, failed };
 
@@ -92,17 +92,17 @@ std::optional<QByteArray> writeHidden(int folder, const QString& name, const QBy
 }
 
 /// Control characters, and those that turn the direction of writing around: they make "exe.jpg" out of "gpj.exe".
-bool misleading(QChar c) {
+bool isMisleading(QChar c) {
     const bool turns = (c >= u'\u202a' && c <= u'\u202e') || (c >= u'\u2066' && c <= u'\u2069');
     return turns || c.category() == QChar::Other_Control;
 }
 
-/// The longest beginning of `text` that takes `most` bytes and cuts no character.
-QString beginning(const QString& text, qsizetype most) {
+/// The longest beginning of `text` that takes `max` bytes and cuts no character.
+QString beginning(const QString& text, qsizetype max) {
     QByteArray bytes = text.toUtf8();
-    if (bytes.size() <= most) return text;
-    while (most > 0 && (uchar(bytes[most]) & 0xc0) == 0x80) --most;
-    return QString::fromUtf8(bytes.left(most));
+    if (bytes.size() <= max) return text;
+    while (max > 0 && (uchar(bytes[max]) & 0xc0) == 0x80) --max;
+    return QString::fromUtf8(bytes.left(max));
 }
 
 }  // namespace
@@ -145,15 +145,15 @@ std::optional<QByteArray> moveUnderFreeName(int from, const QByteArray& name, in
 
 QString sanitizedFileName(const QByteArray& name) {
     QString clean = QString::fromUtf8(name.mid(name.lastIndexOf('/') + 1));
-    clean.removeIf(misleading);
+    clean.removeIf(isMisleading);
     const auto harmless = [](QChar c) { return c != u'.' && !c.isSpace(); };
     clean.remove(0, std::find_if(clean.begin(), clean.end(), harmless) - clean.begin());
     clean = clean.trimmed();
     const QString extension = clean.mid(extensionStart(clean));
-    if (clean.toUtf8().size() > kMostBytes) {
-        const bool kept = extension.size() <= kLongestExtension;
+    if (clean.toUtf8().size() > kMaxBytes) {
+        const bool fits = extension.size() <= kMaxExtension;
         clean =
-            kept ? beginning(clean, kMostBytes - extension.toUtf8().size()) + extension : beginning(clean, kMostBytes);
+            fits ? beginning(clean, kMaxBytes - extension.toUtf8().size()) + extension : beginning(clean, kMaxBytes);
     }
     return clean.isEmpty() ? QStringLiteral("Dropped") : clean;
 }

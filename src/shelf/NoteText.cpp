@@ -4,19 +4,19 @@
 
 namespace {
 
-constexpr int kMostCharacters = 400;
+constexpr int kMaxCharacters = 400;
 // Nobody writes a character of more code units; piles of accents without end must not fill the preferences.
-constexpr qsizetype kMostUnits = qsizetype(kMostCharacters) * 40;
+constexpr qsizetype kMaxUnits = qsizetype(kMaxCharacters) * 40;
 
 }  // namespace
 
 QString firstCharacters(const QString& text) {
-    const QString beginning = text.left(kMostUnits);
+    const QString beginning = text.left(kMaxUnits);
     QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, beginning);
     qsizetype end = 0;
-    for (int i = 0; i < kMostCharacters; ++i) {
+    for (int i = 0; i < kMaxCharacters; ++i) {
         const qsizetype next = finder.toNextBoundary();
-        if (next < 0 || (next == kMostUnits && text.size() > kMostUnits)) break;
+        if (next < 0 || (next == kMaxUnits && text.size() > kMaxUnits)) break;
         end = next;
     }
     return beginning.left(end);

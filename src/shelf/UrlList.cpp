@@ -8,28 +8,28 @@
 
 namespace {
 
-constexpr int kMostUrls = 2000;
-constexpr qsizetype kMostBytes = qsizetype(kMostUrls) * 512;
-constexpr qsizetype kLongestAddress = 8 << 10;
+constexpr int kMaxUrls = 2000;
+constexpr qsizetype kMaxBytes = qsizetype(kMaxUrls) * 512;
+constexpr qsizetype kMaxAddress = 8 << 10;
 // What Linux can open: PATH_MAX with its final zero, and NAME_MAX.
-constexpr qsizetype kLongestPath = 4095, kLongestName = 255;
+constexpr qsizetype kMaxPath = 4095, kMaxName = 255;
 
 /// The whole lines at the end of `bytes` that are read.
 QByteArray ending(const QByteArray& bytes) {
-    if (bytes.size() <= kMostBytes) return bytes;
-    const qsizetype start = bytes.indexOf('\n', bytes.size() - kMostBytes);
+    if (bytes.size() <= kMaxBytes) return bytes;
+    const qsizetype start = bytes.indexOf('\n', bytes.size() - kMaxBytes);
     return start < 0 ? QByteArray() : bytes.mid(start + 1);
 }
 
 bool possiblePath(const QByteArray& path) {
-    if (!path.startsWith('/') || path.contains('\0') || path.size() > kLongestPath) return false;
+    if (!path.startsWith('/') || path.contains('\0') || path.size() > kMaxPath) return false;
     const auto names = path.split('/');
-    return std::all_of(names.begin(), names.end(), [](const auto& name) { return name.size() <= kLongestName; });
+    return std::all_of(names.begin(), names.end(), [](const auto& name) { return name.size() <= kMaxName; });
 }
 
 void add(const QByteArray& line, UrlList& list) {
     // A path may be written in three times its length.
-    if (line.size() > 3 * kLongestPath + kLongestName || isDataUrl(line)) return;
+    if (line.size() > 3 * kMaxPath + kMaxName || isDataUrl(line)) return;
     QUrl url = QUrl::fromEncoded(line);
     if (!url.isValid() || url.scheme().isEmpty()) return;
     if (url.isLocalFile()) {
@@ -43,11 +43,11 @@ void add(const QByteArray& line, UrlList& list) {
             return;
         }
     }
-    if (url.toEncoded().size() <= kLongestAddress) list.links.append(url);
+    if (url.toEncoded().size() <= kMaxAddress) list.links.append(url);
 }
 
 void keepLast(QList<QUrl>& urls) {
-    if (urls.size() > kMostUrls) urls.remove(0, urls.size() - kMostUrls);
+    if (urls.size() > kMaxUrls) urls.remove(0, urls.size() - kMaxUrls);
 }
 
 }  // namespace

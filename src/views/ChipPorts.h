@@ -3,7 +3,7 @@
 #include <QString>
 #include <functional>
 
-#include "shelf/HeldThing.h"
+#include "creature/HeldThing.h"
 
 class FileIcons;
 
@@ -12,6 +12,8 @@ struct ChipPorts {
     FileIcons& icons;  ///< must outlive the views
     /// Writes a trace line.
     std::function<void(const QString& line)> trace;
+    /// A tap on the notch itself.
+    std::function<void()> notchTapped;
     /// A click on a thing.
     std::function<void(const HeldThing&)> use;
     /// Its remove button.

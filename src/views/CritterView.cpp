@@ -79,7 +79,7 @@ void CritterView::blink() {
 }
 
 void CritterView::startle() {
-    if (m_.quiet()) return;
+    if (m_.isQuiet(clock_)) return;
     const auto set = [this](bool value) {
         startled_ = value;
         update(std::nullopt);
@@ -100,7 +100,7 @@ void CritterView::worry() {
 }
 
 void CritterView::swallow() {
-    if (m_.quiet()) return;
+    if (m_.isQuiet(clock_)) return;
     fed_ = m_.dragNear && !m_.dropTargeted;
     setSwallow(Swallow::closing);
     swallowStep_ = loop_.after(kClosing, [this] { gulp(); });
@@ -118,7 +118,7 @@ void CritterView::setSwallow(Swallow step) {
 }
 
 void CritterView::glanceDown() {
-    if (m_.quiet()) return;
+    if (m_.isQuiet(clock_)) return;
     const auto set = [this](bool value, const Animation& how) {
         glancingDown_ = value;
         update(how);
@@ -129,7 +129,7 @@ void CritterView::glanceDown() {
 }
 
 void CritterView::lookAround() {
-    if (m_.quiet()) return;
+    if (m_.isQuiet(clock_)) return;
     const auto look = [this](int phase, double duration) {
         lookPhase_ = phase;
         update(Animation::easeInOut(duration));
@@ -193,7 +193,7 @@ void CritterView::aimEyes(const std::optional<Animation>& how, double now) {
 }
 
 std::optional<Animation> CritterView::eyeCurve(const std::optional<Animation>& how) {
-    const EyeCauses was = std::exchange(eyeCauses_, {m_.cameraInUse, blink_, m_.isSleepy(), m_.yawning, worried_,
+    const EyeCauses was = std::exchange(eyeCauses_, {m_.cameraInUse, blink_, m_.isSleepy(clock_), m_.yawning, worried_,
                                                      glancingDown_, swallow_ == Swallow::gulping});
     if (was.camera != eyeCauses_.camera) return Animation::easeInOut(0.45);
     if (was.blink != eyeCauses_.blink) return Animation::easeOut(0.09);
@@ -216,12 +216,12 @@ double CritterView::lidClosure() const {
     if (m_.capsOn) return 0.04;
     if (m_.chewing) return 0.55;
     if (m_.yawning) return 0.8;
-    if (m_.quiet()) return 0.4;
-    return m_.isSleepy() ? 0.46 : 0.12;
+    if (m_.isQuiet(clock_)) return 0.4;
+    return m_.isSleepy(clock_) ? 0.46 : 0.12;
 }
 
 QPointF CritterView::gaze(double side) const {
-    if (m_.quiet()) return {0, 0};
+    if (m_.isQuiet(clock_)) return {0, 0};
     if (worried_) return {4.5, -2.5};
     if (swallow_ != Swallow::none) return {0, m_.attending() ? 5.0 : 3.0};
     if (glancingDown_) return {0, 5.5};

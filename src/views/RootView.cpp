@@ -191,7 +191,7 @@ void RootView::composeChevron(DisplayList& list, double now) const {
 void RootView::tap(const QPointF& point) {
     ShelfArea* things = shelf();
     if (things && things->tap(inside(point), critter_->shelfTop())) return;
-    m_.notchTapped();
+    if (ports_.notchTapped) ports_.notchTapped();
 }
 
 QPointF RootView::inside(const QPointF& point) const {

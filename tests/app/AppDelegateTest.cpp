@@ -137,6 +137,27 @@ TEST(Launch, WithoutAScreenSaysSo) {
     EXPECT_EQ(f.window.raised, 0);
 }
 
+TEST(Ticks, RingDueTimersTogetherWithOneBoopAndOneChime) {
+    ProgramFixture f;
+    f.launch({"--timer=60"});
+    f.m().timers = f.m().timers.get() + f.m().timers.get();
+    f.loop.advance(59);
+    EXPECT_EQ(f.m().boopCount, 0);
+    f.loop.advance(4);
+    EXPECT_EQ(f.m().boopCount, 1);
+    EXPECT_EQ(f.sounds.played, QStringList{QStringLiteral("Glass")});
+    f.window.onPress(PanelWindow::Button::left, {180, 10}, {756, 972});
+    f.window.onRelease(PanelWindow::Button::left, {756, 972});
+    EXPECT_TRUE(f.m().timers->isEmpty());
+    EXPECT_EQ(f.m().boopCount, 2);
+
+    f.m().quietUntil = f.clock.now() + 3600;
+    f.m().timers = QList{HeldTimer{QUuid::createUuid(), f.clock.now(), 1}};
+    f.loop.advance(4);
+    EXPECT_EQ(f.m().boopCount, 3);
+    EXPECT_EQ(f.sounds.played.size(), 1);
+}
+
 TEST(PassThrough, FollowsWhatIsDrawnWhileTheCreatureAttends) {
     ProgramFixture f;
     f.launch();

@@ -5,14 +5,14 @@
 
 namespace {
 
-struct FlagsFixture : CreatureFixture {
+struct FlagsFixture : BehaviourFixture {
     bool tookMouse = false;
     std::optional<CommandLineFlags> flags;
 
     FlagEffects apply(std::initializer_list<const char*> arguments) {
         QStringList list{QStringLiteral("glimmet")};
         for (const char* argument : arguments) list.append(QString::fromUtf8(argument));
-        return flags.emplace(m, loop, list, [this] { tookMouse = true; }).apply();
+        return flags.emplace(m, shelf, engine, loop, list, [this] { tookMouse = true; }).apply();
     }
 };
 
@@ -72,7 +72,7 @@ TEST(Flags, TakeEffectInAFixedOrder) {
     EXPECT_EQ(f.m.items->first().toLocalFile(), QStringLiteral("/System/Applications/Notes.app"));
     EXPECT_TRUE(f.m.hidden);
     EXPECT_FALSE(f.m.hovering);
-    EXPECT_TRUE(effects.batteryPinned && effects.privacyPinned && !effects.screenTest);
+    EXPECT_TRUE(f.m.batteryPinned && f.m.privacyPinned && !effects.screenTest);
 }
 
 TEST(Flags, MalformedNumbersAreIgnored) {

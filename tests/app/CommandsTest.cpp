@@ -7,7 +7,17 @@ namespace {
 
 struct CommandsFixture : CreatureFixture {
     MemoryWorkspace workspace;
-    Commands commands{m, clock, preferences, workspace};
+    QStringList flipped;
+    Commands commands{m,
+                      shelf,
+                      clock,
+                      preferences,
+                      workspace,
+                      {{QStringLiteral("Music"),
+                        QStringLiteral("music"),
+                        [this] { flipped.append(QStringLiteral("on")); },
+                        [this] { flipped.append(QStringLiteral("off")); }},
+                       {QStringLiteral("Unborn"), QStringLiteral("unborn"), {}, {}}}};
     int quits = 0;
     CommandsFixture() {
         commands.quit = [this] { ++quits; };
@@ -29,7 +39,7 @@ struct CommandsFixture : CreatureFixture {
 
 TEST(Menu, FollowsTheState) {
     CommandsFixture f;
-    for (const char* unborn : {"Watch Downloads", "Meeting whispers", "Music in the notch", "Check for updates…"})
+    for (const char* unborn : {"Unborn", "Check for updates…"})
         EXPECT_FALSE(f.item(QString::fromUtf8(unborn)).action) << unborn;
     EXPECT_TRUE(f.item(QStringLiteral("Critter")).checked);
     f.item(QStringLiteral("Weather")).action();
@@ -50,6 +60,20 @@ TEST(Menu, FollowsTheState) {
     EXPECT_EQ(f.m.timers->first().minutes, 15);
     f.item(QStringLiteral("Quit Glimmet")).action();
     EXPECT_EQ(f.quits, 1);
+}
+
+TEST(Menu, ASwitchIsFlippedAndItsStateOutlivesTheProgram) {
+    CommandsFixture f;
+    const QString music = QStringLiteral("Music");
+    f.commands.startSwitches();
+    EXPECT_FALSE(f.item(music).checked);
+    f.item(music).action();
+    EXPECT_TRUE(f.item(music).checked);
+    f.preferences.setBoolean(QStringLiteral("unborn"), true);
+    f.commands.startSwitches();
+    f.item(music).action();
+    f.commands.startSwitches();
+    EXPECT_EQ(f.flipped, (QStringList{QStringLiteral("on"), QStringLiteral("on"), QStringLiteral("off")}));
 }
 
 TEST(Menu, CountsTheMinutesOfQuiet) {

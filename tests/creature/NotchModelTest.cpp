@@ -62,87 +62,20 @@ TEST(NotchModel, ShapeTakesTheFirstRowThatMatches) {
 }
 
 TEST(NotchModel, IsSleepyAtNightOrOnALowBattery) {
-    CreatureFixture f;
-    const auto sleepyAt = [&](int hour, int minute) {
-        f.clock.setTimeOfDay(hour, minute);
-        return f.m.isSleepy();
-    };
-    EXPECT_FALSE(sleepyAt(22, 59));
-    EXPECT_TRUE(sleepyAt(23, 0));
-    EXPECT_TRUE(sleepyAt(0, 0));
-    EXPECT_TRUE(sleepyAt(5, 59));
-    EXPECT_FALSE(sleepyAt(6, 0));
-    f.m.battery = 0.2;
-    EXPECT_FALSE(sleepyAt(12, 0));
-    f.m.battery = 0.19;
-    EXPECT_TRUE(sleepyAt(12, 0));
-    f.m.charging = true;
-    EXPECT_FALSE(sleepyAt(12, 0));
-}
-
-TEST(NotchModel, YawnsForASecondAndAHalf) {
-    CreatureFixture f;
-    f.m.yawn();
-    EXPECT_TRUE(f.m.yawning);
-    f.loop.advance(1.59);
-    f.m.yawn();  // during a yawn: must not make it longer
-    EXPECT_TRUE(f.m.yawning);
-    f.loop.advance(0.02);
-    EXPECT_FALSE(f.m.yawning);
-}
-
-TEST(NotchModel, DeclinesToYawn) {
-    const std::vector<std::function<void(CreatureFixture&)>> reasons{
-        [](auto& f) { f.m.asleep = true; },
-        [](auto& f) { f.m.toy = Toy::weather; },
-        [](auto& f) { f.m.hovering = true; },
-        [](auto& f) { f.m.dragNear = true; },
-        [](auto& f) { f.m.quietUntil = f.clock.now() + 1; },
-    };
-    for (size_t i = 0; i < reasons.size(); ++i) {
+    const struct {
+        int hour, minute;
+        double battery;
+        bool charging, isSleepy;
+    } cases[] = {{22, 59, 1, false, false}, {23, 0, 1, false, true},    {0, 0, 1, true, true},
+                 {5, 59, 1, false, true},   {6, 0, 1, false, false},    {12, 0, 0.2, false, false},
+                 {12, 0, 0.19, false, true}, {12, 0, 0.19, true, false}};
+    for (const auto& c : cases) {
         CreatureFixture f;
-        reasons[i](f);
-        f.m.yawn();
-        EXPECT_FALSE(f.m.yawning) << i;
+        f.clock.setTimeOfDay(c.hour, c.minute);
+        f.m.battery = c.battery;
+        f.m.charging = c.charging;
+        EXPECT_EQ(f.m.isSleepy(f.clock), c.isSleepy) << "row " << &c - cases;
     }
-    CreatureFixture f;
-    f.m.quietUntil = f.clock.now();  // over right now
-    f.m.yawn();
-    EXPECT_TRUE(f.m.yawning);
-}
-
-TEST(NotchModel, ATapTakesTheFirstThingToDo) {
-    CreatureFixture f;
-    int focused = 0;
-    f.m.onFocusBlockedTerminal = [&] { ++focused; };
-    f.m.addTimer(1);
-    f.m.addTimer(10);
-    f.loop.advance(61);
-    ASSERT_TRUE(f.m.tickTimers());
-    f.m.needsYou = true;
-    f.m.blockedTerminal = QStringLiteral("Terminal");
-    f.m.hidden = true;
-    f.m.asleep = true;
-
-    f.m.notchTapped();
-    EXPECT_FALSE(f.m.hidden);
-    EXPECT_FALSE(f.m.asleep);
-    EXPECT_EQ(f.m.timers->size(), 2);
-    EXPECT_EQ(f.m.boopCount, 1);
-
-    f.m.notchTapped();
-    EXPECT_EQ(f.m.timers->size(), 1);
-    EXPECT_EQ(f.m.timers->first().minutes, 10);
-    EXPECT_EQ(f.m.boopCount, 2);
-
-    f.m.notchTapped();
-    EXPECT_EQ(focused, 1);
-    EXPECT_EQ(f.m.boopCount, 2);
-
-    f.m.blockedTerminal = QString();
-    f.m.notchTapped();
-    EXPECT_EQ(focused, 1);
-    EXPECT_EQ(f.m.boopCount, 3);
 }
 
 TEST(NotchModel, AnnouncesBeforeTheChangeAndReportsItWithItsAnimation) {
@@ -162,7 +95,7 @@ TEST(NotchModel, AnnouncesBeforeTheChangeAndReportsItWithItsAnimation) {
                                              "animated: awake"}));
 }
 
-TEST(NotchModel, InnerAnimationHoldsForItsBlockOnly) {
+TEST(NotchModel, AnInnerAnimationHoldsForItsBlockOnly) {
     CreatureFixture f;
     std::vector<std::optional<Animation>> seen;
     const auto did = f.m.objectDidChange.subscribe([&](const auto& how) { seen.push_back(how); });
@@ -171,9 +104,7 @@ TEST(NotchModel, InnerAnimationHoldsForItsBlockOnly) {
         ++f.m.boopCount;
     });
     f.m.withAnimation(Animation::easeOut(3), [] {});
-    ASSERT_EQ(seen.size(), 2U);
-    EXPECT_EQ(seen[0], Animation::easeOut(2));
-    EXPECT_EQ(seen[1], Animation::easeOut(1));
+    EXPECT_EQ(seen, (std::vector<std::optional<Animation>>{Animation::easeOut(2), Animation::easeOut(1)}));
 }
 
 TEST(NotchModel, DeliversThroughTheLoopUntilDropped) {

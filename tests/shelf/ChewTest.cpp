@@ -49,10 +49,10 @@ TEST(Chew, HoldsTheResultAfterAMomentOfChewing) {
     ChewFixture f;
     const QUrl photo = f.file("photo .jpg");
     f.m.items = QList{photo};
-    f.m.chew(photo, Chewer::Mode::smaller);
+    f.shelf.chew(photo, Chewer::Mode::smaller);
     EXPECT_TRUE(f.m.chewing);
-    f.m.chew(photo, Chewer::Mode::toPNG);
-    f.m.readText(photo);
+    f.shelf.chew(photo, Chewer::Mode::toPNG);
+    f.shelf.readText(photo);
     f.jobs.runAll();
     f.loop.advance(1.09);
     EXPECT_TRUE(f.m.chewing);
@@ -70,9 +70,9 @@ TEST(Chew, EveryFailureOnlyWorries) {
     for (const auto& answer : {std::optional<QJsonObject>(), std::optional(failed(1))}) {
         ChewFixture f;
         f.worker.answer = answer;
-        f.m.chew(f.file("a.png"), Chewer::Mode::toJPEG);
+        f.shelf.chew(f.file("a.png"), Chewer::Mode::toJPEG);
         f.runJob();
-        f.m.readText(f.file("a.png"));
+        f.shelf.readText(f.file("a.png"));
         f.runJob();
         EXPECT_FALSE(f.m.chewing);
         EXPECT_EQ(f.m.worryCount, 2);
@@ -83,13 +83,13 @@ TEST(Chew, EveryFailureOnlyWorries) {
 
 TEST(Chew, DoesNotWaitForADeadDiskForEver) {
     ChewFixture f;
-    f.m.chew(f.file("a.png"), Chewer::Mode::toJPEG);
+    f.shelf.chew(f.file("a.png"), Chewer::Mode::toJPEG);
     f.loop.advance(100);
     EXPECT_FALSE(f.m.chewing);
     EXPECT_EQ(f.m.worryCount, 1);
     f.runJob();
     EXPECT_TRUE(f.worker.requests.isEmpty()) << "too late";
-    f.m.chew(f.file("a.png"), Chewer::Mode::toJPEG);
+    f.shelf.chew(f.file("a.png"), Chewer::Mode::toJPEG);
     f.runJob();
     EXPECT_EQ(f.m.items->size(), 1);
 }
@@ -215,7 +215,7 @@ TEST(ReadText, GoesWholeToTheClipboardAndItsBeginningToTheShelf) {
     f.worker.answer = text(page);
     for (int i = 1; i <= 2; ++i) {
         f.m.asleep = true;
-        f.m.readText(f.file("page.pdf"));
+        f.shelf.readText(f.file("page.pdf"));
         f.runJob();
         EXPECT_EQ(f.pasteboard.texts.size(), i) << "also when the note is held already";
         EXPECT_EQ(f.m.boopCount, i);
@@ -225,11 +225,11 @@ TEST(ReadText, GoesWholeToTheClipboardAndItsBeginningToTheShelf) {
     EXPECT_EQ(f.m.bites.get(), QList{Bite::note(page.left(400))});
 }
 
-TEST(Chew, AModelThatIsGoneIsNotTouched) {
+TEST(Chew, AShelfThatIsGoneIsNotTouched) {
     ChewFixture f;
     {
-        NotchModel gone(f.clock, f.loop, f.shelf());
-        gone.chew(f.file("a.png"), Chewer::Mode::toJPEG);
+        NotchModel gone;
+        Shelf(gone, f.shelfPorts()).chew(f.file("a.png"), Chewer::Mode::toJPEG);
         f.jobs.runAll();
     }
     f.loop.advance(100);
@@ -239,7 +239,7 @@ TEST(Chew, AModelThatIsGoneIsNotTouched) {
 struct ActionsFixture : ChewFixture {
     MemoryWorkspace workspace;
     MemorySharing sharing;
-    ChipActions actions{m, workspace, pasteboard, sharing};
+    ChipActions actions{m, shelf, workspace, sharing};
     QList<MenuItem> shared;
 
     ActionsFixture() {
@@ -286,7 +286,7 @@ TEST(ChipMenu, DoesWhatItSays) {
     const Bite link = Bite::link(QUrl(QStringLiteral("https://a.example"))), note = Bite::note(QStringLiteral("soup"));
     f.m.items = QList{image, file("/p/b.txt")};
     f.m.bites = QList{link, note};
-    f.m.addTimer(5);
+    f.shelf.addTimer(5);
     const auto menu = f.actions.menu(image);
     f.choose(menu, "Open");
     f.choose(menu, "Reveal in Finder");

@@ -15,37 +15,35 @@
 
 namespace {
 
-/// An intake whose dropped folder is a real one.
-struct DropFixture {
-    CreatureFixture f;
-    QTemporaryDir home;
-    MemoryDragPasteboard pasteboard;
-    InlineQueue disk;
-    NotchModel m{f.clock, f.loop, f.shelf(home.path())};
-    DropIntake drops{m, f.clock, f.loop, pasteboard, disk};
-    int passThroughUpdates = 0;
-
-    DropFixture() {
-        m.centerX = 756;
-        m.screenTop = 982;
-        drops.updateMousePassThrough = [this] { ++passThroughUpdates; };
+/// With an intake, and a dropped folder that is a real one.
+struct DropFixture : CreatureFixture {
+    DropFixture() : CreatureFixture(newFolder()) {}
+    ~DropFixture() { QDir(dataFolder).removeRecursively(); }
+    static QString newFolder() {
+        QTemporaryDir made;
+        made.setAutoRemove(false);
+        return made.path();
     }
+
+    MemoryDragPasteboard dragPasteboard;
+    InlineQueue disk;
+    DropIntake drops{m, shelf, clock, loop, dragPasteboard, disk};
 
     /// Moves a drag to a place relative to the top centre of the screen (y downwards).
     void drag(double x, double down) { drops.dragMoved({m.centerX + x, m.screenTop - down}); }
     void beginUsableDrag() {
-        ++pasteboard.count;
+        ++dragPasteboard.count;
         drag(600, 400);
-        pasteboard.answer(true);
+        dragPasteboard.answer(true);
     }
     std::shared_ptr<MemoryDrop> drop = std::make_shared<MemoryDrop>();
     void handle() {
         drops.handleDrop(std::move(drop));
-        f.loop.drain();
+        loop.drain();
         drop = std::make_shared<MemoryDrop>();
     }
     QStringList folder() const {
-        return QDir(home.filePath(QStringLiteral("Glimmet/Dropped")))
+        return QDir(dataFolder + QStringLiteral("/Glimmet/Dropped"))
             .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
     }
     static QByteArray contents(const QUrl& file) {
@@ -70,21 +68,20 @@ TEST(DragWatch, TheZoneIsOpenAtItsEdges) {
 
 TEST(DragWatch, AsksOncePerDragAndNoticesALateAnswer) {
     DropFixture f;
-    ++f.pasteboard.count;
+    ++f.dragPasteboard.count;
     for (int i = 0; i < 5; ++i) f.drag(0, 10 + i);
-    EXPECT_EQ(f.pasteboard.questions, 1);
+    EXPECT_EQ(f.dragPasteboard.questions, 1);
     EXPECT_FALSE(f.m.dragNear);
-    f.pasteboard.answer(true);
+    f.dragPasteboard.answer(true);
     EXPECT_TRUE(f.m.dragNear);
-    EXPECT_EQ(f.passThroughUpdates, 1);
 
-    ++f.pasteboard.count;  // another drag, of a colour
+    ++f.dragPasteboard.count;  // another drag, of a colour
     f.drag(0, 12);
     EXPECT_FALSE(f.m.dragNear);
-    f.pasteboard.answer(false);
+    f.dragPasteboard.answer(false);
     f.drag(0, 13);
     EXPECT_FALSE(f.m.dragNear);
-    EXPECT_EQ(f.pasteboard.questions, 2);
+    EXPECT_EQ(f.dragPasteboard.questions, 2);
 }
 
 TEST(DragWatch, ReleasingClosesTheMouthALittleLater) {
@@ -92,9 +89,9 @@ TEST(DragWatch, ReleasingClosesTheMouthALittleLater) {
     f.beginUsableDrag();
     f.drag(0, 10);
     f.drops.dragEnded();
-    f.f.loop.advance(0.44);
+    f.loop.advance(0.44);
     EXPECT_TRUE(f.m.dragNear);
-    f.f.loop.advance(0.02);
+    f.loop.advance(0.02);
     EXPECT_FALSE(f.m.dragNear);
     // The next drag is not shut out by the end of the one before.
     f.beginUsableDrag();
@@ -102,32 +99,32 @@ TEST(DragWatch, ReleasingClosesTheMouthALittleLater) {
     f.drops.dragEnded();
     f.beginUsableDrag();
     f.drag(0, 10);
-    f.f.loop.advance(1);
+    f.loop.advance(1);
     EXPECT_TRUE(f.m.dragNear);
     f.drops.dragEnded();
-    f.f.loop.advance(1);
+    f.loop.advance(1);
     // A window that is moved afterwards is no drag of things.
     f.drag(0, 10);
     EXPECT_FALSE(f.m.dragNear);
     // Nor does an answer count that comes when all is over.
-    ++f.pasteboard.count;
+    ++f.dragPasteboard.count;
     f.drag(0, 10);
     f.drops.dragEnded();
-    f.pasteboard.answer(true);
+    f.dragPasteboard.answer(true);
     EXPECT_FALSE(f.m.dragNear);
 }
 
 TEST(DragWatch, ADragKeepsTheCreatureAwake) {
     DropFixture f;
-    f.f.loop.advance(100);
+    f.loop.advance(100);
     f.m.asleep = true;
     f.beginUsableDrag();
     EXPECT_FALSE(f.m.asleep);
-    f.f.loop.advance(100);
-    EXPECT_LT(f.f.clock.uptime() - f.m.lastActivity, 22) << "though it hangs still";
+    f.loop.advance(100);
+    EXPECT_LT(f.clock.uptime() - f.m.lastActivity, 22) << "though it hangs still";
     f.drops.dragEnded();
-    f.f.loop.advance(100);
-    EXPECT_GT(f.f.clock.uptime() - f.m.lastActivity, 99);
+    f.loop.advance(100);
+    EXPECT_GT(f.clock.uptime() - f.m.lastActivity, 99);
 }
 
 TEST(DragWatch, ANearDragBringsAHiddenCreatureBackButNotTheWeather) {
@@ -137,13 +134,13 @@ TEST(DragWatch, ANearDragBringsAHiddenCreatureBackButNotTheWeather) {
     EXPECT_TRUE(f.m.hidden);
     f.drag(0, 10);
     EXPECT_FALSE(f.m.hidden);
-    EXPECT_FALSE(f.f.preferences.boolean(QStringLiteral("glimmet.hidden")));
+    EXPECT_FALSE(f.preferences.boolean(QStringLiteral("glimmet.hidden")));
 
     DropFixture w;
     w.m.toy = Toy::weather;
-    ++w.pasteboard.count;
+    ++w.dragPasteboard.count;
     w.drag(0, 10);
-    EXPECT_EQ(w.pasteboard.questions, 0);
+    EXPECT_EQ(w.dragPasteboard.questions, 0);
     EXPECT_FALSE(w.drops.acceptsDrops());
 }
 
@@ -176,7 +173,7 @@ TEST(Drop, AnImageOutOfABrowserBecomesAFile) {
     }
     ASSERT_EQ(f.m.items->size(), 2);
     const QString name = f.m.items->first().fileName();
-    EXPECT_EQ(name, f.drops.droppedFileName(QStringLiteral("jpg")));
+    EXPECT_EQ(name, DropIntake::droppedFileName(f.clock.now(), QStringLiteral("jpg")));
     EXPECT_TRUE(QRegularExpression(QStringLiteral("^Dropped [\\d-]{10} at [\\d.]{8}\\.jpg$")).match(name).hasMatch());
     EXPECT_EQ(f.contents(f.m.items->first()), "first");
     EXPECT_EQ(f.contents(f.m.items->last()), "second");
@@ -214,7 +211,7 @@ TEST(Drop, APromisedFileIsTakenWholeUnderAHarmlessName) {
         f.drop->saved = name;
         f.drop->offer("text/plain;charset=utf-8", "no");
         f.handle();
-        const QUrl wanted = fileUrl(f.home.filePath(QStringLiteral("Glimmet/Dropped/")).toUtf8() + name);
+        const QUrl wanted = fileUrl((f.dataFolder + QStringLiteral("/Glimmet/Dropped/")).toUtf8() + name);
         EXPECT_EQ(f.m.items->value(f.m.items->size() - 1), wanted);
         EXPECT_EQ(f.contents(wanted), name);
     }
@@ -239,7 +236,7 @@ TEST(Drop, TextIsTrimmedAndCut) {
 
 TEST(Drop, WithoutAFolderToWriteInNothingIsLostButTheImage) {
     DropFixture f;
-    QFile blocked(f.home.filePath(QStringLiteral("Glimmet")));
+    QFile blocked(f.dataFolder + QStringLiteral("/Glimmet"));
     ASSERT_TRUE(blocked.open(QFile::WriteOnly));
     f.drop->promise = "a.txt";
     f.drop->saved = "x";
@@ -253,14 +250,14 @@ TEST(Drop, WithoutAFolderToWriteInNothingIsLostButTheImage) {
 TEST(Drop, ADiskThatHangsHoldsUpNoLink) {
     DropFixture f;
     HeldQueue hanging;
-    DropIntake drops{f.m, f.f.clock, f.f.loop, f.pasteboard, hanging};
+    DropIntake drops{f.m, f.shelf, f.clock, f.loop, f.dragPasteboard, hanging};
     f.drop->promise = "a.txt";
     f.drop->offer("text/uri-list", "https://example.org/");
     drops.handleDrop(std::move(f.drop));
-    f.f.loop.advance(11);
+    f.loop.advance(11);
     EXPECT_EQ(f.m.bites->size(), 1);
     hanging.runAll();
-    f.f.loop.drain();
+    f.loop.drain();
     EXPECT_EQ(f.m.bites->size(), 1);
 }
 
@@ -326,18 +323,18 @@ TEST(NewFile, CountersStandBeforeTheExtension) {
 
 TEST(Inbox, WhatAnEarlierRunLeftIsHeldAtTheNextStart) {
     DropFixture f;
-    auto inbox = Inbox::make(f.m.droppedFolder());
+    auto inbox = Inbox::make(f.shelf.droppedFolder());
     ASSERT_TRUE(inbox);
     const QString place = QFileInfo(inbox->place(QStringLiteral("x")).toLocalFile()).path() + u'/';
     ASSERT_TRUE(QDir(place).mkpath(QStringLiteral("folder/inner")));
     ASSERT_TRUE(QFile(place + QStringLiteral(".hidden")).open(QFile::WriteOnly));
     ASSERT_TRUE(QFile::link(QStringLiteral("/etc"), place + QStringLiteral("link")));
     f.drops.takeLeft();
-    f.f.loop.drain();
+    f.loop.drain();
     EXPECT_TRUE(f.m.items->isEmpty()) << "it is still in use";
     inbox.reset();
     f.drops.takeLeft();
-    f.f.loop.drain();
+    f.loop.drain();
     QStringList held;
     for (const QUrl& item : f.m.items.get()) held.append(item.fileName());
     EXPECT_EQ(held, (QStringList{QStringLiteral("hidden"), QStringLiteral("folder")}));

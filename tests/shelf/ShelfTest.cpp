@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "creature/NotchModel.h"
+#include "shelf/HeldJson.h"
 #include "support/Creature.h"
 
 namespace {
@@ -23,41 +23,41 @@ QList<Bite> notes(int count, int first = 0) {
 
 TEST(Items, TheThirteenthPushesTheOldestOut) {
     CreatureFixture f;
-    EXPECT_EQ(f.m.addItems(files(12)), 12);
-    EXPECT_EQ(f.m.addItems({file(QStringLiteral("/g"))}), 1);
+    EXPECT_EQ(f.shelf.addItems(files(12)), 12);
+    EXPECT_EQ(f.shelf.addItems({file(QStringLiteral("/g"))}), 1);
     EXPECT_EQ(f.m.items->size(), 12);
     EXPECT_EQ(f.m.items->first(), file(QStringLiteral("/f/1")));
     EXPECT_EQ(f.m.items->last(), file(QStringLiteral("/g")));
-    EXPECT_EQ(f.m.addItems(files(20, 100)), 12);
+    EXPECT_EQ(f.shelf.addItems(files(20, 100)), 12);
     EXPECT_EQ(f.m.items->first(), file(QStringLiteral("/f/108")));
-    f.m.removeItem(file(QStringLiteral("/f/109")));
-    f.m.removeItem(file(QStringLiteral("/nowhere")));
+    f.shelf.removeItem(file(QStringLiteral("/f/109")));
+    f.shelf.removeItem(file(QStringLiteral("/nowhere")));
     EXPECT_EQ(f.m.items.get(), files(1, 108) + files(10, 110));
 }
 
 TEST(Items, OneFileIsHeldOnceUnderAnyOfItsPaths) {
     CreatureFixture f;
     EXPECT_EQ(
-        f.m.addItems({file(QStringLiteral("/a/b")), file(QStringLiteral("/a/./b")), file(QStringLiteral("/a/c/../b"))}),
+        f.shelf.addItems({file(QStringLiteral("/a/b")), file(QStringLiteral("/a/./b")), file(QStringLiteral("/a/c/../b"))}),
         1);
     EXPECT_EQ(f.m.items->first(), file(QStringLiteral("/a/b")));
     const int writes = f.preferences.writes;
     for (const char* same : {"/a/./b", "/a//b", "/a/b/"})
-        EXPECT_EQ(f.m.addItems({file(QLatin1String(same))}), 0) << same;
+        EXPECT_EQ(f.shelf.addItems({file(QLatin1String(same))}), 0) << same;
     EXPECT_EQ(f.preferences.writes, writes);
 }
 
 TEST(Bites, KeepTheLastEightAndAreToldApartByKindAndText) {
     CreatureFixture f;
-    EXPECT_EQ(f.m.addBites(notes(10)), 8);
+    EXPECT_EQ(f.shelf.addBites(notes(10)), 8);
     EXPECT_EQ(*f.m.bites->first().text(), QStringLiteral("2"));
     f.m.bites = QList<Bite>();
-    EXPECT_EQ(f.m.addBites({Bite::note(QStringLiteral("hello")), Bite::link(QUrl(QStringLiteral("hello"))),
+    EXPECT_EQ(f.shelf.addBites({Bite::note(QStringLiteral("hello")), Bite::link(QUrl(QStringLiteral("hello"))),
                             Bite::note(QStringLiteral("hello")), Bite::note(QStringLiteral("hello "))}),
               3);
     EXPECT_EQ(biteKey(f.m.bites->at(0)), QStringLiteral("n:hello"));
     EXPECT_EQ(biteKey(f.m.bites->at(1)), QStringLiteral("l:hello"));
-    f.m.removeBite(Bite::note(QStringLiteral("hello")));
+    f.shelf.removeBite(Bite::note(QStringLiteral("hello")));
     EXPECT_EQ(f.m.bites->size(), 2);
 }
 
@@ -65,28 +65,25 @@ TEST(Timers, RoundTheirMinutesButNotTheirTime) {
     for (const auto& [length, minutes] : {std::pair(2.5, 3), {0.2, 1}, {25.0, 25}, {0.0, 1}, {-3.0, 1}, {1.49, 1}}) {
         CreatureFixture f;
         f.m.asleep = true;
-        f.m.addTimer(length);
+        f.shelf.addTimer(length);
         EXPECT_EQ(f.m.timers->first().minutes, minutes) << length;
         EXPECT_NEAR(f.m.timers->first().fireAt - f.clock.now(), length * 60, 1e-6);
-        EXPECT_EQ(f.m.swallowCount, 1);
-        EXPECT_FALSE(f.m.asleep);
+        EXPECT_TRUE(f.m.swallowCount == 1 && !f.m.asleep);
     }
 }
 
 TEST(Timers, RingOnceAndAreClearedOrRemoved) {
     CreatureFixture f;
-    f.m.addTimer(1);
-    f.m.addTimer(5);
-    f.m.addTimer(1);
+    for (const double minutes : {1.0, 5.0, 1.0}) f.shelf.addTimer(minutes);
     f.loop.advance(60);
-    EXPECT_TRUE(f.m.tickTimers());
-    EXPECT_FALSE(f.m.tickTimers());
+    EXPECT_TRUE(f.shelf.tickTimers());
+    EXPECT_FALSE(f.shelf.tickTimers());
     EXPECT_TRUE(f.m.timers->at(0).done && !f.m.timers->at(1).done && f.m.timers->at(2).done);
     HeldTimer shown = f.m.timers->at(2);
     shown.done = false;  // a chip may be older than the model
-    f.m.removeTimer(shown);
+    f.shelf.removeTimer(shown);
     EXPECT_EQ(f.m.timers->size(), 2);
-    f.m.clearDoneTimers();
+    f.shelf.clearDoneTimers();
     ASSERT_EQ(f.m.timers->size(), 1);
     EXPECT_EQ(f.m.timers->first().minutes, 5);
 }
@@ -105,17 +102,13 @@ TEST(Json, BitesHaveExactlyThisForm) {
 
 TEST(Json, OneMalformedBiteFailsAll) {
     const QByteArray good = "{\"note\":{\"_0\":\"x\"}}";
-    for (const QByteArray& bad :
-         {QByteArray("{}"), QByteArray("{\"note\":{\"_0\":\"x\"},\"link\":{\"_0\":\"http:\\/\\/x\"}}"),
-          QByteArray("{\"note\":\"x\"}"), QByteArray("{\"note\":{\"_1\":\"x\"}}"), QByteArray("{\"note\":{\"_0\":5}}"),
-          QByteArray("{\"link\":{\"_0\":\"\"}}"), QByteArray("{\"link\":{\"_0\":\"http://[\"}}"),
-          QByteArray("{\"link\":{\"_0\":\"http://a/%zz\"}}"), QByteArray("null"), QByteArray("[]"),
-          QByteArray("{\"note\":{\"_0\":\"x\"}")}) {
-        EXPECT_FALSE(decodeBites('[' + good + ',' + bad + ']')) << bad.constData();
+    for (const char* bad : {"{}", R"({"note":{"_0":"x"},"link":{"_0":"http:\/\/x"}})", R"({"note":"x"})",
+                            R"({"note":{"_1":"x"}})", R"({"note":{"_0":5}})", R"({"link":{"_0":""}})",
+                            R"({"link":{"_0":"http://["}})", R"({"link":{"_0":"http://a/%zz"}})", "null", "[]",
+                            R"({"note":{"_0":"x"})"}) {
+        EXPECT_FALSE(decodeBites('[' + good + ',' + bad + ']')) << bad;
     }
-    for (const QByteArray& bad :
-         {QByteArray(), QByteArray("{}"), QByteArray("7"), QByteArray("[1"), QByteArray("\0\1\2", 3)})
-        EXPECT_FALSE(decodeBites(bad)) << bad.constData();
+    for (const char* bad : {"", "{}", "7", "[1", "\1\2"}) EXPECT_FALSE(decodeBites(bad)) << bad;
 }
 
 TEST(Json, TimersReadWhatWasWrittenAndNothingElse) {
@@ -140,24 +133,25 @@ TEST(Json, TimersReadWhatWasWrittenAndNothingElse) {
     }
 }
 
-/// What a restart does: another model over the same preferences and files.
+/// What a restart does: another shelf over the same preferences and files.
 struct Restarted {
-    explicit Restarted(CreatureFixture& f) : m(f.clock, f.loop, f.shelf()) {
-        m.loadShelf();
-        m.loadHeld();
+    explicit Restarted(CreatureFixture& f) : shelf(m, f.shelfPorts()) {
+        shelf.loadShelf();
+        shelf.loadHeld();
     }
     NotchModel m;
+    Shelf shelf;
 };
 
 TEST(Store, ARestartKeepsWhatIsHeldButRungTimers) {
     CreatureFixture f;
-    f.m.addItems(files(3));
-    f.m.addBites(notes(2));
-    f.m.addTimer(1);
-    f.m.addTimer(2);
-    f.m.addTimer(3);
+    f.shelf.addItems(files(3));
+    f.shelf.addBites(notes(2));
+    f.shelf.addTimer(1);
+    f.shelf.addTimer(2);
+    f.shelf.addTimer(3);
     f.loop.advance(61);
-    f.m.tickTimers();
+    f.shelf.tickTimers();
     f.m.hidden = true;
     f.loop.advance(70);  // the second falls due while nothing looks
     Restarted again(f);
@@ -166,16 +160,7 @@ TEST(Store, ARestartKeepsWhatIsHeldButRungTimers) {
     EXPECT_TRUE(again.m.hidden);
     ASSERT_EQ(again.m.timers->size(), 2);
     EXPECT_EQ(again.m.timers->first().minutes, 2);
-    EXPECT_TRUE(again.m.tickTimers());
-}
-
-TEST(Store, AFileThatIsGoneAtTheNextStartIsForgotten) {
-    CreatureFixture f;
-    f.m.addItems(files(3));
-    f.files.missing.insert(QStringLiteral("/f/1"));
-    Restarted again(f);
-    EXPECT_EQ(again.m.items->size(), 2);
-    EXPECT_EQ(f.preferences.dataList(QStringLiteral("glimmet.shelf"))->size(), 2);
+    EXPECT_TRUE(again.shelf.tickTimers());
 }
 
 TEST(Store, WhatCannotBeReadStaysUntilItIsWrittenAnew) {
@@ -187,38 +172,38 @@ TEST(Store, WhatCannotBeReadStaysUntilItIsWrittenAnew) {
     Restarted again(f);
     EXPECT_TRUE(again.m.bites->isEmpty() && again.m.timers->isEmpty() && again.m.items->isEmpty());
     EXPECT_EQ(f.preferences.data(key), QByteArray("[{]"));
-    again.m.addBites(notes(1));
+    again.shelf.addBites(notes(1));
     EXPECT_EQ(f.preferences.data(key), encodeBites(notes(1)));
 }
 
-TEST(Store, ARenamedFileIsNotForgottenAtTheNextSave) {
+TEST(Store, AFileThatIsGoneIsForgottenAndARenamedOneIsNot) {
     CreatureFixture f;
     const QString moved = QStringLiteral("/f/new name");
-    f.m.addItems(files(2));
-    f.files.missing.insert(QStringLiteral("/f/0"));
+    f.shelf.addItems(files(3));
+    f.files.missing = {QStringLiteral("/f/0"), QStringLiteral("/f/1")};
     f.files.renamed.insert(QStringLiteral("/f/0"), moved);
-    f.m.addItems(files(1, 5));
+    f.shelf.addItems(files(1, 5));
     const Restarted again(f);
     EXPECT_EQ(again.m.items.get(),
-              (QList<QUrl>{file(moved), file(QStringLiteral("/f/1")), file(QStringLiteral("/f/5"))}));
+              (QList<QUrl>{file(moved), file(QStringLiteral("/f/2")), file(QStringLiteral("/f/5"))}));
+    EXPECT_EQ(f.preferences.dataList(QStringLiteral("glimmet.shelf"))->size(), 3);
 }
 
 TEST(Store, WhatADiskIsStillAskedAboutStaysStored) {
     CreatureFixture f;
     const QString slow = QStringLiteral("/f/1");
-    f.m.addItems(files(3));
+    f.shelf.addItems(files(3));
     f.files.silent.insert(slow);
-    NotchModel late(f.clock, f.loop, f.shelf());
-    late.loadShelf();
-    EXPECT_TRUE(late.items->isEmpty());
-    late.addItems(files(1, 9));
+    Restarted late(f);
+    EXPECT_TRUE(late.m.items->isEmpty());
+    late.shelf.addItems(files(1, 9));
     const auto stored = [&] { return *f.preferences.dataList(QStringLiteral("glimmet.shelf")); };
     EXPECT_EQ(stored(), (QList<QByteArray>{"id:/f/0", "id:/f/1", "id:/f/2", "id:/f/9"}));
     f.files.answer();
-    EXPECT_EQ(late.items.get(), files(3) + files(1, 9));
+    EXPECT_EQ(late.m.items.get(), files(3) + files(1, 9));
 
     f.files.silent.insert(QStringLiteral("/f/7"));
-    late.replaceItems(files(1, 7));
+    late.shelf.replaceItems(files(1, 7));
     EXPECT_EQ(stored(), QList<QByteArray>{"/f/7"}) << "as far as it is known";
     f.files.answer();
     EXPECT_EQ(stored(), QList<QByteArray>{"id:/f/7"});
@@ -226,19 +211,20 @@ TEST(Store, WhatADiskIsStillAskedAboutStaysStored) {
 
 TEST(Store, WhatIsHeldBeforePreferencesAreReadJoinsWhatIsStored) {
     CreatureFixture f;
-    f.m.addItems(files(2));
-    f.m.addBites(notes(2));
-    f.m.addTimer(1);
+    f.shelf.addItems(files(2));
+    f.shelf.addBites(notes(2));
+    f.shelf.addTimer(1);
     const auto before = f.preferences.values;
     f.preferences.read = false;
-    NotchModel late(f.clock, f.loop, f.shelf());
-    late.addItems(files(2, 1));
-    late.addBites(notes(8, 1));
-    late.addTimer(2);
+    NotchModel late;
+    Shelf shelf(late, f.shelfPorts());
+    shelf.addItems(files(2, 1));
+    shelf.addBites(notes(8, 1));
+    shelf.addTimer(2);
     EXPECT_EQ(f.preferences.values, before) << "nothing is written over it";
     f.preferences.arrive();
-    late.loadShelf();
-    late.loadHeld();
+    shelf.loadShelf();
+    shelf.loadHeld();
     const Restarted again(f);
     for (const NotchModel* m : std::initializer_list<const NotchModel*>{&late, &again.m}) {
         EXPECT_EQ(m->items.get(), files(3));
@@ -255,7 +241,7 @@ TEST(Store, OfAThousandTimersTheFirstOnesRunAndNoneIsLost) {
     f.preferences.setData(QStringLiteral("glimmet.timers"), encodeTimers(stored));
     Restarted again(f);
     EXPECT_EQ(again.m.timers->size(), 200);
-    again.m.removeTimer(stored.first());
+    again.shelf.removeTimer(stored.first());
     EXPECT_EQ(decodeTimers(*f.preferences.data(QStringLiteral("glimmet.timers"))), stored.mid(1));
 }
 

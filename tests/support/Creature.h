@@ -2,12 +2,15 @@
 
 #include "creature/BehaviourEngine.h"
 #include "creature/NotchModel.h"
+#include "shelf/Shelf.h"
 #include "support/ManualLoop.h"
 #include "support/MemoryPorts.h"
 
-/// A model in virtual time with ports in memory, at a notch of 185 x 32 in the middle of a screen of 1512 x 982.
+/// A model and its shelf in virtual time with ports in memory, at a notch of 185 x 32 in the middle of a screen of
+/// 1512 x 982.
 struct CreatureFixture {
-    CreatureFixture() {
+    /// `folder` is where the user's programs keep their data.
+    explicit CreatureFixture(const QString& folder = QStringLiteral("/nonexistent")) : dataFolder(folder) {
         m.centerX = 756;
         m.screenTop = 982;
         m.cursor = QPointF(756, 762);
@@ -20,10 +23,10 @@ struct CreatureFixture {
     MemoryWorker worker;
     HeldQueue jobs;
     MemoryPasteboard pasteboard;
-    ShelfPorts shelf(const QString& dataFolder = QStringLiteral("/nonexistent")) {
-        return {preferences, files, worker, jobs, pasteboard, dataFolder};
-    }
-    NotchModel m{clock, loop, shelf()};
+    const QString dataFolder;
+    ShelfPorts shelfPorts() { return {clock, loop, preferences, files, worker, jobs, pasteboard, dataFolder}; }
+    NotchModel m;
+    Shelf shelf{m, shelfPorts()};
 };
 
 /// The same with its behaviour. `traces` collects the trace lines.
@@ -31,13 +34,8 @@ struct BehaviourFixture : CreatureFixture {
     MemorySounds sounds;
     QStringList traces;
     double nextRandom = 0.5;
-    int passThroughUpdates = 0;
     BehaviourEngine engine{
         m, clock, loop, sounds, [this] { return nextRandom; }, [this](const QString& line) { traces.append(line); }};
-
-    BehaviourFixture() {
-        engine.updateMousePassThrough = [this] { ++passThroughUpdates; };
-    }
 
     /// Moves the pointer to a place relative to the top centre of the screen (y downwards) after `elapsed` seconds.
     void moveTo(double x, double down, double elapsed = 0.1) {

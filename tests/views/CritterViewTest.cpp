@@ -291,8 +291,8 @@ TEST(Face, BlushesWhileCharging) {
 
 TEST(Face, WearsACountOfWhatItHolds) {
     FaceFixture f;
-    f.m.addTimer(5);
-    f.m.addTimer(6);
+    f.shelf.addTimer(5);
+    f.shelf.addTimer(6);
     const auto orange = [](QColor c) { return c.green() > 80 && c.blue() < 60; };
     const auto badge = f.bounds(f.rested(), {-60, 54, 120, 22}, orange);
     ASSERT_TRUE(badge);
@@ -347,9 +347,9 @@ TEST(Glyph, SymbolAndColourAreDecidedSeparately) {
     CreatureFixture f;
     EXPECT_EQ(statusGlyph(f.m, {.stretching = true}, 12).symbol, QStringLiteral("figure.walk"));
     EXPECT_EQ(statusGlyph(f.m, {.worried = true}, 8).symbol, QStringLiteral("cup.and.saucer.fill"));
-    f.m.addTimer(1);
+    f.shelf.addTimer(1);
     f.loop.advance(61);
-    f.m.tickTimers();
+    f.shelf.tickTimers();
     EXPECT_EQ(statusGlyph(f.m, {}, 12).symbol, QStringLiteral("timer"));
 }
 

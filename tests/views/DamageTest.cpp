@@ -51,19 +51,19 @@ const std::vector<Step> kLife{
     {"closes at once", [](NotchModel& m) { spring(m, [&] { m.hovering = false; }); }},
     {"is startled", [](NotchModel& m) { ++m.startleCount; }},
     {"charges", [](NotchModel& m) { m.charging = true; }},
-    {"holds", [](NotchModel& m) { spring(m, [&] { m.addTimer(5); }); }},
+    {"holds", [](NotchModel& m) { spring(m, [&] { m.timers = QList{HeldTimer{QUuid::createUuid(), {0}, 5}}; }); }},
     {"gets a drag", [](NotchModel& m) { spring(m, [&] { m.dragNear = true; }); }},
     {"and loses it", [](NotchModel& m) { spring(m, [&] { m.dragNear = false; }); }},
     {"camera", [](NotchModel& m) { m.withAnimation(Animation::easeInOut(0.45), [&] { m.cameraInUse = true; }); }},
     {"is told of a meeting", [](NotchModel& m) { m.eventWhisper = QStringLiteral("soon"); }},  // recolours the glyph
     {"full disk", [](NotchModel& m) { m.diskFull = true; }},
     {"sleeps", [](NotchModel& m) { m.withAnimation(Animation::easeInOut(0.7), [&] { m.asleep = true; }); }},
-    {"wakes", [](NotchModel& m) { m.markActivity(); }},
+    {"wakes", [](NotchModel& m) { m.markActivity(0); }},
     {"downloads", [](NotchModel& m) { m.downloading = true; }},
     {"hides", [](NotchModel& m) { spring(m, [&] { m.hidden = true; }); }},
-    {"is tapped", [](NotchModel& m) { m.notchTapped(); }},
-    {"weather", [](NotchModel& m) { m.pickToy(Toy::weather); }},
-    {"critter", [](NotchModel& m) { m.pickToy(Toy::critter); }},
+    {"is shown", [](NotchModel& m) { spring(m, [&] { m.hidden = false; }); }},
+    {"weather", [](NotchModel& m) { spring(m, [&] { m.toy = Toy::weather; }); }},
+    {"critter", [](NotchModel& m) { spring(m, [&] { m.toy = Toy::critter; }); }},
 };
 
 TEST(Damage, PaintingOnlyWhatChangedLeavesTheSamePictureAsPaintingAll) {

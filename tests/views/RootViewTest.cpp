@@ -63,7 +63,7 @@ TEST(Body, BoopSquashesAndWobblesBackEachTime) {
 
     // Neither the widest nor the tallest is cut off where the picture ends.
     f.m.diskFull = f.m.hovering = true;
-    f.m.addTimer(5);
+    f.shelf.addTimer(5);
     f.rest();
     EXPECT_NEAR(f.root.outline().boundingRect().width(), (320 + 2 * 9) * 1.045, 1);
     const double depth = f.root.depth();

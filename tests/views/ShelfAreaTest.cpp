@@ -47,7 +47,7 @@ struct ShelfFixture : PictureFixture {
 
 TEST(Shelf, ClicksUseFilesAndBitesButNotTimers) {
     ShelfFixture f;
-    f.m.addTimer(5);
+    f.shelf.addTimer(5);
     f.rest();
     for (int i = 0; i < 6; ++i) {
         f.tapAt(f.chip(i));
@@ -62,7 +62,7 @@ TEST(Shelf, APressBelongsToTheChipThatItBeganOn) {
     const HeldThing second = f.things()[1];
     const QPointF place = f.chip(1);
     f.root.press(place);
-    f.m.addTimer(5);  // which moves the row
+    f.shelf.addTimer(5);  // which moves the row
     f.rest();
     ASSERT_NE(f.root.chipAt(place)->thing(), second);
     EXPECT_EQ(f.root.pressedChip()->thing(), second);
@@ -176,7 +176,7 @@ TEST(Shelf, CountsDownBySecondsAndNotBetweenThem) {
     ShelfFixture f;
     f.m.items = QList<QUrl>();
     f.m.bites = QList<Bite>();
-    f.m.addTimer(5);
+    f.shelf.addTimer(5);
     f.rest();
     const QRectF caption(-21, ShelfFixture::kRow + 10, 42, 13);
     const auto picture = [&] {
@@ -198,14 +198,14 @@ TEST(Shelf, CountsDownBySecondsAndNotBetweenThem) {
     const QImage zero = picture();
     f.loop.advance(1);
     EXPECT_EQ(picture(), zero);
-    f.m.tickTimers();
+    f.shelf.tickTimers();
     EXPECT_NE(picture(), zero);
 }
 
 TEST(Shelf, AnyNumberOfThingsFitsIntoTheBody) {
     for (const int timers : {0, 1, 3, 12}) {
         ShelfFixture f;
-        for (int i = 0; i < timers; ++i) f.m.addTimer(5);
+        for (int i = 0; i < timers; ++i) f.shelf.addTimer(5);
         f.rest();
         for (int i = 0; i < f.things().size(); ++i) EXPECT_FALSE(f.chip(i).isNull()) << i << " of " << timers;
         for (const double side : {-156, 156}) EXPECT_FALSE(f.root.chipAt({180 + side, ShelfFixture::kRow}));

@@ -3,8 +3,8 @@
 #include <QUrl>
 #include <variant>
 
-#include "shelf/Bite.h"
-#include "shelf/HeldTimer.h"
+#include "creature/Bite.h"
+#include "creature/HeldTimer.h"
 
 /// One thing on the shelf: a file, a link or note, or a countdown.
 using HeldThing = std::variant<QUrl, Bite, HeldTimer>;

@@ -1,9 +1,6 @@
 #pragma once
 
-#include <QByteArray>
-#include <QList>
 #include <QUuid>
-#include <optional>
 
 #include "platform/Clock.h"
 
@@ -16,8 +13,3 @@ struct HeldTimer {
 
     friend bool operator==(const HeldTimer&, const HeldTimer&) = default;
 };
-
-/// UTF-8 JSON, as stored in the preferences.
-QByteArray encodeTimers(const QList<HeldTimer>& timers);
-/// Absent when any element is malformed.
-std::optional<QList<HeldTimer>> decodeTimers(const QByteArray& json);

@@ -1,10 +1,7 @@
 #pragma once
 
-#include <QByteArray>
-#include <QList>
 #include <QString>
 #include <QUrl>
-#include <optional>
 #include <variant>
 
 /// A held link (a URL) or a held note (plain text).
@@ -28,9 +25,7 @@ class Bite {
 };
 
 /// Identity of a bite: two with the same key are the same bite.
-QString biteKey(const Bite& bite);
-
-/// UTF-8 JSON, as stored in the preferences.
-QByteArray encodeBites(const QList<Bite>& bites);
-/// Absent when any element is malformed.
-std::optional<QList<Bite>> decodeBites(const QByteArray& json);
+inline QString biteKey(const Bite& bite) {
+    if (bite.url()) return QStringLiteral("l:") + QString::fromUtf8(bite.url()->toEncoded());
+    return QStringLiteral("n:") + *bite.text();
+}
