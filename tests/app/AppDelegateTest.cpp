@@ -139,9 +139,9 @@ TEST(Launch, WithoutAScreenSaysSo) {
 
 TEST(Ticks, RingDueTimersTogetherWithOneBoopAndOneChime) {
     ProgramFixture f;
-    f.launch({"--timer=60"});
+    f.launch({"--timer=59"});
     f.m().timers = f.m().timers.get() + f.m().timers.get();
-    f.loop.advance(59);
+    f.loop.advance(58);
     EXPECT_EQ(f.m().boopCount, 0);
     f.loop.advance(4);
     EXPECT_EQ(f.m().boopCount, 1);
