@@ -171,6 +171,6 @@ void AppDelegate::dumpMenu() {
 
 void AppDelegate::logStart() const {
     const QRectF notch = placement_.notch();
-    diagnostics_.log(
-        QStringLiteral("notch=%1 top=%2 toy=%3").arg(formatRect(notch), formatNumber(model_.screenTop), rawValue(model_.toy)));
+    diagnostics_.log(QStringLiteral("notch=%1 top=%2 toy=%3")
+                         .arg(formatRect(notch), formatNumber(model_.screenTop), rawValue(model_.toy)));
 }

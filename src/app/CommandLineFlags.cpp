@@ -168,7 +168,7 @@ void CommandLineFlags::applyHeldAndPlace() {
     }
     if (has("--bites")) {
         model_.bites = QList{Bite::link(QUrl(QStringLiteral("https://example.org/recipes/soup"))),
-                         Bite::note(QStringLiteral("call the bank about the card"))};
+                             Bite::note(QStringLiteral("call the bank about the card"))};
     }
     if (const auto seconds = number("--timer=")) shelf_.addTimer(*seconds / 60);
     if (const auto x = number("--slide=")) model_.slideX = *x;

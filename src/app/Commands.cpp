@@ -68,8 +68,10 @@ MenuItem Commands::switchItem(const Switch& shown) {
 
 MenuItem Commands::updateItem() {
     if (model_.updateAvailable->has_value())
-        return {
-            QStringLiteral("v%1 is out · get it").arg(model_.updateAvailable->value()), [this] { openSite(); }, false, {}};
+        return {QStringLiteral("v%1 is out · get it").arg(model_.updateAvailable->value()),
+                [this] { openSite(); },
+                false,
+                {}};
     // Nothing can look for a newer version yet, so this cannot be chosen.
     return {QStringLiteral("Check for updates…"), {}, false, {}};
 }

@@ -131,10 +131,11 @@ void BehaviourEngine::timerRang() {
 }
 
 void BehaviourEngine::yawn() {
-    if (model_.yawning || model_.asleep || model_.toy == Toy::weather || model_.attending() || model_.isQuiet(clock_)) return;
+    if (model_.yawning || model_.asleep || model_.toy == Toy::weather || model_.attending() || model_.isQuiet(clock_))
+        return;
     model_.withAnimation(Animation::easeInOut(0.7), [this] { model_.yawning = true; });
-    yawnEnd_ =
-        loop_.after(1.6, [this] { model_.withAnimation(Animation::easeInOut(0.5), [this] { model_.yawning = false; }); });
+    yawnEnd_ = loop_.after(
+        1.6, [this] { model_.withAnimation(Animation::easeInOut(0.5), [this] { model_.yawning = false; }); });
 }
 
 void BehaviourEngine::yawnTick() {
@@ -155,7 +156,8 @@ void BehaviourEngine::followStreak() {
         activeStreakStart_ = now;
         return;
     }
-    if (now - activeStreakStart_ <= kStretchStreak || now - lastStretch_ <= kStretchSpacing || model_.isQuiet(clock_)) return;
+    if (now - activeStreakStart_ <= kStretchStreak || now - lastStretch_ <= kStretchSpacing || model_.isQuiet(clock_))
+        return;
     lastStretch_ = now;
     ++model_.stretchCount;
     yawn();

@@ -39,9 +39,9 @@ class NotchModel : public ObservableObject {
     Published<bool> charging{*this, false};
     Published<bool> yawning{*this, false};
     Published<int> worryCount{*this, 0};
-    Published<QList<QUrl>> items{*this, {}};  ///< held files, newest last
-    Published<bool> dropTargeted{*this, false};                        ///< a drag is over the panel
-    Published<bool> dragNear{*this, false};                            ///< a usable drag is close to the notch
+    Published<QList<QUrl>> items{*this, {}};     ///< held files, newest last
+    Published<bool> dropTargeted{*this, false};  ///< a drag is over the panel
+    Published<bool> dragNear{*this, false};      ///< a usable drag is close to the notch
     Published<int> swallowCount{*this, 0};
     Published<bool> shelfExpanded{*this, false};
     Published<QList<Bite>> bites{*this, {}};
@@ -73,8 +73,8 @@ class NotchModel : public ObservableObject {
 
     std::optional<QString> blockedTerminal;  ///< display name of the terminal that holds the waiting agent
     QSizeF notchSize{185, 32};
-    double centerX = 0;    ///< middle of the notch, screen coordinates
-    double screenTop = 0;  ///< top edge of the notch's screen, screen coordinates
+    double centerX = 0;       ///< middle of the notch, screen coordinates
+    double screenTop = 0;     ///< top edge of the notch's screen, screen coordinates
     double lastActivity = 0;  ///< when the user last did something that the creature noticed, by Clock::uptime()
     /// What the command line says of them stays: sensors leave the battery, the charger and the disk alone, or the
     /// camera and the microphone.

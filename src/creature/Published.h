@@ -4,9 +4,9 @@
 #include <optional>
 #include <utility>
 
-#include "platform/Signal.h"
 #include "motion/Animation.h"
 #include "platform/MainLoop.h"
+#include "platform/Signal.h"
 
 /// An object whose Published members announce their changes. Main thread only.
 class ObservableObject {

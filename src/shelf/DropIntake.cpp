@@ -13,7 +13,7 @@ namespace {
 constexpr double kNearBelow = 90;    // points under the top of the screen
 constexpr double kNearBeside = 190;  // points from the notch's middle
 constexpr double kAttention = 10;    // seconds; shorter than it takes to doze off
-constexpr double kMouthOpen = 0.45;   // seconds that the mouth stays open after the button's release
+constexpr double kMouthOpen = 0.45;  // seconds that the mouth stays open after the button's release
 
 }  // namespace
 

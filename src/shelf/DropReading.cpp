@@ -59,7 +59,7 @@ void DropReading::readUrls(int kind) {
         if (!bytes) return self->readUrls(kind + 1);
         if (bytes->size() <= kSmall) return self->takeUrls(parseUrls(kUrlTypes[kind], *bytes), kind);
         self->disk_.run([bytes = *bytes, kind] { return parseUrls(kUrlTypes[kind], bytes); },
-                   [self, kind](const UrlList& urls) { self->takeUrls(urls, kind); });
+                        [self, kind](const UrlList& urls) { self->takeUrls(urls, kind); });
     });
 }
 
@@ -86,22 +86,23 @@ void DropReading::savePromise() {
     // The timer is the reading's own: while it lives, somebody else holds it.
     diskLimit_ = loop_.after(kPatience, [self = this, without] { without(*self); });
     disk_.run([folder = folder_] { return Inbox::make(folder); },
-         [self = shared_from_this(), without](const std::shared_ptr<Inbox>& inbox) {
-             if (self->promise_ == Promise::refused) return;  // too late
-             self->diskLimit_.cancel();
-             if (!inbox) return without(*self);
-             self->inbox_ = inbox;
-             self->drop_->savePromise(inbox->place(self->promisedName_), [self, inbox](bool saved) {
-                 self->promise_ = saved ? Promise::written : Promise::refused;
-                 inbox->tell(saved ? Inbox::Word::written : Inbox::Word::refused);
-             });
-             self->awaitPromise(true);
-         });
+              [self = shared_from_this(), without](const std::shared_ptr<Inbox>& inbox) {
+                  if (self->promise_ == Promise::refused) return;  // too late
+                  self->diskLimit_.cancel();
+                  if (!inbox) return without(*self);
+                  self->inbox_ = inbox;
+                  self->drop_->savePromise(inbox->place(self->promisedName_), [self, inbox](bool saved) {
+                      self->promise_ = saved ? Promise::written : Promise::refused;
+                      inbox->tell(saved ? Inbox::Word::written : Inbox::Word::refused);
+                  });
+                  self->awaitPromise(true);
+              });
 }
 
 void DropReading::awaitPromise(bool prompt) {
-    disk_.run([inbox = inbox_, prompt] { return inbox->await(kPatience, prompt); },
-         [self = shared_from_this(), prompt](Inbox::Contents contents) { self->promiseAwaited(contents, prompt); });
+    disk_.run(
+        [inbox = inbox_, prompt] { return inbox->await(kPatience, prompt); },
+        [self = shared_from_this(), prompt](Inbox::Contents contents) { self->promiseAwaited(contents, prompt); });
 }
 
 void DropReading::promiseAwaited(Inbox::Contents contents, bool prompt) {
@@ -109,16 +110,16 @@ void DropReading::promiseAwaited(Inbox::Contents contents, bool prompt) {
     if (prompt) return readPromisedBytes();
     if (image_.isEmpty() && contents == Inbox::Contents::emptyFiles) return bringOut();
     disk_.run([inbox = inbox_] { return inbox->discard(); },
-         [self = shared_from_this()](bool discarded) { discarded ? self->writeImage() : self->bringOut(); });
+              [self = shared_from_this()](bool discarded) { discarded ? self->writeImage() : self->bringOut(); });
 }
 
 void DropReading::bringOut() {
     drop_.reset();
     disk_.run([inbox = inbox_, first = promisedName_] { return inbox->bringOut(first); },
-         [self = shared_from_this()](const QList<QUrl>& files) {
-             if (files.isEmpty()) return self->writeImage();
-             self->finish(files, {});
-         });
+              [self = shared_from_this()](const QList<QUrl>& files) {
+                  if (files.isEmpty()) return self->writeImage();
+                  self->finish(files, {});
+              });
 }
 
 // The bytes of the promised file itself are better than a picture of it, which browsers draw anew.
@@ -175,13 +176,13 @@ void DropReading::writeImage() {
     if (image_.isEmpty()) return finish({}, bites_);
     // Handed over, because giving so much memory back takes long.
     disk_.run([folder = folder_, name = imageName_,
-          bytes = std::exchange(image_, {})] { return writeNewFile(folder, name, bytes); },
-         [self = shared_from_this()](const std::optional<QUrl>& file) {
-             if (file)
-                 self->finish({*file}, {});
-             else
-                 self->finish({}, self->bites_);
-         });
+               bytes = std::exchange(image_, {})] { return writeNewFile(folder, name, bytes); },
+              [self = shared_from_this()](const std::optional<QUrl>& file) {
+                  if (file)
+                      self->finish({*file}, {});
+                  else
+                      self->finish({}, self->bites_);
+              });
 }
 
 void DropReading::finish(const QList<QUrl>& files, const QList<Bite>& bites) {

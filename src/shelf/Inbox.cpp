@@ -22,9 +22,9 @@ using std::chrono::duration;
 using std::chrono::steady_clock;
 
 const QByteArray kPrefix = ".glimmet-inbox-";
-constexpr double kQuiet = 0.5;      // seconds without a change, after which the writer is done
-constexpr double kPrompt = 1;       // seconds in which most writers begin
-constexpr double kMaxWait = 3600;   // seconds that even a file which never ceases to grow is waited for
+constexpr double kQuiet = 0.5;     // seconds without a change, after which the writer is done
+constexpr double kPrompt = 1;      // seconds in which most writers begin
+constexpr double kMaxWait = 3600;  // seconds that even a file which never ceases to grow is waited for
 constexpr int kMaxWatches = 2000;  // folders in a folder that are watched
 
 struct Entry {

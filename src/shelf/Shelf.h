@@ -28,7 +28,8 @@ struct ShelfPorts {
 };
 
 /// What the creature holds: files, links, notes and timers. Each change of the model's lists is saved, once the
-/// preferences have been read, and so is whether the creature is hidden with them. Main thread only; the model must outlive it.
+/// preferences have been read, and so is whether the creature is hidden with them. Main thread only; the model must
+/// outlive it.
 class Shelf {
  public:
     Shelf(NotchModel& model, const ShelfPorts& ports);

@@ -56,9 +56,11 @@ UrlList parseUrls(const QString& type, const QByteArray& bytes) {
     UrlList list;
     const bool utf16 = type == QLatin1String("text/x-moz-url");
     const QByteArray text = utf16 ? QString(QStringDecoder(QStringDecoder::Utf16LE)(bytes)).toUtf8() : bytes;
-    list.image = imageInDataUrl(text.left(text.indexOf('\n')).trimmed());
+    // A title follows in the next line, but not from every program.
+    const QByteArray first = text.sliced(0, text.contains('\n') ? text.indexOf('\n') : text.size()).trimmed();
+    list.image = imageInDataUrl(first);
     if (type != QLatin1String("text/uri-list")) {
-        add(text.left(text.indexOf('\n')).trimmed(), list);
+        add(first, list);
         return list;
     }
     for (const QByteArray& line : ending(text).split('\n')) {

@@ -8,16 +8,15 @@ namespace {
 struct CommandsFixture : CreatureFixture {
     MemoryWorkspace workspace;
     QStringList flipped;
-    Commands commands{m,
-                      shelf,
-                      clock,
-                      preferences,
-                      workspace,
-                      {{QStringLiteral("Music"),
-                        QStringLiteral("music"),
-                        [this] { flipped.append(QStringLiteral("on")); },
-                        [this] { flipped.append(QStringLiteral("off")); }},
-                       {QStringLiteral("Unborn"), QStringLiteral("unborn"), {}, {}}}};
+    Commands commands{
+        m,
+        shelf,
+        clock,
+        preferences,
+        workspace,
+        {{QStringLiteral("Music"), QStringLiteral("music"), [this] { flipped.append(QStringLiteral("on")); },
+          [this] { flipped.append(QStringLiteral("off")); }},
+         {QStringLiteral("Unborn"), QStringLiteral("unborn"), {}, {}}}};
     int quits = 0;
     CommandsFixture() {
         commands.quit = [this] { ++quits; };

@@ -66,8 +66,8 @@ TEST(NotchModel, IsSleepyAtNightOrOnALowBattery) {
         int hour, minute;
         double battery;
         bool charging, isSleepy;
-    } cases[] = {{22, 59, 1, false, false}, {23, 0, 1, false, true},    {0, 0, 1, true, true},
-                 {5, 59, 1, false, true},   {6, 0, 1, false, false},    {12, 0, 0.2, false, false},
+    } cases[] = {{22, 59, 1, false, false},  {23, 0, 1, false, true},   {0, 0, 1, true, true},
+                 {5, 59, 1, false, true},    {6, 0, 1, false, false},   {12, 0, 0.2, false, false},
                  {12, 0, 0.19, false, true}, {12, 0, 0.19, true, false}};
     for (const auto& c : cases) {
         CreatureFixture f;

@@ -55,63 +55,57 @@ struct DropFixture : CreatureFixture {
 TEST(DragWatch, TheZoneIsOpenAtItsEdges) {
     DropFixture f;
     f.beginUsableDrag();
-    const struct {
-        double x, down;
-        bool near;
-    } cases[] = {{0, 89.9, true},  {0, 90, false},    {189.9, 10, true},
-                 {190, 10, false}, {-190, 10, false}, {-189, 0, true}};
-    for (const auto& c : cases) {
-        f.drag(c.x, c.down);
-        EXPECT_EQ(f.m.dragNear, c.near) << c.x << ' ' << c.down;
+    for (const auto& [x, down, isNear] : std::initializer_list<std::tuple<double, double, bool>>{{0, 89.9, true},
+                                                                                                 {0, 90, false},
+                                                                                                 {189.9, 10, true},
+                                                                                                 {190, 10, false},
+                                                                                                 {-190, 10, false},
+                                                                                                 {-189, 0, true}}) {
+        f.drag(x, down);
+        EXPECT_EQ(f.m.dragNear, isNear) << x << ' ' << down;
     }
 }
 
 TEST(DragWatch, AsksOncePerDragAndNoticesALateAnswer) {
     DropFixture f;
-    ++f.dragPasteboard.count;
-    for (int i = 0; i < 5; ++i) f.drag(0, 10 + i);
-    EXPECT_EQ(f.dragPasteboard.questions, 1);
-    EXPECT_FALSE(f.m.dragNear);
-    f.dragPasteboard.answer(true);
-    EXPECT_TRUE(f.m.dragNear);
-
-    ++f.dragPasteboard.count;  // another drag, of a colour
-    f.drag(0, 12);
-    EXPECT_FALSE(f.m.dragNear);
-    f.dragPasteboard.answer(false);
-    f.drag(0, 13);
-    EXPECT_FALSE(f.m.dragNear);
-    EXPECT_EQ(f.dragPasteboard.questions, 2);
+    for (const bool isUsable : {true, false}) {
+        ++f.dragPasteboard.count;
+        const int questions = f.dragPasteboard.questions;
+        for (int i = 0; i < 5; ++i) f.drag(0, 10 + i);
+        EXPECT_EQ(f.dragPasteboard.questions, questions + 1);
+        EXPECT_FALSE(f.m.dragNear);
+        f.dragPasteboard.answer(isUsable);
+        EXPECT_EQ(f.m.dragNear, isUsable);
+    }
 }
 
 TEST(DragWatch, ReleasingClosesTheMouthALittleLater) {
     DropFixture f;
-    f.beginUsableDrag();
-    f.drag(0, 10);
+    const auto dragHere = [&] {
+        f.beginUsableDrag();
+        f.drag(0, 10);
+    };
+    dragHere();
     f.drops.dragEnded();
     f.loop.advance(0.44);
     EXPECT_TRUE(f.m.dragNear);
     f.loop.advance(0.02);
     EXPECT_FALSE(f.m.dragNear);
     // The next drag is not shut out by the end of the one before.
-    f.beginUsableDrag();
-    f.drag(0, 10);
+    dragHere();
     f.drops.dragEnded();
-    f.beginUsableDrag();
-    f.drag(0, 10);
+    dragHere();
     f.loop.advance(1);
     EXPECT_TRUE(f.m.dragNear);
     f.drops.dragEnded();
     f.loop.advance(1);
-    // A window that is moved afterwards is no drag of things.
     f.drag(0, 10);
-    EXPECT_FALSE(f.m.dragNear);
-    // Nor does an answer count that comes when all is over.
+    EXPECT_FALSE(f.m.dragNear) << "a window that is moved afterwards is not a drag of things";
     ++f.dragPasteboard.count;
     f.drag(0, 10);
     f.drops.dragEnded();
     f.dragPasteboard.answer(true);
-    EXPECT_FALSE(f.m.dragNear);
+    EXPECT_FALSE(f.m.dragNear) << "nor does an answer count that comes when all is over";
 }
 
 TEST(DragWatch, ADragKeepsTheCreatureAwake) {
@@ -133,42 +127,89 @@ TEST(DragWatch, ANearDragBringsAHiddenCreatureBackButNotTheWeather) {
     f.beginUsableDrag();
     EXPECT_TRUE(f.m.hidden);
     f.drag(0, 10);
-    EXPECT_FALSE(f.m.hidden);
-    EXPECT_FALSE(f.preferences.boolean(QStringLiteral("glimmet.hidden")));
+    EXPECT_FALSE(f.m.hidden || f.preferences.boolean(QStringLiteral("glimmet.hidden")));
 
-    DropFixture w;
-    w.m.toy = Toy::weather;
-    ++w.dragPasteboard.count;
-    w.drag(0, 10);
-    EXPECT_EQ(w.dragPasteboard.questions, 0);
-    EXPECT_FALSE(w.drops.acceptsDrops());
+    DropFixture weather;
+    weather.m.toy = Toy::weather;
+    ++weather.dragPasteboard.count;
+    weather.drag(0, 10);
+    EXPECT_EQ(weather.dragPasteboard.questions, 0);
 }
 
-TEST(Drop, FilesGoBeforeLinksAndEverythingElse) {
-    DropFixture f;
-    f.drop->offer("image/png", "png");
-    f.drop->offer("text/plain;charset=utf-8", "/a b");
-    f.drop->offer("text/uri-list",
-                  "# two files\r\nfile:///a%20b\r\nhttp://example.org/x\r\nfile:///c\r\nfile:///a%20b\r\n");
-    f.handle();
-    EXPECT_EQ(f.m.items.get(),
-              (QList{QUrl::fromLocalFile(QStringLiteral("/a b")), QUrl::fromLocalFile(QStringLiteral("/c"))}));
-    EXPECT_EQ(f.m.bites.get(), QList{Bite::link(QUrl(QStringLiteral("http://example.org/x")))});
-    EXPECT_EQ(f.m.swallowCount, 1);
-    EXPECT_TRUE(f.folder().isEmpty());
-
-    f.drop->offer("text/uri-list", "file:///c\r\n");
-    f.handle();
-    EXPECT_EQ(f.m.swallowCount, 1) << "what is held already is not swallowed again";
+TEST(Drop, TheBestFormIsTaken) {
+    const QByteArray image = "http://example.org/x";
+    const struct {
+        const char* why;
+        std::vector<std::pair<const char*, QByteArray>> forms;
+        QStringList files;  // held ones; those in the dropped folder by their extension
+        QStringList bites;
+        QByteArray contents;  // of the last file
+    } cases[] = {
+        {"files before all else, links beside them",
+         {{"image/png", "png"},
+          {"text/plain;charset=utf-8", "/a b"},
+          {"text/uri-list", "# two files\r\nfile:///a%20b\r\n" + image + "\r\nfile:///c\r\nfile:///a%20b\r\n"}},
+         {QStringLiteral("/a b"), QStringLiteral("/c")},
+         {QStringLiteral("l:http://example.org/x")},
+         "unreadable"},
+        {"an image before the link to it",
+         {{"text/uri-list", image}, {"text/html", "<img>"}, {"image/tiff", ""}, {"image/jpeg", "jpeg"}},
+         {QStringLiteral(".jpg")},
+         {},
+         "jpeg"},
+        {"an image that is its own address",
+         {{"_NETSCAPE_URL", "data:image/png;base64,AAEC/w==\ntitle"}},
+         {QStringLiteral(".png")},
+         {},
+         QByteArray("\0\1\2\xff", 4)},
+        {"the same in its other spelling",
+         {{"_NETSCAPE_URL", "Data:image/svg+xml;charset=utf-8,%3Csvg/%3E"}},
+         {QStringLiteral(".svg")},
+         {},
+         "<svg/>"},
+        {"and in base64 for addresses",
+         {{"_NETSCAPE_URL", "data:image/jpeg;base64,_-8%3D"}},
+         {QStringLiteral(".jpg")},
+         {},
+         "\xff\xef"},
+        {"an empty one", {{"_NETSCAPE_URL", "data:image/png;base64,"}}, {}, {}, {}},
+        {"not an image", {{"_NETSCAPE_URL", "data:text/html,<b>"}}, {}, {}, {}},
+        {"text, trimmed and cut",
+         {{"text/plain;charset=utf-8", "  \n" + QByteArray("x").repeated(1000) + "\n "}},
+         {},
+         {QStringLiteral("n:") + QString(400, u'x')},
+         {}},
+        {"text that comes late",
+         {{"text/plain;charset=utf-8", QByteArray(3 << 20, ' ') + "late"}},
+         {},
+         {QStringLiteral("n:late")},
+         {}},
+        {"nothing but blanks", {{"text/plain;charset=utf-8", " \n\t\r\n"}}, {}, {}, {}},
+        {"a colour", {{"application/x-color", "1"}}, {}, {}, {}},
+    };
+    for (const auto& c : cases) {
+        DropFixture f;
+        for (const auto& [type, data] : c.forms) f.drop->offer(type, data);
+        f.handle();
+        ASSERT_EQ(f.m.items->size(), c.files.size()) << c.why;
+        for (qsizetype i = 0; i < c.files.size(); ++i)
+            EXPECT_TRUE(f.m.items->at(i).toLocalFile().endsWith(c.files[i])) << c.why;
+        QStringList bites;
+        for (const Bite& bite : f.m.bites.get()) bites.append(biteKey(bite));
+        EXPECT_EQ(bites, c.bites) << c.why;
+        EXPECT_EQ(c.files.isEmpty() ? QByteArray() : f.contents(f.m.items->last()), c.contents) << c.why;
+        EXPECT_EQ(f.m.swallowCount, c.files.isEmpty() && c.bites.isEmpty() ? 0 : 1) << c.why;
+        for (const auto& [type, data] : c.forms) f.drop->offer(type, data);
+        const bool makesNew = f.folder().size() > 0;
+        f.handle();
+        EXPECT_EQ(f.m.swallowCount > 1, makesNew) << c.why << ": what is held already is not swallowed again";
+    }
 }
 
-TEST(Drop, AnImageOutOfABrowserBecomesAFile) {
+TEST(Drop, FilesOfOneSecondGetCounters) {
     DropFixture f;
-    for (int i = 0; i < 2; ++i) {
-        f.drop->offer("text/uri-list", "https://example.org/cat.jpg");
-        f.drop->offer("text/html", "<img>");
-        f.drop->offer("image/tiff", "");
-        f.drop->offer("image/jpeg", i ? "second" : "first");
+    for (const char* bytes : {"first", "second"}) {
+        f.drop->offer("image/jpeg", bytes);
         f.handle();
     }
     ASSERT_EQ(f.m.items->size(), 2);
@@ -176,32 +217,8 @@ TEST(Drop, AnImageOutOfABrowserBecomesAFile) {
     EXPECT_EQ(name, DropIntake::droppedFileName(f.clock.now(), QStringLiteral("jpg")));
     EXPECT_TRUE(QRegularExpression(QStringLiteral("^Dropped [\\d-]{10} at [\\d.]{8}\\.jpg$")).match(name).hasMatch());
     EXPECT_EQ(f.contents(f.m.items->first()), "first");
-    EXPECT_EQ(f.contents(f.m.items->last()), "second");
     EXPECT_EQ(f.m.items->last().fileName(), QString(name).replace(QStringLiteral(".jpg"), QStringLiteral("-2.jpg")));
     EXPECT_EQ(f.folder().size(), 2) << "drafts are not left behind";
-    EXPECT_TRUE(f.m.bites->isEmpty());
-}
-
-TEST(Drop, AnImageThatIsItsOwnAddressBecomesAFile) {
-    const struct {
-        QByteArray address;
-        const char* extension;
-        QByteArray bytes;
-    } cases[] = {{"data:image/png;base64,AAEC/w==", ".png", QByteArray("\0\1\2\xff", 4)},
-                 {"Data:image/svg+xml;charset=utf-8,%3Csvg/%3E", ".svg", "<svg/>"},
-                 {"data:image/jpeg;base64,_-8%3D", ".jpg", "\xff\xef"},
-                 {"data:image/png;base64,", nullptr, {}},
-                 {"data:text/html,<b>", nullptr, {}}};
-    for (const auto& [address, extension, bytes] : cases) {
-        DropFixture f;
-        f.drop->offer("_NETSCAPE_URL", address + "\ntitle");
-        f.handle();
-        EXPECT_TRUE(f.m.bites->isEmpty()) << address.toStdString();
-        ASSERT_EQ(f.m.items->size(), extension ? 1 : 0);
-        if (!extension) continue;
-        EXPECT_TRUE(f.m.items->first().fileName().endsWith(QLatin1String(extension)));
-        EXPECT_EQ(f.contents(f.m.items->first()), bytes);
-    }
 }
 
 TEST(Drop, APromisedFileIsTakenWholeUnderAHarmlessName) {
@@ -218,47 +235,25 @@ TEST(Drop, APromisedFileIsTakenWholeUnderAHarmlessName) {
     EXPECT_EQ(f.folder().size(), 2);
 }
 
-TEST(Drop, TextIsTrimmedAndCut) {
-    DropFixture f;
-    f.drop->offer("text/plain;charset=utf-8", "  \n" + QByteArray("x").repeated(1000) + "\n ");
-    f.handle();
-    ASSERT_EQ(f.m.bites->size(), 1);
-    EXPECT_EQ(*f.m.bites->first().text(), QString(400, u'x'));
-    f.drop->offer("text/plain;charset=utf-8", " \n\t\r\n");
-    f.handle();
-    f.drop->offer("application/x-color", "1");
-    f.handle();
-    EXPECT_EQ(f.m.swallowCount, 1);
-    f.drop->offer("text/plain;charset=utf-8", QByteArray(3 << 20, ' ') + "late");
-    f.handle();
-    EXPECT_EQ(*f.m.bites->last().text(), QStringLiteral("late"));
-}
-
-TEST(Drop, WithoutAFolderToWriteInNothingIsLostButTheImage) {
-    DropFixture f;
-    QFile blocked(f.dataFolder + QStringLiteral("/Glimmet"));
-    ASSERT_TRUE(blocked.open(QFile::WriteOnly));
-    f.drop->promise = "a.txt";
-    f.drop->saved = "x";
-    f.drop->offer("image/png", "png");
-    f.drop->offer("text/uri-list", "https://example.org/");
-    f.handle();
-    EXPECT_TRUE(f.m.items->isEmpty());
-    EXPECT_EQ(f.m.bites->size(), 1);
-}
-
-TEST(Drop, ADiskThatHangsHoldsUpNoLink) {
-    DropFixture f;
-    HeldQueue hanging;
-    DropIntake drops{f.m, f.shelf, f.clock, f.loop, f.dragPasteboard, hanging};
-    f.drop->promise = "a.txt";
-    f.drop->offer("text/uri-list", "https://example.org/");
-    drops.handleDrop(std::move(f.drop));
-    f.loop.advance(11);
-    EXPECT_EQ(f.m.bites->size(), 1);
-    hanging.runAll();
-    f.loop.drain();
-    EXPECT_EQ(f.m.bites->size(), 1);
+TEST(Drop, WithoutADiskNothingIsLostButTheImage) {
+    for (const bool hangs : {false, true}) {
+        DropFixture f;
+        HeldQueue hanging;
+        DropIntake drops{f.m, f.shelf, f.clock, f.loop, f.dragPasteboard, hanging};
+        QFile blocked(f.dataFolder + QStringLiteral("/Glimmet"));
+        ASSERT_TRUE(blocked.open(QFile::WriteOnly));
+        f.drop->promise = "a.txt";
+        f.drop->saved = "x";
+        if (!hangs) f.drop->offer("image/png", "png");
+        f.drop->offer("text/uri-list", "https://example.org/");
+        (hangs ? drops : f.drops).handleDrop(std::move(f.drop));
+        f.loop.advance(11);
+        EXPECT_EQ(f.m.bites->size(), 1);
+        hanging.runAll();
+        f.loop.drain();
+        EXPECT_EQ(f.m.bites->size(), 1);
+        EXPECT_TRUE(f.m.items->isEmpty());
+    }
 }
 
 TEST(UrlList, ReadsWhatProgramsSend) {
@@ -270,6 +265,7 @@ TEST(UrlList, ReadsWhatProgramsSend) {
     };
     const QByteArray utf16 = QByteArray(reinterpret_cast<const char*>(u"https://a.example/\nTitle"), 24 * 2);
     EXPECT_EQ(parsed("text/x-moz-url", utf16), QStringLiteral("https://a.example/"));
+    EXPECT_EQ(parsed("_NETSCAPE_URL", "https://a.example/"), QStringLiteral("https://a.example/"));
     EXPECT_EQ(parsed("_NETSCAPE_URL", "https://a.example/ä\nhttps://title/"),
               QStringLiteral("https://a.example/%C3%A4"));
     const QByteArray host = QSysInfo::machineHostName().toUtf8();

@@ -37,9 +37,9 @@ TEST(Items, TheThirteenthPushesTheOldestOut) {
 
 TEST(Items, OneFileIsHeldOnceUnderAnyOfItsPaths) {
     CreatureFixture f;
-    EXPECT_EQ(
-        f.shelf.addItems({file(QStringLiteral("/a/b")), file(QStringLiteral("/a/./b")), file(QStringLiteral("/a/c/../b"))}),
-        1);
+    EXPECT_EQ(f.shelf.addItems(
+                  {file(QStringLiteral("/a/b")), file(QStringLiteral("/a/./b")), file(QStringLiteral("/a/c/../b"))}),
+              1);
     EXPECT_EQ(f.m.items->first(), file(QStringLiteral("/a/b")));
     const int writes = f.preferences.writes;
     for (const char* same : {"/a/./b", "/a//b", "/a/b/"})
@@ -53,7 +53,7 @@ TEST(Bites, KeepTheLastEightAndAreToldApartByKindAndText) {
     EXPECT_EQ(*f.m.bites->first().text(), QStringLiteral("2"));
     f.m.bites = QList<Bite>();
     EXPECT_EQ(f.shelf.addBites({Bite::note(QStringLiteral("hello")), Bite::link(QUrl(QStringLiteral("hello"))),
-                            Bite::note(QStringLiteral("hello")), Bite::note(QStringLiteral("hello "))}),
+                                Bite::note(QStringLiteral("hello")), Bite::note(QStringLiteral("hello "))}),
               3);
     EXPECT_EQ(biteKey(f.m.bites->at(0)), QStringLiteral("n:hello"));
     EXPECT_EQ(biteKey(f.m.bites->at(1)), QStringLiteral("l:hello"));
@@ -102,10 +102,10 @@ TEST(Json, BitesHaveExactlyThisForm) {
 
 TEST(Json, OneMalformedBiteFailsAll) {
     const QByteArray good = "{\"note\":{\"_0\":\"x\"}}";
-    for (const char* bad : {"{}", R"({"note":{"_0":"x"},"link":{"_0":"http:\/\/x"}})", R"({"note":"x"})",
-                            R"({"note":{"_1":"x"}})", R"({"note":{"_0":5}})", R"({"link":{"_0":""}})",
-                            R"({"link":{"_0":"http://["}})", R"({"link":{"_0":"http://a/%zz"}})", "null", "[]",
-                            R"({"note":{"_0":"x"})"}) {
+    for (const char* bad :
+         {"{}", R"({"note":{"_0":"x"},"link":{"_0":"http:\/\/x"}})", R"({"note":"x"})", R"({"note":{"_1":"x"}})",
+          R"({"note":{"_0":5}})", R"({"link":{"_0":""}})", R"({"link":{"_0":"http://["}})",
+          R"({"link":{"_0":"http://a/%zz"}})", "null", "[]", R"({"note":{"_0":"x"})"}) {
         EXPECT_FALSE(decodeBites('[' + good + ',' + bad + ']')) << bad;
     }
     for (const char* bad : {"", "{}", "7", "[1", "\1\2"}) EXPECT_FALSE(decodeBites(bad)) << bad;

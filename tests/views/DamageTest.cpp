@@ -51,7 +51,9 @@ const std::vector<Step> kLife{
     {"closes at once", [](NotchModel& m) { spring(m, [&] { m.hovering = false; }); }},
     {"is startled", [](NotchModel& m) { ++m.startleCount; }},
     {"charges", [](NotchModel& m) { m.charging = true; }},
-    {"holds", [](NotchModel& m) { spring(m, [&] { m.timers = QList{HeldTimer{QUuid::createUuid(), {0}, 5}}; }); }},
+    {"holds", [](NotchModel& m) { spring(m, [&] {
+                                      m.timers = QList{HeldTimer{QUuid::createUuid(), {0}, 5}};
+                                  }); }},
     {"gets a drag", [](NotchModel& m) { spring(m, [&] { m.dragNear = true; }); }},
     {"and loses it", [](NotchModel& m) { spring(m, [&] { m.dragNear = false; }); }},
     {"camera", [](NotchModel& m) { m.withAnimation(Animation::easeInOut(0.45), [&] { m.cameraInUse = true; }); }},
