@@ -7,10 +7,10 @@
 #include <filesystem>
 
 #include "platform/FileUrls.h"
-#include "platform/linux/DesktopIcons.h"
-#include "platform/linux/IconTheme.h"
 #include "platform/linux/QtMainLoop.h"
 #include "platform/linux/ThreadQueues.h"
+#include "platform/linux/freedesktop/DesktopIcons.h"
+#include "platform/linux/freedesktop/IconTheme.h"
 #include "support/Environment.h"
 #include "support/XSession.h"
 

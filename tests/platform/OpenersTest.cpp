@@ -5,8 +5,8 @@
 #include "TestBus.h"
 #include "TestPrograms.h"
 #include "platform/FileUrls.h"
-#include "platform/linux/Openers.h"
 #include "platform/linux/ThreadQueues.h"
+#include "platform/linux/freedesktop/Openers.h"
 #include "support/MemoryPorts.h"
 #include "support/XSession.h"
 

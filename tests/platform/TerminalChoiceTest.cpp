@@ -1,4 +1,4 @@
-#include "platform/linux/TerminalChoice.h"
+#include "platform/linux/freedesktop/TerminalChoice.h"
 
 namespace {
 QStringList words(const char* text) {

@@ -17,8 +17,6 @@
 #include "app/MainMenu.h"
 #include "platform/linux/CanberraSounds.h"
 #include "platform/linux/Desktop.h"
-#include "platform/linux/DesktopIcons.h"
-#include "platform/linux/DesktopSharing.h"
 #include "platform/linux/FilePreferences.h"
 #include "platform/linux/PathReferences.h"
 #include "platform/linux/QtMainLoop.h"
@@ -31,6 +29,8 @@
 #include "platform/linux/SystemClock.h"
 #include "platform/linux/ThreadQueues.h"
 #include "platform/linux/WorkerProcess.h"
+#include "platform/linux/freedesktop/DesktopIcons.h"
+#include "platform/linux/freedesktop/DesktopSharing.h"
 
 namespace {
 

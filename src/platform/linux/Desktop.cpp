@@ -9,10 +9,10 @@
 #include <QFile>
 #include <QGuiApplication>
 
-#include "platform/linux/Openers.h"
 #include "platform/linux/QtPanelWindow.h"
 #include "platform/linux/ScreenCoordinates.h"
 #include "platform/linux/SessionLock.h"
+#include "platform/linux/freedesktop/Openers.h"
 #include "platform/linux/x11/X11Clipboard.h"
 #include "platform/linux/x11/X11DragPasteboard.h"
 #include "platform/linux/x11/X11EventMonitors.h"

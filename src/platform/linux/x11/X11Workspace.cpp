@@ -4,8 +4,8 @@
 #include <QStandardPaths>
 #include <algorithm>
 
-#include "platform/linux/Openers.h"
-#include "platform/linux/Programs.h"
+#include "platform/linux/freedesktop/Openers.h"
+#include "platform/linux/freedesktop/Programs.h"
 
 namespace {
 // The focus may wander through several windows before it rests, and some programs never let it rest.

@@ -5,7 +5,7 @@
 #include "platform/BackgroundQueue.h"
 #include "platform/MainLoop.h"
 #include "platform/Workspace.h"
-#include "platform/linux/TerminalChoice.h"
+#include "platform/linux/freedesktop/TerminalChoice.h"
 #include "platform/linux/x11/X11Connection.h"
 
 /// The other programs as their windows and the window manager tell of them. Without a window manager that keeps the

@@ -1,4 +1,4 @@
-#include "platform/linux/Thumbnails.h"
+#include "platform/linux/freedesktop/Thumbnails.h"
 
 #include <sys/stat.h>
 

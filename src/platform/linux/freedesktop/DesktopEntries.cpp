@@ -1,4 +1,4 @@
-#include "platform/linux/DesktopEntries.h"
+#include "platform/linux/freedesktop/DesktopEntries.h"
 
 #include <gio/gdesktopappinfo.h>
 

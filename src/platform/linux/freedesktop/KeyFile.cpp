@@ -1,4 +1,4 @@
-#include "platform/linux/KeyFile.h"
+#include "platform/linux/freedesktop/KeyFile.h"
 
 #include <glib.h>
 #include <sys/stat.h>

@@ -1,4 +1,4 @@
-#include "platform/linux/Programs.h"
+#include "platform/linux/freedesktop/Programs.h"
 
 #include <fcntl.h>
 #include <linux/close_range.h>

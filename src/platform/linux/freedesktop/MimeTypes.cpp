@@ -1,4 +1,4 @@
-#include "platform/linux/MimeTypes.h"
+#include "platform/linux/freedesktop/MimeTypes.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -1,4 +1,4 @@
-#include "platform/linux/DesktopIcons.h"
+#include "platform/linux/freedesktop/DesktopIcons.h"
 
 #include <malloc.h>
 
@@ -9,10 +9,10 @@
 #include <mutex>
 
 #include "platform/FileUrls.h"
-#include "platform/linux/IconTheme.h"
-#include "platform/linux/KeyFile.h"
-#include "platform/linux/MimeTypes.h"
-#include "platform/linux/Thumbnails.h"
+#include "platform/linux/freedesktop/IconTheme.h"
+#include "platform/linux/freedesktop/KeyFile.h"
+#include "platform/linux/freedesktop/MimeTypes.h"
+#include "platform/linux/freedesktop/Thumbnails.h"
 
 struct DesktopIcons::LazyTheme {
     std::once_flag once;

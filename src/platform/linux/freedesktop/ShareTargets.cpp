@@ -1,15 +1,15 @@
-#include "platform/linux/ShareTargets.h"
+#include "platform/linux/freedesktop/ShareTargets.h"
 
 #include <QDBusArgument>
 #include <QDBusObjectPath>
 #include <QStandardPaths>
 
 #include "platform/FileUrls.h"
-#include "platform/linux/DesktopEntries.h"
 #include "platform/linux/MessageBus.h"
-#include "platform/linux/MimeTypes.h"
-#include "platform/linux/Openers.h"
-#include "platform/linux/Programs.h"
+#include "platform/linux/freedesktop/DesktopEntries.h"
+#include "platform/linux/freedesktop/MimeTypes.h"
+#include "platform/linux/freedesktop/Openers.h"
+#include "platform/linux/freedesktop/Programs.h"
 
 namespace {
 constexpr double kPatience = 1;

@@ -1,4 +1,4 @@
-#include "platform/linux/IconTheme.h"
+#include "platform/linux/freedesktop/IconTheme.h"
 
 #include <QDir>
 #include <QFile>
@@ -8,7 +8,7 @@
 #include <QStandardPaths>
 #include <algorithm>
 
-#include "platform/linux/KeyFile.h"
+#include "platform/linux/freedesktop/KeyFile.h"
 #include "platform/linux/x11/XSettings.h"
 
 namespace {

@@ -1,9 +1,9 @@
-#include "platform/linux/DesktopSharing.h"
+#include "platform/linux/freedesktop/DesktopSharing.h"
 
 #include <array>
 
 #include "platform/FileUrls.h"
-#include "platform/linux/ShareTargets.h"
+#include "platform/linux/freedesktop/ShareTargets.h"
 
 namespace {
 constexpr double kPatience = 2;
