@@ -119,7 +119,7 @@ class PathReferencesTest : public testing::Test {
 
     QTemporaryDir folder;
     QtMainLoop loop;
-    ThreadQueue queue{DiskLanes::kMostThreads};
+    ThreadQueue queue{DiskLanes::kMaxThreads};
     PathReferences references{queue, loop};
 };
 

@@ -89,7 +89,7 @@ struct Habitat {
     FilePreferences& preferences;
     SystemClock clock;
     ThreadQueue background, pictures, drops, jobs;  // a dead disk may hold up all of a queue's threads
-    ThreadQueue references{DiskLanes::kMostThreads};
+    ThreadQueue references{DiskLanes::kMaxThreads};
     ThreadSerialQueue playing;
     PathReferences files{references, loop};
     QtScreens screens{preferences, loop};

@@ -18,7 +18,7 @@ constexpr DragForm forms[] = {
 
 std::vector<DragForm> usableForms(X11Connection& connection, const std::vector<xcb_atom_t>& targets) {
     std::vector<DragForm> result;
-    for (size_t i = 0; i < std::min<size_t>(targets.size(), mostTargets); ++i) {
+    for (size_t i = 0; i < std::min<size_t>(targets.size(), kMaxTargets); ++i) {
         const xcb_atom_t target = targets[i];
         const auto* form = std::find_if(std::begin(forms), std::end(forms), [&](const DragForm& one) {
             return target && connection.atom(one.target) == target;

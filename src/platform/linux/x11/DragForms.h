@@ -12,7 +12,7 @@ struct DragForm {
 };
 
 /// How many of the targets that a program offers are looked at; the longest lists of browsers have some thirty.
-constexpr uint32_t mostTargets = 256;
+constexpr uint32_t kMaxTargets = 256;
 
-/// Those forms among the first `mostTargets` of `targets` that we can use, in the order of `targets`.
+/// Those forms among the first `kMaxTargets` of `targets` that we can use, in the order of `targets`.
 std::vector<DragForm> usableForms(X11Connection& connection, const std::vector<xcb_atom_t>& targets);
