@@ -2,21 +2,23 @@
 
 #include <algorithm>
 
+#include "platform/DropTypes.h"
+
 namespace {
-const QStringList& knownFormats() {
-    static const QStringList formats{QStringLiteral("text/uri-list"), QStringLiteral("text/x-moz-url"),
-                                     QStringLiteral("_NETSCAPE_URL"), QStringLiteral("image/png"),
-                                     QStringLiteral("image/jpeg"),    QStringLiteral("image/tiff"),
-                                     QStringLiteral("image/heic"),    QStringLiteral("text/plain")};
-    return formats;
+const QString kPlainText = QStringLiteral("text/plain");  // what the toolkit calls any text
+
+bool isUsable(const QString& format) {
+    using namespace DropTypes;
+    return format == kPlainText || std::ranges::find(kAddresses, format) != kAddresses.end() ||
+           std::ranges::find(kImages, format, &Image::type) != kImages.end();
 }
 }  // namespace
 
 CopiedDrop::CopiedDrop(const QMimeData& offered) {
     for (const QString& format : offered.formats()) {
-        if (!knownFormats().contains(format)) continue;
-        const bool text = format == QLatin1String("text/plain");
-        const QString type = text ? QStringLiteral("text/plain;charset=utf-8") : format;
+        if (!isUsable(format)) continue;
+        const bool text = format == kPlainText;
+        const QString type = text ? DropTypes::kText : format;
         const QByteArray bytes = text ? offered.text().toUtf8() : offered.data(format);
         if (bytes.isEmpty()) continue;
         types_.append(type);
@@ -25,8 +27,7 @@ CopiedDrop::CopiedDrop(const QMimeData& offered) {
 }
 
 bool CopiedDrop::usable(const QMimeData& offered) {
-    return std::any_of(knownFormats().begin(), knownFormats().end(),
-                       [&](const QString& format) { return offered.hasFormat(format); });
+    return std::ranges::any_of(offered.formats(), isUsable);
 }
 
 void CopiedDrop::load(const QString& type, std::function<void(std::optional<QByteArray>)> done) {

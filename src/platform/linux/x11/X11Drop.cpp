@@ -3,6 +3,7 @@
 #include <QSysInfo>
 #include <algorithm>
 
+#include "platform/DropTypes.h"
 #include "platform/FileUrls.h"
 
 namespace {
@@ -13,14 +14,6 @@ constexpr Limits kBeginningOfText{.patience = 5, .maxBytes = 1 << 20, .cut = tru
 // Who awaits the file sees whether it grows, and knows better when to give up.
 constexpr Limits kOneWord{.patience = 3600, .maxSeconds = 3600, .maxBytes = 16};
 constexpr uint32_t kNameUnits = 1024;  // of four bytes
-constexpr char kPromiseTarget[] = "XdndDirectSave0";
-/// The forms of text, from the one whose meaning is surest to that whose is least sure.
-constexpr const char* kTextTargets[] = {"UTF8_STRING", "text/plain;charset=utf-8", "text/plain", "STRING", "TEXT"};
-
-QString textType() {
-    return QStringLiteral("text/plain;charset=utf-8");
-}
-
 }  // namespace
 
 void sendXdndFinished(X11Connection& connection, const XdndPeers& peers, bool taken) {
@@ -58,14 +51,14 @@ QStringList X11Drop::types() const {
     QStringList result;
     for (const DragForm& form : forms_) {
         if (form.kind == DragForm::Kind::promise || (form.kind == DragForm::Kind::contents && !promisedName_)) continue;
-        const QString type = form.kind == DragForm::Kind::text ? textType() : QString::fromLatin1(form.target);
+        const QString type = form.kind == DragForm::Kind::text ? DropTypes::kText : QString::fromLatin1(form.target);
         if (!result.contains(type)) result.append(type);
     }
     return result;
 }
 
 void X11Drop::load(const QString& type, Loaded done) {
-    if (type == textType()) {
+    if (type == DropTypes::kText) {
         std::vector<QByteArray> targets;
         for (const char* target : kTextTargets) {
             if (std::any_of(forms_.begin(), forms_.end(),
