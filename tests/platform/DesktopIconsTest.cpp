@@ -1,10 +1,6 @@
 #include <utime.h>
 
 #include <QCryptographicHash>
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
-#include <filesystem>
 
 #include "platform/FileUrls.h"
 #include "platform/linux/QtMainLoop.h"
@@ -12,6 +8,7 @@
 #include "platform/linux/freedesktop/DesktopIcons.h"
 #include "platform/linux/freedesktop/IconTheme.h"
 #include "support/Environment.h"
+#include "support/TestFolder.h"
 #include "support/XSession.h"
 
 namespace {
@@ -37,15 +34,8 @@ class DesktopIconsTest : public testing::Test {
         picture("data/icons/Theirs/48/m/own.png", 48, Qt::magenta);
     }
 
-    // Qt cannot remove names that are not UTF-8.
-    ~DesktopIconsTest() override { std::filesystem::remove_all(home.path().toStdString()); }
-
-    QByteArray path(const QByteArray& name) const { return home.path().toUtf8() + '/' + name; }
-    void write(const QByteArray& name, const QByteArray& text) const {
-        QDir().mkpath(QString::fromUtf8(path(name.first(std::max(name.lastIndexOf('/'), qsizetype(0))))));
-        std::unique_ptr<FILE, int (*)(FILE*)> file(fopen(path(name).constData(), "w"), &fclose);
-        ASSERT_TRUE(file && fwrite(text.constData(), 1, text.size(), file.get()) == size_t(text.size()));
-    }
+    QByteArray path(const QByteArray& name) const { return home.path(name); }
+    void write(const QByteArray& name, const QByteArray& text) const { home.write(name, text); }
     void picture(const QByteArray& name, int size, const QColor& colour, const QString& modified = {}) const {
         // Like the address in any thumbnail, compressed for its length, and unpacked by nobody here.
         const QString address(4096, u'x');
@@ -56,11 +46,10 @@ class DesktopIconsTest : public testing::Test {
         write(name, {});
         ASSERT_TRUE(image.save(QString::fromUtf8(path(name)), "PNG"));
     }
-    /// Files a thumbnail for the file, in the way of the other programs.
-    void thumbnail(const char* folder, const QByteArray& address, int size, const QColor& colour,
-                   const QString& modified) const {
+    /// Where other programs file the thumbnail of what has this address.
+    static QByteArray thumbnail(const char* folder, const QByteArray& address) {
         const auto hash = QCryptographicHash::hash(address, QCryptographicHash::Md5).toHex();
-        picture("cache/thumbnails/" + QByteArray(folder) + '/' + hash + ".png", size, colour, modified);
+        return "cache/thumbnails/" + QByteArray(folder) + '/' + hash + ".png";
     }
     QImage find(const QByteArray& name, int pixels) {
         QImage result;
@@ -78,7 +67,7 @@ class DesktopIconsTest : public testing::Test {
         return image.isNull() ? QColor() : image.pixelColor(image.width() / 2, image.height() / 2);
     }
 
-    QTemporaryDir home;
+    TestFolder home;
     EnvironmentVariable data{"XDG_DATA_HOME", path("data")}, config{"XDG_CONFIG_HOME", path("config")},
         cache{"XDG_CACHE_HOME", path("cache")}, desktop{"XDG_CURRENT_DESKTOP", "other"};
     QtMainLoop loop;
@@ -125,14 +114,12 @@ TEST_F(DesktopIconsTest, PreferAThumbnailOfTheFileAsItIs) {
         ASSERT_EQ(utime(path(name).constData(), &modified), 0);
     }
     const QByteArray root = "file://" + path("");
-    thumbnail("normal", root + "p%3B1.txt", 128, Qt::darkRed, QStringLiteral("1234"));
-    thumbnail("large", root + "p%3B1.txt", 256, Qt::darkGreen, QStringLiteral("1234.5"));
-    thumbnail("x-large", root + "caf%E9%20%5Ba%5D.txt", 512, Qt::darkBlue, QStringLiteral("1234"));
-    thumbnail("normal", root + "stale.txt", 128, Qt::darkRed, QStringLiteral("1233"));
-    thumbnail("large", root + "bomb.txt", 1026, Qt::darkRed, QStringLiteral("1234"));
-    write("cache/thumbnails/normal/" + QCryptographicHash::hash(root + "big.txt", QCryptographicHash::Md5).toHex() +
-              ".png",
-          QByteArray(5 << 20, 'x'));
+    picture(thumbnail("normal", root + "p%3B1.txt"), 128, Qt::darkRed, QStringLiteral("1234"));
+    picture(thumbnail("large", root + "p%3B1.txt"), 256, Qt::darkGreen, QStringLiteral("1234.5"));
+    picture(thumbnail("x-large", root + "caf%E9%20%5Ba%5D.txt"), 512, Qt::darkBlue, QStringLiteral("1234"));
+    picture(thumbnail("normal", root + "stale.txt"), 128, Qt::darkRed, QStringLiteral("1233"));
+    picture(thumbnail("large", root + "bomb.txt"), 1026, Qt::darkRed, QStringLiteral("1234"));
+    write(thumbnail("normal", root + "big.txt"), QByteArray(5 << 20, 'x'));
     const struct {
         QByteArray name;
         int pixels;

@@ -2,7 +2,7 @@
 
 #include <map>
 
-#include "X11DropPanel.h"
+#include "X11Test.h"
 
 /// A drag source that breaks what rules it is told to: the XDND messages as they go over the wire, from a connection of
 /// its own, and answers as the test scripts them. What it offers it offers as XdndSelection.
@@ -42,7 +42,6 @@ class RawDragSource {
         xcb_destroy_window(connection_, window);
         sync();
     }
-
     void send(xcb_window_t target, const char* message, const std::array<uint32_t, 4>& values) {
         xcb_client_message_event_t event{};
         event.response_type = XCB_CLIENT_MESSAGE;
@@ -73,8 +72,7 @@ class RawDragSource {
                 case XCB_CLIENT_MESSAGE: {
                     const auto& message = as<xcb_client_message_event_t>(*event);
                     auto& list = message.type == session_.atom("XdndStatus") ? statuses : finishes;
-                    list.append({message.data.data32[0], message.data.data32[1], message.data.data32[2],
-                                 message.data.data32[3], message.data.data32[4]});
+                    list.append(QList<uint32_t>(message.data.data32, message.data.data32 + 5));
                     break;
                 }
                 case XCB_SELECTION_REQUEST:

@@ -5,18 +5,12 @@
 #include "X11Test.h"
 
 namespace {
-/// Counts the events of one kind that a window gets.
-class EventCount : public QObject {
- public:
-    EventCount(QObject& watched, QEvent::Type type) : type_(type) { watched.installEventFilter(this); }
+struct MotionCount : QObject {
     bool eventFilter(QObject*, QEvent* event) override {
-        count += event->type() == type_;
+        count += event->type() == QEvent::MouseMove;
         return false;
     }
     int count = 0;
-
- private:
-    QEvent::Type type_;
 };
 
 class X11Panel : public X11Test {
@@ -49,18 +43,12 @@ TEST_F(X11Panel, TakesClicksInsideItsInputRegionOnly) {
     const uint32_t lowest = XCB_STACK_MODE_BELOW;
     xcb_configure_window(session().xcb(), below.id(), XCB_CONFIG_WINDOW_STACK_MODE, &lowest);
     ASSERT_TRUE(waitFor([&] { return red(); }));
-    const struct {
-        QRegion region;
-        QPointF place;
-        bool taken;
-    } cases[] = {
-        {{}, middle, false},
-        {QRect(100, 20, 40, 50), middle, true},
-        {QRect(100, 20, 40, 50), {205, 5}, false},
-        {QRegion(0, 0, 20, 20) + QRect(200, 80, 40, 40), {205, 5}, true},
-        {QRegion(0, 0, 20, 20) + QRect(200, 80, 40, 40), middle, false},
-        {{}, {205, 5}, false},
-    };
+    const QRegion corners = QRegion(0, 0, 20, 20) + QRect(200, 80, 40, 40);
+    const std::tuple<QRegion, QPointF, bool> cases[] = {{{}, middle, false},
+                                                        {QRect(100, 20, 40, 50), middle, true},
+                                                        {QRect(100, 20, 40, 50), {205, 5}, false},
+                                                        {corners, {205, 5}, true},
+                                                        {corners, middle, false}};
     int taken = 0, fallen = 0;
     for (const auto& [region, place, inside] : cases) {
         panel.setInputRegionNow(region);
@@ -115,7 +103,8 @@ TEST_F(X11Panel, HasTheShapeOfItsOutlineWhereNothingBlends) {
 TEST_F(X11Panel, SamplesDragsInsteadOfHearingEveryMotion) {
     panel.setInputRegionNow(QRect(0, 0, 240, 120));
     ASSERT_TRUE(waitFor([&] { return red(); }));
-    EventCount motions(panel.window(), QEvent::MouseMove);
+    MotionCount motions;
+    panel.window().installEventFilter(&motions);
     session().glide(pixel({210, 10}), pixel(middle), 200, 1);
     EXPECT_EQ(motions.count, 0);
     session().press(1);

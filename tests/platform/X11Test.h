@@ -65,3 +65,20 @@ class RedPanel : public X11PanelWindow {
         paint(damage, [&](QPainter& painter) { painter.fillRect(0, 0, 240, 120, colour); });
     }
 };
+
+/// A panel that drops can be made on, and what came of them.
+class DropPanel : public RedPanel {
+ public:
+    DropPanel(std::shared_ptr<X11Connection> connection, std::shared_ptr<PointerSampler> sampler, MainLoop& loop)
+        : RedPanel(std::move(connection), std::move(sampler), loop) {
+        onDropTargeted = [this](bool over) { targeted.append(over); };
+        acceptsDrop = [this] { return accepts; };
+        onDrop = [this](std::shared_ptr<Drop> taken) { drop = std::move(taken); };
+        setInputRegionNow(QRect(0, 0, 240, 120));
+        if (!waitFor([this] { return window().isExposed(); })) throw std::runtime_error("the panel stays invisible");
+    }
+
+    bool accepts = true;
+    QList<bool> targeted;
+    std::shared_ptr<Drop> drop;
+};
