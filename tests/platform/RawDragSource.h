@@ -1,11 +1,12 @@
 #pragma once
 
+#include <QTimer>
 #include <map>
 
 #include "X11Test.h"
 
 /// A drag source that breaks what rules it is told to: the XDND messages as they go over the wire, from a connection of
-/// its own, and answers as the test scripts them. What it offers it offers as XdndSelection.
+/// its own, and answers as the test scripts them, from Qt's loop. What it offers it offers as XdndSelection.
 class RawDragSource {
  public:
     struct Answer {
@@ -21,6 +22,8 @@ class RawDragSource {
         xcb_create_window(connection_, XCB_COPY_FROM_PARENT, window, session.root(), -10, -10, 1, 1, 0,
                           XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
         own();
+        timer_.callOnTimeout([this] { work(); });
+        timer_.start(1);
     }
     ~RawDragSource() { xcb_disconnect(connection_); }
     RawDragSource(const RawDragSource&) = delete;
@@ -65,28 +68,6 @@ class RawDragSource {
         send(target, "XdndPosition", {0, 300u << 16 | 50, XCB_CURRENT_TIME, session_.atom("XdndActionMove")});
     }
 
-    /// Reads and answers what has come. To be called in the conditions that a test waits for.
-    void work() {
-        while (const XcbPtr<xcb_generic_event_t> event{xcb_poll_for_event(connection_)}) {
-            switch (code(*event)) {
-                case XCB_CLIENT_MESSAGE: {
-                    const auto& message = as<xcb_client_message_event_t>(*event);
-                    auto& list = message.type == session_.atom("XdndStatus") ? statuses : finishes;
-                    list.append(QList<uint32_t>(message.data.data32, message.data.data32 + 5));
-                    break;
-                }
-                case XCB_SELECTION_REQUEST:
-                    answer(as<xcb_selection_request_event_t>(*event));
-                    break;
-                case XCB_PROPERTY_NOTIFY:
-                    nextPiece(as<xcb_property_notify_event_t>(*event));
-                    break;
-                default:;
-            }
-        }
-        xcb_flush(connection_);
-    }
-
     xcb_window_t window;
     std::map<QByteArray, Answer> answers;  ///< by target; what is not here is refused
     QList<QByteArray> requested;
@@ -112,6 +93,26 @@ class RawDragSource {
         event.target = target;
         event.property = property;
         xcb_send_event(connection_, false, request.requestor, 0, reinterpret_cast<const char*>(&event));
+    }
+    void work() {
+        while (const XcbPtr<xcb_generic_event_t> event{xcb_poll_for_event(connection_)}) {
+            switch (code(*event)) {
+                case XCB_CLIENT_MESSAGE: {
+                    const auto& message = as<xcb_client_message_event_t>(*event);
+                    auto& list = message.type == session_.atom("XdndStatus") ? statuses : finishes;
+                    list.append(QList<uint32_t>(message.data.data32, message.data.data32 + 5));
+                    break;
+                }
+                case XCB_SELECTION_REQUEST:
+                    answer(as<xcb_selection_request_event_t>(*event));
+                    break;
+                case XCB_PROPERTY_NOTIFY:
+                    nextPiece(as<xcb_property_notify_event_t>(*event));
+                    break;
+                default:;
+            }
+        }
+        xcb_flush(connection_);
     }
     void answer(const xcb_selection_request_event_t& request) {
         const QByteArray target = nameOf(request.target);
@@ -154,6 +155,7 @@ class RawDragSource {
 
     const XSession& session_;
     xcb_connection_t* connection_;
+    QTimer timer_;
     QList<QByteArray> pieces_;
     bool endless_ = false;
     xcb_atom_t pieceType_ = XCB_NONE;

@@ -37,28 +37,6 @@ class X11Panel : public X11Test {
     QList<QPointF> drags;
 };
 
-TEST_F(X11Panel, TakesClicksInsideItsInputRegionOnly) {
-    // One that no click raises.
-    OtherWindow below(session(), {.geometry = {0, 0, 1280, 700}, .overrideRedirect = true});
-    const uint32_t lowest = XCB_STACK_MODE_BELOW;
-    xcb_configure_window(session().xcb(), below.id(), XCB_CONFIG_WINDOW_STACK_MODE, &lowest);
-    ASSERT_TRUE(waitFor([&] { return red(); }));
-    const QRegion corners = QRegion(0, 0, 20, 20) + QRect(200, 80, 40, 40);
-    const std::tuple<QRegion, QPointF, bool> cases[] = {{{}, middle, false},
-                                                        {QRect(100, 20, 40, 50), middle, true},
-                                                        {QRect(100, 20, 40, 50), {205, 5}, false},
-                                                        {corners, {205, 5}, true},
-                                                        {corners, middle, false}};
-    int taken = 0, fallen = 0;
-    for (const auto& [region, place, inside] : cases) {
-        panel.setInputRegionNow(region);
-        session().click(pixel(place));
-        ++(inside ? taken : fallen);
-        ASSERT_TRUE(waitFor([&] { return presses.size() == taken && below.presses().size() == fallen; }))
-            << "at " << place.x() << ", " << place.y();
-    }
-}
-
 TEST_F(X11Panel, GivesWayToAProgramThatInsists) {
     ASSERT_TRUE(waitFor([&] { return red(); }));
     OtherWindow rival(session(), {.fullScreen = true});

@@ -103,7 +103,7 @@ TEST(Agents, ANewOneIsNoticedButNotAtTheFirstLook) {
     EXPECT_EQ(f.m.agentsWorking, 0);
     const auto spawns = [&] {
         f.loop.advance(2.5);
-        return f.m.spawnCount;
+        return f.m.spawnCount.get();
     };
     EXPECT_EQ(spawns(), 0);
     EXPECT_EQ(f.m.agentsWorking, 1);

@@ -76,8 +76,6 @@ class X11Connection {
     void selectOnRoot(uint32_t events, bool on);
     /// The same for XInput 2 events of all master devices.
     void selectInputOnRoot(uint32_t events, bool on);
-    /// Whether the server speaks XInput 2.2 or later.
-    bool hasInput2() const { return hasInput2_; }
 
  private:
     X11Connection(xcb_connection_t* connection, int screenNumber);
@@ -92,7 +90,7 @@ class X11Connection {
     xcb_connection_t* connection_;
     int screenNumber_;
     const xcb_screen_t* screen_;
-    bool hasInput2_ = false;
+    bool hasInput2_ = false;  // 2.2 or later
     std::array<int, 32> rootEventUsers_{};
     uint32_t rootInputEvents_ = 0;
     QHash<QByteArray, xcb_atom_t> atoms_;
