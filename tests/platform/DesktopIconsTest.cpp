@@ -19,16 +19,13 @@ class DesktopIconsTest : public testing::Test {
     DesktopIconsTest() {
         write("config/gtk-3.0/settings.ini", "[Settings]\ngtk-icon-theme-name = Mine\n");
         write("data/icons/Mine/index.theme",
-              "[Icon Theme]\nInherits=hicolor,Theirs\nDirectories=16/m,48/m,any/m\n"
-              "[16/m]\nSize=16\nType=Fixed\n[48/m]\nSize=48\n[any/"
-              "m]\nSize=64\nMinSize=100\nMaxSize=512\nType=Scalable\n");
-        write("data/icons/Theirs/index.theme",
-              "[Icon Theme]\nDirectories=16/m,48/m\n[16/m]\nSize=16\n[48/m]\nSize=48\n");
+              "[Icon Theme]\nInherits=hicolor,Theirs\nDirectories=16/m,48/m,any/m\n[16/m]\nSize=16\nType=Fixed\n"
+              "[48/m]\nSize=48\n[any/m]\nSize=64\nMinSize=100\nMaxSize=512\nType=Scalable\n");
+        write("data/icons/Theirs/index.theme", "[Icon Theme]\nDirectories=48/m\n[48/m]\nSize=48\n");
         picture("data/icons/Mine/16/m/text-plain.png", 16, Qt::red);
         picture("data/icons/Mine/48/m/text-plain.png", 48, Qt::green);
-        write(
-            "data/icons/Mine/any/m/text-plain.svg",
-            "<svg xmlns='http://www.w3.org/2000/svg' viewBox='0 0 1 1'><rect width='1' height='1' fill='blue'/></svg>");
+        write("data/icons/Mine/any/m/text-plain.svg",
+              "<svg xmlns='http://www.w3.org/2000/svg' viewBox='0 0 1 1'><path d='M0 0h1v1H0' fill='#00f'/></svg>");
         picture("data/icons/Theirs/48/m/folder.png", 48, Qt::yellow);
         picture("data/icons/Theirs/48/m/image-x-generic.png", 48, Qt::cyan);
         picture("data/icons/Theirs/48/m/own.png", 48, Qt::magenta);
@@ -37,12 +34,11 @@ class DesktopIconsTest : public testing::Test {
     QByteArray path(const QByteArray& name) const { return home.path(name); }
     void write(const QByteArray& name, const QByteArray& text) const { home.write(name, text); }
     void picture(const QByteArray& name, int size, const QColor& colour, const QString& modified = {}) const {
-        // Like the address in any thumbnail, compressed for its length, and unpacked by nobody here.
-        const QString address(4096, u'x');
         QImage image(size, size / 2, QImage::Format_RGB32);
         image.fill(colour);
         if (!modified.isEmpty()) image.setText(QStringLiteral("Thumb::MTime"), modified);
-        image.setText(QStringLiteral("Thumb::URI"), address);
+        // Like the address in any thumbnail, compressed for its length, and unpacked by nobody here.
+        image.setText(QStringLiteral("Thumb::URI"), QString(4096, u'x'));
         write(name, {});
         ASSERT_TRUE(image.save(QString::fromUtf8(path(name)), "PNG"));
     }
@@ -52,16 +48,11 @@ class DesktopIconsTest : public testing::Test {
         return "cache/thumbnails/" + QByteArray(folder) + '/' + hash + ".png";
     }
     QImage find(const QByteArray& name, int pixels) {
-        QImage result;
-        bool done = false;
-        icons.find(fileUrl(path(name)), pixels, [&](const QImage& image) {
-            EXPECT_FALSE(done);
-            result = image;
-            done = true;
-        });
-        EXPECT_FALSE(done) << "not at once";
-        EXPECT_TRUE(waitFor([&] { return done; }));
-        return result;
+        std::optional<QImage> result;
+        icons.find(fileUrl(path(name)), pixels, [&](const QImage& image) { result = image; });
+        EXPECT_FALSE(result) << "not at once";
+        EXPECT_TRUE(waitFor([&] { return result.has_value(); }));
+        return result.value_or(QImage());
     }
     static QColor middle(const QImage& image) {
         return image.isNull() ? QColor() : image.pixelColor(image.width() / 2, image.height() / 2);
@@ -83,12 +74,7 @@ TEST_F(DesktopIconsTest, ShowTheKindOfFileInTheSizeThatFits) {
     write("shortcut.desktop", "[Desktop Entry]\nType=Application\nName=x\nIcon=own\n");
     write("trap.desktop", "[Desktop Entry]\nType=Link\nIcon=" + path("data/icons/Theirs/48/m/own.png") + "\n");
     write("folder/file", "");
-    const struct {
-        const char* name;
-        int pixels;
-        QColor colour;
-        QSize size;
-    } cases[] = {
+    const std::tuple<const char*, int, QColor, QSize> cases[] = {
         {"a.txt", 16, Qt::red, {16, 8}},         {"a.txt", 15, Qt::red, {15, 7}},
         {"a.txt", 17, Qt::green, {17, 8}},       {"a.txt", 48, Qt::green, {48, 24}},
         {"a.txt", 51, Qt::blue, {51, 51}},       {"a.txt", 200, Qt::blue, {200, 200}},
@@ -120,11 +106,7 @@ TEST_F(DesktopIconsTest, PreferAThumbnailOfTheFileAsItIs) {
     picture(thumbnail("normal", root + "stale.txt"), 128, Qt::darkRed, QStringLiteral("1233"));
     picture(thumbnail("large", root + "bomb.txt"), 1026, Qt::darkRed, QStringLiteral("1234"));
     write(thumbnail("normal", root + "big.txt"), QByteArray(5 << 20, 'x'));
-    const struct {
-        QByteArray name;
-        int pixels;
-        QColor colour;
-    } cases[] = {
+    const std::tuple<QByteArray, int, QColor> cases[] = {
         {plain, 90, Qt::darkRed}, {plain, 129, Qt::darkGreen}, {plain, 500, Qt::darkGreen}, {odd, 40, Qt::darkBlue},
         {stale, 48, Qt::green},   {bomb, 48, Qt::green},       {big, 48, Qt::green},
     };

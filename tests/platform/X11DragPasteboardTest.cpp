@@ -39,13 +39,8 @@ TEST_F(X11DragWatch, KnowsWhatQtDrags) {
 TEST_F(X11DragWatch, AsksSourcesThatDoNotListTheirTargets) {
     RawDragSource source(session());
     ASSERT_TRUE(waitFor([&] { return pasteboard.changeCount() == 1; }));
-    const auto listed = [&](std::initializer_list<const char*> names) {
-        QByteArray bytes;
-        for (const char* name : names) {
-            const xcb_atom_t atom = session().atom(name);
-            bytes.append(reinterpret_cast<const char*>(&atom), sizeof atom);
-        }
-        return Answer{Kind::data, bytes, "ATOM", 32};
+    const auto listed = [&](const QList<const char*>& names) {
+        return Answer{Kind::data, source.atoms(names), "ATOM", 32};
     };
     const struct {
         const char* what;
