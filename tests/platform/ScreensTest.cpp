@@ -17,13 +17,9 @@ class TwoScreens : public testing::Test {
 };
 
 TEST_F(TwoScreens, HaveTheModelsOriginAtTheMainOnesBottomLeft) {
-    const struct {
-        QRectF qt, model;
-    } rectangles[] = {
-        {{1000, 200, 800, 600}, {0, 0, 800, 600}},
-        {{0, 0, 1000, 1080}, {-1000, -280, 1000, 1080}},
-        {{1300, 200, 100.5, 30}, {300, 570, 100.5, 30}},
-    };
+    const std::pair<QRectF, QRectF> rectangles[] = {{{1000, 200, 800, 600}, {0, 0, 800, 600}},
+                                                    {{0, 0, 1000, 1080}, {-1000, -280, 1000, 1080}},
+                                                    {{1300, 200, 100.5, 30}, {300, 570, 100.5, 30}}};
     for (const auto& [qt, model] : rectangles) {
         EXPECT_EQ(toModel(qt), model);
         EXPECT_EQ(toQt(model), qt);
@@ -33,13 +29,14 @@ TEST_F(TwoScreens, HaveTheModelsOriginAtTheMainOnesBottomLeft) {
 }
 
 TEST_F(TwoScreens, ScaleNativePointsByTheirOwnRatio) {
-    const struct {
-        QPointF native, model;
-    } points[] = {
-        {{1000, 200}, {0, 600}},   {{1400, 600}, {200, 400}}, {{2599, 1399}, {799.5, 0.5}},  {{999, 0}, {-1, 800}},
-        {{999, 1079}, {-1, -279}}, {{0, 500}, {-1000, 300}},  {{5000, 5000}, {2000, -1800}},  // on no screen: as if the
-                                                                                              // main one went on
-    };
+    const std::pair<QPointF, QPointF> points[] = {{{1000, 200}, {0, 600}},
+                                                  {{1400, 600}, {200, 400}},
+                                                  {{2599, 1399}, {799.5, 0.5}},
+                                                  {{999, 0}, {-1, 800}},
+                                                  {{999, 1079}, {-1, -279}},
+                                                  {{0, 500}, {-1000, 300}},
+                                                  // On no screen: as if the main one went on.
+                                                  {{5000, 5000}, {2000, -1800}}};
     for (const auto& [native, model] : points)
         EXPECT_EQ(nativeToModel(native), model) << native.x() << ',' << native.y();
 }

@@ -1,4 +1,4 @@
-#include <QThread>
+#include <QElapsedTimer>
 
 #include "X11Test.h"
 #include "platform/FileUrls.h"
@@ -14,11 +14,6 @@ class X11DragOut : public X11Test {
     X11DragOut() {
         folder.write(name, "contents");
         icon.fill(Qt::green);
-        panel.onRelease = [this](PanelWindow::Button, QPointF) { ++releases; };
-        panel.onPress = [this](PanelWindow::Button, QPointF, QPointF) { ++presses; };
-        panel.onDrag = [this](QPointF) {
-            if (++drags == presses - clicks) panel.dragOut(file, icon, {5, 5});
-        };
     }
 
     /// Does one thing after another, each until it is true, from a timer: a drag runs a loop of its own, in which no
@@ -31,9 +26,7 @@ class X11DragOut : public X11Test {
             if (next < steps.size() && steps[next]()) ++next;
             if (next == steps.size() || time.elapsed() > 10000) session().release(1);
         });
-        const auto idle = [] { return QThread::currentThread()->loopLevel() == 0; };
-        const auto result = waitFor([&] { return idle() && (next == steps.size() || time.elapsed() > 11000); }, 15);
-        return result && next == steps.size() ? result : testing::AssertionFailure() << "stuck at step " << next;
+        return waitFor([&] { return next == steps.size(); }, 11) << ", stuck at step " << next;
     }
     Step moves(QPoint from, QPoint to) {
         return [=, this, step = 0]() mutable {
@@ -43,12 +36,18 @@ class X11DragOut : public X11Test {
     }
     /// A drag from the panel to `end`, where `there` becomes true.
     testing::AssertionResult drag(QPoint end, const Step& there) {
-        const int before = outsider.changeCount(), pressed = presses;
+        const int before = outsider.changeCount();
+        const auto pressed = panel.presses.size();
         session().moveTo(start);
         session().press(1);
         const QPoint away = start + QPoint(20, 10);
-        return hand({[=, this] { return presses > pressed; }, moves(start, away),
-                     [=, this] { return outsider.changeCount() > before; }, moves(away, end), there});
+        return hand({[=, this] { return panel.presses.size() > pressed; },
+                     [this] {
+                         panel.dragOut(file, icon, {5, 5});
+                         return true;
+                     },
+                     moves(start, away), [=, this] { return outsider.changeCount() > before; }, moves(away, end),
+                     there});
     }
 
     const QPoint start = pixel({250, 60});
@@ -56,11 +55,10 @@ class X11DragOut : public X11Test {
     TestFolder folder;
     const QUrl file = fileUrl(folder.path(name));
     QImage icon{20, 20, QImage::Format_ARGB32_Premultiplied};
-    DropPanel panel{connection, sampler, loop};
+    TestPanel panel{connection, sampler, loop};
     X11DragPasteboard pasteboard{connection, loop, &X11PanelWindow::ownWindow};
     /// As another program would see it.
     X11DragPasteboard outsider{connection, loop, [](xcb_window_t) { return false; }};
-    int presses = 0, releases = 0, drags = 0, clicks = 0;
 };
 
 TEST_F(X11DragOut, GivesACopyToOthersAndNothingToThePanelOrTheDesktop) {
@@ -80,14 +78,16 @@ TEST_F(X11DragOut, GivesACopyToOthersAndNothingToThePanelOrTheDesktop) {
     const auto nothing = [] { return true; };
     const std::pair<QPoint, Step> ends[] = {
         {receiver.middle(), received}, {pixel({400, 30}), nothing}, {QPoint(900, 700), nothing}};
+    int clicks = 0;
     for (const auto& [end, there] : ends) {
         ASSERT_TRUE(drag(end, there));
-        EXPECT_EQ(drags, clicks + 1) << "the drag was reported as the panel's own, too";
-        EXPECT_EQ(releases, clicks);
+        EXPECT_EQ(panel.releases, clicks);
         session().click(start);
         ++clicks;
-        ASSERT_TRUE(waitFor([&] { return presses == 2 * clicks && releases == clicks; })) << "the next press is lost";
+        ASSERT_TRUE(waitFor([&] { return panel.presses.size() == 2 * clicks && panel.releases == clicks; }))
+            << "the next press is lost";
     }
+    EXPECT_TRUE(panel.drags.empty()) << "the drag was reported as the panel's own, too";
     EXPECT_EQ(own, false) << "our own drag carries nothing for us";
     EXPECT_EQ(others, true);
     EXPECT_TRUE(waitFor([&] { return receiver.lines().count(QStringLiteral("bytes contents")) == 1; }));

@@ -12,7 +12,7 @@ const QString kUris = QStringLiteral("text/uri-list"), kText = QStringLiteral("t
 /// Drags onto the panel. Most sources here speak XDND badly, or mean ill.
 class X11Drop : public X11Test {
  protected:
-    xcb_window_t target() { return xcb_window_t(panel.window().winId()); }
+    xcb_window_t target() { return panel.id(); }
     void hover(const QList<const char*>& types) {
         source.enter(target(), types);
         source.position(target());
@@ -36,7 +36,7 @@ class X11Drop : public X11Test {
     }
     uint32_t copy() { return session().atom("XdndActionCopy"); }
 
-    DropPanel panel{connection, sampler, loop};
+    TestPanel panel{connection, sampler, loop};
     RawDragSource source{session()};
 };
 
