@@ -5,11 +5,14 @@
 #include "platform/DropTypes.h"
 
 namespace {
-const QString kPlainText = QStringLiteral("text/plain");  // what the toolkit calls any text
+/// The toolkit's name for any text, or the source's own.
+bool isText(const QString& format) {
+    return format == QLatin1String("text/plain") || format == DropTypes::kText;
+}
 
 bool isUsable(const QString& format) {
     using namespace DropTypes;
-    return format == kPlainText || std::ranges::find(kAddresses, format) != kAddresses.end() ||
+    return isText(format) || std::ranges::find(kAddresses, format) != kAddresses.end() ||
            std::ranges::find(kImages, format, &Image::type) != kImages.end();
 }
 }  // namespace
@@ -17,10 +20,9 @@ bool isUsable(const QString& format) {
 CopiedDrop::CopiedDrop(const QMimeData& offered) {
     for (const QString& format : offered.formats()) {
         if (!isUsable(format)) continue;
-        const bool text = format == kPlainText;
-        const QString type = text ? DropTypes::kText : format;
-        const QByteArray bytes = text ? offered.text().toUtf8() : offered.data(format);
-        if (bytes.isEmpty()) continue;
+        const QString type = isText(format) ? DropTypes::kText : format;
+        const QByteArray bytes = isText(format) ? offered.text().toUtf8() : offered.data(format);
+        if (bytes.isEmpty() || types_.contains(type)) continue;
         types_.append(type);
         forms_.insert(type, bytes);
     }
