@@ -39,9 +39,9 @@ TEST(Agents, AreWhatTheirFilesSay) {
         {{}, 0, ""},
         {{{"a", web}, {"a.flag", "waiting for input"}}, 0, ""},
         {{{"a", web}, {"a.flag", "alerted"}}, 0, "", true, "Terminal"},
-        {{{"a", web}, {"a.flag", "Alert"}}, 1, "web"},
-        {{{"a", web}, {"a.flag", " wait"}}, 1, "web"},
-        {{{"a", web}, {"a.flag", "alert \xff"}}, 1, "web"},
+        {{{"a", web}, {"a.flag", "Alert"}, {"b", web}, {"b.flag", " wait"}, {"c", web}, {"c.flag", "alert \xff"}},
+         3,
+         "web"},
         {{{"c", project + "c"}, {"d", project + "d"}, {"e", project + "e"}, {"f", project + "f"}}, 4, "c · d · e"},
         {{{"Zoo", project + "Zoo"}, {"a", web}, {"b", project + "\nTerminal"}, {"c", web}}, 4, "Zoo · web"},
         {{{".a", web}, {"a.txt", web}, {".ask", ""}}, 0, ""},
@@ -65,8 +65,8 @@ TEST(Agents, AreWhatTheirFilesSay) {
         EXPECT_EQ(f.m.agentsWorking, cases[i].working);
         EXPECT_EQ(f.m.agentProjects.get(), QString::fromUtf8(cases[i].projects));
         EXPECT_EQ(f.m.needsYou, cases[i].needs);
-        EXPECT_EQ(f.m.blockedTerminal.has_value(), cases[i].terminal != nullptr);
-        EXPECT_EQ(f.m.blockedTerminal.value_or(QString()), QString::fromUtf8(cases[i].terminal));
+        const auto terminal = cases[i].terminal ? std::optional(QString::fromUtf8(cases[i].terminal)) : std::nullopt;
+        EXPECT_EQ(f.m.blockedTerminal, terminal);
     }
 }
 
