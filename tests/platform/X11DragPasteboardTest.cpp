@@ -78,12 +78,10 @@ TEST_F(X11DragWatch, DoesNotWaitForASilentSourceForLong) {
 
     int overtaken = 0;
     pasteboard.canReadUsable([&](bool) { ++overtaken; });
-    source.answers["TARGETS"] = {Kind::refusal, {}};
     source.setTypeList({"TEXT"});
     source.own();
-    ASSERT_TRUE(waitFor([&] { return pasteboard.changeCount() == 2; })) << "the same window begins another drag";
     EXPECT_EQ(usable(), true);
-    letPass(0.1);
     EXPECT_EQ(overtaken, 0);
+    EXPECT_TRUE(waitFor([&] { return pasteboard.changeCount() == 2; })) << "the same window begins another drag";
 }
 }  // namespace
