@@ -5,6 +5,8 @@
 #include <unistd.h>
 
 #include <QByteArray>
+#include <cerrno>
+#include <optional>
 #include <utility>
 
 /// A file descriptor that closes itself. Negative when there is none.
@@ -36,4 +38,30 @@ inline Descriptor openRegularFile(const QByteArray& path) {
     struct stat status = {};
     if (file && (::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode))) return Descriptor();
     return file;
+}
+
+/// Reads what is left, up to `max` bytes; absent when that fails.
+inline std::optional<QByteArray> readUpTo(int descriptor, qsizetype max) {
+    QByteArray bytes(max, Qt::Uninitialized);
+    qsizetype got = 0;
+    while (got < max) {
+        const ssize_t n = ::read(descriptor, bytes.data() + got, size_t(max - got));
+        if (n < 0 && errno == EINTR) continue;
+        if (n < 0) return {};
+        if (n == 0) break;
+        got += n;
+    }
+    bytes.truncate(got);
+    return bytes;
+}
+
+/// False when not all of it could be written.
+inline bool writeAll(int descriptor, const QByteArray& bytes) {
+    for (qsizetype done = 0; done < bytes.size();) {
+        const ssize_t n = ::write(descriptor, bytes.constData() + done, size_t(bytes.size() - done));
+        if (n < 0 && errno == EINTR) continue;
+        if (n <= 0) return false;
+        done += n;
+    }
+    return true;
 }

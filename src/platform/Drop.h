@@ -13,9 +13,8 @@ class Drop {
  public:
     virtual ~Drop() = default;
 
-    /// Those MIME types on offer that are links, text or images, best first in the source's opinion. Plain text in any
-    /// of its older names is "text/plain;charset=utf-8"; "application/octet-stream" is there where a file is promised
-    /// and its bytes are on offer as well.
+    /// Those of DropTypes that are on offer, best first in the source's opinion. Plain text is kText whatever its
+    /// source calls it; kPromisedBytes is there where a file is promised and its bytes are on offer as well.
     virtual QStringList types() const = 0;
     /// Reads one form and calls `done` once, perhaps at once; absent when the source refuses, sends nothing, stalls for
     /// more than five seconds, takes more than a minute, or sends more than 64 MiB. Text is valid UTF-8, and the first

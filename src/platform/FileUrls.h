@@ -5,7 +5,7 @@
 
 // File names are bytes, and not always UTF-8. A file URL keeps them, percent-encoded; QUrl::toLocalFile() does not.
 
-/// The path that `file` names, byte for byte; empty for what is no file on this machine.
+/// The path that `file` names, byte for byte; empty for what is not a file on this machine.
 inline QByteArray pathOf(const QUrl& file) {
     if (!file.isLocalFile() || !file.host().isEmpty()) return {};
     return QByteArray::fromPercentEncoding(file.path(QUrl::FullyEncoded).toLatin1());

@@ -1,10 +1,11 @@
 #pragma once
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <vector>
 
-/// Keeps an observer connected for as long as it lives.
+/// Keeps an observer connected for as long as it lives. May outlive the signal.
 using Subscription = std::shared_ptr<void>;
 
 /// Calls its observers, in the order in which they subscribed. Main thread only.
@@ -17,6 +18,11 @@ class Signal {
         auto slot = std::make_shared<Observer>(std::move(observer));
         slots_.push_back(slot);
         return slot;
+    }
+
+    /// Whether a call would reach anybody.
+    bool hasObservers() const {
+        return std::any_of(slots_.begin(), slots_.end(), [](const auto& slot) { return !slot.expired(); });
     }
 
     /// An observer may subscribe or unsubscribe others, or itself; a new one is first called the next time.

@@ -2,26 +2,14 @@
 
 #include <QDir>
 #include <algorithm>
-#include <array>
 #include <utility>
 
+#include "platform/DropTypes.h"
 #include "shelf/NewFile.h"
 #include "shelf/NoteText.h"
 
 namespace {
 
-struct ImageKind {
-    QString type, extension;
-};
-
-const std::array<ImageKind, 4> kImageDropTypes{{{QStringLiteral("image/png"), QStringLiteral("png")},
-                                                {QStringLiteral("image/jpeg"), QStringLiteral("jpg")},
-                                                {QStringLiteral("image/tiff"), QStringLiteral("tiff")},
-                                                {QStringLiteral("image/heic"), QStringLiteral("heic")}}};
-const std::array<QString, 3> kUrlTypes{QStringLiteral("text/uri-list"), QStringLiteral("text/x-moz-url"),
-                                       QStringLiteral("_NETSCAPE_URL")};
-const QString kPromisedBytes = QStringLiteral("application/octet-stream");
-const QString kText = QStringLiteral("text/plain;charset=utf-8");
 constexpr double kPatience = 10;  // seconds without growth, after which a promise is not kept any more
 // Bytes that are looked at in less than a millisecond, so that most drops need no disk and wait for none that hangs.
 constexpr qsizetype kSmall = 32 << 10;
@@ -53,12 +41,12 @@ DropReading::DropReading(std::shared_ptr<Drop> drop, QUrl folder, std::function<
 
 void DropReading::readUrls(int kind) {
     const QStringList offered = drop_->types();
-    while (kind < int(kUrlTypes.size()) && !offered.contains(kUrlTypes[kind])) ++kind;
-    if (kind == int(kUrlTypes.size())) return savePromise();
-    drop_->load(kUrlTypes[kind], [self = shared_from_this(), kind](const std::optional<QByteArray>& bytes) {
+    while (kind < int(DropTypes::kAddresses.size()) && !offered.contains(DropTypes::kAddresses[kind])) ++kind;
+    if (kind == int(DropTypes::kAddresses.size())) return savePromise();
+    drop_->load(DropTypes::kAddresses[kind], [self = shared_from_this(), kind](const std::optional<QByteArray>& bytes) {
         if (!bytes) return self->readUrls(kind + 1);
-        if (bytes->size() <= kSmall) return self->takeUrls(parseUrls(kUrlTypes[kind], *bytes), kind);
-        self->disk_.run([bytes = *bytes, kind] { return parseUrls(kUrlTypes[kind], bytes); },
+        if (bytes->size() <= kSmall) return self->takeUrls(parseUrls(DropTypes::kAddresses[kind], *bytes), kind);
+        self->disk_.run([bytes = *bytes, kind] { return parseUrls(DropTypes::kAddresses[kind], bytes); },
                         [self, kind](const UrlList& urls) { self->takeUrls(urls, kind); });
     });
 }
@@ -124,11 +112,11 @@ void DropReading::bringOut() {
 
 // The bytes of the promised file itself are better than a picture of it, which browsers draw anew.
 void DropReading::readPromisedBytes() {
-    if (!drop_->types().contains(kPromisedBytes)) {
+    if (!drop_->types().contains(DropTypes::kPromisedBytes)) {
         if (promise_ != Promise::written) drop_->declinePromise();
         return readImage(0);
     }
-    drop_->load(kPromisedBytes, [self = shared_from_this()](const std::optional<QByteArray>& bytes) {
+    drop_->load(DropTypes::kPromisedBytes, [self = shared_from_this()](const std::optional<QByteArray>& bytes) {
         if (bytes && !bytes->isEmpty()) {
             self->imageName_ = self->promisedName_;
             self->image_ = *bytes;
@@ -141,19 +129,20 @@ void DropReading::readPromisedBytes() {
 
 void DropReading::readImage(int kind) {
     const QStringList offered = drop_->types();
-    while (kind < int(kImageDropTypes.size()) && !offered.contains(kImageDropTypes[kind].type)) ++kind;
-    if (!image_.isEmpty() || kind == int(kImageDropTypes.size())) return readText();
-    drop_->load(kImageDropTypes[kind].type, [self = shared_from_this(), kind](const std::optional<QByteArray>& bytes) {
-        if (!bytes || bytes->isEmpty()) return self->readImage(kind + 1);
-        self->imageName_ = self->nameFor_(kImageDropTypes[kind].extension);
-        self->image_ = *bytes;
-        self->readText();
-    });
+    while (kind < int(DropTypes::kImages.size()) && !offered.contains(DropTypes::kImages[kind].type)) ++kind;
+    if (!image_.isEmpty() || kind == int(DropTypes::kImages.size())) return readText();
+    drop_->load(DropTypes::kImages[kind].type,
+                [self = shared_from_this(), kind](const std::optional<QByteArray>& bytes) {
+                    if (!bytes || bytes->isEmpty()) return self->readImage(kind + 1);
+                    self->imageName_ = self->nameFor_(DropTypes::kImages[kind].extension);
+                    self->image_ = *bytes;
+                    self->readText();
+                });
 }
 
 void DropReading::readText() {
-    if (!image_.isEmpty() || !bites_.isEmpty() || !drop_->types().contains(kText)) return formsRead();
-    drop_->load(kText, [self = shared_from_this()](const std::optional<QByteArray>& bytes) {
+    if (!image_.isEmpty() || !bites_.isEmpty() || !drop_->types().contains(DropTypes::kText)) return formsRead();
+    drop_->load(DropTypes::kText, [self = shared_from_this()](const std::optional<QByteArray>& bytes) {
         const auto take = [self](const QString& text) {
             if (!text.isEmpty()) self->bites_.append(Bite::note(text));
             self->formsRead();

@@ -70,13 +70,8 @@ Naming move(int from, const char* name, int to, const char* target) {
     return moveOverOurs(from, name, to, target);
 }
 
-bool writeAll(int file, const QByteArray& contents) {
-    for (qsizetype done = 0; done < contents.size();) {
-        const ssize_t written = ::write(file, contents.constData() + done, size_t(contents.size() - done));
-        if (written < 0 && errno != EINTR) return false;
-        done += std::max<ssize_t>(written, 0);
-    }
-    return ::fsync(file) == 0;
+bool writeAndFlush(int file, const QByteArray& contents) {
+    return writeAll(file, contents) && ::fsync(file) == 0;
 }
 
 /// For a file system that has no files without names.
@@ -86,7 +81,7 @@ std::optional<QByteArray> writeHidden(int folder, const QString& name, const QBy
         ::openat(folder, draft.constData(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kMode));
     if (!file) return {};
     std::optional<QByteArray> made;
-    if (writeAll(file.get(), contents)) made = moveUnderFreeName(folder, draft, folder, name);
+    if (writeAndFlush(file.get(), contents)) made = moveUnderFreeName(folder, draft, folder, name);
     if (!made) ::unlinkat(folder, draft.constData(), 0);
     return made;
 }
@@ -125,7 +120,7 @@ std::optional<QUrl> writeNewFile(const QUrl& folder, const QString& name, const 
     const Descriptor file(::openat(dir.get(), ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, kMode));
     std::optional<QByteArray> made;
     if (file) {
-        if (!writeAll(file.get(), contents)) return {};
+        if (!writeAndFlush(file.get(), contents)) return {};
         const QByteArray self = "/proc/self/fd/" + QByteArray::number(file.get());
         made = underFreeName(name, [&](const char* target) {
             return ::linkat(AT_FDCWD, self.constData(), dir.get(), target, AT_SYMLINK_FOLLOW) == 0 ? Naming::done

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "platform/BackgroundQueue.h"
 #include "platform/Workspace.h"
 #include "watchers/AgentDirectory.h"
 
@@ -49,7 +48,7 @@ struct AgentWatcher::Census {
 
 AgentWatcher::AgentWatcher(NotchModel& model, MainLoop& loop, BackgroundQueue& disk, Workspace& workspace,
                            QString folder)
-    : m_(model), loop_(loop), disk_(disk), workspace_(workspace), folder_(std::move(folder)) {}
+    : model_(model), loop_(loop), workspace_(workspace), folder_(std::move(folder)), jobs_(disk, loop) {}
 
 void AgentWatcher::start() {
     timer_ = loop_.every(kInterval, [this] { scanAgents(); });
@@ -58,14 +57,13 @@ void AgentWatcher::start() {
 void AgentWatcher::scanAgents() {
     if (scanning_) return;
     scanning_ = true;
-    disk_.run([&loop = loop_, self = std::weak_ptr(self_), folder = folder_] {
+    const auto look = [folder = folder_] {
         AgentDirectory directory(folder);
-        loop.post([self, census = takeCensus(directory)] {
-            const auto watcher = self.lock();
-            if (!watcher) return;
-            (*watcher)->scanning_ = false;
-            (*watcher)->apply(census);
-        });
+        return takeCensus(directory);
+    };
+    jobs_.run(look, [this](const Census& census) {
+        scanning_ = false;
+        apply(census);
     });
 }
 
@@ -93,25 +91,26 @@ AgentWatcher::Census AgentWatcher::takeCensus(AgentDirectory& directory) {
 }
 
 void AgentWatcher::apply(const Census& census) {
-    m_.blockedTerminal = census.terminal;
+    model_.blockedTerminal = census.terminal;
 
     QStringList names = census.projects;
     names.sort();
     names.removeDuplicates();
     const QString text = names.mid(0, kShownProjects).join(QStringLiteral(" · "));
-    if (text != m_.agentProjects.get()) m_.agentProjects = text;
+    if (text != model_.agentProjects.get()) model_.agentProjects = text;
 
     const int working = std::max(census.records - census.waiting - census.alerts, 0);
     const bool needs = census.alerts > 0 || census.asks;
-    if (lastAlive_ >= 0 && census.records > lastAlive_ && m_.toy == Toy::critter) ++m_.spawnCount;
+    if (lastAlive_ >= 0 && census.records > lastAlive_ && model_.toy == Toy::critter) ++model_.spawnCount;
     lastAlive_ = census.records;
-    if (working != m_.agentsWorking) m_.withAnimation(Animation::spring(0.4, 0.7), [&] { m_.agentsWorking = working; });
-    if (needs != m_.needsYou) {
-        m_.withAnimation(Animation::easeInOut(0.4), [&] { m_.needsYou = needs; });
-        if (needs) ++m_.spawnCount;
+    if (working != model_.agentsWorking)
+        model_.withAnimation(Animation::spring(0.4, 0.7), [&] { model_.agentsWorking = working; });
+    if (needs != model_.needsYou) {
+        model_.withAnimation(Animation::easeInOut(0.4), [&] { model_.needsYou = needs; });
+        if (needs) ++model_.spawnCount;
     }
 }
 
 void AgentWatcher::focusBlockedTerminal() {
-    if (m_.blockedTerminal) workspace_.activateOrOpenTerminal(*m_.blockedTerminal);
+    if (model_.blockedTerminal) workspace_.activateOrOpenTerminal(*model_.blockedTerminal);
 }

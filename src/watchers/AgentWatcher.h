@@ -1,12 +1,11 @@
 #pragma once
 
 #include <QString>
-#include <memory>
 
 #include "creature/NotchModel.h"
+#include "platform/BackgroundJobs.h"
 
 class AgentDirectory;
-class BackgroundQueue;
 class Workspace;
 
 /// Looks every 2.5 seconds at what a companion tool says of its coding agents, and brings the terminal of one that
@@ -29,13 +28,12 @@ class AgentWatcher {
     static Census takeCensus(AgentDirectory& directory);
     void apply(const Census& census);
 
-    NotchModel& m_;
+    NotchModel& model_;
     MainLoop& loop_;
-    BackgroundQueue& disk_;
     Workspace& workspace_;
     QString folder_;
     bool scanning_ = false;
     int lastAlive_ = -1;  // records in the scan before; -1: there was none
     TimerHandle timer_;
-    std::shared_ptr<AgentWatcher*> self_ = std::make_shared<AgentWatcher*>(this);  // for a result that comes late
+    BackgroundJobs jobs_;
 };

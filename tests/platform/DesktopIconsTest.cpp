@@ -1,17 +1,14 @@
 #include <utime.h>
 
 #include <QCryptographicHash>
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
-#include <filesystem>
 
 #include "platform/FileUrls.h"
-#include "platform/linux/DesktopIcons.h"
-#include "platform/linux/IconTheme.h"
 #include "platform/linux/QtMainLoop.h"
 #include "platform/linux/ThreadQueues.h"
+#include "platform/linux/freedesktop/DesktopIcons.h"
+#include "platform/linux/freedesktop/IconTheme.h"
 #include "support/Environment.h"
+#include "support/TestFolder.h"
 #include "support/XSession.h"
 
 namespace {
@@ -22,63 +19,46 @@ class DesktopIconsTest : public testing::Test {
     DesktopIconsTest() {
         write("config/gtk-3.0/settings.ini", "[Settings]\ngtk-icon-theme-name = Mine\n");
         write("data/icons/Mine/index.theme",
-              "[Icon Theme]\nInherits=hicolor,Theirs\nDirectories=16/m,48/m,any/m\n"
-              "[16/m]\nSize=16\nType=Fixed\n[48/m]\nSize=48\n[any/"
-              "m]\nSize=64\nMinSize=100\nMaxSize=512\nType=Scalable\n");
-        write("data/icons/Theirs/index.theme",
-              "[Icon Theme]\nDirectories=16/m,48/m\n[16/m]\nSize=16\n[48/m]\nSize=48\n");
+              "[Icon Theme]\nInherits=hicolor,Theirs\nDirectories=16/m,48/m,any/m\n[16/m]\nSize=16\nType=Fixed\n"
+              "[48/m]\nSize=48\n[any/m]\nSize=64\nMinSize=100\nMaxSize=512\nType=Scalable\n");
+        write("data/icons/Theirs/index.theme", "[Icon Theme]\nDirectories=48/m\n[48/m]\nSize=48\n");
         picture("data/icons/Mine/16/m/text-plain.png", 16, Qt::red);
         picture("data/icons/Mine/48/m/text-plain.png", 48, Qt::green);
-        write(
-            "data/icons/Mine/any/m/text-plain.svg",
-            "<svg xmlns='http://www.w3.org/2000/svg' viewBox='0 0 1 1'><rect width='1' height='1' fill='blue'/></svg>");
+        write("data/icons/Mine/any/m/text-plain.svg",
+              "<svg xmlns='http://www.w3.org/2000/svg' viewBox='0 0 1 1'><path d='M0 0h1v1H0' fill='#00f'/></svg>");
         picture("data/icons/Theirs/48/m/folder.png", 48, Qt::yellow);
         picture("data/icons/Theirs/48/m/image-x-generic.png", 48, Qt::cyan);
         picture("data/icons/Theirs/48/m/own.png", 48, Qt::magenta);
     }
 
-    // Qt cannot remove names that are not UTF-8.
-    ~DesktopIconsTest() override { std::filesystem::remove_all(home.path().toStdString()); }
-
-    QByteArray path(const QByteArray& name) const { return home.path().toUtf8() + '/' + name; }
-    void write(const QByteArray& name, const QByteArray& text) const {
-        QDir().mkpath(QString::fromUtf8(path(name.first(std::max(name.lastIndexOf('/'), qsizetype(0))))));
-        std::unique_ptr<FILE, int (*)(FILE*)> file(fopen(path(name).constData(), "w"), &fclose);
-        ASSERT_TRUE(file && fwrite(text.constData(), 1, text.size(), file.get()) == size_t(text.size()));
-    }
+    QByteArray path(const QByteArray& name) const { return home.path(name); }
+    void write(const QByteArray& name, const QByteArray& text) const { home.write(name, text); }
     void picture(const QByteArray& name, int size, const QColor& colour, const QString& modified = {}) const {
-        // Like the address in any thumbnail, compressed for its length, and unpacked by nobody here.
-        const QString address(4096, u'x');
         QImage image(size, size / 2, QImage::Format_RGB32);
         image.fill(colour);
         if (!modified.isEmpty()) image.setText(QStringLiteral("Thumb::MTime"), modified);
-        image.setText(QStringLiteral("Thumb::URI"), address);
+        // Like the address in any thumbnail, compressed for its length, and unpacked by nobody here.
+        image.setText(QStringLiteral("Thumb::URI"), QString(4096, u'x'));
         write(name, {});
         ASSERT_TRUE(image.save(QString::fromUtf8(path(name)), "PNG"));
     }
-    /// Files a thumbnail for the file, in the way of the other programs.
-    void thumbnail(const char* folder, const QByteArray& address, int size, const QColor& colour,
-                   const QString& modified) const {
+    /// Where other programs file the thumbnail of what has this address.
+    static QByteArray thumbnail(const char* folder, const QByteArray& address) {
         const auto hash = QCryptographicHash::hash(address, QCryptographicHash::Md5).toHex();
-        picture("cache/thumbnails/" + QByteArray(folder) + '/' + hash + ".png", size, colour, modified);
+        return "cache/thumbnails/" + QByteArray(folder) + '/' + hash + ".png";
     }
     QImage find(const QByteArray& name, int pixels) {
-        QImage result;
-        bool done = false;
-        icons.find(fileUrl(path(name)), pixels, [&](const QImage& image) {
-            EXPECT_FALSE(done);
-            result = image;
-            done = true;
-        });
-        EXPECT_FALSE(done) << "not at once";
-        EXPECT_TRUE(waitFor([&] { return done; }));
-        return result;
+        std::optional<QImage> result;
+        icons.find(fileUrl(path(name)), pixels, [&](const QImage& image) { result = image; });
+        EXPECT_FALSE(result) << "not at once";
+        EXPECT_TRUE(waitFor([&] { return result.has_value(); }));
+        return result.value_or(QImage());
     }
     static QColor middle(const QImage& image) {
         return image.isNull() ? QColor() : image.pixelColor(image.width() / 2, image.height() / 2);
     }
 
-    QTemporaryDir home;
+    TestFolder home;
     EnvironmentVariable data{"XDG_DATA_HOME", path("data")}, config{"XDG_CONFIG_HOME", path("config")},
         cache{"XDG_CACHE_HOME", path("cache")}, desktop{"XDG_CURRENT_DESKTOP", "other"};
     QtMainLoop loop;
@@ -94,12 +74,7 @@ TEST_F(DesktopIconsTest, ShowTheKindOfFileInTheSizeThatFits) {
     write("shortcut.desktop", "[Desktop Entry]\nType=Application\nName=x\nIcon=own\n");
     write("trap.desktop", "[Desktop Entry]\nType=Link\nIcon=" + path("data/icons/Theirs/48/m/own.png") + "\n");
     write("folder/file", "");
-    const struct {
-        const char* name;
-        int pixels;
-        QColor colour;
-        QSize size;
-    } cases[] = {
+    const std::tuple<const char*, int, QColor, QSize> cases[] = {
         {"a.txt", 16, Qt::red, {16, 8}},         {"a.txt", 15, Qt::red, {15, 7}},
         {"a.txt", 17, Qt::green, {17, 8}},       {"a.txt", 48, Qt::green, {48, 24}},
         {"a.txt", 51, Qt::blue, {51, 51}},       {"a.txt", 200, Qt::blue, {200, 200}},
@@ -125,19 +100,13 @@ TEST_F(DesktopIconsTest, PreferAThumbnailOfTheFileAsItIs) {
         ASSERT_EQ(utime(path(name).constData(), &modified), 0);
     }
     const QByteArray root = "file://" + path("");
-    thumbnail("normal", root + "p%3B1.txt", 128, Qt::darkRed, QStringLiteral("1234"));
-    thumbnail("large", root + "p%3B1.txt", 256, Qt::darkGreen, QStringLiteral("1234.5"));
-    thumbnail("x-large", root + "caf%E9%20%5Ba%5D.txt", 512, Qt::darkBlue, QStringLiteral("1234"));
-    thumbnail("normal", root + "stale.txt", 128, Qt::darkRed, QStringLiteral("1233"));
-    thumbnail("large", root + "bomb.txt", 1026, Qt::darkRed, QStringLiteral("1234"));
-    write("cache/thumbnails/normal/" + QCryptographicHash::hash(root + "big.txt", QCryptographicHash::Md5).toHex() +
-              ".png",
-          QByteArray(5 << 20, 'x'));
-    const struct {
-        QByteArray name;
-        int pixels;
-        QColor colour;
-    } cases[] = {
+    picture(thumbnail("normal", root + "p%3B1.txt"), 128, Qt::darkRed, QStringLiteral("1234"));
+    picture(thumbnail("large", root + "p%3B1.txt"), 256, Qt::darkGreen, QStringLiteral("1234.5"));
+    picture(thumbnail("x-large", root + "caf%E9%20%5Ba%5D.txt"), 512, Qt::darkBlue, QStringLiteral("1234"));
+    picture(thumbnail("normal", root + "stale.txt"), 128, Qt::darkRed, QStringLiteral("1233"));
+    picture(thumbnail("large", root + "bomb.txt"), 1026, Qt::darkRed, QStringLiteral("1234"));
+    write(thumbnail("normal", root + "big.txt"), QByteArray(5 << 20, 'x'));
+    const std::tuple<QByteArray, int, QColor> cases[] = {
         {plain, 90, Qt::darkRed}, {plain, 129, Qt::darkGreen}, {plain, 500, Qt::darkGreen}, {odd, 40, Qt::darkBlue},
         {stale, 48, Qt::green},   {bomb, 48, Qt::green},       {big, 48, Qt::green},
     };

@@ -1,26 +1,20 @@
 #include <QDBusMetaType>
-#include <filesystem>
 
 #include "TestBus.h"
 #include "TestPrograms.h"
 #include "platform/FileUrls.h"
-#include "platform/linux/DesktopSharing.h"
 #include "platform/linux/QtMainLoop.h"
 #include "platform/linux/ThreadQueues.h"
+#include "platform/linux/freedesktop/DesktopSharing.h"
 #include "support/ManualLoop.h"
 #include "support/MemoryPorts.h"
-#include "support/XSession.h"
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
 using Interfaces = QMap<QString, QVariantMap>;
 using Objects = QMap<QDBusObjectPath, Interfaces>;
-
-class MemoryPasteboard : public Pasteboard {
- public:
-    void setString(const QString& string) override { text = string; }
-    QString text;
-};
 
 QStringList titles(const QList<ShareOffer>& offers) {
     QStringList result;
@@ -32,18 +26,11 @@ QStringList titles(const QList<ShareOffer>& offers) {
     return result;
 }
 
-QString joined(const char* titles) {
-    return QString::fromUtf8(titles);
-}
-
 /// A home with files and programs, on a desktop with no buses.
 class SharingTest : public testing::Test {
  protected:
     SharingTest() {
-        QDir(home.path()).mkpath(QStringLiteral("share/applications"));
-        QDir(home.path()).mkpath(QStringLiteral("folder"));
-        std::filesystem::create_symlink("/usr/share/mime", path("share/mime").toStdString());
-        for (const QByteArray& file : {letter, odd, script}) write(file, "x");
+        for (const QByteArray& file : {letter, odd, script, QByteArray("folder/file")}) home.write(file, "x");
         for (const char* program : {"editor", "viewer", "browser", "mailer", "snake", "xdg-open"})
             programs.install(program);
         entry("editor", "Name[de]=Schreiber\nName=Editor\nExec=editor %U\nMimeType=text/html;text/plain;");
@@ -57,29 +44,25 @@ class SharingTest : public testing::Test {
         entry("browser", "Name=Browser\nExec=browser %u\nMimeType=x-scheme-handler/https;");
         // As the desktop's own tool records them; the handlers of addresses are left out, as where nobody runs that
         // tool.
-        write("share/applications/mimeinfo.cache",
-              "[MIME Cache]\ntext/html=editor.desktop;\ntext/x-python=snake.desktop;\n"
-              "text/plain=editor.desktop;viewer.desktop;console.desktop;gone.desktop;half.desktop;removed.desktop;\n");
-        write("config/mimeapps.list",
-              "[Default Applications]\ntext/plain=absent.desktop;viewer.desktop\n[Added Associations]\n"
-              "text/plain=added.desktop;\n[Removed Associations]\ntext/plain=removed.desktop;\n");
+        home.write(
+            "share/applications/mimeinfo.cache",
+            "[MIME Cache]\ntext/html=editor.desktop;\ntext/x-python=snake.desktop;\n"
+            "text/plain=editor.desktop;viewer.desktop;console.desktop;gone.desktop;half.desktop;removed.desktop;\n");
+        home.write("config/mimeapps.list",
+                   "[Default Applications]\ntext/plain=absent.desktop;viewer.desktop\n[Added Associations]\n"
+                   "text/plain=added.desktop;\n[Removed Associations]\ntext/plain=removed.desktop;\n");
+        std::filesystem::create_directory_symlink("/usr/share/mime", path("share/mime").toStdString());
     }
-    // Qt cannot remove names that are not UTF-8.
-    ~SharingTest() override {
-        for (const auto& entry : std::filesystem::directory_iterator(home.path().toStdString()))
-            std::filesystem::remove_all(entry.path());
-    }
+    ~SharingTest() override { std::filesystem::remove_all(path("share").toStdString()); }
 
-    QByteArray path(const QByteArray& name) const { return home.path().toUtf8() + '/' + name; }
-    void write(const QByteArray& name, const QByteArray& text) const {
-        std::filesystem::create_directories(std::filesystem::path(path(name).toStdString()).parent_path());
-        const std::unique_ptr<FILE, int (*)(FILE*)> file(fopen(path(name).constData(), "w"), &fclose);
-        ASSERT_TRUE(file && fwrite(text.constData(), 1, text.size(), file.get()) == size_t(text.size()));
+    static QByteArray path(const QByteArray& name) { return home.path(name); }
+    static void entry(const QByteArray& id, const QByteArray& lines) {
+        home.write("share/applications/" + id + ".desktop", "[Desktop Entry]\nType=Application\n" + lines + '\n');
     }
-    void entry(const QByteArray& id, const QByteArray& lines) const {
-        write("share/applications/" + id + ".desktop", "[Desktop Entry]\nType=Application\n" + lines + '\n');
+    void installMail() const {
+        programs.install("xdg-email");
+        entry("mailer", "Name=Mailer\nExec=mailer %u\nMimeType=x-scheme-handler/mailto;");
     }
-    void installMail() const { entry("mailer", "Name=Mailer\nExec=mailer %u\nMimeType=x-scheme-handler/mailto;"); }
 
     QList<ShareOffer> offersFor(const QUrl& thing) {
         std::optional<QList<ShareOffer>> result;
@@ -92,15 +75,11 @@ class SharingTest : public testing::Test {
         return result.value_or(QList<ShareOffer>());
     }
     QString titlesFor(const QUrl& thing) { return titles(offersFor(thing)).join(u'|'); }
-    testing::AssertionResult tells(const QByteArray& program, const QByteArrayList& arguments) {
-        auto result = waitFor([&] { return programs.told(program) == arguments; });
-        return result ? result : (result << ": " << programs.told(program).join(' ').constData());
-    }
 
     const QByteArray letter = "letter.txt", odd = "two words\n50%caf\xe9.txt", script = "s.py";
-    const QUrl link{QStringLiteral("https://a.example/?b=c&d=\u00fc")};
+    const QUrl link{u"https://a.example/?b=c&d=\u00fc"_s};
     /// One for all tests: the library looks up only once where the user's programs are.
-    static inline const QTemporaryDir home;
+    static inline const TestFolder home;
     TestPrograms programs;
     EnvironmentVariable data{"XDG_DATA_HOME", path("share")}, dirs{"XDG_DATA_DIRS", path("share")},
         config{"XDG_CONFIG_HOME", path("config")}, configs{"XDG_CONFIG_DIRS", path("none")},
@@ -113,22 +92,19 @@ class SharingTest : public testing::Test {
 };
 
 TEST_F(SharingTest, OffersOnlyWhatIsInstalled) {
-    const QString longName = QStringLiteral("|>Added and a name that is longer than an\u2026");
-    const QString openText = QStringLiteral("Open with|>Viewer") + longName + QStringLiteral("|>Schreiber");
+    const QString openWith = u"Open with"_s,
+                  openText = u"|>Viewer|>Added and a name that is longer than an…|>Schreiber"_s;
     const struct {
         QUrl thing;
-        QString offers, withMail;
+        QString offers;
+        bool mail;
     } cases[] = {
-        {fileUrl(path(letter)), openText + joined("|Copy path"),
-         joined("Send by mail…|") + openText + joined("|Copy path")},
-        {fileUrl(path(odd)), openText + joined("|Copy path"),
-         joined("Send by mail…|") + openText + joined("|Copy path")},
-        {fileUrl(path(script)), QString(openText).insert(9, joined("|>Snake")) + joined("|Copy path"),
-         joined("Send by mail…|") + QString(openText).insert(9, joined("|>Snake")) + joined("|Copy path")},
-        {fileUrl(path("folder")), joined("Copy path"), joined("Copy path")},
-        {fileUrl(path("absent")), joined("Copy path"), joined("Copy path")},
-        {link, joined("Open with|>Browser|Copy link"), joined("Send by mail…|Open with|>Browser|Copy link")},
-        {QUrl(QStringLiteral("gopher:x")), joined("Copy link"), joined("Send by mail…|Copy link")},
+        {fileUrl(path(odd)), openWith + openText + u"|Copy path"_s, true},
+        {fileUrl(path(script)), openWith + u"|>Snake"_s + openText + u"|Copy path"_s, true},
+        {fileUrl(path("folder")), u"Copy path"_s, false},
+        {fileUrl(path("absent")), u"Copy path"_s, false},
+        {link, openWith + u"|>Browser|Copy link"_s, true},
+        {QUrl(u"gopher:x"_s), u"Copy link"_s, true},
     };
     for (const auto& test : cases) EXPECT_EQ(titlesFor(test.thing), test.offers);
     programs.install("xdg-email");
@@ -136,40 +112,40 @@ TEST_F(SharingTest, OffersOnlyWhatIsInstalled) {
     installMail();
     // The library hears of new files a little later.
     ASSERT_TRUE(waitFor([&] { return titlesFor(link).startsWith(u"Send"); }));
-    for (const auto& test : cases) EXPECT_EQ(titlesFor(test.thing), test.withMail);
+    for (const auto& test : cases)
+        EXPECT_EQ(titlesFor(test.thing), (test.mail ? u"Send by mail…|"_s : QString()) + test.offers);
 
     for (int i = 0; i < 30; ++i)
         entry("many" + QByteArray::number(i), "Name=x\nExec=viewer\nMimeType=x-scheme-handler/gopher;");
     EXPECT_TRUE(waitFor([&] {
-        const auto offers = offersFor(QUrl(QStringLiteral("gopher:x")));
+        const auto offers = offersFor(QUrl(u"gopher:x"_s));
         return offers.size() == 3 && offers[1].choices.size() == 12;
     }));
 }
 
 TEST_F(SharingTest, PassesTheThingOn) {
-    programs.install("xdg-email");
     installMail();
     const auto forFile = offersFor(fileUrl(path(odd)));
     const auto forLink = offersFor(link);
     ASSERT_TRUE(forFile.size() == 3 && forLink.size() == 3);
-    forFile[0].choose();
-    EXPECT_TRUE(tells("xdg-email", {"--attach", path(odd)}));
-    forFile[1].choices[0].choose();
-    EXPECT_TRUE(tells("viewer", {"--name", "Viewer", "--open=" + path(odd)}));
-    forFile[1].choices[1].choose();
-    EXPECT_TRUE(tells("viewer", {path(odd)})) << "with no place for it in the command";
-    forFile[1].choices[2].choose();
-    EXPECT_TRUE(tells("editor", {"file://" + path("two%20words%0A50%25caf%E9.txt")}));
     offersFor(fileUrl(path(letter))).last().choose();
-    EXPECT_EQ(pasteboard.text, QString::fromUtf8(path(letter)));
+    EXPECT_EQ(pasteboard.texts.last(), QString::fromUtf8(path(letter)));
 
     const QByteArray address = "https://a.example/?b=c&d=%C3%BC";
-    forLink[0].choose();
-    EXPECT_TRUE(tells("xdg-open", {"mailto:?body=https%3A%2F%2Fa.example%2F%3Fb%3Dc%26d%3D%25C3%25BC"}));
-    forLink[1].choices[0].choose();
-    EXPECT_TRUE(tells("browser", {address}));
+    const std::tuple<ShareOffer, const char*, QByteArrayList> starts[] = {
+        {forFile[0], "xdg-email", {"--attach", path(odd)}},
+        {forFile[1].choices[0], "viewer", {"--name", "Viewer", "--open=" + path(odd)}},
+        {forFile[1].choices[1], "viewer", {path(odd)}},  // with no place for it in the command
+        {forFile[1].choices[2], "editor", {"file://" + path("two%20words%0A50%25caf%E9.txt")}},
+        {forLink[0], "xdg-open", {"mailto:?body=https%3A%2F%2Fa.example%2F%3Fb%3Dc%26d%3D%25C3%25BC"}},
+        {forLink[1].choices[0], "browser", {address}},
+    };
+    for (const auto& [offer, program, arguments] : starts) {
+        offer.choose();
+        EXPECT_TRUE(programs.tells(program, arguments));
+    }
     forLink[2].choose();
-    EXPECT_EQ(pasteboard.text, QString::fromUtf8(address));
+    EXPECT_EQ(pasteboard.texts.last(), QString::fromUtf8(address));
 }
 
 TEST_F(SharingTest, OffersDevicesThatAreThere) {
@@ -178,43 +154,42 @@ TEST_F(SharingTest, OffersDevicesThatAreThere) {
     qDBusRegisterMetaType<Objects>();
     const TestBus bus;
     const QUrl file = fileUrl(path(odd));
-    EXPECT_FALSE(titlesFor(file).contains(joined("Send"))) << "no services";
+    EXPECT_FALSE(titlesFor(file).contains(u"Send"_s)) << "no services";
 
-    TestService phones(QStringLiteral("org.kde.kdeconnect")), bluetooth(QStringLiteral("org.bluez"));
+    TestService phones(u"org.kde.kdeconnect"_s), bluetooth(u"org.bluez"_s);
     phones.answer = [](const QDBusMessage& call) {
         if (call.member() == QLatin1String("deviceNames"))
             return call.createReply(
-                QVariant::fromValue(QMap<QString, QString>{{QStringLiteral("id1"), QStringLiteral("My\nPhone")},
-                                                           {QStringLiteral("id2"), QStringLiteral("Mouse")}}));
+                QVariant::fromValue(QMap<QString, QString>{{u"id1"_s, u"My\nPhone"_s}, {u"id2"_s, u"Mouse"_s}}));
         if (call.member() == QLatin1String("hasPlugin"))
             return call.createReply(call.path().endsWith(QLatin1String("/devices/id1")));
         return call.createReply();
     };
     bool powered = false;
     bluetooth.answer = [&](const QDBusMessage& call) {
-        const QVariantMap adapter{{QStringLiteral("Powered"), powered}};
-        return call.createReply(QVariant::fromValue(
-            Objects{{QDBusObjectPath(QStringLiteral("/org/bluez")), {}},
-                    {QDBusObjectPath(QStringLiteral("/hci0")), {{QStringLiteral("org.bluez.Adapter1"), adapter}}}}));
+        const QVariantMap adapter{{u"Powered"_s, powered}};
+        return call.createReply(
+            QVariant::fromValue(Objects{{QDBusObjectPath(u"/org/bluez"_s), {}},
+                                        {QDBusObjectPath(u"/hci0"_s), {{u"org.bluez.Adapter1"_s, adapter}}}}));
     };
     programs.install("blueman-sendto");
-    EXPECT_TRUE(titlesFor(file).startsWith(joined("Send to My Phone|Open with")));
+    EXPECT_TRUE(titlesFor(file).startsWith(u"Send to My Phone|Open with"_s));
     powered = true;
-    EXPECT_EQ(titlesFor(fileUrl(path("folder"))), joined("Copy path"));
-    EXPECT_EQ(titlesFor(link), joined("Send to My Phone|Open with|>Browser|Copy link"));
+    EXPECT_EQ(titlesFor(fileUrl(path("folder"))), u"Copy path"_s);
+    EXPECT_EQ(titlesFor(link), u"Send to My Phone|Open with|>Browser|Copy link"_s);
     const auto offers = offersFor(file);
-    ASSERT_EQ(titles(offers).mid(0, 2).join(u'|'), joined("Send to My Phone|Send over Bluetooth…"));
+    ASSERT_EQ(titles(offers).mid(0, 2).join(u'|'), u"Send to My Phone|Send over Bluetooth…"_s);
     offers[0].choose();
     ASSERT_TRUE(waitFor([&] { return phones.calls.last().member() == QLatin1String("shareUrl"); }));
-    EXPECT_EQ(phones.calls.last().path(), joined("/modules/kdeconnect/devices/id1/share"));
-    EXPECT_EQ(phones.calls.last().interface(), joined("org.kde.kdeconnect.device.share"));
+    EXPECT_EQ(phones.calls.last().path(), u"/modules/kdeconnect/devices/id1/share"_s);
+    EXPECT_EQ(phones.calls.last().interface(), u"org.kde.kdeconnect.device.share"_s);
     EXPECT_EQ(phones.calls.last().arguments(), QVariantList{QString::fromUtf8(file.toEncoded())});
     offers[1].choose();
-    EXPECT_TRUE(tells("blueman-sendto", {path(odd)}));
+    EXPECT_TRUE(programs.tells("blueman-sendto", {path(odd)}));
 
     phones.answer = [](const QDBusMessage&) { return QDBusMessage(); };
-    bluetooth.answer = [](const QDBusMessage& call) { return call.createReply(QStringLiteral("nonsense")); };
-    EXPECT_TRUE(titlesFor(file).startsWith(joined("Open with"))) << "neither answers as it should";
+    bluetooth.answer = [](const QDBusMessage& call) { return call.createReply(u"nonsense"_s); };
+    EXPECT_TRUE(titlesFor(file).startsWith(u"Open with"_s)) << "neither answers as it should";
 }
 
 TEST_F(SharingTest, AnswersOnceAndInTime) {
@@ -232,7 +207,7 @@ TEST_F(SharingTest, AnswersOnceAndInTime) {
     manual.advance(1.9);
     EXPECT_EQ(calls, 0);
     manual.advance(0.2);
-    EXPECT_EQ(found, joined("Copy link"));
+    EXPECT_EQ(found, u"Copy link"_s);
     stuck.runAll();
     manual.drain();
     EXPECT_EQ(calls, 1);

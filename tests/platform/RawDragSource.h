@@ -1,11 +1,12 @@
 #pragma once
 
+#include <QTimer>
 #include <map>
 
-#include "X11DropPanel.h"
+#include "X11Test.h"
 
 /// A drag source that breaks what rules it is told to: the XDND messages as they go over the wire, from a connection of
-/// its own, and answers as the test scripts them. What it offers it offers as XdndSelection.
+/// its own, and answers as the test scripts them, from Qt's loop. What it offers it offers as XdndSelection.
 class RawDragSource {
  public:
     struct Answer {
@@ -21,6 +22,8 @@ class RawDragSource {
         xcb_create_window(connection_, XCB_COPY_FROM_PARENT, window, session.root(), -10, -10, 1, 1, 0,
                           XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
         own();
+        timer_.callOnTimeout([this] { work(); });
+        timer_.start(1);
     }
     ~RawDragSource() { xcb_disconnect(connection_); }
     RawDragSource(const RawDragSource&) = delete;
@@ -32,17 +35,13 @@ class RawDragSource {
         sync();
     }
     void setTypeList(const QList<const char*>& types) {
-        std::vector<xcb_atom_t> atoms;
-        for (const char* type : types) atoms.push_back(session_.atom(type));
-        xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window, session_.atom("XdndTypeList"), XCB_ATOM_ATOM,
-                            32, uint32_t(atoms.size()), atoms.data());
+        write(window, session_.atom("XdndTypeList"), XCB_ATOM_ATOM, 32, atoms(types));
         sync();
     }
     void destroyWindow() {
         xcb_destroy_window(connection_, window);
         sync();
     }
-
     void send(xcb_window_t target, const char* message, const std::array<uint32_t, 4>& values) {
         xcb_client_message_event_t event{};
         event.response_type = XCB_CLIENT_MESSAGE;
@@ -54,6 +53,15 @@ class RawDragSource {
         xcb_send_event(connection_, false, target, 0, reinterpret_cast<const char*>(&event));
         sync();
     }
+    /// As the bytes of a list of atoms.
+    QByteArray atoms(const QList<const char*>& names) const {
+        QByteArray bytes;
+        for (const char* name : names) {
+            const xcb_atom_t atom = session_.atom(name);
+            bytes.append(reinterpret_cast<const char*>(&atom), sizeof atom);
+        }
+        return bytes;
+    }
     /// Three types fit into the message; where there are more, all are in the list of types.
     void enter(xcb_window_t target, const QList<const char*>& types) {
         std::array<uint32_t, 4> values{5u << 24 | (types.size() > 3)};
@@ -64,29 +72,6 @@ class RawDragSource {
     /// Proposes to move what is dragged, which would delete it here.
     void position(xcb_window_t target) {
         send(target, "XdndPosition", {0, 300u << 16 | 50, XCB_CURRENT_TIME, session_.atom("XdndActionMove")});
-    }
-
-    /// Reads and answers what has come. To be called in the conditions that a test waits for.
-    void work() {
-        while (const XcbPtr<xcb_generic_event_t> event{xcb_poll_for_event(connection_)}) {
-            switch (code(*event)) {
-                case XCB_CLIENT_MESSAGE: {
-                    const auto& message = as<xcb_client_message_event_t>(*event);
-                    auto& list = message.type == session_.atom("XdndStatus") ? statuses : finishes;
-                    list.append({message.data.data32[0], message.data.data32[1], message.data.data32[2],
-                                 message.data.data32[3], message.data.data32[4]});
-                    break;
-                }
-                case XCB_SELECTION_REQUEST:
-                    answer(as<xcb_selection_request_event_t>(*event));
-                    break;
-                case XCB_PROPERTY_NOTIFY:
-                    nextPiece(as<xcb_property_notify_event_t>(*event));
-                    break;
-                default:;
-            }
-        }
-        xcb_flush(connection_);
     }
 
     xcb_window_t window;
@@ -115,39 +100,42 @@ class RawDragSource {
         event.property = property;
         xcb_send_event(connection_, false, request.requestor, 0, reinterpret_cast<const char*>(&event));
     }
+    void work() {
+        while (const XcbPtr<xcb_generic_event_t> event{xcb_poll_for_event(connection_)}) {
+            if (code(*event) == XCB_SELECTION_REQUEST) answer(as<xcb_selection_request_event_t>(*event));
+            if (code(*event) == XCB_PROPERTY_NOTIFY) nextPiece(as<xcb_property_notify_event_t>(*event));
+            if (code(*event) != XCB_CLIENT_MESSAGE) continue;
+            const auto& message = as<xcb_client_message_event_t>(*event);
+            auto& list = message.type == session_.atom("XdndStatus") ? statuses : finishes;
+            list.append(QList<uint32_t>(message.data.data32, message.data.data32 + 5));
+        }
+        xcb_flush(connection_);
+    }
     void answer(const xcb_selection_request_event_t& request) {
         const QByteArray target = nameOf(request.target);
         requested.append(target);
         const Answer answer = answers[target];
         const xcb_atom_t type = answer.type ? session_.atom(answer.type) : request.target;
-        switch (answer.kind) {
-            case Kind::nothing:
-                return;
-            case Kind::refusal:
-                return notify(request, request.target, XCB_NONE);
-            case Kind::noProperty:
-                return notify(request, request.target, request.property);
-            case Kind::strangers:
-                // Answers to what was never asked, before the true one.
-                write(request.requestor, session_.atom("STRANGE"), type, 8, "strange");
-                notify(request, request.target, session_.atom("STRANGE"));
-                notify(request, session_.atom("STRANGE"), request.property);
-                notify(request, session_.atom("STRANGE"), XCB_NONE);
-                [[fallthrough]];
-            case Kind::data:
-                write(request.requestor, request.property, type, answer.format, answer.bytes);
-                return notify(request, request.target, request.property);
-            case Kind::pieces:
-            case Kind::endless: {
-                pieces_ = answer.kind == Kind::pieces ? answer.bytes.split(',') : QList<QByteArray>();
-                endless_ = answer.kind == Kind::endless;
-                pieceType_ = type;
-                const uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
-                xcb_change_window_attributes(connection_, request.requestor, XCB_CW_EVENT_MASK, &events);
-                write(request.requestor, request.property, session_.atom("INCR"), 32, QByteArray(4, '\0'));
-                return notify(request, request.target, request.property);
-            }
+        if (answer.kind == Kind::nothing) return;
+        if (answer.kind == Kind::strangers) {
+            // Answers to what was never asked, before the true one.
+            const xcb_atom_t strange = session_.atom("STRANGE");
+            write(request.requestor, strange, type, 8, "strange");
+            notify(request, request.target, strange);
+            notify(request, strange, request.property);
+            notify(request, strange, XCB_NONE);
         }
+        if (answer.kind == Kind::data || answer.kind == Kind::strangers)
+            write(request.requestor, request.property, type, answer.format, answer.bytes);
+        endless_ = answer.kind == Kind::endless;
+        if (answer.kind == Kind::pieces || endless_) {
+            pieces_ = endless_ ? QList<QByteArray>() : answer.bytes.split(',');
+            pieceType_ = type;
+            const uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
+            xcb_change_window_attributes(connection_, request.requestor, XCB_CW_EVENT_MASK, &events);
+            write(request.requestor, request.property, session_.atom("INCR"), 32, QByteArray(4, '\0'));
+        }
+        notify(request, request.target, answer.kind == Kind::refusal ? xcb_atom_t(XCB_NONE) : request.property);
     }
     void nextPiece(const xcb_property_notify_event_t& event) {
         if (event.state != XCB_PROPERTY_DELETE || (pieces_.empty() && !endless_)) return;
@@ -156,6 +144,7 @@ class RawDragSource {
 
     const XSession& session_;
     xcb_connection_t* connection_;
+    QTimer timer_;
     QList<QByteArray> pieces_;
     bool endless_ = false;
     xcb_atom_t pieceType_ = XCB_NONE;

@@ -1,56 +1,36 @@
-#include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <QCoreApplication>
 #include <QDateTime>
-#include <QDir>
 #include <QElapsedTimer>
-#include <QEventLoop>
-#include <QGuiApplication>
-#include <QScreen>
-#include <QTemporaryDir>
-#include <QTimer>
-#include <fstream>
 #include <thread>
 
 #include "platform/FileUrls.h"
 #include "platform/linux/PathReferences.h"
 #include "platform/linux/QtMainLoop.h"
-#include "platform/linux/QtScreens.h"
 #include "platform/linux/SessionRestart.h"
 #include "platform/linux/SystemClock.h"
 #include "platform/linux/ThreadQueues.h"
 #include "support/Environment.h"
 #include "support/ManualLoop.h"
 #include "support/MemoryPorts.h"
+#include "support/TestFolder.h"
+#include "support/XSession.h"
 
 namespace {
-
-/// Runs the event loop until `done`; false if that takes longer than ten seconds.
-bool runUntil(const std::function<bool()>& done) {
-    QElapsedTimer timer;
-    timer.start();
-    while (!done() && timer.elapsed() < 10000)
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents, 50);
-    return done();
-}
 
 TEST(QtMainLoop, PostsInOrderFromAnyThread) {
     QtMainLoop loop;
     std::vector<int> order;
+    std::thread::id ranOn;
     loop.post([&] {
         order.push_back(1);
         loop.post([&] { order.push_back(3); });
     });
     loop.post([&] { order.push_back(2); });
+    std::thread([&] { loop.post([&] { ranOn = std::this_thread::get_id(); }); }).join();
     EXPECT_TRUE(order.empty());
-    EXPECT_TRUE(runUntil([&] { return order.size() == 3; }));
+    EXPECT_TRUE(waitFor([&] { return order.size() == 3; }));
     EXPECT_EQ(order, (std::vector<int>{1, 2, 3}));
-
-    std::thread::id ranOn;
-    std::thread other([&] { loop.post([&] { ranOn = std::this_thread::get_id(); }); });
-    other.join();
-    EXPECT_TRUE(runUntil([&] { return ranOn != std::thread::id(); }));
     EXPECT_EQ(ranOn, std::this_thread::get_id());
 }
 
@@ -73,15 +53,15 @@ TEST(QtMainLoop, TimersMayDropThemselvesAndOthersThatAreDue) {
     while (time.elapsed() < 20) continue;  // both are due now, in one turn of the loop
     bool late = false;
     const TimerHandle end = loop.after(0.1, [&] { late = true; });
-    EXPECT_TRUE(runUntil([&] { return late; }));
+    EXPECT_TRUE(waitFor([&] { return late; }));
     EXPECT_EQ(ticks, 3);
     EXPECT_EQ(fired, 1);
 }
 
 TEST(SystemClock, CountsFromItsReferenceAndKnowsTheLocalHour) {
     const SystemClock clock;
-    const double unixNow = double(QDateTime::currentMSecsSinceEpoch()) / 1000;
-    EXPECT_NEAR(clock.now().seconds, unixNow - 978307200, 0.5);
+    const QDateTime reference({2001, 1, 1}, {0, 0}, Qt::UTC);
+    EXPECT_NEAR(clock.now().seconds, double(reference.msecsTo(QDateTime::currentDateTimeUtc())) / 1000, 0.5);
     EnvironmentVariable zone("TZ", "XYZ-5");
     EXPECT_EQ(clock.localHour({0}), 5);
     qputenv("TZ", "XYZ-2");  // as when the user has travelled
@@ -93,41 +73,39 @@ TEST(SystemClock, CountsFromItsReferenceAndKnowsTheLocalHour) {
 
 class PathReferencesTest : public testing::Test {
  protected:
-    QByteArray path(const QByteArray& name) const { return folder.path().toUtf8() + '/' + name; }
-    void make(const QByteArray& name) const { std::ofstream(path(name).toStdString()) << "x"; }
+    QByteArray path(const QByteArray& name) const { return folder.path(name); }
     void rename(const QByteArray& from, const QByteArray& to) const {
         ASSERT_EQ(::rename(path(from).constData(), path(to).constData()), 0);
     }
-    /// With the file's identity.
-    std::optional<QByteArray> bookmark(const QUrl& file) {
-        std::optional<std::optional<QByteArray>> answer;
-        references.bookmark(file, [&](const auto& reference) { answer = reference; });
-        EXPECT_TRUE(runUntil([&] { return answer.has_value(); }));
-        return answer.value_or(std::nullopt);
+    /// What the callback is called with that `ask` is given.
+    template <class Answer>
+    std::optional<Answer> answerTo(const auto& ask) {
+        std::optional<std::optional<Answer>> result;
+        ask([&](const std::optional<Answer>& answer) { result = answer; });
+        EXPECT_TRUE(waitFor([&] { return result.has_value(); }));
+        return result.value_or(std::nullopt);
+    }
+    auto bookmark(const QUrl& file) {
+        return answerTo<QByteArray>([&](const auto& done) { references.bookmark(file, done); });
     }
     QByteArray bookmark(const QByteArray& name) {
         const auto bytes = bookmark(fileUrl(path(name)));
-        EXPECT_TRUE(bytes && !bytes->startsWith('/') && bytes->endsWith(path(name)));
+        EXPECT_TRUE(bytes && !bytes->startsWith('/') && bytes->endsWith(path(name))) << "with the file's identity";
         return bytes.value_or(QByteArray());
     }
-    std::optional<QUrl> resolve(const QByteArray& reference) {
-        std::optional<std::optional<QUrl>> answer;
-        references.resolve(reference, [&](const auto& file) { answer = file; });
-        EXPECT_TRUE(runUntil([&] { return answer.has_value(); }));
-        return answer.value_or(std::nullopt);
+    auto resolve(const QByteArray& reference) {
+        return answerTo<QUrl>([&](const auto& done) { references.resolve(reference, done); });
     }
 
-    QTemporaryDir folder;
+    TestFolder folder;
     QtMainLoop loop;
-    ThreadQueue queue{DiskLanes::kMostThreads};
+    ThreadQueue queue{DiskLanes::kMaxThreads};
     PathReferences references{queue, loop};
 };
 
 TEST_F(PathReferencesTest, FindFilesByPathAndByIdentityInTheirFolder) {
-    const QByteArray names[] = {"plain",           "two words", "line\nbreak",       "50%",
-                                "caf\xe9 (latin)", "a:b",       QByteArray(255, 'n')};
-    for (const QByteArray& name : names) {
-        make(name);
+    for (const QByteArray& name : {QByteArray("line\nbreak 50%"), QByteArray("caf\xe9:b"), QByteArray(255, 'n')}) {
+        folder.write(name, "x");
         const QByteArray stored = bookmark(name);
         EXPECT_EQ(resolve(stored), fileUrl(path(name)));
         EXPECT_EQ(resolve(path(name)), fileUrl(path(name))) << "a path alone is a reference too";
@@ -135,19 +113,19 @@ TEST_F(PathReferencesTest, FindFilesByPathAndByIdentityInTheirFolder) {
         EXPECT_EQ(resolve(stored), fileUrl(path("elsewhere"))) << name.constData();
         EXPECT_FALSE(resolve(path(name)));
 
-        make(name);
+        folder.write(name, "x");
         EXPECT_EQ(resolve(stored), fileUrl(path(name))) << "the path goes first";
-        QFile::remove(folder.filePath(QStringLiteral("elsewhere")));
-        ::unlink(path(name).constData());
-        make("successor");  // which may get the inode
+        folder.remove("elsewhere");
+        folder.remove(name);
+        folder.write("successor", "x");  // which may get the inode
         EXPECT_FALSE(resolve(stored)) << name.constData();
-        ::unlink(path("successor").constData());
+        folder.remove("successor");
     }
 }
 
 TEST_F(PathReferencesTest, FoldersAndLinksAreFilesToo) {
-    QDir(folder.path()).mkdir(QStringLiteral("d"));
-    make("target");
+    folder.write("d/file", "x");
+    folder.write("target", "x");
     ASSERT_EQ(::symlink("target", path("link").constData()), 0);
     const QByteArray directory = bookmark("d/"), link = bookmark("link");
     rename("d", "moved");
@@ -160,7 +138,7 @@ TEST_F(PathReferencesTest, FoldersAndLinksAreFilesToo) {
 }
 
 TEST_F(PathReferencesTest, TakeNothingForAReferenceThatIsNone) {
-    make("file");
+    folder.write("file", "x");
     const QByteArray stored = bookmark("file");
     rename("file", "renamed");
     const qsizetype colon = stored.indexOf(':');
@@ -208,7 +186,8 @@ TEST(DiskLanes, LetOneSilentDiskHoldUpFewOthers) {
     DiskLanes lanes(disks.queue, disks.loop);
     int answers = 0;
     const auto ask = [&](const QByteArray& path) {
-        lanes.ask(path, [&] { return [&] { ++answers; }; });
+        lanes.ask(
+            path, [] { return 1; }, [&](int one) { answers += one; });
         return int(disks.queue.jobs.size());
     };
     EXPECT_EQ(ask("/proc/a/1"), 1);
@@ -229,43 +208,6 @@ TEST(SessionRestart, GivesTheToolkitOnlyWhatIsItsOwn) {
                                         {"glimmet -platform x -session", "glimmet"},
                                         {"", ""}})
         EXPECT_EQ(toolkitArguments(list(given)), list(passed)) << given;
-}
-
-TEST(QtScreens, TakeTheHousingFromThePreference) {
-    MemoryPreferences preferences;
-    QtMainLoop loop;
-    const auto first = [&] { return QtScreens(preferences, loop).screens().first(); };
-    const QRectF frame = first().frame;
-    EXPECT_FALSE(first().auxiliaryTopLeftArea);
-
-    preferences.setText(QStringLiteral("glimmet.notch"), QStringLiteral("200x38"));
-    const Screen notched = first();
-    ASSERT_TRUE(notched.auxiliaryTopLeftArea && notched.auxiliaryTopRightArea);
-    EXPECT_EQ(notched.auxiliaryTopRightArea->left() - notched.auxiliaryTopLeftArea->right(), 200);
-    EXPECT_EQ(notched.auxiliaryTopLeftArea->bottom(), frame.bottom());
-    EXPECT_EQ(notched.auxiliaryTopLeftArea->height(), 38);
-    for (const char* odd : {"none", "200", "x", "99999x9", "200x38x2", "-1x3", "0x0", "200x0", "00x38", "2000x38"}) {
-        preferences.setText(QStringLiteral("glimmet.notch"), QLatin1String(odd));
-        EXPECT_FALSE(first().auxiliaryTopLeftArea) << odd;
-    }
-}
-
-TEST(QtScreens, AnnounceSeveralChangesOnce) {
-    MemoryPreferences preferences;
-    ManualClock clock;
-    ManualLoop loop(clock);
-    QtScreens screens(preferences, loop);
-    int calls = 0;
-    screens.onChange = [&] { ++calls; };
-    QScreen* screen = QGuiApplication::primaryScreen();
-    for (int i = 1; i <= 2; ++i) {
-        Q_EMIT screen->geometryChanged({});
-        Q_EMIT qGuiApp->primaryScreenChanged(screen);
-        Q_EMIT screen->geometryChanged({});
-        EXPECT_EQ(calls, i - 1) << "not in the middle of it";
-        loop.advance(0.1);
-        EXPECT_EQ(calls, i);
-    }
 }
 
 }  // namespace

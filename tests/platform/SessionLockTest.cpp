@@ -9,30 +9,31 @@
 #include "platform/linux/ThreadQueues.h"
 #include "support/XSession.h"
 
+using namespace Qt::StringLiterals;
+
 namespace {
 TEST(SessionLock, FollowsTheHintAndTheScreenSaver) {
     const TestBus bus;
     const EnvironmentVariable session("XDG_SESSION_ID", "7");
-    const QString login = QStringLiteral("org.freedesktop.login1"),
-                  saver = QStringLiteral("org.freedesktop.ScreenSaver");
+    const QString login = u"org.freedesktop.login1"_s, saver = u"org.freedesktop.ScreenSaver"_s;
     const struct {
         QString service, interface, signal;
         QVariantList news;
         std::function<QDBusMessage(const QDBusMessage&, bool)> answer;
     } cases[] = {
         {login,
-         QStringLiteral("org.freedesktop.DBus.Properties"),
-         QStringLiteral("PropertiesChanged"),
-         {login + QStringLiteral(".Session")},
+         u"org.freedesktop.DBus.Properties"_s,
+         u"PropertiesChanged"_s,
+         {login + u".Session"_s},
          [](const QDBusMessage& call, bool locked) {
              if (call.member() == QLatin1String("Get"))
                  return call.createReply(QVariant::fromValue(QDBusVariant(locked)));
-             if (call.arguments() != QVariantList{QStringLiteral("7")}) return call.createErrorReply({}, {});
-             return call.createReply(QVariant::fromValue(QDBusObjectPath(QStringLiteral("/seven"))));
+             if (call.arguments() != QVariantList{u"7"_s}) return call.createErrorReply({}, {});
+             return call.createReply(QVariant::fromValue(QDBusObjectPath(u"/seven"_s)));
          }},
         {saver,
          saver,
-         QStringLiteral("ActiveChanged"),
+         u"ActiveChanged"_s,
          {true},
          [](const QDBusMessage& call, bool locked) { return call.createReply(locked); }},
     };
@@ -48,7 +49,7 @@ TEST(SessionLock, FollowsTheHintAndTheScreenSaver) {
             ASSERT_TRUE(waitFor([&] { return !service.calls.isEmpty(); })) << "one that comes later";
             for (const bool now : {true, false, true}) {
                 locked = now;
-                service.send(QStringLiteral("/seven"), test.interface, test.signal, test.news);
+                service.send(u"/seven"_s, test.interface, test.signal, test.news);
                 EXPECT_TRUE(waitFor([&] { return seen == now; })) << test.service.toStdString();
             }
         }

@@ -1,4 +1,6 @@
-#include "platform/linux/TerminalChoice.h"
+#include "platform/linux/freedesktop/TerminalChoice.h"
+
+using namespace Qt::StringLiterals;
 
 namespace {
 QStringList words(const char* text) {
@@ -44,40 +46,28 @@ TEST(TerminalChoice, PrefersTheNamedApplicationThenTheDefaultTerminal) {
         QStringList installed;  // "name" or "name>what it links to"
         QList<ApplicationWindow> open;
         quint32 window;
-        const char* command;
+        const char* command = "";
     } cases[] = {
-        {"class", "Writer", "", {}, windows, 1, ""},
-        {"entry's name", "Write", "", {}, windows, 1, ""},
-        {"entry's other name", "Schreiben", "", {}, windows, 1, ""},
-        {"name of elsewhere", "Visual Studio Code", "", {}, windows, 5, ""},
-        {"case matters", "WRITE", "", {}, windows, 0, ""},
-        {"running default", "X", "foot", {QStringLiteral("foot")}, windows, 2, ""},
-        {"default with its own class",
-         "X",
-         "",
-         {QStringLiteral("x-terminal-emulator>/usr/bin/gt.wrapper")},
-         windows,
-         3,
-         ""},
-        {"default without entry", "X", "code", {QStringLiteral("code")}, windows, 5, ""},
-        {"chooser, any terminal", "X", "", {QStringLiteral("xdg-terminal-exec")}, windows, 2, ""},
-        {"setting that is not installed",
-         "X",
-         "no",
-         {QStringLiteral("x-terminal-emulator>/b/gt")},
-         {},
-         0,
-         "x-terminal-emulator"},
-        {"setting with options", "X", "foot --login", {QStringLiteral("foot")}, {}, 0, "foot --login"},
-        {"first installed entry", "X", "", {QStringLiteral("foot"), QStringLiteral("gt")}, {}, 0, "foot -x"},
-        {"nothing", "X", "", {}, {}, 0, ""},
+        {"class", "Writer", "", {}, windows, 1},
+        {"entry's name", "Write", "", {}, windows, 1},
+        {"entry's other name", "Schreiben", "", {}, windows, 1},
+        {"name of elsewhere", "Visual Studio Code", "", {}, windows, 5},
+        {"case matters", "WRITE", "", {}, windows, 0},
+        {"running default", "X", "foot", {u"foot"_s}, windows, 2},
+        {"default with its own class", "X", "", {u"x-terminal-emulator>/usr/bin/gt.wrapper"_s}, windows, 3},
+        {"default without entry", "X", "code", {u"code"_s}, windows, 5},
+        {"chooser, any terminal", "X", "", {u"xdg-terminal-exec"_s}, windows, 2},
+        {"setting not installed", "X", "no", {u"x-terminal-emulator>/b/gt"_s}, {}, 0, "x-terminal-emulator"},
+        {"setting with options", "X", "foot --login", {u"foot"_s}, {}, 0, "foot --login"},
+        {"first installed entry", "X", "", {u"foot"_s, u"gt"_s}, {}, 0, "foot -x"},
+        {"nothing", "X", "", {}, {}, 0},
     };
     for (const auto& test : cases) {
         const auto find = [&](const QString& program) {
             for (const QString& installed : test.installed) {
+                const bool linked = installed.contains(u'>');
                 if (installed.section(u'>', 0, 0) == program)
-                    return installed.contains(u'>') ? installed.section(u'>', 1)
-                                                    : QStringLiteral("/usr/bin/") + program;
+                    return linked ? installed.section(u'>', 1) : u"/usr/bin/"_s + program;
             }
             return QString();
         };

@@ -1,40 +1,32 @@
 #pragma once
 
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
-
 #include "support/Environment.h"
+#include "support/TestFolder.h"
+#include "support/XSession.h"
 
 /// A PATH with the programs of the test and no others. Each writes down what it was started with.
-class TestPrograms {
+class TestPrograms : public TestFolder {
  public:
-    TestPrograms() : path_("PATH", folder_.path().toUtf8()) {}
-
     /// `also` is a line of shell to be run before the arguments are told.
-    void install(const QByteArray& name, const QByteArray& also = {}) {
-        const QByteArray file = folder_.path().toUtf8() + '/' + name;
-        write(file, "#!/bin/sh\n" + also + "\n{ printf '%s\\0' \"$@\"; } > " + file + ".part\n/bin/mv " + file +
+    void install(const QByteArray& name, const QByteArray& also = {}) const {
+        const QByteArray file = path(name);
+        write(name, "#!/bin/sh\n" + also + "\n{ printf '%s\\0' \"$@\"; } > " + file + ".part\n/bin/mv " + file +
                         ".part " + file + ".told\n");
-        QFile(QString::fromUtf8(file)).setPermissions(QFile::ReadOwner | QFile::ExeOwner);
+        std::filesystem::permissions(file.toStdString(), std::filesystem::perms::owner_all);
     }
     /// The arguments that the program was last started with; none if it was not.
     QByteArrayList told(const QByteArray& name) const {
-        return read(name + ".told").split('\0').mid(0, read(name + ".told").count('\0'));
+        const QByteArray words = read(name + ".told");
+        return words.split('\0').mid(0, words.count('\0'));
     }
-    void forget(const QByteArray& name) { QFile::remove(folder_.filePath(QString::fromUtf8(name + ".told"))); }
-    QByteArray read(const QByteArray& name) const {
-        QFile file(folder_.filePath(QString::fromUtf8(name)));
-        return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
+    /// Waits until the program was started with `arguments`, and forgets it.
+    testing::AssertionResult tells(const QByteArray& name, const QByteArrayList& arguments) const {
+        auto result = waitFor([&] { return told(name) == arguments; }, 10);
+        if (!result) result << ": " << told(name).join(' ').constData();
+        remove(name + ".told");
+        return result;
     }
-    QByteArray folder() const { return folder_.path().toUtf8(); }
 
  private:
-    static void write(const QByteArray& path, const QByteArray& text) {
-        QFile file(QString::fromUtf8(path));
-        if (!file.open(QFile::WriteOnly) || file.write(text) != text.size()) throw std::runtime_error("no program");
-    }
-
-    QTemporaryDir folder_;
-    EnvironmentVariable path_;
+    EnvironmentVariable path_{"PATH", path()};
 };

@@ -1,151 +1,97 @@
-#include <QTemporaryDir>
-#include <QThread>
-#include <cstdio>
-#include <deque>
-#include <fstream>
+#include <QElapsedTimer>
 
-#include "X11DropPanel.h"
+#include "X11Test.h"
 #include "platform/FileUrls.h"
 #include "platform/linux/x11/X11DragPasteboard.h"
 #include "support/DragTools.h"
+#include "support/TestFolder.h"
 
 namespace {
-/// Does one thing after another from a timer of the main loop: a drag runs a loop of its own, in which no test waits.
-class Hand {
- public:
-    Hand(XSession& session, MainLoop& loop) : session_(session) {
-        timer_ = loop.every(0.01, [this] { work(); });
-    }
-
-    void until(const char* what, std::function<bool()> condition) {
-        if (steps_.empty()) sinceStep_.restart();
-        steps_.emplace_back(what, std::move(condition));
-    }
-    void does(const std::function<void()>& act) {
-        until("act", [act] {
-            act();
-            return true;
-        });
-    }
-    void moves(QPoint from, QPoint to) {
-        for (int step = 1; step <= 20; ++step) does([=, this] { session_.moveTo(from + (to - from) * step / 20); });
-    }
-    /// Waits until all is done. A step that takes five seconds ends it, and with it the drag.
-    testing::AssertionResult finished() {
-        const auto result = waitFor([this] { return steps_.empty(); }, 30);
-        if (stuck_) return testing::AssertionFailure() << "stuck at: " << std::exchange(stuck_, nullptr);
-        return result;
-    }
-
- private:
-    void work() {
-        if (steps_.empty()) return;
-        if (steps_.front().second()) {
-            steps_.pop_front();
-            sinceStep_.restart();
-        } else if (sinceStep_.elapsed() > 5000) {
-            stuck_ = steps_.front().first;
-            steps_.clear();
-            session_.release(1);
-        }
-    }
-
-    XSession& session_;
-    std::deque<std::pair<const char*, std::function<bool()>>> steps_;
-    QElapsedTimer sinceStep_;
-    const char* stuck_ = nullptr;
-    TimerHandle timer_;
-};
+using Step = std::function<bool()>;
 
 class X11DragOut : public X11Test {
  protected:
     X11DragOut() {
-        std::ofstream(path.constData()) << "contents";
+        folder.write(name, "contents");
         icon.fill(Qt::green);
-        panel.onRelease = [this](PanelWindow::Button, QPointF) { ++releases; };
-        panel.onPress = [this](PanelWindow::Button, QPointF, QPointF) { ++presses; };
-        panel.onDrag = [this](QPointF) {
-            ++drags;
-            if (!dragOnMove) return;
-            dragOnMove = false;
-            panel.dragOut(fileUrl(path), icon, {5, 5});
+    }
+
+    /// Does one thing after another, each until it is true, from a timer: a drag runs a loop of its own, in which no
+    /// test waits. Lets go of the button at the end, or after ten seconds.
+    testing::AssertionResult hand(std::vector<Step> steps) {
+        size_t next = 0;
+        QElapsedTimer time;
+        time.start();
+        const TimerHandle timer = loop.every(0.01, [&] {
+            if (next < steps.size() && steps[next]()) ++next;
+            if (next == steps.size() || time.elapsed() > 10000) session().release(1);
+        });
+        return waitFor([&] { return next == steps.size(); }, 11) << ", stuck at step " << next;
+    }
+    Step moves(QPoint from, QPoint to) {
+        return [=, this, step = 0]() mutable {
+            session().moveTo(from + (to - from) * ++step / 20);
+            return step == 20;
         };
     }
-    ~X11DragOut() override { std::remove(path.constData()); }
-
-    /// Presses in the panel and moves until the drag has begun.
-    void beginDrag() {
-        const int before = outsider.changeCount(), pressesBefore = presses;
-        dragOnMove = true;
+    /// A drag from the panel to `end`, where `there` becomes true.
+    testing::AssertionResult drag(QPoint end, const Step& there) {
+        const int before = outsider.changeCount();
+        const auto pressed = panel.presses.size();
         session().moveTo(start);
         session().press(1);
-        hand.until("press", [=, this] { return presses > pressesBefore; });
-        hand.moves(start, start + QPoint(20, 10));
-        hand.until("begin", [=, this] { return outsider.changeCount() > before; });
+        const QPoint away = start + QPoint(20, 10);
+        return hand({[=, this] { return panel.presses.size() > pressed; },
+                     [this] {
+                         panel.dragOut(file, icon, {5, 5});
+                         return true;
+                     },
+                     moves(start, away), [=, this] { return outsider.changeCount() > before; }, moves(away, end),
+                     there});
     }
-    void endDrag() {
-        hand.does([this] { session().release(1); });
-        hand.until("end", [] { return QThread::currentThread()->loopLevel() == 0; });
-    }
-    static QPoint inIcon(QPointF place) { return (place * ratio()).toPoint(); }
 
     const QPoint start = pixel({250, 60});
-    Hand hand{session(), loop};
-    QTemporaryDir folder;
-    const QByteArray path = folder.path().toUtf8() + "/a b \xff%.txt";
+    const QByteArray name = "a b \xff%.txt";
+    TestFolder folder;
+    const QUrl file = fileUrl(folder.path(name));
     QImage icon{20, 20, QImage::Format_ARGB32_Premultiplied};
-    DropPanel panel{connection, sampler, loop};
+    TestPanel panel{connection, sampler, loop};
     X11DragPasteboard pasteboard{connection, loop, &X11PanelWindow::ownWindow};
     /// As another program would see it.
     X11DragPasteboard outsider{connection, loop, [](xcb_window_t) { return false; }};
-    int presses = 0, releases = 0, drags = 0;
-    bool dragOnMove = false;
 };
 
-TEST_F(X11DragOut, GivesACopyOfTheFileToAnotherProgram) {
+TEST_F(X11DragOut, GivesACopyToOthersAndNothingToThePanelOrTheDesktop) {
     DragTool receiver(session(), DragTool::Kind::gtkTarget, {900, 500});
-    const QString uri = QStringLiteral("uri ") + QString::fromLatin1(fileUrl(path).toEncoded());
-    for (int round = 1; round <= 2; ++round) {
-        std::optional<bool> own, others;
-        beginDrag();
-        hand.moves(start + QPoint(20, 10), receiver.middle());
-        // The icon lies with its grip under the pointer.
-        hand.until("icon", [&] {
-            return colourAt(receiver.middle() + inIcon({10, 10})) == QColor(Qt::green) &&
-                   colourAt(receiver.middle() + inIcon({17, 0})) != QColor(Qt::green);
-        });
-        hand.does([&] {
+    std::optional<bool> own, others;
+    bool asked = false;
+    const auto iconAt = [&](QPoint place, QPointF inIcon) { return colourAt(place + (inIcon * ratio()).toPoint()); };
+    const auto received = [&] {
+        if (!std::exchange(asked, true)) {
             pasteboard.canReadUsable([&](bool usable) { own = usable; });
             outsider.canReadUsable([&](bool usable) { others = usable; });
-        });
-        hand.until("answers", [&] { return own && others; });
-        endDrag();
-        ASSERT_TRUE(hand.finished());
-        EXPECT_EQ(own, false) << "our own drag carries nothing for us";
-        EXPECT_EQ(others, true);
-        EXPECT_TRUE(waitFor([&] { return receiver.lines().count(uri) == round; }));
-        EXPECT_TRUE(waitFor([&] { return receiver.lines().count(QStringLiteral("bytes contents")) == round; }));
-        EXPECT_EQ(presses, round) << "after a drag the next press is lost";
-        EXPECT_EQ(drags, round) << "the drag was reported as the panel's own, too";
-    }
-    EXPECT_EQ(releases, 0);
-    EXPECT_TRUE(panel.targeted.empty());
-
-    session().click(start);
-    EXPECT_TRUE(waitFor([&] { return presses == 3 && releases == 1; }));
-}
-
-TEST_F(X11DragOut, ComesToNothingOnThePanelItselfAndOnTheBareDesktop) {
+        }
+        // The icon lies with its grip under the pointer.
+        return own && others && iconAt(receiver.middle(), {10, 10}) == QColor(Qt::green) &&
+               iconAt(receiver.middle(), {17, 0}) != QColor(Qt::green);
+    };
+    const auto nothing = [] { return true; };
+    const std::pair<QPoint, Step> ends[] = {
+        {receiver.middle(), received}, {pixel({400, 30}), nothing}, {QPoint(900, 700), nothing}};
     int clicks = 0;
-    for (const QPoint end : {pixel({400, 30}), QPoint(900, 700)}) {
-        beginDrag();
-        hand.moves(start + QPoint(20, 10), end);
-        endDrag();
-        ASSERT_TRUE(hand.finished());
+    for (const auto& [end, there] : ends) {
+        ASSERT_TRUE(drag(end, there));
+        EXPECT_EQ(panel.releases, clicks);
         session().click(start);
         ++clicks;
-        ASSERT_TRUE(waitFor([&] { return presses == 2 * clicks && releases == clicks; }));
+        ASSERT_TRUE(waitFor([&] { return panel.presses.size() == 2 * clicks && panel.releases == clicks; }))
+            << "the next press is lost";
     }
+    EXPECT_TRUE(panel.drags.empty()) << "the drag was reported as the panel's own, too";
+    EXPECT_EQ(own, false) << "our own drag carries nothing for us";
+    EXPECT_EQ(others, true);
+    EXPECT_TRUE(waitFor([&] { return receiver.lines().count(QStringLiteral("bytes contents")) == 1; }));
+    EXPECT_TRUE(receiver.said(QStringLiteral("uri ") + QString::fromLatin1(file.toEncoded())));
     EXPECT_TRUE(panel.targeted.empty());
     EXPECT_EQ(panel.drop, nullptr);
 }

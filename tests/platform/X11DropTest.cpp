@@ -1,125 +1,213 @@
-#include <QFile>
-#include <QTemporaryDir>
+#include <QElapsedTimer>
 
-#include "X11DropPanel.h"
+#include "RawDragSource.h"
 #include "support/DragTools.h"
 
 namespace {
-const QString textType = QStringLiteral("text/plain;charset=utf-8");
-const QString uriType = QStringLiteral("text/uri-list");
+using Answer = RawDragSource::Answer;
+using Kind = Answer::Kind;
+const QString kUris = QStringLiteral("text/uri-list"), kText = QStringLiteral("text/plain;charset=utf-8");
 
-/// Drags from a real toolkit, which asks and answers as programs do.
+/// Drags onto the panel. Most sources here speak XDND badly, or mean ill.
 class X11Drop : public X11Test {
  protected:
-    /// Drags what `arguments` offer onto the panel and lets go there.
-    void drop(const QList<QByteArray>& arguments, DragTool::Kind kind = DragTool::Kind::gtkSource) {
-        source = std::make_unique<DragTool>(session(), kind, QPoint(100, 500), arguments);
-        ASSERT_TRUE(source->drag(session(), pixel({320, 60})));
-        ASSERT_TRUE(waitFor([&] { return panel.targeted == QList{true}; }));
-        session().release(1);
+    xcb_window_t target() { return panel.id(); }
+    void hover(const QList<const char*>& types) {
+        source.enter(target(), types);
+        source.position(target());
+    }
+    void letGo() { source.send(target(), "XdndDrop", {0, XCB_CURRENT_TIME, 0, 0}); }
+    /// Returns once the panel has taken it.
+    void drop(const QList<const char*>& types) {
+        hover(types);
+        letGo();
         ASSERT_TRUE(waitFor([&] { return panel.drop != nullptr; }));
-        EXPECT_EQ(panel.targeted, (QList{true, false}));
     }
-    QByteArray fileWith(const QByteArray& contents) {
-        QFile file(folder.filePath(QString::number(++files)));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(contents) == contents.size());
-        return file.fileName().toUtf8();
+    std::optional<QByteArray> loads(const QString& type, double seconds = 7) {
+        std::optional<QByteArray> result;
+        bool answered = false;
+        panel.drop->load(type, [&](auto bytes) {
+            result = std::move(bytes);
+            answered = true;
+        });
+        EXPECT_TRUE(waitFor([&] { return answered; }, seconds));
+        return result;
     }
-    /// The drag's outcome as the source sees it.
-    testing::AssertionResult sourceSaid(const char* line) {
-        return waitFor([&, text = QString::fromLatin1(line)] { return source->said(text); });
-    }
+    uint32_t copy() { return session().atom("XdndActionCopy"); }
 
-    QTemporaryDir folder;
-    int files = 0;
-    DropPanel panel{connection, sampler, loop};
-    std::unique_ptr<DragTool> source;
+    TestPanel panel{connection, sampler, loop};
+    RawDragSource source{session()};
 };
 
-TEST_F(X11Drop, ReadsEveryFormThatProgramsOffer) {
-    const QByteArray huge = QByteArray(5 << 20, 'x') + "end", png = "\x89PNG\r\n\x1a\n" + QByteArray(5000, '\0');
-    const QByteArray mozilla = QByteArray("h\0t\0t\0p\0:\0/\0/\0a\0\n\0A\0", 20);
-    const struct {
-        QList<QByteArray> offered;
-        QStringList types;
-        QByteArray bytes;  // of the first type
-    } cases[] = {
-        {{"text/uri-list=file:///a\r\nfile:///b\r\n", "application/x-color=red"},
-         {uriType},
-         "file:///a\r\nfile:///b\r\n"},
-        {{"text/x-moz-url@" + fileWith(mozilla), "_NETSCAPE_URL=http://a\nA", "UTF8_STRING=http://a"},
-         {QStringLiteral("text/x-moz-url"), QStringLiteral("_NETSCAPE_URL"), textType},
-         mozilla},
-        {{"image/png@" + fileWith(png), "text/uri-list=http://a/b.png"}, {QStringLiteral("image/png"), uriType}, png},
-        {{"STRING=caf\xe9?", "UTF8_STRING=caf\xc3\xa9"}, {textType}, "caf\xc3\xa9"},
-        {{"STRING@" + fileWith("caf\xe9")}, {textType}, "caf\xc3\xa9"},
-        {{"text/plain@" + fileWith("caf\xe9")}, {textType}, "caf\xc3\xa9"},
-        {{"text/plain=caf\xc3\xa9"}, {textType}, "caf\xc3\xa9"},
-        {{"UTF8_STRING@" + fileWith("a\xff\xfe b")}, {textType}, "a\xef\xbf\xbd\xef\xbf\xbd b"},
-        {{"UTF8_STRING@" + fileWith(huge)}, {textType}, huge.left(1 << 20)},
-        {{"image/jpeg@" + fileWith(huge)}, {QStringLiteral("image/jpeg")}, huge},
+TEST_F(X11Drop, AnswersEveryPositionAndTakesCopiesOnly) {
+    source.position(target());  // nobody has entered
+    ASSERT_TRUE(waitFor([&] { return source.statuses.size() == 1; }));
+    EXPECT_EQ(source.statuses.last(), (QList<uint32_t>{target(), 0, 0, 0, 0}));
+    EXPECT_TRUE(panel.targeted.empty());
+
+    source.enter(target(), {"application/x-color", "image/png"});
+    for (int i = 2; i <= 4; ++i) {
+        source.position(target());
+        ASSERT_TRUE(waitFor([&] { return source.statuses.size() == i; }));
+        EXPECT_EQ(source.statuses.last(), (QList<uint32_t>{target(), 1, 0, 0, copy()}));
+    }
+    EXPECT_EQ(panel.targeted, QList{true}) << "told of changes only";
+    letGo();
+    ASSERT_TRUE(waitFor([&] { return panel.drop != nullptr; }));
+    panel.drop.reset();
+    ASSERT_TRUE(waitFor([&] { return !source.finishes.empty(); }));
+    EXPECT_EQ(source.finishes.last(), (QList<uint32_t>{target(), 0, 0, 0, 0})) << "nothing was taken";
+
+    // One that nothing led up to, one that is of no use, and one that is not accepted.
+    letGo();
+    hover({"application/x-color", "application/octet-stream"});
+    letGo();
+    ASSERT_TRUE(waitFor([&] { return source.finishes.size() == 3; }));
+    panel.accepts = false;
+    hover({"text/uri-list"});
+    letGo();
+    ASSERT_TRUE(waitFor([&] { return source.finishes.size() == 4; }));
+    for (const auto& finish : source.finishes.mid(1)) EXPECT_EQ(finish, (QList<uint32_t>{target(), 0, 0, 0, 0}));
+    EXPECT_EQ(source.statuses.last()[1], 0u);
+    EXPECT_EQ(panel.targeted, (QList{true, false}));
+    EXPECT_EQ(panel.drop, nullptr);
+}
+
+TEST_F(X11Drop, IsTargetedWhileADragIsOverItAndNotByOneThatGoesSilent) {
+    const auto becomes = [&](bool targeted) {
+        return waitFor([&] { return !panel.targeted.empty() && panel.targeted.last() == targeted; });
     };
-    for (const auto& [offered, types, bytes] : cases) {
-        SCOPED_TRACE(offered.first().left(60).toStdString());
-        panel.targeted.clear();
-        drop(offered);
-        if (HasFatalFailure()) return;
-        EXPECT_EQ(panel.drop->types(), types);
-        EXPECT_TRUE(panel.loads(types.first()) == bytes);
-        EXPECT_FALSE(source->said(QStringLiteral("drag-end copy"))) << "the drop is still being read";
+    hover({"TEXT"});
+    ASSERT_TRUE(becomes(true));
+    for (const bool accepts : {false, true}) {
+        panel.accepts = accepts;
+        source.position(target());
+        ASSERT_TRUE(becomes(accepts)) << "the panel's opinion changes";
+    }
+    source.send(target(), "XdndLeave", {});
+    ASSERT_TRUE(becomes(false));
+    hover({"TEXT"});
+    ASSERT_TRUE(becomes(true));
+    {
+        RawDragSource second(session());
+        second.enter(target(), {"TEXT"});
+        ASSERT_TRUE(becomes(false)) << "by the next one that enters";
+        second.position(target());
+        ASSERT_TRUE(becomes(true));
+        source.send(target(), "XdndLeave", {});  // the first one's word counts no longer
+        source.position(target());
+        ASSERT_TRUE(waitFor([&] { return source.statuses.last()[1] == 0; }));
+        EXPECT_TRUE(panel.targeted.last());
+        second.destroyWindow();
+        ASSERT_TRUE(becomes(false)) << "by its window's end";
+    }
+    hover({"TEXT"});
+    ASSERT_TRUE(becomes(true));
+    session().click({5, 700});
+    ASSERT_TRUE(becomes(false)) << "by the button's release";
+
+    // A window that does not exist any more cannot enter.
+    const auto before = panel.targeted.size();
+    source.destroyWindow();
+    hover({"TEXT"});
+    letPass(0.1);
+    EXPECT_EQ(panel.targeted.size(), before);
+}
+
+TEST_F(X11Drop, ReadsEveryFormAndSurvivesAnyAnswer) {
+    const QByteArray huge = QByteArray(5 << 20, 'x') + "end", cafe = "caf\xc3\xa9";
+    const QString mozilla = QStringLiteral("text/x-moz-url"), netscape = QStringLiteral("_NETSCAPE_URL"),
+                  png = QStringLiteral("image/png");
+    const QByteArray link = "file:///a";
+    const struct {
+        QList<const char*> offered;
+        QStringList types;
+        Answer answer;  // to the question for the first
+        std::optional<QByteArray> bytes;
+    } cases[] = {
+        {{"text/uri-list", "application/x-color"}, {kUris}, {Kind::data, link}, link},
+        {{"text/x-moz-url", "_NETSCAPE_URL", "UTF8_STRING"}, {mozilla, netscape, kText}, {Kind::data, link}, link},
+        {{"image/png", "text/uri-list", "STRING", "TEXT"}, {png, kUris, kText}, {Kind::data, huge}, huge},
+        {{"STRING"}, {kText}, {Kind::data, "caf\xe9"}, cafe},
+        {{"text/plain"}, {kText}, {Kind::data, "caf\xe9"}, cafe},
+        {{"text/plain"}, {kText}, {Kind::data, cafe}, cafe},
+        {{"UTF8_STRING"}, {kText}, {Kind::data, "a\xff\xfe b"}, "a\xef\xbf\xbd\xef\xbf\xbd b"},
+        {{"UTF8_STRING"}, {kText}, {Kind::data, huge}, huge.left(1 << 20)},
+        {{"UTF8_STRING"}, {kText}, {Kind::endless, {}}, huge.left(1 << 20)},
+        {{"text/uri-list"}, {kUris}, {Kind::refusal, {}}, {}},
+        {{"text/uri-list"}, {kUris}, {Kind::data, link, "STRING"}, link},
+        {{"text/uri-list"}, {kUris}, {Kind::data, "file:///a...", "ATOM", 32}, {}},
+        {{"text/uri-list"}, {kUris}, {Kind::data, ""}, {}},
+        {{"text/uri-list"}, {kUris}, {Kind::noProperty, {}}, {}},
+        {{"text/uri-list"}, {kUris}, {Kind::strangers, link}, link},
+        {{"text/uri-list"}, {kUris}, {Kind::pieces, "ab,cd,e,"}, "abcde"},
+        {{"text/uri-list"}, {kUris}, {Kind::pieces, ""}, {}},
+        {{"text/uri-list"}, {kUris}, {Kind::endless, {}}, {}},
+    };
+    for (const auto& row : cases) {
+        SCOPED_TRACE(&row - cases);
         panel.drop.reset();
-        EXPECT_TRUE(sourceSaid("drag-end copy"));
-        EXPECT_FALSE(source->said(QStringLiteral("delete")));
+        source.answers = {{row.offered.first(), row.answer}};
+        drop(row.offered);
+        if (HasFatalFailure()) return;
+        EXPECT_EQ(panel.drop->types(), row.types);
+        EXPECT_TRUE(loads(row.types.first(), 20) == row.bytes);
     }
 }
 
 TEST_F(X11Drop, TakesACopyFromQt) {
-    drop({"text/uri-list=file:///a%20b", "text/plain=caf\xc3\xa9"}, DragTool::Kind::qtSource);
-    ASSERT_NE(panel.drop, nullptr);
-    EXPECT_EQ(panel.loads(uriType), "file:///a%20b\r\n");
-    EXPECT_EQ(panel.loads(textType), "caf\xc3\xa9");
-    panel.drop.reset();
-    EXPECT_TRUE(sourceSaid("drag-end copy"));
-}
-
-TEST_F(X11Drop, IsRefusedWhereThePanelDoesNotAcceptItOrCannotUseIt) {
-    const struct {
-        bool accepts;
-        QByteArray offered;
-    } cases[] = {{false, "text/uri-list=file:///a\r\n"}, {true, "application/x-color=red"}};
-    for (const auto& [accepts, offered] : cases) {
-        panel.accepts = accepts;
-        source = std::make_unique<DragTool>(session(), DragTool::Kind::gtkSource, QPoint(100, 500), QList{offered});
-        ASSERT_TRUE(source->drag(session(), pixel({320, 60})));
-        if (!accepts) {
-            ASSERT_TRUE(waitFor([&] { return panel.asked > 0; }));
-        }
-        session().release(1);
-        ASSERT_TRUE(sourceSaid("drag-end none"));
-        EXPECT_TRUE(panel.targeted.empty());
-        EXPECT_EQ(panel.drop, nullptr);
-    }
-}
-
-TEST_F(X11Drop, TargetsThePanelOnlyWhileTheDragIsOverIt) {
-    source =
-        std::make_unique<DragTool>(session(), DragTool::Kind::gtkSource, QPoint(100, 500), QList<QByteArray>{"TEXT=a"});
-    const QPoint over = pixel({320, 60}), away(900, 600);
-    ASSERT_TRUE(source->drag(session(), over));
+    DragTool program(session(), DragTool::Kind::qtSource, {100, 500},
+                     {"text/uri-list=file:///a%20b", "text/plain=caf\xc3\xa9"});
+    ASSERT_TRUE(program.drag(session(), pixel({320, 60})));
     ASSERT_TRUE(waitFor([&] { return panel.targeted == QList{true}; }));
-    session().glide(over, away, 10, 5);
-    ASSERT_TRUE(waitFor([&] { return panel.targeted == (QList{true, false}); }));
-    session().glide(away, over, 10, 5);
-    ASSERT_TRUE(waitFor([&] { return panel.targeted == (QList{true, false, true}); }));
-    panel.accepts = false;
-    session().moveTo(over + QPoint(3, 3));
-    ASSERT_TRUE(waitFor([&] { return panel.targeted == (QList{true, false, true, false}); }));
-    panel.accepts = true;
-    session().moveTo(over);
-    ASSERT_TRUE(waitFor([&] { return panel.targeted == (QList{true, false, true, false, true}); }));
-    source.reset();  // as a program that crashes
-    ASSERT_TRUE(waitFor([&] { return panel.targeted.size() == 6; }));
-    EXPECT_FALSE(panel.targeted.last());
+    session().release(1);
+    ASSERT_TRUE(waitFor([&] { return panel.drop != nullptr; }));
+    EXPECT_EQ(panel.targeted, (QList{true, false}));
+    EXPECT_EQ(loads(kUris), "file:///a%20b\r\n");
+    EXPECT_EQ(loads(kText), "caf\xc3\xa9");
+    panel.drop.reset();
+    EXPECT_TRUE(waitFor([&] { return program.said(QStringLiteral("drag-end copy")); }));
 }
 
+TEST_F(X11Drop, GivesUpOnPiecesThatCeaseToCome) {
+    drop({"text/uri-list", "UTF8_STRING"});
+    source.answers["text/uri-list"] = {Kind::pieces, "ab,cd"};
+    source.answers["UTF8_STRING"] = {Kind::data, "text"};
+    bool first = false, second = false;
+    QElapsedTimer timer;
+    timer.start();
+    panel.drop->load(kUris, [&](const auto& bytes) { first = !bytes; });
+    panel.drop->load(kText, [&](const auto& bytes) { second = bytes == "text"; });
+    ASSERT_TRUE(waitFor([&] { return second; }, 1)) << "one form keeps another waiting";
+    ASSERT_TRUE(waitFor([&] { return first; }, 8));
+    EXPECT_NEAR(timer.elapsed() / 1000.0, 5, 0.7);
+}
+
+TEST_F(X11Drop, FindsTheTextThatASourceDoesGive) {
+    drop({"UTF8_STRING", "text/plain", "STRING", "TEXT"});
+    source.answers["text/plain"] = {Kind::data, QByteArray(1, '\0')};
+    source.answers["STRING"] = {Kind::data, "caf\xe9", "COMPOUND_TEXT"};
+    source.answers["TEXT"] = {Kind::data, QByteArray("caf\xe9\0", 5), "STRING"};
+    EXPECT_EQ(loads(kText), "caf\xc3\xa9");
+    EXPECT_EQ(source.requested, (QList<QByteArray>{"UTF8_STRING", "text/plain", "STRING", "TEXT"}));
+}
+
+TEST_F(X11Drop, AnswersNothingOnceTheDropIsGone) {
+    drop({"text/uri-list"});
+    source.answers["text/uri-list"] = {Kind::nothing, {}};
+    bool answered = false;
+    panel.drop->load(kUris, [&](const auto&) { answered = true; });
+    ASSERT_TRUE(waitFor([&] { return !source.requested.empty(); }));
+    panel.drop.reset();
+    ASSERT_TRUE(waitFor([&] { return !source.finishes.empty(); }));
+    letPass(0.1);
+    EXPECT_FALSE(answered);
+
+    // A receiver may let go of the drop in the very answer.
+    drop({"text/uri-list"});
+    source.answers["text/uri-list"] = {Kind::data, "file:///a"};
+    panel.drop->load(kUris, [&](const auto&) { panel.drop.reset(); });
+    EXPECT_TRUE(waitFor([&] { return source.finishes.size() == 2; }));
+    EXPECT_EQ(source.finishes.last(), (QList<uint32_t>{target(), 1, copy(), 0, 0}));
+}
 }  // namespace

@@ -37,31 +37,46 @@ class X11Test : public testing::Test {
     inline static XSession* session_ = nullptr;
 };
 
-/// A panel that is red all over, at (200, 0) of Qt's coordinates.
-class RedPanel : public X11PanelWindow {
+/// A panel at (200, 0) of Qt's coordinates, and what happens to it. It is red where its body is, and takes what is
+/// dropped on it.
+class TestPanel : public X11PanelWindow {
  public:
+    static constexpr QRect area{0, 0, 240, 120};
     static constexpr QRectF place{200, 0, 240, 120};
 
-    RedPanel(std::shared_ptr<X11Connection> connection, std::shared_ptr<PointerSampler> sampler, MainLoop& loop)
+    TestPanel(std::shared_ptr<X11Connection> connection, std::shared_ptr<PointerSampler> sampler, MainLoop& loop)
         : X11PanelWindow(std::move(connection), std::move(sampler), loop) {
-        onExpose = [this] { fill(QRect(0, 0, 240, 120), Qt::red); };
+        onExpose = [this] { fill(area, Qt::red); };
+        onPress = [this](Button, QPointF position, QPointF) { presses.append(position); };
+        onDrag = [this](QPointF pointer) { drags.append(pointer); };
+        onRelease = [this](Button, QPointF) { ++releases; };
+        onDropTargeted = [this](bool over) { targeted.append(over); };
+        acceptsDrop = [this] { return accepts; };
+        onDrop = [this](std::shared_ptr<Drop> taken) { drop = std::move(taken); };
         setOverdraw({52, 0, 52, 20});
         setFrame(toModel(place));
-        setOutline(rectangle({0, 0, 240, 120}));
+        shape(area);
         orderFrontRegardless();
+        setInputRegion(area);
+        if (!waitFor([this] { return window().isExposed(); })) throw std::runtime_error("the panel stays invisible");
+        // The server takes requests of two connections in any order.
+        awaitReply(qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->connection(), xcb_get_input_focus,
+                   xcb_get_input_focus_reply);
     }
-    /// Returns once the server knows the region: it takes requests of two connections in any order.
-    void setInputRegionNow(const QRegion& region) {
-        setInputRegion(region);
-        auto* connection = qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
-        awaitReply(connection, xcb_get_input_focus, xcb_get_input_focus_reply);
-    }
-    static QPainterPath rectangle(const QRectF& rect) {
+    xcb_window_t id() { return xcb_window_t(window().winId()); }
+    void shape(const QRectF& outline) {
         QPainterPath path;
-        path.addRect(rect);
-        return path;
+        path.addRect(outline);
+        setOutline(path);
     }
     void fill(const QRegion& damage, const QColor& colour) {
-        paint(damage, [&](QPainter& painter) { painter.fillRect(0, 0, 240, 120, colour); });
+        paint(damage, [&](QPainter& painter) { painter.fillRect(body, colour); });
     }
+
+    QRect body = area;
+    QList<QPointF> presses, drags;
+    int releases = 0;
+    bool accepts = true;
+    QList<bool> targeted;
+    std::shared_ptr<Drop> drop;
 };

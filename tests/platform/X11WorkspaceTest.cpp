@@ -1,33 +1,17 @@
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
-
 #include "X11Test.h"
 #include "platform/linux/x11/X11Workspace.h"
 #include "support/Environment.h"
+#include "support/MemoryPorts.h"
+#include "support/TestFolder.h"
 
 namespace {
-class ImmediateQueue : public BackgroundQueue {
- public:
-    void run(std::function<void()> job) override { job(); }
-};
-
 class X11Applications : public X11Test {
  protected:
     X11Applications() : workspace(connection, loop, queue) {
         workspace.onApplicationActivated = [this] { ++activations; };
     }
-    void write(const QString& name, const QByteArray& text) {
-        const QString path = folder.filePath(name);
-        QDir().mkpath(QFileInfo(path).path());
-        QFile file(path);
-        ASSERT_TRUE(file.open(QFile::WriteOnly));
-        file.write(text);
-        file.setPermissions(file.permissions() | QFile::ExeOwner);
-    }
-
-    QTemporaryDir folder;
-    ImmediateQueue queue;
+    TestFolder folder;
+    InlineQueue queue;
     X11Workspace workspace;
     int activations = 0;
 };
@@ -67,10 +51,10 @@ TEST_F(X11Applications, ReportsOneThatWasClosedAndOpenedAgain) {
 }
 
 TEST_F(X11Applications, BringsTheNamedApplicationForward) {
-    const EnvironmentVariable data("XDG_DATA_HOME", folder.path().toUtf8()), language("LC_ALL", "de_DE.UTF-8");
-    write(QStringLiteral("applications/org.example.Console.desktop"),
-          "[Desktop Entry]\nType=Application\nName=Console\nName[de]=Konsole zwei\nExec=true %U\n"
-          "StartupWMClass=consoled-window\n");
+    const EnvironmentVariable data("XDG_DATA_HOME", folder.path()), language("LC_ALL", "de_DE.UTF-8");
+    folder.write("applications/org.example.Console.desktop",
+                 "[Desktop Entry]\nType=Application\nName=Console\nName[de]=Konsole zwei\nExec=true %U\n"
+                 "StartupWMClass=consoled-window\n");
     const struct {
         const char *instance, *className, *displayName;
     } cases[] = {
@@ -89,22 +73,18 @@ TEST_F(X11Applications, BringsTheNamedApplicationForward) {
 }
 
 TEST_F(X11Applications, StartsTheUsersTerminalUnlessItRuns) {
-    const QString started = folder.filePath(QStringLiteral("started"));
-    write(QStringLiteral("myterm"), "#!/bin/sh\necho \"$1\" > " + started.toUtf8() + "\n");
-    qputenv("TERMINAL", folder.filePath(QStringLiteral("myterm")).toUtf8() + " --new");
+    folder.write("myterm", "#!/bin/sh\necho \"$1\" > " + folder.path("started") + "\n");
+    std::filesystem::permissions(folder.path("myterm").toStdString(), std::filesystem::perms::owner_all);
+    const EnvironmentVariable setting("TERMINAL", folder.path("myterm") + " --new");
     {
         OtherWindow running(session(), {.instance = "myterm", .className = "Myterm"});
         OtherWindow other(session(), {});
         ASSERT_TRUE(waitFor([&] { return other.active(); }));
         workspace.activateOrOpenTerminal(QStringLiteral("Absent"));
         EXPECT_TRUE(waitFor([&] { return running.active(); }));
-        EXPECT_FALSE(QFile::exists(started));
+        EXPECT_FALSE(folder.has("started"));
     }
     workspace.activateOrOpenTerminal(QStringLiteral("Absent"));
-    EXPECT_TRUE(waitFor([&] {
-        QFile file(started);
-        return file.open(QFile::ReadOnly) && file.readAll() == "--new\n";
-    }));
-    qunsetenv("TERMINAL");
+    EXPECT_TRUE(waitFor([&] { return folder.read("started") == "--new\n"; }));
 }
 }  // namespace

@@ -3,9 +3,8 @@
 
 #include "X11Test.h"
 
-/// What a test needs is told by the filter, since ctest runs each test as a process of its own. One that names an X11
-/// suite, or nothing, gets an X server for the whole program. The rest runs on Qt's offscreen platform and starts no
-/// server; "TwoScreens" gets two screens there.
+/// ctest runs each test as a process of its own, so the filter tells what it needs. One that names an X11 suite, or
+/// nothing, gets an X server. The rest runs on Qt's offscreen platform; "TwoScreens" gets two screens there.
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
     const std::string filter = testing::GTEST_FLAG(filter);

@@ -17,8 +17,6 @@
 #include "app/MainMenu.h"
 #include "platform/linux/CanberraSounds.h"
 #include "platform/linux/Desktop.h"
-#include "platform/linux/DesktopIcons.h"
-#include "platform/linux/DesktopSharing.h"
 #include "platform/linux/FilePreferences.h"
 #include "platform/linux/PathReferences.h"
 #include "platform/linux/QtMainLoop.h"
@@ -31,6 +29,8 @@
 #include "platform/linux/SystemClock.h"
 #include "platform/linux/ThreadQueues.h"
 #include "platform/linux/WorkerProcess.h"
+#include "platform/linux/freedesktop/DesktopIcons.h"
+#include "platform/linux/freedesktop/DesktopSharing.h"
 
 namespace {
 
@@ -89,7 +89,7 @@ struct Habitat {
     FilePreferences& preferences;
     SystemClock clock;
     ThreadQueue background, pictures, drops, jobs;  // a dead disk may hold up all of a queue's threads
-    ThreadQueue references{DiskLanes::kMostThreads};
+    ThreadQueue references{DiskLanes::kMaxThreads};
     ThreadSerialQueue playing;
     PathReferences files{references, loop};
     QtScreens screens{preferences, loop};

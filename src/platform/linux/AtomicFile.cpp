@@ -1,30 +1,29 @@
 #include "platform/linux/AtomicFile.h"
 
-#include <dirent.h>
-#include <fcntl.h>
 #include <signal.h>
 #include <sys/file.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <cerrno>
 #include <cstdio>
-#include <memory>
 
-#include "platform/Descriptor.h"
+#include "platform/Directory.h"
 
 namespace {
 
-constexpr int kMostLinks = 40;    // as many as the kernel follows
-constexpr int kMostAside = 1000;  // unreadable files beside each other
+constexpr int kMaxLinks = 40;    // as many as the kernel follows
+constexpr int kMaxAside = 1000;  // unreadable files beside each other
 const QByteArray kTemporary = ".new-";
 
 bool exists(const QByteArray& path) {
     struct stat status = {};
     return ::lstat(path.constData(), &status) == 0;
+}
+
+Descriptor openFolder(const QByteArray& folder) {
+    return Descriptor(::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
 }
 
 /// Readable by its owner only where it has to be made.
@@ -34,77 +33,54 @@ bool makeFolder(const QByteArray& folder) {
     return QDir().mkpath(name) && ::chmod(folder.constData(), 0700) == 0;
 }
 
-bool writeAll(int fd, const QByteArray& contents) {
-    qsizetype done = 0;
-    while (done < contents.size()) {
-        const ssize_t n = ::write(fd, contents.constData() + done, size_t(contents.size() - done));
-        if (n < 0 && errno == EINTR) continue;
-        if (n <= 0) return false;
-        done += n;
-    }
-    return true;
-}
-
 }  // namespace
 
 AtomicFile::AtomicFile(const QString& path) {
     QFileInfo file(path);
-    for (int i = 0; i < kMostLinks && file.isSymLink(); ++i) file.setFile(file.symLinkTarget());
+    for (int i = 0; i < kMaxLinks && file.isSymLink(); ++i) file.setFile(file.symLinkTarget());
     path_ = QFile::encodeName(file.absoluteFilePath());
     folder_ = path_.left(path_.lastIndexOf('/'));
 }
 
 AtomicFile::~AtomicFile() {
-    if (lock_ < 0) return;
     // Not left to the closing, which does not end a lock while a child that has not started its program shares it.
-    ::flock(lock_, LOCK_UN);
-    ::close(lock_);
+    if (lock_) ::flock(lock_.get(), LOCK_UN);
 }
 
 bool AtomicFile::keep() {
     makeFolder(folder_);
-    lock_ = ::open((path_ + ".lock").constData(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600);
+    lock_ = Descriptor(::open((path_ + ".lock").constData(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600));
     // In a folder that cannot be written the folder itself does as well.
-    if (lock_ < 0) lock_ = ::open(folder_.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (lock_ >= 0 && ::flock(lock_, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) return false;
+    if (!lock_) lock_ = openFolder(folder_);
+    if (lock_ && ::flock(lock_.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) return false;
     removeLeftovers();
     return true;
 }
 
 void AtomicFile::removeLeftovers() const {
-    const std::unique_ptr<DIR, int (*)(DIR*)> directory(::opendir(folder_.constData()), &::closedir);
+    const Descriptor directory = openFolder(folder_);
     const QByteArray prefix = path_.mid(folder_.size() + 1) + kTemporary;
-    while (const dirent* entry = directory ? ::readdir(directory.get()) : nullptr) {
-        const QByteArray name = entry->d_name;
+    const auto remove = [&](const QByteArray& name, quint64) {
         bool number = false;
         const int process = name.mid(prefix.size()).toInt(&number);
-        if (!name.startsWith(prefix) || !number || process <= 0) continue;
-        if (process != ::getpid() && (::kill(process, 0) == 0 || errno != ESRCH)) continue;
-        struct stat status = {};
-        const bool found = ::fstatat(::dirfd(directory.get()), entry->d_name, &status, AT_SYMLINK_NOFOLLOW) == 0;
-        if (found && S_ISREG(status.st_mode) && status.st_uid == ::geteuid())
-            ::unlinkat(::dirfd(directory.get()), entry->d_name, 0);
-    }
+        if (!name.startsWith(prefix) || !number || process <= 0) return true;
+        if (process != ::getpid() && (::kill(process, 0) == 0 || errno != ESRCH)) return true;
+        const auto status = statusOf(directory.get(), name.constData());
+        if (status && S_ISREG(status->mode) && status->owner == ::geteuid())
+            ::unlinkat(directory.get(), name.constData(), 0);
+        return true;
+    };
+    if (directory) visitEntries(directory.get(), remove);
 }
 
-std::optional<QByteArray> AtomicFile::read(qint64 largest) {
+std::optional<QByteArray> AtomicFile::read(qint64 maxSize) {
     struct stat status = {};
     if (::lstat(path_.constData(), &status) != 0) return {};
     keepAside_ = true;
-    // Not to be held up by a pipe or a device in its place.
-    const Descriptor file(::open(path_.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-    if (!file || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_size > largest) return {};
-    QByteArray contents(qsizetype(status.st_size), '\0');
-    qsizetype got = 0;
-    while (got < contents.size()) {
-        const ssize_t n = ::read(file.get(), contents.data() + got, size_t(contents.size() - got));
-        if (n < 0 && errno == EINTR) continue;
-        if (n < 0) return {};
-        if (n == 0) break;
-        got += n;
-    }
-    contents.truncate(got);
-    keepAside_ = false;
+    const Descriptor file = openRegularFile(path_);
+    if (!file || ::fstat(file.get(), &status) != 0 || status.st_size > maxSize) return {};
+    auto contents = readUpTo(file.get(), status.st_size);
+    keepAside_ = !contents;
     return contents;
 }
 
@@ -116,7 +92,7 @@ bool AtomicFile::writeTemporary(const QByteArray& name, const QByteArray& conten
 
 // Under a free name: what was moved aside before stays, too.
 bool AtomicFile::moveAside() const {
-    for (int counter = 1; counter <= kMostAside; ++counter) {
+    for (int counter = 1; counter <= kMaxAside; ++counter) {
         const QByteArray name =
             path_ + ".unreadable" + (counter == 1 ? QByteArray() : '-' + QByteArray::number(counter));
         if (::renameat2(AT_FDCWD, path_.constData(), AT_FDCWD, name.constData(), RENAME_NOREPLACE) == 0) return true;
@@ -140,6 +116,6 @@ bool AtomicFile::replace(const QByteArray& contents) {
         return false;
     }
     // The new name is safe only once the folder is.
-    const Descriptor directory(::open(folder_.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const Descriptor directory = openFolder(folder_);
     return directory && ::fsync(directory.get()) == 0;
 }

@@ -4,6 +4,8 @@
 #include <QString>
 #include <optional>
 
+#include "platform/Descriptor.h"
+
 /// A file that is read and replaced whole, by one program at a time. One thread at a time; all but the destructor may
 /// wait for the disk.
 class AtomicFile {
@@ -19,9 +21,9 @@ class AtomicFile {
     /// can be had, nobody is kept out.
     bool keep();
 
-    /// The contents; absent when there is no such regular file, or it is larger than `largest` bytes, or cannot be
+    /// The contents; absent when there is no such regular file, or it is larger than `maxSize` bytes, or cannot be
     /// read. A file that is there and could not be read so is moved aside by the next replace(), not lost.
-    std::optional<QByteArray> read(qint64 largest);
+    std::optional<QByteArray> read(qint64 maxSize);
 
     /// Replaces the file by one with `contents`, readable by its owner only: whenever the machine stops, the old or the
     /// new contents are there. Folders are made when missing. False, and nothing changed, if that is impossible.
@@ -33,6 +35,6 @@ class AtomicFile {
     void removeLeftovers() const;
 
     QByteArray path_, folder_;
-    int lock_ = -1;  // descriptor
+    Descriptor lock_;
     bool keepAside_ = false;
 };

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr std::chrono::seconds kLongest(10);
+constexpr std::chrono::seconds kMaxDuration(10);
 
 /// The names of the freedesktop sound theme that come closest, best first.
 QList<QByteArray> themeSounds(const QString& name) {
@@ -51,7 +51,7 @@ bool playToEnd(const QByteArray& sound) {
     ca_proplist_sets(list, CA_PROP_EVENT_ID, sound.constData());
     if (ca_context_play_full(made, 1, list, finished, &end) != CA_SUCCESS) return false;
     // What takes longer is cut off by destroying the context.
-    std::ignore = end.try_acquire_for(kLongest);
+    std::ignore = end.try_acquire_for(kMaxDuration);
     return true;
 }
 

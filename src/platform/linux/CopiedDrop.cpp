@@ -2,31 +2,34 @@
 
 #include <algorithm>
 
+#include "platform/DropTypes.h"
+
 namespace {
-const QStringList& knownFormats() {
-    static const QStringList formats{QStringLiteral("text/uri-list"), QStringLiteral("text/x-moz-url"),
-                                     QStringLiteral("_NETSCAPE_URL"), QStringLiteral("image/png"),
-                                     QStringLiteral("image/jpeg"),    QStringLiteral("image/tiff"),
-                                     QStringLiteral("image/heic"),    QStringLiteral("text/plain")};
-    return formats;
+/// The toolkit's name for any text, or the source's own.
+bool isText(const QString& format) {
+    return format == QLatin1String("text/plain") || format == DropTypes::kText;
+}
+
+bool isUsable(const QString& format) {
+    using namespace DropTypes;
+    return isText(format) || std::ranges::find(kAddresses, format) != kAddresses.end() ||
+           std::ranges::find(kImages, format, &Image::type) != kImages.end();
 }
 }  // namespace
 
 CopiedDrop::CopiedDrop(const QMimeData& offered) {
     for (const QString& format : offered.formats()) {
-        if (!knownFormats().contains(format)) continue;
-        const bool text = format == QLatin1String("text/plain");
-        const QString type = text ? QStringLiteral("text/plain;charset=utf-8") : format;
-        const QByteArray bytes = text ? offered.text().toUtf8() : offered.data(format);
-        if (bytes.isEmpty()) continue;
+        if (!isUsable(format)) continue;
+        const QString type = isText(format) ? DropTypes::kText : format;
+        const QByteArray bytes = isText(format) ? offered.text().toUtf8() : offered.data(format);
+        if (bytes.isEmpty() || types_.contains(type)) continue;
         types_.append(type);
         forms_.insert(type, bytes);
     }
 }
 
 bool CopiedDrop::usable(const QMimeData& offered) {
-    return std::any_of(knownFormats().begin(), knownFormats().end(),
-                       [&](const QString& format) { return offered.hasFormat(format); });
+    return std::ranges::any_of(offered.formats(), isUsable);
 }
 
 void CopiedDrop::load(const QString& type, std::function<void(std::optional<QByteArray>)> done) {

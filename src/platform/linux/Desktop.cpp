@@ -1,18 +1,15 @@
 #include "platform/linux/Desktop.h"
 
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
-
 #include <QCursor>
 #include <QDir>
 #include <QFile>
 #include <QGuiApplication>
 
-#include "platform/linux/Openers.h"
+#include "platform/linux/LocalSocket.h"
 #include "platform/linux/QtPanelWindow.h"
 #include "platform/linux/ScreenCoordinates.h"
 #include "platform/linux/SessionLock.h"
+#include "platform/linux/freedesktop/Openers.h"
 #include "platform/linux/x11/X11Clipboard.h"
 #include "platform/linux/x11/X11DragPasteboard.h"
 #include "platform/linux/x11/X11EventMonitors.h"
@@ -50,15 +47,8 @@ class PlainDragPasteboard : public DragPasteboard {
 bool waylandReachable() {
     const QString name = qEnvironmentVariable("WAYLAND_DISPLAY");
     if (name.isEmpty()) return false;
-    const QByteArray path = QFile::encodeName(QDir(qEnvironmentVariable("XDG_RUNTIME_DIR")).absoluteFilePath(name));
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    if (size_t(path.size()) >= sizeof address.sun_path) return false;
-    std::copy(path.begin(), path.end(), address.sun_path);
-    const int descriptor = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    const bool reached = connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
-    close(descriptor);
-    return reached;
+    const QString path = QDir(qEnvironmentVariable("XDG_RUNTIME_DIR")).absoluteFilePath(name);
+    return bool(connectToLocalSocket(QFile::encodeName(path)));
 }
 }  // namespace
 

@@ -2,11 +2,10 @@
 
 #include <QFile>
 #include <algorithm>
-#include <list>
 
 namespace {
 
-constexpr int kMostPerMount = 3;
+constexpr int kMaxPerMount = 3;
 
 /// The kernel writes white space and backslashes in octal.
 QByteArray unescaped(const QByteArray& field) {
@@ -35,41 +34,23 @@ QByteArray mountOf(const QByteArray& path) {
 
 }  // namespace
 
-struct DiskLanes::State {
-    BackgroundQueue& queue;
-    MainLoop& loop;
-    std::list<Question> waiting, running;
-
-    bool mayStart(const Question& question) const {
-        const auto sameFolder = [&](const Question& other) { return other.folder == question.folder; };
-        const auto sameMount = [&](const Question& other) { return other.mount == question.mount; };
-        return running.size() < kMostThreads && std::none_of(running.begin(), running.end(), sameFolder) &&
-               std::count_if(running.begin(), running.end(), sameMount) < kMostPerMount;
-    }
-};
-
-DiskLanes::DiskLanes(BackgroundQueue& queue, MainLoop& loop) : state_(new State{queue, loop, {}, {}}) {}
-
-DiskLanes::~DiskLanes() = default;
-
-void DiskLanes::ask(const QByteArray& path, std::function<Answer()> question) {
-    state_->waiting.push_back({path.left(path.lastIndexOf('/')), mountOf(path), std::move(question)});
-    start(state_);
+void DiskLanes::enqueue(const QByteArray& path, std::function<void(Place)> start) {
+    waiting_.push_back({path.left(path.lastIndexOf('/')), mountOf(path), std::move(start)});
+    startWhatMay();
 }
 
-void DiskLanes::start(const std::shared_ptr<State>& state) {
-    for (auto next = state->waiting.begin(); next != state->waiting.end();) {
+bool DiskLanes::mayStart(const Question& question) const {
+    const auto sameFolder = [&](const Question& other) { return other.folder == question.folder; };
+    const auto sameMount = [&](const Question& other) { return other.mount == question.mount; };
+    return running_.size() < kMaxThreads && std::none_of(running_.begin(), running_.end(), sameFolder) &&
+           std::count_if(running_.begin(), running_.end(), sameMount) < kMaxPerMount;
+}
+
+void DiskLanes::startWhatMay() {
+    for (auto next = waiting_.begin(); next != waiting_.end();) {
         const auto question = next++;
-        if (!state->mayStart(*question)) continue;
-        state->running.splice(state->running.end(), state->waiting, question);
-        state->queue.run([&loop = state->loop, weak = std::weak_ptr(state), question, ask = question->ask] {
-            loop.post([weak, question, answer = ask()] {
-                const auto lanes = weak.lock();
-                if (!lanes) return;
-                lanes->running.erase(question);
-                start(lanes);
-                answer();
-            });
-        });
+        if (!mayStart(*question)) continue;
+        running_.splice(running_.end(), waiting_, question);
+        question->start(question);
     }
 }

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr double kFirstPause = 1, kLongestPause = 60;  // seconds
+constexpr double kFirstPause = 1, kMaxPause = 60;  // seconds
 constexpr std::chrono::seconds kPatienceAtEnd(2);
 
 }  // namespace
@@ -28,7 +28,7 @@ class FilePreferences::File {
         file_.emplace(path);
         found.taken = access == Access::exclusive && !file_->keep();
         mayWrite_ = access == Access::exclusive && !found.taken;
-        if (!found.taken) known_ = file_->read(kLargestPreferences).value_or(QByteArray());
+        if (!found.taken) known_ = file_->read(kMaxPreferences).value_or(QByteArray());
         found.values = readPreferences(known_);
         promise_.set_value(std::move(found));
     }
@@ -54,9 +54,9 @@ class FilePreferences::File {
         }
         if (lines.empty() || !mayWrite_) return true;
         // Where the file is gone or cannot be read any more, what it held is still known.
-        known_ = file_->read(kLargestPreferences).value_or(known_);
+        known_ = file_->read(kMaxPreferences).value_or(known_);
         QByteArray contents = withLines(known_, lines);
-        if (contents.size() <= kLargestPreferences && file_->replace(contents)) {
+        if (contents.size() <= kMaxPreferences && file_->replace(contents)) {
             known_ = std::move(contents);
             return true;
         }
@@ -91,13 +91,8 @@ FilePreferences::FilePreferences(const QString& path, Access access, SerialQueue
       pause_(kFirstPause),
       file_(std::make_shared<File>()),
       contents_(file_->contents()),
-      self_(std::make_shared<FilePreferences*>(this)) {
-    queue_.run([&loop, file = file_, self = std::weak_ptr(self_), path, access] {
-        file->open(path, access);
-        loop.post([self] {
-            if (const auto preferences = self.lock()) (*preferences)->takeWhatWasRead();
-        });
-    });
+      jobs_(queue, loop) {
+    jobs_.run([file = file_, path, access] { file->open(path, access); }, [this] { takeWhatWasRead(); });
 }
 
 FilePreferences::~FilePreferences() {
@@ -181,11 +176,7 @@ void FilePreferences::set(const QString& key, const QVariant& value) {
 }
 
 void FilePreferences::write() {
-    queue_.run([&loop = loop_, file = file_, self = std::weak_ptr(self_)] {
-        loop.post([self, well = file->write()] {
-            if (const auto preferences = self.lock()) (*preferences)->written(well);
-        });
-    });
+    jobs_.run([file = file_] { return file->write(); }, [this](bool well) { written(well); });
 }
 
 void FilePreferences::written(bool well) {
@@ -196,6 +187,6 @@ void FilePreferences::written(bool well) {
     }
     const bool first = !nextAttempt_;
     nextAttempt_ = loop_.after(pause_, [this] { write(); });
-    pause_ = std::min(2 * pause_, kLongestPause);
+    pause_ = std::min(2 * pause_, kMaxPause);
     if (first && onSaveFailed) onSaveFailed();
 }

@@ -7,8 +7,7 @@
 #include <memory>
 #include <vector>
 
-#include "platform/BackgroundQueue.h"
-#include "platform/MainLoop.h"
+#include "platform/BackgroundJobs.h"
 #include "platform/Preferences.h"
 
 /// Preferences in one file of text lines, "KEY = TYPE VALUE", that a person can read and mend; keys begin with
@@ -83,6 +82,6 @@ class FilePreferences : public Preferences {
     double pause_;  // seconds until the next attempt to write
     TimerHandle nextAttempt_;
     std::shared_ptr<File> file_;
-    std::future<Contents> contents_;          // valid until taken over
-    std::shared_ptr<FilePreferences*> self_;  // for what comes back from the queue
+    std::future<Contents> contents_;  // valid until taken over
+    BackgroundJobs jobs_;
 };

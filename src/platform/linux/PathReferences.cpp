@@ -1,26 +1,16 @@
 #include "platform/linux/PathReferences.h"
 
-#include <dirent.h>
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <sys/sysmacros.h>
-
 #include <climits>
-#include <memory>
 #include <utility>
 
+#include "platform/Directory.h"
 #include "platform/FileUrls.h"
 
 namespace {
 
 constexpr double kPatience = 1;  // seconds
 
-/// What stays the same when a file is renamed. The time of birth tells a file from a later one that was given the inode
-/// of a deleted one; it is 0 where the file system keeps none.
-struct Identity {
-    quint64 device = 0, inode = 0, birth = 0;
-    bool operator==(const Identity&) const = default;
-};
+using Identity = FileStatus::Identity;
 
 struct Reference {
     std::optional<Identity> identity;
@@ -30,7 +20,7 @@ struct Reference {
 QByteArray encode(const Reference& reference) {
     if (!reference.identity) return reference.path;
     QByteArray text;
-    for (const quint64 number : {reference.identity->device, reference.identity->inode, reference.identity->birth})
+    for (const quint64 number : {reference.identity->device, reference.identity->inode, reference.identity->created})
         text += QByteArray::number(number) + ':';
     return text + reference.path;
 }
@@ -50,16 +40,6 @@ std::optional<Reference> decode(const QByteArray& bookmark) {
     return Reference{Identity{values[0], values[1], values[2]}, bookmark.sliced(slash)};
 }
 
-/// Of the directory entry itself, which may be a symbolic link.
-std::optional<Identity> identityOf(int folder, const char* path) {
-    struct statx status = {};
-    if (::statx(folder, path, AT_SYMLINK_NOFOLLOW, STATX_INO | STATX_BTIME, &status) != 0) return {};
-    Identity identity{makedev(status.stx_dev_major, status.stx_dev_minor), status.stx_ino, 0};
-    if (status.stx_mask & STATX_BTIME)
-        identity.birth = quint64(status.stx_btime.tv_sec) * 1'000'000'000 + status.stx_btime.tv_nsec;
-    return identity;
-}
-
 bool exists(const QByteArray& path) {
     struct stat status = {};
     return ::stat(path.constData(), &status) == 0;
@@ -73,14 +53,17 @@ QByteArray withoutEnd(QByteArray path) {
 
 /// The path of the entry of `folder`, which ends in a slash, that has this identity; empty if there is none.
 QByteArray findIn(const QByteArray& folder, const Identity& identity) {
-    const std::unique_ptr<DIR, int (*)(DIR*)> directory(::opendir(folder.constData()), &::closedir);
-    if (!directory) return {};
-    while (const dirent* entry = ::readdir(directory.get())) {
-        if (entry->d_ino != identity.inode || identityOf(::dirfd(directory.get()), entry->d_name) != identity) continue;
-        const QByteArray path = folder + entry->d_name;
-        return exists(path) ? path : QByteArray();
-    }
-    return {};
+    const Descriptor directory(::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    QByteArray path;
+    const auto visit = [&](const char* name, quint64 inode) {
+        if (inode != identity.inode) return true;
+        const auto status = statusOf(directory.get(), name);
+        if (!status || status->identity != identity) return true;
+        path = folder + name;
+        return false;
+    };
+    if (directory) visitEntries(directory.get(), visit);
+    return exists(path) ? path : QByteArray();
 }
 
 /// Where the file is; empty if it is nowhere to be found.
@@ -102,10 +85,11 @@ std::optional<QByteArray> PathReferences::plain(const QUrl& file) const {
 void PathReferences::bookmark(const QUrl& file, std::function<void(const std::optional<QByteArray>&)> done) {
     const auto path = plain(file);
     if (!path) return done({});
-    lanes_.ask(withoutEnd(*path), [path = *path, done = std::move(done)]() -> DiskLanes::Answer {
-        const auto identity = identityOf(AT_FDCWD, withoutEnd(path).constData());
-        return [=] { done(identity ? std::optional(encode({identity, path})) : std::nullopt); };
-    });
+    const auto identify = [path = *path]() -> std::optional<QByteArray> {
+        const auto status = statusOf(AT_FDCWD, withoutEnd(path).constData());
+        return status ? std::optional(encode({status->identity, path})) : std::nullopt;
+    };
+    lanes_.ask(withoutEnd(*path), identify, std::move(done));
 }
 
 void PathReferences::resolve(const QByteArray& bookmark, std::function<void(const std::optional<QUrl>&)> done) {
@@ -120,12 +104,11 @@ void PathReferences::resolve(const QByteArray& bookmark, std::function<void(cons
             if (const auto call = std::exchange(done, nullptr)) call(file);
         }
     };
-    const auto once = std::make_shared<Once>(Once{std::move(done), {}});
+    const auto once = std::make_shared<Once>(Once{lifetime_.guard(std::move(done)), {}});
     once->patience = loop_.after(kPatience, [weak = std::weak_ptr(once), path = reference->path] {
         if (const auto waiting = weak.lock()) waiting->answer(fileUrl(path));
     });
-    lanes_.ask(withoutEnd(reference->path), [reference = *reference, once]() -> DiskLanes::Answer {
-        const QByteArray path = find(reference);
-        return [=] { once->answer(path.isEmpty() ? std::nullopt : std::optional(fileUrl(path))); };
-    });
+    lanes_.ask(
+        withoutEnd(reference->path), [reference = *reference] { return find(reference); },
+        [once](const QByteArray& path) { once->answer(path.isEmpty() ? std::nullopt : std::optional(fileUrl(path))); });
 }

@@ -8,7 +8,7 @@
 /// same folder. Main thread only; the queue and the loop must outlive the object, and `loop` the queue.
 class PathReferences : public FileReferences {
  public:
-    /// `queue` should have DiskLanes::kMostThreads threads.
+    /// `queue` should have DiskLanes::kMaxThreads threads.
     PathReferences(BackgroundQueue& queue, MainLoop& loop) : loop_(loop), lanes_(queue, loop) {}
 
     std::optional<QByteArray> plain(const QUrl& file) const override;
@@ -18,4 +18,5 @@ class PathReferences : public FileReferences {
  private:
     MainLoop& loop_;
     DiskLanes lanes_;
+    Lifetime lifetime_;
 };

@@ -7,9 +7,9 @@
 
 namespace {
 
-constexpr qsizetype kLongestLine = 4 * 1024 * 1024;  // bytes
-constexpr qsizetype kMostElements = 1024;            // of a list
-constexpr qsizetype kMostKeys = 1000;
+constexpr qsizetype kMaxLine = 4 * 1024 * 1024;  // bytes
+constexpr qsizetype kMaxElements = 1024;         // of a list
+constexpr qsizetype kMaxKeys = 1000;
 constexpr QByteArrayView kEquals = " = ";
 constexpr QByteArrayView kOurs = "glimmet.";
 
@@ -33,7 +33,7 @@ bool isPlain(QByteArrayView text) {
 
 /// `words` has a space before each element, which may be empty.
 QVariant readList(const QByteArray& words) {
-    if (words.count(' ') > kMostElements) return {};
+    if (words.count(' ') > kMaxElements) return {};
     QList<QByteArray> list;
     for (const QByteArray& word : words.split(' ').mid(1)) {
         const auto element = decoded(word);
@@ -65,7 +65,7 @@ QByteArrayView keyOf(QByteArrayView line) {
 }
 
 QVariant valueOf(QByteArrayView line) {
-    if (line.size() > kLongestLine || !isPlain(line)) return {};
+    if (line.size() > kMaxLine || !isPlain(line)) return {};
     const QByteArray typeAndValue = line.sliced(keyOf(line).size() + kEquals.size()).toByteArray();
     const qsizetype space = typeAndValue.indexOf(' ');
     const qsizetype length = space < 0 ? typeAndValue.size() : space;
@@ -104,7 +104,7 @@ QByteArray preferenceLine(const QString& key, const QVariant& value) {
             line += "list";
             for (const QByteArray& element : value.value<QList<QByteArray>>()) line += ' ' + encoded(element);
     }
-    return line.size() > kLongestLine ? QByteArray() : line;
+    return line.size() > kMaxLine ? QByteArray() : line;
 }
 
 QHash<QString, QVariant> readPreferences(const QByteArray& contents) {
@@ -113,7 +113,7 @@ QHash<QString, QVariant> readPreferences(const QByteArray& contents) {
     forEachLine(contents, [&](QByteArrayView line) {
         if (!line.startsWith(kOurs)) return;
         const QString key = QString::fromLatin1(keyOf(line));
-        if (key.isEmpty() || (values.size() >= kMostKeys && !values.contains(key))) return;
+        if (key.isEmpty() || (values.size() >= kMaxKeys && !values.contains(key))) return;
         if (const QVariant value = valueOf(line); value.isValid()) values[key] = value;
     });
     return values;

@@ -9,7 +9,7 @@
 // The text of a preferences file: lines of the form "KEY = TYPE VALUE". Any thread.
 
 /// Bytes; a larger file is not taken for one of ours, and none is written.
-constexpr qint64 kLargestPreferences = 16 * 1024 * 1024;
+constexpr qint64 kMaxPreferences = 16 * 1024 * 1024;
 
 /// A key and the whole line that belongs to it, without its end.
 struct PreferenceLine {

@@ -8,7 +8,7 @@
 #include "platform/linux/MessageBus.h"
 
 namespace {
-constexpr double patience = 2;  // seconds for an answer
+constexpr double kPatience = 2;  // seconds for an answer
 
 const QString kLogin = QStringLiteral("org.freedesktop.login1");
 const QString kSession = QStringLiteral("org.freedesktop.login1.Session");
@@ -21,24 +21,24 @@ QVariant firstValue(const QDBusMessage& answer) {
 }
 
 bool hintsLock(const MessageBus& bus) {
-    if (!bus.owned(kLogin, patience)) return false;
+    if (!bus.owned(kLogin, kPatience)) return false;
     const QString id = qEnvironmentVariable("XDG_SESSION_ID", QStringLiteral("auto"));
     const MessageBus::Peer manager{kLogin, QStringLiteral("/org/freedesktop/login1"),
                                    kLogin + QStringLiteral(".Manager")};
-    const auto session = firstValue(bus.call(manager, QStringLiteral("GetSession"), {id}, patience));
+    const auto session = firstValue(bus.call(manager, QStringLiteral("GetSession"), {id}, kPatience));
     const QString path = session.value<QDBusObjectPath>().path();
     if (path.isEmpty()) return false;
     const auto hint = firstValue(bus.call({kLogin, path, kProperties}, QStringLiteral("Get"),
-                                          {kSession, QStringLiteral("LockedHint")}, patience));
+                                          {kSession, QStringLiteral("LockedHint")}, kPatience));
     return hint.value<QDBusVariant>().variant().toBool();
 }
 
 bool saverActive(const MessageBus& bus) {
-    if (!bus.owned(kSaver, patience)) return false;
+    if (!bus.owned(kSaver, kPatience)) return false;
     // The second is where an older desktop has it.
     for (const auto* path : {"/org/freedesktop/ScreenSaver", "/ScreenSaver"}) {
         const auto active =
-            firstValue(bus.call({kSaver, QLatin1String(path), kSaver}, QStringLiteral("GetActive"), {}, patience));
+            firstValue(bus.call({kSaver, QLatin1String(path), kSaver}, QStringLiteral("GetActive"), {}, kPatience));
         if (active.isValid()) return active.toBool();
     }
     return false;
@@ -64,7 +64,7 @@ struct SessionLock::Buses {
 };
 
 SessionLock::SessionLock(MainLoop& loop, BackgroundQueue& queue)
-    : loop_(loop), queue_(queue), buses_(std::make_shared<Buses>()), self_(std::make_shared<SessionLock*>(this)) {
+    : buses_(std::make_shared<Buses>()), jobs_(queue, loop) {
     QTimer* hint = buses_->hint.get();
     hint->setSingleShot(true);
     QObject::connect(hint, &QTimer::timeout, hint, [this] { ask(); });
@@ -79,16 +79,13 @@ void SessionLock::ask() {
     askAgain_ = asking_;
     if (asking_) return;
     asking_ = true;
-    queue_.run([&loop = loop_, buses = buses_, self = std::weak_ptr(self_)] {
+    const auto look = [buses = buses_] {
         if (!buses->system) buses->open();
-        const bool locked = hintsLock(*buses->system) || saverActive(*buses->session);
-        loop.post([self, locked] {
-            const auto alive = self.lock();
-            if (!alive) return;
-            SessionLock& lock = **alive;
-            lock.asking_ = false;
-            if (lock.askAgain_) lock.buses_->hint->start();
-            if (std::exchange(lock.locked_, locked) != locked && lock.onChange) lock.onChange();
-        });
+        return hintsLock(*buses->system) || saverActive(*buses->session);
+    };
+    jobs_.run(look, [this](bool locked) {
+        asking_ = false;
+        if (askAgain_) buses_->hint->start();
+        if (std::exchange(locked_, locked) != locked && onChange) onChange();
     });
 }

@@ -2,8 +2,7 @@
 
 #include <memory>
 
-#include "platform/BackgroundQueue.h"
-#include "platform/MainLoop.h"
+#include "platform/BackgroundJobs.h"
 #include "platform/ScreenLock.h"
 
 /// What the session tells of its lock: logind's hint, and the desktop's own screen saver. Neither is started by asking,
@@ -21,11 +20,8 @@ class SessionLock : public ScreenLock {
 
     void ask();
 
-    MainLoop& loop_;
-    BackgroundQueue& queue_;
     bool locked_ = false;
     bool asking_ = false, askAgain_ = false;
     std::shared_ptr<Buses> buses_;
-    /// Lives as long as this object, for what comes back from the queue.
-    std::shared_ptr<SessionLock*> self_;
+    BackgroundJobs jobs_;
 };

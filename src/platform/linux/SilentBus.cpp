@@ -1,14 +1,13 @@
 #include "platform/linux/SilentBus.h"
 
 #include <poll.h>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
 
 #include <QDBusConnection>
 #include <QDeadlineTimer>
 #include <QtEndian>
 #include <algorithm>
+
+#include "platform/linux/LocalSocket.h"
 
 namespace {
 constexpr double kPatience = 2;
@@ -29,21 +28,6 @@ QByteArray socketName(const QByteArray& address) {
         if (key == "runtime") return runtimeBus();
     }
     return {};
-}
-
-/// A connection that waits for nothing, or -1.
-int connectTo(const QByteArray& name) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    if (name.isEmpty() || size_t(name.size()) >= sizeof address.sun_path) return -1;
-    std::copy(name.begin(), name.end(), address.sun_path);
-    const int descriptor = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
-    const auto length = socklen_t(offsetof(sockaddr_un, sun_path) + size_t(name.size()));
-    // One that has no room for another connection will not greet it either.
-    if (connect(descriptor, reinterpret_cast<const sockaddr*>(&address), length) == 0 || errno == EAGAIN)
-        return descriptor;
-    close(descriptor);
-    return -1;
 }
 
 /// Adds a field of a message's header, a text, in the form that the D-Bus specification gives them.
@@ -95,11 +79,7 @@ bool greets(int descriptor, double seconds) {
 
 bool isSilentBus(const QByteArray& addresses, double seconds) {
     for (const QByteArray& address : addresses.split(';')) {
-        const int descriptor = connectTo(socketName(address));
-        if (descriptor < 0) continue;
-        const bool silent = !greets(descriptor, seconds);
-        close(descriptor);
-        return silent;
+        if (const Descriptor bus = connectToLocalSocket(socketName(address))) return !greets(bus.get(), seconds);
     }
     return false;
 }

@@ -5,7 +5,7 @@
 
 /// Whether a message bus at one of `addresses`, in the form of DBUS_SESSION_BUS_ADDRESS, lets programs connect but does
 /// not greet them within `seconds`, or takes no calls after that: the library would wait for such a one for ever. What
-/// is not there at all, or is no socket of this machine, is not silent. Waits as long as that.
+/// is not there at all, or is not a socket of this machine, is not silent. Waits as long as that.
 bool isSilentBus(const QByteArray& addresses, double seconds);
 
 /// Where programs find the session bus; empty where there is none.

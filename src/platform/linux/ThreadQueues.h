@@ -7,7 +7,7 @@
 /// A few threads that live while there is work: some of them may have to wait long.
 class ThreadQueue : public BackgroundQueue {
  public:
-    explicit ThreadQueue(int most = 8) { pool_.setMaxThreadCount(most); }
+    explicit ThreadQueue(int maxThreads = 8) { pool_.setMaxThreadCount(maxThreads); }
     void run(std::function<void()> job) override { pool_.start(std::move(job)); }
 
  private:

@@ -20,7 +20,7 @@ class CompositorWatch {
     xcb_atom_t selection_;
     int firstEvent_ = -1;
     bool running_ = false;
-    Observation events_;
+    Subscription events_;
 };
 
 /// Whether the X server is itself a client of a Wayland compositor. That one always blends.

@@ -11,8 +11,13 @@ struct DragForm {
     Kind kind;
 };
 
-/// How many of the targets that a program offers are looked at; the longest lists of browsers have some thirty.
-constexpr uint32_t mostTargets = 256;
+/// The text in the forms that X11 programs give it, from the one whose meaning is surest to that whose is least sure.
+constexpr const char* kTextTargets[] = {"UTF8_STRING", "text/plain;charset=utf-8", "text/plain", "STRING", "TEXT"};
+/// A file that its source offers to write where we say (XDS).
+constexpr const char* kPromiseTarget = "XdndDirectSave0";
 
-/// Those forms among the first `mostTargets` of `targets` that we can use, in the order of `targets`.
+/// How many of the targets that a program offers are looked at; the longest lists of browsers have some thirty.
+constexpr uint32_t kMaxTargets = 256;
+
+/// Those forms among the first `kMaxTargets` of `targets` that we can use, in the order of `targets`.
 std::vector<DragForm> usableForms(X11Connection& connection, const std::vector<xcb_atom_t>& targets);

@@ -7,8 +7,8 @@
 #include "platform/linux/ScreenCoordinates.h"
 
 namespace {
-constexpr double restAfter = 0.1;  // seconds
-constexpr uint16_t anyButton =
+constexpr double kRestAfter = 0.1;  // seconds
+constexpr uint16_t kAnyButton =
     XCB_BUTTON_MASK_1 | XCB_BUTTON_MASK_2 | XCB_BUTTON_MASK_3 | XCB_BUTTON_MASK_4 | XCB_BUTTON_MASK_5;
 
 double refreshRateAt(QPointF pointer) {
@@ -18,7 +18,7 @@ double refreshRateAt(QPointF pointer) {
 }  // namespace
 
 PointerSampler::PointerSampler(std::shared_ptr<X11Connection> connection, MainLoop& loop)
-    : connection_(std::move(connection)), loop_(loop), self_(std::make_shared<PointerSampler*>(this)) {
+    : connection_(std::move(connection)), loop_(loop) {
     const auto* input = connection_->extension(xcb_input_id);
     if (!input) return;
     events_ = connection_->handle([this, opcode = input->major_opcode](const xcb_generic_event_t& event) {
@@ -28,12 +28,12 @@ PointerSampler::PointerSampler(std::shared_ptr<X11Connection> connection, MainLo
     });
 }
 
-Observation PointerSampler::observe(std::function<void(const Sample&)> observer) {
+Subscription PointerSampler::observe(std::function<void(const Sample&)> observer) {
     if (!timer_) {
         last_ = sample();
         watchMotion();
     }
-    return observers_.add(std::move(observer));
+    return observers_.subscribe(std::move(observer));
 }
 
 PointerSampler::Sample PointerSampler::sample() const {
@@ -42,7 +42,7 @@ PointerSampler::Sample PointerSampler::sample() const {
 }
 
 PointerSampler::Sample PointerSampler::from(const xcb_query_pointer_reply_t& reply) const {
-    return {nativeToModel(QPointF(reply.root_x, reply.root_y)), uint16_t(reply.mask & anyButton), reply.child};
+    return {nativeToModel(QPointF(reply.root_x, reply.root_y)), uint16_t(reply.mask & kAnyButton), reply.child};
 }
 
 void PointerSampler::look() {
@@ -50,13 +50,10 @@ void PointerSampler::look() {
     looking_ = true;
     connection_->answerLater<xcb_query_pointer_reply_t>(
         xcb_query_pointer(connection_->xcb(), connection_->root()),
-        [self = std::weak_ptr(self_)](const XcbPtr<xcb_query_pointer_reply_t>& reply) {
-            const auto sampler = self.lock();
-            if (!sampler) return;
-            (*sampler)->looking_ = false;
-            if (reply && !(*sampler)->timer_ && (*sampler)->differs((*sampler)->from(*reply)))
-                (*sampler)->beginSampling();
-        });
+        lifetime_.guard([this](const XcbPtr<xcb_query_pointer_reply_t>& reply) {
+            looking_ = false;
+            if (reply && !timer_ && differs(from(*reply))) beginSampling();
+        }));
 }
 
 void PointerSampler::watchMotion() {
@@ -67,7 +64,7 @@ void PointerSampler::beginSampling() {
     connection_->selectInputOnRoot(XCB_INPUT_XI_EVENT_MASK_RAW_MOTION, false);
     restingTicks_ = 0;
     const double rate = refreshRateAt(last_.pointer);
-    ticksToRest_ = int(std::ceil(restAfter * rate));
+    ticksToRest_ = int(std::ceil(kRestAfter * rate));
     timer_ = loop_.every(1 / rate, [this] { tick(); });
     reportChange();
 }
@@ -92,10 +89,12 @@ bool PointerSampler::reportChange() {
     const Sample now = sample();
     const bool changed = differs(now);
     last_ = now;
-    if (changed && !observers_.notify(now)) {
+    if (!changed) return false;
+    if (!observers_.hasObservers()) {
         timer_.cancel();
         connection_->selectInputOnRoot(XCB_INPUT_XI_EVENT_MASK_RAW_MOTION, false);
         return false;
     }
-    return changed;
+    observers_.emit(now);
+    return true;
 }

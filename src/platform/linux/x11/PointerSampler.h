@@ -3,6 +3,7 @@
 #include <QPointF>
 #include <memory>
 
+#include "platform/Lifetime.h"
 #include "platform/MainLoop.h"
 #include "platform/linux/x11/X11Connection.h"
 
@@ -19,7 +20,7 @@ class PointerSampler {
     PointerSampler(std::shared_ptr<X11Connection> connection, MainLoop& loop);
 
     /// Calls `observer` for every change of place or buttons while the result lives. What rests costs nothing.
-    [[nodiscard]] Observation observe(std::function<void(const Sample&)> observer);
+    [[nodiscard]] Subscription observe(std::function<void(const Sample&)> observer);
     /// Asks for the present state.
     Sample sample() const;
     /// Notices a pointer that another program has put elsewhere, of which no event tells. Waits for nothing.
@@ -35,13 +36,12 @@ class PointerSampler {
 
     std::shared_ptr<X11Connection> connection_;
     MainLoop& loop_;
-    Observers<const Sample&> observers_;
-    Observation events_;
+    Signal<const Sample&> observers_;
+    Subscription events_;
     TimerHandle timer_;
     Sample last_;
     bool looking_ = false;
     int restingTicks_ = 0;
     int ticksToRest_ = 0;
-    /// Lives as long as this object, for an answer that comes later.
-    std::shared_ptr<PointerSampler*> self_;
+    Lifetime lifetime_;
 };

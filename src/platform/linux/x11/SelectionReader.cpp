@@ -3,9 +3,9 @@
 #include <algorithm>
 
 namespace {
-constexpr uint32_t unit = 4;  // bytes, in which the server counts
+constexpr uint32_t kUnit = 4;  // bytes, in which the server counts
 // What is fetched at once keeps the loop for less than a millisecond.
-constexpr uint32_t sliceBytes = 256 << 10;
+constexpr uint32_t kSliceBytes = 256 << 10;
 }  // namespace
 
 SelectionReader::SelectionReader(std::shared_ptr<X11Connection> connection, MainLoop& loop, const QByteArray& selection,
@@ -30,7 +30,7 @@ void SelectionReader::read(xcb_atom_t target, const Limits& limits, Done done) {
     const xcb_atom_t property = connection_->atom("GLIMMET_SELECTION_" + QByteArray::number(++count_));
     const auto read =
         reads_.insert_or_assign(property, Read{target, limits, std::move(done), false, 0, {}, {}, {}, {}}).first;
-    read->second.end = loop_.after(limits.longest, [this, property] { finish(property, {}); });
+    read->second.end = loop_.after(limits.maxSeconds, [this, property] { finish(property, {}); });
     awaitMore(read);
     xcb_convert_selection(connection_->xcb(), window_, selection_, target, property, time_);
     connection_->flush();
@@ -68,8 +68,9 @@ void SelectionReader::take(xcb_atom_t property) {
     const auto read = reads_.find(property);
     if (read == reads_.end()) return;
     read->second.next.cancel();
-    const auto slice = connection_->ask(xcb_get_property, xcb_get_property_reply, false, window_, property,
-                                        xcb_atom_t(XCB_GET_PROPERTY_TYPE_ANY), read->second.offset, sliceBytes / unit);
+    const auto slice =
+        connection_->ask(xcb_get_property, xcb_get_property_reply, false, window_, property,
+                         xcb_atom_t(XCB_GET_PROPERTY_TYPE_ANY), read->second.offset, kSliceBytes / kUnit);
     const bool missing = !slice || slice->type == XCB_ATOM_NONE;
     if (missing && read->second.inPieces && read->second.offset == 0) return;  // a piece that was taken already
     if (missing) return finish(property, {});
@@ -86,7 +87,7 @@ void SelectionReader::sliceTaken(Reads::iterator read, const xcb_get_property_re
     Data& data = read->second.data;
     const Limits& limits = read->second.limits;
     const int length = xcb_get_property_value_length(&slice);
-    const qsizetype room = limits.mostBytes - data.bytes.size();
+    const qsizetype room = limits.maxBytes - data.bytes.size();
     const qsizetype waiting = length + qsizetype(slice.bytes_after);
     if (waiting > room && !limits.cut) return finish(property, {});
     if (read->second.offset == 0 && slice.bytes_after > 0)
@@ -96,7 +97,7 @@ void SelectionReader::sliceTaken(Reads::iterator read, const xcb_get_property_re
     data.format = slice.format;
     data.bytes.append(static_cast<const char*>(xcb_get_property_value(&slice)), std::min<qsizetype>(length, room));
     if (length > 0 && slice.bytes_after > 0 && !full) {
-        read->second.offset += uint32_t(length) / unit;
+        read->second.offset += uint32_t(length) / kUnit;
         read->second.next = loop_.after(0, [this, property] { take(property); });
         return awaitMore(read);
     }

@@ -17,10 +17,10 @@ class SelectionReader {
     };
     using Done = std::function<void(std::optional<Data>)>;
     struct Limits {
-        double patience;      ///< seconds in which the owner sends nothing
-        double longest = 60;  ///< seconds in all
-        qsizetype mostBytes = 64 << 20;
-        bool cut = false;  ///< whether the first `mostBytes` of a longer answer are wanted
+        double patience;         ///< seconds in which the owner sends nothing
+        double maxSeconds = 60;  ///< in all
+        qsizetype maxBytes = 64 << 20;
+        bool cut = false;  ///< whether the first `maxBytes` of a longer answer are wanted
     };
 
     /// `time` is when `selection` came to its owner or was dropped. `loop` must live longer than this.
@@ -61,7 +61,7 @@ class SelectionReader {
     xcb_atom_t selection_;
     xcb_timestamp_t time_;
     xcb_window_t window_;
-    Observation events_;
+    Subscription events_;
     /// By the property of `window_` that the answer goes to. Each read has its own, so that an answer that comes too
     /// late is not taken for another.
     Reads reads_;

@@ -5,9 +5,9 @@
 namespace {
 // One click can restack many windows and a dragged window moves at every motion, so after a first look at once a while
 // passes before the next.
-constexpr double settleSeconds = 0.1, calmSeconds = 0.3;
+constexpr double kSettleSeconds = 0.1, kCalmSeconds = 0.3;
 // The first is too short for the eye.
-constexpr double firstRest = 0.05, longestRest = 5;
+constexpr double kFirstRest = 0.05, kMaxRest = 5;
 }  // namespace
 
 StackingGuard::StackingGuard(std::shared_ptr<X11Connection> connection, MainLoop& loop, xcb_window_t window,
@@ -18,7 +18,7 @@ StackingGuard::StackingGuard(std::shared_ptr<X11Connection> connection, MainLoop
       clientList_(connection_->atom("_NET_CLIENT_LIST_STACKING")),
       ownWindow_(std::move(ownWindow)),
       screen_(std::move(screen)),
-      nextRest_(firstRest) {
+      nextRest_(kFirstRest) {
     if (const auto* shape = connection_->extension(xcb_shape_id)) shapeNotify_ = shape->first_event + XCB_SHAPE_NOTIFY;
     events_ = connection_->handle([this](const xcb_generic_event_t& event) { handle(event); });
     connection_->selectOnRoot(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY, true);
@@ -53,9 +53,9 @@ void StackingGuard::handle(const xcb_generic_event_t& event) {
 void StackingGuard::lookLater() {
     connection_->selectOnRoot(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY, false);
     if (!busy_) soon_ = loop_.after(0, [this] { check(); });
-    pending_ = loop_.after(settleSeconds, [this] {
+    pending_ = loop_.after(kSettleSeconds, [this] {
         pending_.cancel();
-        busy_ = loop_.after(calmSeconds, [this] { busy_.cancel(); });
+        busy_ = loop_.after(kCalmSeconds, [this] { busy_.cancel(); });
         // Before the look, so that nothing is missed.
         connection_->selectOnRoot(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY, true);
         check();
@@ -70,7 +70,7 @@ void StackingGuard::check() {
     if (windows.place(managed) > place)
         raiseAbove(managed);
     else if (!resting_)
-        nextRest_ = firstRest;
+        nextRest_ = kFirstRest;
 
     const bool covered = windows.cover(screen_(), place, [this](xcb_window_t window) { return foreign(window); });
     if (covered == covered_) return;
@@ -85,7 +85,7 @@ void StackingGuard::raiseAbove(xcb_window_t managed) {
         resting_.cancel();
         check();
     });
-    nextRest_ = std::min(2 * nextRest_, longestRest);
+    nextRest_ = std::min(2 * nextRest_, kMaxRest);
 }
 
 void StackingGuard::settle() {

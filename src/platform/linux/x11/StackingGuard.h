@@ -41,7 +41,7 @@ class StackingGuard {
     std::function<bool(xcb_window_t)> ownWindow_;
     std::function<QRect()> screen_;
     bool covered_ = false;
-    Observation events_;
+    Subscription events_;
     TimerHandle soon_, pending_;
     TimerHandle busy_;     // until nothing has happened for a while
     TimerHandle resting_;  // no raise until it is over

@@ -5,10 +5,10 @@
 
 namespace {
 // So many windows are asked about at once, and no more than so many in all.
-constexpr std::size_t atOnce = 16, atMost = 256;
-constexpr int deepestFrame = 8;
+constexpr std::size_t kMaxAtOnce = 16, kMaxWindows = 256;
+constexpr int kMaxFrameDepth = 8;
 // Some lockers leave the outermost pixels out.
-constexpr int margin = 2;
+constexpr int kMargin = 2;
 }  // namespace
 
 TopLevels::TopLevels(X11Connection& connection) : connection_(connection) {
@@ -39,7 +39,7 @@ std::vector<TopLevels::Kind> TopLevels::kinds(const std::vector<xcb_window_t>& w
 // A manager puts windows into frames, and these are usually none that another manager would manage.
 std::vector<xcb_window_t> TopLevels::framesOf(std::vector<xcb_window_t> clients) const {
     std::vector<xcb_window_t> frames;
-    for (int depth = 0; depth < deepestFrame && !clients.empty(); ++depth) {
+    for (int depth = 0; depth < kMaxFrameDepth && !clients.empty(); ++depth) {
         std::vector<xcb_query_tree_cookie_t> cookies;
         for (const auto window : clients) cookies.push_back(xcb_query_tree(connection_.xcb(), window));
         std::vector<xcb_window_t> parents;
@@ -62,11 +62,11 @@ xcb_window_t TopLevels::highestManaged() const {
     const bool told = !clients.empty();
     if (!told) clients = windows_;
     std::reverse(clients.begin(), clients.end());
-    clients.resize(std::min(clients.size(), atMost));
+    clients.resize(std::min(clients.size(), kMaxWindows));
 
-    for (std::size_t from = 0; from < clients.size(); from += atOnce) {
+    for (std::size_t from = 0; from < clients.size(); from += kMaxAtOnce) {
         const auto first = clients.begin() + std::ptrdiff_t(from);
-        std::vector<xcb_window_t> some(first, first + std::ptrdiff_t(std::min(atOnce, clients.size() - from)));
+        std::vector<xcb_window_t> some(first, first + std::ptrdiff_t(std::min(kMaxAtOnce, clients.size() - from)));
         if (told) some = framesOf(std::move(some));
         const auto kind = kinds(some);
         int highest = -1;
@@ -81,7 +81,7 @@ xcb_window_t TopLevels::highestManaged() const {
 
 xcb_window_t TopLevels::lowestUnmanaged(const std::function<bool(xcb_window_t)>& counts) const {
     const std::vector<xcb_window_t> some(windows_.begin(),
-                                         windows_.begin() + std::ptrdiff_t(std::min(atMost, windows_.size())));
+                                         windows_.begin() + std::ptrdiff_t(std::min(kMaxWindows, windows_.size())));
     const auto kind = kinds(some);
     for (std::size_t i = 0; i < some.size(); ++i) {
         if (kind[i] == Kind::unmanaged && counts(some[i]) && !isDesktop(some[i])) return some[i];
@@ -95,7 +95,7 @@ bool TopLevels::isDesktop(xcb_window_t window) const {
 }
 
 bool TopLevels::cover(const QRect& area, int above, const std::function<bool(xcb_window_t)>& counts) const {
-    const QRect inner = area.adjusted(margin, margin, -margin, -margin);
+    const QRect inner = area.adjusted(kMargin, kMargin, -kMargin, -kMargin);
     std::vector<xcb_window_t> higher;
     for (const auto window : candidates(inner)) {
         if (place(window) > above && counts(window)) higher.push_back(window);
@@ -116,7 +116,8 @@ std::vector<xcb_window_t> TopLevels::candidates(const QRect& area) const {
             cookies.push_back(xcb_translate_coordinates(connection_.xcb(), connection_.root(), connection_.root(),
                                                         int16_t(x), int16_t(y)));
     }
-    std::vector<xcb_window_t> found(windows_.end() - std::ptrdiff_t(std::min(atOnce, windows_.size())), windows_.end());
+    std::vector<xcb_window_t> found(windows_.end() - std::ptrdiff_t(std::min(kMaxAtOnce, windows_.size())),
+                                    windows_.end());
     for (const auto cookie : cookies) {
         const auto reply = connection_.answer(xcb_translate_coordinates_reply, cookie);
         if (reply && reply->child && std::find(found.begin(), found.end(), reply->child) == found.end())
@@ -142,7 +143,7 @@ bool TopLevels::fills(xcb_window_t window, xcb_shape_sk_t kind, const QRect& are
     const auto shape = connection_.ask(xcb_shape_get_rectangles, xcb_shape_get_rectangles_reply, window, kind);
     if (!shape) return true;
     const xcb_rectangle_t* first = xcb_shape_get_rectangles_rectangles(shape.get());
-    const int count = std::min(xcb_shape_get_rectangles_rectangles_length(shape.get()), int(atMost));
+    const int count = std::min(xcb_shape_get_rectangles_rectangles_length(shape.get()), int(kMaxWindows));
     QRegion rest = area;
     std::for_each(first, first + count,
                   [&](const xcb_rectangle_t& part) { rest -= QRect(part.x, part.y, part.width, part.height); });

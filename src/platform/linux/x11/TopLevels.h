@@ -14,7 +14,7 @@ class TopLevels {
  public:
     explicit TopLevels(X11Connection& connection);
 
-    /// How far up a window is; negative for what is no child of the root.
+    /// How far up a window is; negative for what is not a child of the root.
     int place(xcb_window_t window) const;
     /// The highest visible one that belongs to a window which the window manager manages; without a manager that tells,
     /// the highest that would have been managed. 0 for none.

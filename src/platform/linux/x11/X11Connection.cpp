@@ -61,20 +61,20 @@ const xcb_query_extension_reply_t* X11Connection::extension(xcb_extension_t& ext
 }
 
 XcbPtr<xcb_get_property_reply_t> X11Connection::property(xcb_window_t window, const QByteArray& name, xcb_atom_t type,
-                                                         uint32_t most) {
-    return ask(xcb_get_property, xcb_get_property_reply, false, window, atom(name), type, 0, most);
+                                                         uint32_t max) {
+    return ask(xcb_get_property, xcb_get_property_reply, false, window, atom(name), type, 0, max);
 }
 
 std::vector<uint32_t> X11Connection::values(xcb_window_t window, const QByteArray& name, xcb_atom_t type,
-                                            uint32_t most) {
-    const auto reply = property(window, name, type, most);
+                                            uint32_t max) {
+    const auto reply = property(window, name, type, max);
     if (!reply || reply->format != 32) return {};
     const auto* first = static_cast<const uint32_t*>(xcb_get_property_value(reply.get()));
     return {first, first + reply->value_len};
 }
 
-QByteArray X11Connection::bytes(xcb_window_t window, const QByteArray& name, xcb_atom_t type, uint32_t most) {
-    const auto reply = property(window, name, type, most);
+QByteArray X11Connection::bytes(xcb_window_t window, const QByteArray& name, xcb_atom_t type, uint32_t max) {
+    const auto reply = property(window, name, type, max);
     if (!reply || reply->format != 8) return {};
     return {static_cast<const char*>(xcb_get_property_value(reply.get())), int(reply->value_len)};
 }
@@ -106,8 +106,8 @@ void X11Connection::selectInputOnRoot(uint32_t events, bool on) {
 
 // Other programs can cause events faster than they are dealt with, so the rest of the program gets its turn in between.
 void X11Connection::pump() {
-    constexpr int most = 256;
-    for (int handled = 0; handled < most; ++handled) {
+    constexpr int kMaxAtOnce = 256;
+    for (int handled = 0; handled < kMaxAtOnce; ++handled) {
         XcbPtr<xcb_generic_event_t> event;
         if (!queued_.empty()) {
             event = std::move(queued_.front());
@@ -120,7 +120,7 @@ void X11Connection::pump() {
             if (xcb_connection_has_error(connection_)) notifier_->setEnabled(false);
             return;
         }
-        handlers_.notify(*event);
+        handlers_.emit(*event);
     }
     deliverAnswers();
     more_.start();

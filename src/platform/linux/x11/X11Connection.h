@@ -12,7 +12,7 @@
 #include <memory>
 #include <vector>
 
-#include "platform/linux/x11/Observers.h"
+#include "platform/Signal.h"
 #include "platform/linux/x11/XcbReply.h"
 
 /// A connection to the X server beside Qt's: what the whole desktop does arrives here and so costs Qt nothing. Main
@@ -62,29 +62,27 @@ class X11Connection {
         flush();
     }
 
-    /// The 32-bit values of a window's property, the first `most` of them; empty where it has none.
+    /// The 32-bit values of a window's property, the first `max` of them; empty where it has none.
     std::vector<uint32_t> values(xcb_window_t window, const QByteArray& name, xcb_atom_t type,
-                                 uint32_t most = kMostUnits);
-    /// A property as bytes, the first four times `most`; empty where the window has none.
-    QByteArray bytes(xcb_window_t window, const QByteArray& name, xcb_atom_t type, uint32_t most = kMostUnits);
+                                 uint32_t max = kMaxUnits);
+    /// A property as bytes, the first four times `max`; empty where the window has none.
+    QByteArray bytes(xcb_window_t window, const QByteArray& name, xcb_atom_t type, uint32_t max = kMaxUnits);
 
     /// Calls `handler` for every event while the result lives.
-    [[nodiscard]] Observation handle(std::function<void(const xcb_generic_event_t&)> handler) {
-        return handlers_.add(std::move(handler));
+    [[nodiscard]] Subscription handle(std::function<void(const xcb_generic_event_t&)> handler) {
+        return handlers_.subscribe(std::move(handler));
     }
     /// Adds to or takes from the core events that we get for the root window. An event comes while it has a user.
     void selectOnRoot(uint32_t events, bool on);
     /// The same for XInput 2 events of all master devices.
     void selectInputOnRoot(uint32_t events, bool on);
-    /// Whether the server speaks XInput 2.2 or later.
-    bool hasInput2() const { return hasInput2_; }
 
  private:
     X11Connection(xcb_connection_t* connection, int screenNumber);
 
-    static constexpr uint32_t kMostUnits = 1 << 16;
+    static constexpr uint32_t kMaxUnits = 1 << 16;
     XcbPtr<xcb_get_property_reply_t> property(xcb_window_t window, const QByteArray& name, xcb_atom_t type,
-                                              uint32_t most);
+                                              uint32_t max);
     void pump();
     void collectQueued();
     void deliverAnswers();
@@ -92,11 +90,11 @@ class X11Connection {
     xcb_connection_t* connection_;
     int screenNumber_;
     const xcb_screen_t* screen_;
-    bool hasInput2_ = false;
+    bool hasInput2_ = false;  // 2.2 or later
     std::array<int, 32> rootEventUsers_{};
     uint32_t rootInputEvents_ = 0;
     QHash<QByteArray, xcb_atom_t> atoms_;
-    Observers<const xcb_generic_event_t&> handlers_;
+    Signal<const xcb_generic_event_t&> handlers_;
     /// Events that were read along with an answer.
     std::deque<XcbPtr<xcb_generic_event_t>> queued_;
     struct Awaited {

@@ -11,10 +11,10 @@
 
 namespace {
 // A source that lists its targets does so in some milliseconds; a drag is at the creature within half a second.
-constexpr double patience = 0.3;
-constexpr uint32_t lastRealButton = 3;  // the others are wheels, which turn during drags
-constexpr qsizetype targetBytes = qsizetype(mostTargets) * qsizetype(sizeof(xcb_atom_t));
-constexpr char selectionName[] = "XdndSelection";
+constexpr double kPatience = 0.3;
+constexpr uint32_t kLastRealButton = 3;  // the others are wheels, which turn during drags
+constexpr qsizetype kTargetBytes = qsizetype(kMaxTargets) * qsizetype(sizeof(xcb_atom_t));
+constexpr char kSelectionName[] = "XdndSelection";
 }  // namespace
 
 X11DragPasteboard::X11DragPasteboard(std::shared_ptr<X11Connection> connection, MainLoop& loop,
@@ -22,7 +22,7 @@ X11DragPasteboard::X11DragPasteboard(std::shared_ptr<X11Connection> connection, 
     : connection_(std::move(connection)),
       loop_(loop),
       ownWindow_(std::move(ownWindow)),
-      selection_(connection_->atom(selectionName)) {
+      selection_(connection_->atom(kSelectionName)) {
     const auto* fixes = connection_->extension(xcb_xfixes_id);
     if (!fixes || !connection_->ask(xcb_xfixes_query_version, xcb_xfixes_query_version_reply, 1, 0)) return;
     firstEvent_ = fixes->first_event;
@@ -42,7 +42,7 @@ void X11DragPasteboard::handle(const xcb_generic_event_t& event) {
         if (notify.selection == selection_) setOwner(notify.owner, notify.selection_timestamp);
     } else if (code(event) == XCB_GE_GENERIC && as<xcb_ge_generic_event_t>(event).extension == inputOpcode_) {
         const auto& raw = as<xcb_input_raw_button_press_event_t>(event);
-        const bool press = raw.event_type == XCB_INPUT_RAW_BUTTON_PRESS && raw.detail <= lastRealButton;
+        const bool press = raw.event_type == XCB_INPUT_RAW_BUTTON_PRESS && raw.detail <= kLastRealButton;
         // Not every source gives the selection up after a drag, but no drag outlives the next press.
         if (press && owner_ != XCB_NONE) setOwner(XCB_NONE, XCB_CURRENT_TIME);
     }
@@ -62,8 +62,8 @@ void X11DragPasteboard::canReadUsable(std::function<void(bool usable)> answer) {
         return;
     }
     none_.cancel();
-    reader_ = std::make_unique<SelectionReader>(connection_, loop_, selectionName, since_);
-    reader_->read(connection_->atom("TARGETS"), {.patience = patience, .mostBytes = targetBytes, .cut = true},
+    reader_ = std::make_unique<SelectionReader>(connection_, loop_, kSelectionName, since_);
+    reader_->read(connection_->atom("TARGETS"), {.patience = kPatience, .maxBytes = kTargetBytes, .cut = true},
                   [this](const auto& data) {
                       if (!data || data->format != 32 || data->bytes.isEmpty()) return finish(usableByTypeList());
                       std::vector<xcb_atom_t> targets(size_t(data->bytes.size()) / sizeof(xcb_atom_t));
@@ -73,7 +73,7 @@ void X11DragPasteboard::canReadUsable(std::function<void(bool usable)> answer) {
 }
 
 bool X11DragPasteboard::usableByTypeList() {
-    const auto types = connection_->values(owner_, "XdndTypeList", XCB_ATOM_ATOM, mostTargets);
+    const auto types = connection_->values(owner_, "XdndTypeList", XCB_ATOM_ATOM, kMaxTargets);
     return types.empty() || usable(types);
 }
 

@@ -30,7 +30,7 @@ class X11DragPasteboard : public DragPasteboard {
     xcb_atom_t selection_;
     int firstEvent_ = -1;
     int inputOpcode_ = -1;
-    Observation events_;
+    Subscription events_;
     int changeCount_ = 0;
     xcb_window_t owner_ = XCB_NONE;
     xcb_timestamp_t since_ = XCB_CURRENT_TIME;

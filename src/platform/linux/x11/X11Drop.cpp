@@ -3,24 +3,17 @@
 #include <QSysInfo>
 #include <algorithm>
 
+#include "platform/DropTypes.h"
 #include "platform/FileUrls.h"
 
 namespace {
 using Limits = SelectionReader::Limits;
-constexpr Limits wholeForm{.patience = 5};
+constexpr Limits kWholeForm{.patience = 5};
 // Far more than a note can hold.
-constexpr Limits beginningOfText{.patience = 5, .mostBytes = 1 << 20, .cut = true};
+constexpr Limits kBeginningOfText{.patience = 5, .maxBytes = 1 << 20, .cut = true};
 // Who awaits the file sees whether it grows, and knows better when to give up.
-constexpr Limits oneWord{.patience = 3600, .longest = 3600, .mostBytes = 16};
-constexpr uint32_t nameUnits = 1024;  // of four bytes
-constexpr char promiseTarget[] = "XdndDirectSave0";
-/// The forms of text, from the one whose meaning is surest to that whose is least sure.
-constexpr const char* textTargets[] = {"UTF8_STRING", "text/plain;charset=utf-8", "text/plain", "STRING", "TEXT"};
-
-QString textType() {
-    return QStringLiteral("text/plain;charset=utf-8");
-}
-
+constexpr Limits kOneWord{.patience = 3600, .maxSeconds = 3600, .maxBytes = 16};
+constexpr uint32_t kNameUnits = 1024;  // of four bytes
 }  // namespace
 
 void sendXdndFinished(X11Connection& connection, const XdndPeers& peers, bool taken) {
@@ -46,7 +39,7 @@ X11Drop::X11Drop(std::shared_ptr<X11Connection> connection, MainLoop& loop, cons
     const bool promises = std::any_of(forms_.begin(), forms_.end(),
                                       [](const DragForm& form) { return form.kind == DragForm::Kind::promise; });
     if (!promises) return;
-    const QByteArray name = connection_->bytes(peers_.source, promiseTarget, XCB_GET_PROPERTY_TYPE_ANY, nameUnits);
+    const QByteArray name = connection_->bytes(peers_.source, kPromiseTarget, XCB_GET_PROPERTY_TYPE_ANY, kNameUnits);
     if (!name.isEmpty()) promisedName_ = name;
 }
 
@@ -58,23 +51,23 @@ QStringList X11Drop::types() const {
     QStringList result;
     for (const DragForm& form : forms_) {
         if (form.kind == DragForm::Kind::promise || (form.kind == DragForm::Kind::contents && !promisedName_)) continue;
-        const QString type = form.kind == DragForm::Kind::text ? textType() : QString::fromLatin1(form.target);
+        const QString type = form.kind == DragForm::Kind::text ? DropTypes::kText : QString::fromLatin1(form.target);
         if (!result.contains(type)) result.append(type);
     }
     return result;
 }
 
 void X11Drop::load(const QString& type, Loaded done) {
-    if (type == textType()) {
+    if (type == DropTypes::kText) {
         std::vector<QByteArray> targets;
-        for (const char* target : textTargets) {
+        for (const char* target : kTextTargets) {
             if (std::any_of(forms_.begin(), forms_.end(),
                             [&](const auto& form) { return !qstrcmp(form.target, target); }))
                 targets.emplace_back(target);
         }
         return loadText(std::move(targets), std::move(done));
     }
-    reader_.read(connection_->atom(type.toUtf8()), wholeForm, [this, done = std::move(done)](const auto& data) {
+    reader_.read(connection_->atom(type.toUtf8()), kWholeForm, [this, done = std::move(done)](const auto& data) {
         const bool usable = data && data->format == 8 && !data->bytes.isEmpty();
         taken_ |= usable;
         done(usable ? std::optional(data->bytes) : std::nullopt);
@@ -85,7 +78,7 @@ void X11Drop::loadText(std::vector<QByteArray> targets, Loaded done) {
     if (targets.empty()) return done({});
     const QByteArray target = targets.front();
     targets.erase(targets.begin());
-    reader_.read(connection_->atom(target), beginningOfText,
+    reader_.read(connection_->atom(target), kBeginningOfText,
                  [this, target, rest = std::move(targets), done = std::move(done)](const auto& data) {
                      const auto text = data ? utf8(target, *data) : std::nullopt;
                      taken_ |= text.has_value();
@@ -107,7 +100,7 @@ std::optional<QByteArray> X11Drop::utf8(const QByteArray& target, const Selectio
 
 void X11Drop::savePromise(const QUrl& target, std::function<void(bool saved)> done) {
     setPromisedFile("file://" + QSysInfo::machineHostName().toUtf8() + pathOf(target).toPercentEncoding("/"));
-    reader_.read(connection_->atom(promiseTarget), oneWord, [this, done = std::move(done)](const auto& data) {
+    reader_.read(connection_->atom(kPromiseTarget), kOneWord, [this, done = std::move(done)](const auto& data) {
         const bool saved = data && data->format == 8 && data->bytes == "S";
         taken_ |= saved;
         done(saved);
@@ -116,7 +109,7 @@ void X11Drop::savePromise(const QUrl& target, std::function<void(bool saved)> do
 
 // An empty one tells the source that its file is nowhere.
 void X11Drop::setPromisedFile(const QByteArray& uri) {
-    xcb_change_property(connection_->xcb(), XCB_PROP_MODE_REPLACE, peers_.source, connection_->atom(promiseTarget),
+    xcb_change_property(connection_->xcb(), XCB_PROP_MODE_REPLACE, peers_.source, connection_->atom(kPromiseTarget),
                         connection_->atom("text/plain"), 8, uint32_t(uri.size()), uri.constData());
     connection_->flush();
 }

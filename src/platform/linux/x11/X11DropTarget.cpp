@@ -9,7 +9,7 @@
 namespace {
 // A source has this long to tell whether letting go of the button was a drop; afterwards the panel no longer expects
 // one, though it would still take it.
-constexpr double secondsToEnd = 3;
+constexpr double kSecondsToEnd = 3;
 }  // namespace
 
 X11DropTarget::X11DropTarget(std::shared_ptr<X11Connection> connection, MainLoop& loop, xcb_window_t window,
@@ -55,7 +55,7 @@ void X11DropTarget::entered(const xcb_client_message_data_t& message) {
     // Three types fit into the message; where there are more, all are in the property.
     const bool more = message.data32[1] & 1;
     std::vector<xcb_atom_t> types;
-    if (more) types = connection_->values(source_, "XdndTypeList", XCB_ATOM_ATOM, mostTargets);
+    if (more) types = connection_->values(source_, "XdndTypeList", XCB_ATOM_ATOM, kMaxTargets);
     if (types.empty()) types.assign(message.data32 + 2, message.data32 + 5);
     forms_ = usableForms(*connection_, types);
     connection_->selectInputOnRoot(XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_RELEASE, true);
@@ -88,7 +88,7 @@ void X11DropTarget::watch(const xcb_generic_event_t& event) {
         forgetSource();
     } else if (code(event) == XCB_GE_GENERIC && as<xcb_ge_generic_event_t>(event).extension == inputOpcode_ &&
                as<xcb_ge_generic_event_t>(event).event_type == XCB_INPUT_RAW_BUTTON_RELEASE) {
-        if (targeted_) end_ = loop_.after(secondsToEnd, [this] { setTargeted(false); });
+        if (targeted_) end_ = loop_.after(kSecondsToEnd, [this] { setTargeted(false); });
     }
 }
 

@@ -35,7 +35,7 @@ class X11DropTarget : private QAbstractNativeEventFilter {
     xcb_window_t window_;
     PanelWindow& panel_;
     int inputOpcode_ = -1;
-    Observation events_;
+    Subscription events_;
     xcb_window_t source_ = XCB_NONE;
     std::vector<DragForm> forms_;
     bool targeted_ = false;

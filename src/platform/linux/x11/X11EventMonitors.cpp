@@ -9,7 +9,7 @@
 #include "platform/linux/x11/Xkb.h"
 
 namespace {
-constexpr int leftButton = 1, rightButton = 3;
+constexpr int kLeftButton = 1, kRightButton = 3;
 
 /// The step of a wheel's button; null for other buttons.
 QPointF wheelStep(int button) {
@@ -97,16 +97,16 @@ void X11EventMonitors::pressed(int button) {
     const auto sample = sampler_->sample();
     const bool elsewhere = !ownWindow_(sample.window);
     if (elsewhere && onPressElsewhere) onPressElsewhere();
-    if (button != rightButton) return;
+    if (button != kRightButton) return;
     rightPressElsewhere_ = elsewhere ? std::optional(sample.pointer) : std::nullopt;
 }
 
 void X11EventMonitors::released(int button) {
-    if (button == leftButton && onLeftMouseUp) onLeftMouseUp(pointerLocation());
+    if (button == kLeftButton && onLeftMouseUp) onLeftMouseUp(pointerLocation());
     // What moved with a button held was no move of the mouse alone; where that has led is told now, since a pointer
     // that rests from here on is not heard of again.
     if (const auto sample = sampler_->sample(); !sample.buttons) pointerAt(sample.pointer);
-    if (button != rightButton) return;
+    if (button != kRightButton) return;
     const auto press = std::exchange(rightPressElsewhere_, std::nullopt);
     if (press && onRightMouseDown) onRightMouseDown(*press);
 }

@@ -31,8 +31,8 @@ class X11EventMonitors : public EventMonitors {
     std::shared_ptr<X11Connection> connection_;
     std::shared_ptr<PointerSampler> sampler_;
     std::function<bool(xcb_window_t)> ownWindow_;
-    Observation events_;
-    Observation samples_;
+    Subscription events_;
+    Subscription samples_;
     int inputOpcode_ = -1;
     int keyboardEvent_ = -1;
     QPointF lastMoved_;

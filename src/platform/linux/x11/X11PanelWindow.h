@@ -65,7 +65,7 @@ class X11PanelWindow : public QtPanelWindow, private QAbstractNativeEventFilter 
     QImage picture_;                // what the window shows
     uint8_t depth_ = 0;
     xcb_gcontext_t context_ = XCB_NONE;
-    Observation drags_;
+    Subscription drags_;
     std::unique_ptr<StackingGuard> stacking_;
     std::unique_ptr<X11DropTarget> drops_;
 };

@@ -4,16 +4,16 @@
 #include <QStandardPaths>
 #include <algorithm>
 
-#include "platform/linux/Openers.h"
-#include "platform/linux/Programs.h"
+#include "platform/linux/freedesktop/Openers.h"
+#include "platform/linux/freedesktop/Programs.h"
 
 namespace {
 // The focus may wander through several windows before it rests, and some programs never let it rest.
-constexpr double settleSeconds = 0.1;
+constexpr double kSettleSeconds = 0.1;
 }  // namespace
 
 X11Workspace::X11Workspace(std::shared_ptr<X11Connection> connection, MainLoop& loop, BackgroundQueue& queue)
-    : connection_(std::move(connection)), loop_(loop), queue_(queue), self_(std::make_shared<X11Workspace*>(this)) {}
+    : connection_(std::move(connection)), loop_(loop), queue_(queue), jobs_(queue, loop) {}
 
 X11Workspace::~X11Workspace() {
     if (events_) connection_->selectOnRoot(XCB_EVENT_MASK_PROPERTY_CHANGE, false);
@@ -25,7 +25,7 @@ void X11Workspace::start() {
         if (code(event) != XCB_PROPERTY_NOTIFY || pending_) return;
         const auto& notify = as<xcb_property_notify_event_t>(event);
         if (notify.window == connection_->root() && std::find(atoms.begin(), atoms.end(), notify.atom) != atoms.end())
-            pending_ = loop_.after(settleSeconds, [this] { windowsChanged(); });
+            pending_ = loop_.after(kSettleSeconds, [this] { windowsChanged(); });
     });
     connection_->selectOnRoot(XCB_EVENT_MASK_PROPERTY_CHANGE, true);
     const auto active = connection_->values(connection_->root(), "_NET_ACTIVE_WINDOW", XCB_ATOM_WINDOW);
@@ -72,7 +72,7 @@ QList<ApplicationWindow> X11Workspace::applicationWindows() {
 }
 
 void X11Workspace::activateOrOpenTerminal(const QString& displayName) {
-    queue_.run([&loop = loop_, self = std::weak_ptr(self_), displayName, windows = applicationWindows()] {
+    const auto choose = [displayName, windows = applicationWindows()] {
         const auto findProgram = [](const QString& program) {
             return QFileInfo(QStandardPaths::findExecutable(program)).canonicalFilePath();
         };
@@ -81,10 +81,10 @@ void X11Workspace::activateOrOpenTerminal(const QString& displayName) {
         QList<QByteArray> command;
         for (const QString& word : choice.command) command.append(word.toLocal8Bit());
         if (!command.isEmpty()) startProgram(command);
-        if (!choice.window) return;
-        loop.post([self, window = choice.window] {
-            if (const auto workspace = self.lock()) (*workspace)->activate(window);
-        });
+        return choice.window;
+    };
+    jobs_.run(choose, [this](xcb_window_t window) {
+        if (window) activate(window);
     });
 }
 

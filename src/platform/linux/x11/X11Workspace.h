@@ -2,10 +2,9 @@
 
 #include <memory>
 
-#include "platform/BackgroundQueue.h"
-#include "platform/MainLoop.h"
+#include "platform/BackgroundJobs.h"
 #include "platform/Workspace.h"
-#include "platform/linux/TerminalChoice.h"
+#include "platform/linux/freedesktop/TerminalChoice.h"
 #include "platform/linux/x11/X11Connection.h"
 
 /// The other programs as their windows and the window manager tell of them. Without a window manager that keeps the
@@ -29,10 +28,9 @@ class X11Workspace : public Workspace {
     std::shared_ptr<X11Connection> connection_;
     MainLoop& loop_;
     BackgroundQueue& queue_;
-    Observation events_;
+    Subscription events_;
     TimerHandle pending_;
     /// What tells the active application from others; empty before any was active and when it was closed.
     QByteArray activeApplication_;
-    /// Lives as long as this object, for what comes back from the queue.
-    std::shared_ptr<X11Workspace*> self_;
+    BackgroundJobs jobs_;
 };

@@ -25,9 +25,9 @@ QByteArray settings() {
                                   atom(connection.get(), "_XSETTINGS_S" + QByteArray::number(screen)));
     if (!owner || owner->owner == XCB_WINDOW_NONE) return {};
     const xcb_atom_t name = atom(connection.get(), "_XSETTINGS_SETTINGS");
-    constexpr uint32_t longest = 1 << 16;  // words
+    constexpr uint32_t kMaxLength = 1 << 16;  // words
     const auto property = awaitReply(connection.get(), xcb_get_property, xcb_get_property_reply, false, owner->owner,
-                                     name, name, 0U, longest);
+                                     name, name, 0U, kMaxLength);
     if (!property || property->format != 8) return {};
     return {static_cast<const char*>(xcb_get_property_value(property.get())),
             xcb_get_property_value_length(property.get())};

@@ -1,9 +1,6 @@
 #pragma once
 
-#include <memory>
-
-#include "platform/BackgroundQueue.h"
-#include "platform/MainLoop.h"
+#include "platform/BackgroundJobs.h"
 #include "platform/Pasteboard.h"
 #include "platform/Sharing.h"
 
@@ -12,7 +9,7 @@
 class DesktopSharing : public Sharing {
  public:
     DesktopSharing(BackgroundQueue& queue, MainLoop& loop, Pasteboard& pasteboard)
-        : queue_(queue), loop_(loop), pasteboard_(pasteboard) {}
+        : queue_(queue), loop_(loop), pasteboard_(pasteboard), jobs_(queue, loop) {}
 
     /// `found` is called within two seconds; what has not answered by then is left out. After the end of this object it
     /// is not called any more.
@@ -22,6 +19,6 @@ class DesktopSharing : public Sharing {
     BackgroundQueue& queue_;
     MainLoop& loop_;
     Pasteboard& pasteboard_;
-    /// For what comes back from the queue.
-    std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
+    BackgroundJobs jobs_;
+    Lifetime lifetime_;
 };

@@ -1,10 +1,10 @@
-#include "platform/linux/TerminalChoice.h"
+#include "platform/linux/freedesktop/TerminalChoice.h"
 
 #include <QFileInfo>
 #include <QProcess>
 #include <algorithm>
 
-#include "platform/linux/ApplicationNames.h"
+#include "platform/linux/freedesktop/ApplicationNames.h"
 
 namespace {
 struct Terminal {

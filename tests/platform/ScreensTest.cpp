@@ -17,13 +17,9 @@ class TwoScreens : public testing::Test {
 };
 
 TEST_F(TwoScreens, HaveTheModelsOriginAtTheMainOnesBottomLeft) {
-    const struct {
-        QRectF qt, model;
-    } rectangles[] = {
-        {{1000, 200, 800, 600}, {0, 0, 800, 600}},
-        {{0, 0, 1000, 1080}, {-1000, -280, 1000, 1080}},
-        {{1300, 200, 100.5, 30}, {300, 570, 100.5, 30}},
-    };
+    const std::pair<QRectF, QRectF> rectangles[] = {{{1000, 200, 800, 600}, {0, 0, 800, 600}},
+                                                    {{0, 0, 1000, 1080}, {-1000, -280, 1000, 1080}},
+                                                    {{1300, 200, 100.5, 30}, {300, 570, 100.5, 30}}};
     for (const auto& [qt, model] : rectangles) {
         EXPECT_EQ(toModel(qt), model);
         EXPECT_EQ(toQt(model), qt);
@@ -33,13 +29,14 @@ TEST_F(TwoScreens, HaveTheModelsOriginAtTheMainOnesBottomLeft) {
 }
 
 TEST_F(TwoScreens, ScaleNativePointsByTheirOwnRatio) {
-    const struct {
-        QPointF native, model;
-    } points[] = {
-        {{1000, 200}, {0, 600}},   {{1400, 600}, {200, 400}}, {{2599, 1399}, {799.5, 0.5}},  {{999, 0}, {-1, 800}},
-        {{999, 1079}, {-1, -279}}, {{0, 500}, {-1000, 300}},  {{5000, 5000}, {2000, -1800}},  // on no screen: as if the
-                                                                                              // main one went on
-    };
+    const std::pair<QPointF, QPointF> points[] = {{{1000, 200}, {0, 600}},
+                                                  {{1400, 600}, {200, 400}},
+                                                  {{2599, 1399}, {799.5, 0.5}},
+                                                  {{999, 0}, {-1, 800}},
+                                                  {{999, 1079}, {-1, -279}},
+                                                  {{0, 500}, {-1000, 300}},
+                                                  // On no screen: as if the main one went on.
+                                                  {{5000, 5000}, {2000, -1800}}};
     for (const auto& [native, model] : points)
         EXPECT_EQ(nativeToModel(native), model) << native.x() << ',' << native.y();
 }
@@ -53,9 +50,31 @@ TEST_F(TwoScreens, HaveTheUsersHousingWhereItWasWritten) {
     ASSERT_EQ(found.size(), 2);
     EXPECT_TRUE(found.contains(
         Screen{{0, 0, 800, 600}, QRectF(0, 570, 300, 30), QRectF(500, 570, 300, 30), true, {1000, 200, 1600, 1200}}));
+    EXPECT_TRUE(found.contains(Screen{{-1000, -280, 1000, 1080}, {}, {}, false, {0, 0, 1000, 1080}}));
     preferences.setText(QStringLiteral("glimmet.notchScreen"), QStringLiteral("B"));
     for (const Screen& screen : QtScreens(preferences, loop).screens())
         EXPECT_NE(screen.main, screen.auxiliaryTopLeftArea.has_value()) << "whichever is the main one today";
-    EXPECT_TRUE(found.contains(Screen{{-1000, -280, 1000, 1080}, {}, {}, false, {0, 0, 1000, 1080}}));
+}
+
+TEST(QtScreens, AnnounceSeveralChangesOnceAndHaveNoOddHousing) {
+    MemoryPreferences preferences;
+    ManualClock clock;
+    ManualLoop loop(clock);
+    QtScreens screens(preferences, loop);
+    int calls = 0;
+    screens.onChange = [&] { ++calls; };
+    QScreen* screen = QGuiApplication::primaryScreen();
+    for (int i = 1; i <= 2; ++i) {
+        Q_EMIT screen->geometryChanged({});
+        Q_EMIT qGuiApp->primaryScreenChanged(screen);
+        Q_EMIT screen->geometryChanged({});
+        EXPECT_EQ(calls, i - 1) << "not in the middle of it";
+        loop.advance(0.1);
+        EXPECT_EQ(calls, i);
+    }
+    for (const char* odd : {"none", "200", "x", "99999x9", "200x38x2", "-1x3", "0x0", "200x0", "00x38", "2000x38"}) {
+        preferences.setText(QStringLiteral("glimmet.notch"), QLatin1String(odd));
+        EXPECT_FALSE(screens.screens().first().auxiliaryTopLeftArea) << odd;
+    }
 }
 }  // namespace

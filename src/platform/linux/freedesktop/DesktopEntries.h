@@ -29,5 +29,5 @@ QList<QByteArray> commandFor(const DesktopEntry& entry, const QUrl& thing);
 QList<DesktopEntry> installedApplications();
 
 /// Those for one of `types`, MIME types or "x-scheme-handler/…", that need no terminal, best first: those for the first
-/// type, with the user's default before the others. At most `most`. Reads many files: only away from the main thread.
-QList<DesktopEntry> applicationsFor(const QStringList& types, int most);
+/// type, with the user's default before the others. At most `max`. Reads many files: only away from the main thread.
+QList<DesktopEntry> applicationsFor(const QStringList& types, int max);

@@ -1,8 +1,8 @@
-#include "platform/linux/Openers.h"
+#include "platform/linux/freedesktop/Openers.h"
 
 #include "platform/FileUrls.h"
 #include "platform/linux/MessageBus.h"
-#include "platform/linux/Programs.h"
+#include "platform/linux/freedesktop/Programs.h"
 
 namespace {
 constexpr double kFileManagersPatience = 3;  // seconds

@@ -1,4 +1,4 @@
-#include "platform/linux/DesktopIcons.h"
+#include "platform/linux/freedesktop/DesktopIcons.h"
 
 #include <malloc.h>
 
@@ -9,10 +9,10 @@
 #include <mutex>
 
 #include "platform/FileUrls.h"
-#include "platform/linux/IconTheme.h"
-#include "platform/linux/KeyFile.h"
-#include "platform/linux/MimeTypes.h"
-#include "platform/linux/Thumbnails.h"
+#include "platform/linux/freedesktop/IconTheme.h"
+#include "platform/linux/freedesktop/KeyFile.h"
+#include "platform/linux/freedesktop/MimeTypes.h"
+#include "platform/linux/freedesktop/Thumbnails.h"
 
 struct DesktopIcons::LazyTheme {
     std::once_flag once;
@@ -40,7 +40,7 @@ QStringList iconNames(const QByteArray& path) {
 
 QImage renderSvg(const QString& path, int pixels) {
     QFile file(path);
-    if (!file.open(QFile::ReadOnly) || file.size() > kLargestPictureFile) return {};
+    if (!file.open(QFile::ReadOnly) || file.size() > kMaxPictureFile) return {};
     QSvgRenderer renderer(file.readAll());
     if (!renderer.isValid()) return {};
     QImage image(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
@@ -58,14 +58,14 @@ QImage find(const IconTheme& theme, const QByteArray& path, int pixels) {
 }  // namespace
 
 DesktopIcons::DesktopIcons(BackgroundQueue& queue, MainLoop& loop)
-    : queue_(queue), loop_(loop), theme_(std::make_shared<LazyTheme>()) {}
+    : theme_(std::make_shared<LazyTheme>()), jobs_(queue, loop) {}
 
 DesktopIcons::~DesktopIcons() = default;
 
 void DesktopIcons::find(const QUrl& file, int pixels, std::function<void(const QImage&)> done) {
-    constexpr int most = 512;
-    queue_.run([&loop = loop_, weak = std::weak_ptr(theme_), path = pathOf(file), size = std::clamp(pixels, 1, most),
-                done = std::move(done)] {
+    constexpr int kMaxPixels = 512;
+    // Nobody waits for the rest once the theme is gone with this object.
+    const auto look = [weak = std::weak_ptr(theme_), path = pathOf(file), size = std::clamp(pixels, 1, kMaxPixels)] {
         QImage image;
         if (const auto theme = weak.lock(); theme && path.startsWith('/')) {
             image = thumbnailOf(path, size);
@@ -73,8 +73,7 @@ void DesktopIcons::find(const QUrl& file, int pixels, std::function<void(const Q
         }
         // An icon theme's picture may be ten times as large as what is made of it, and this program stays for long.
         ::malloc_trim(0);
-        loop.post([weak, image, done] {
-            if (!weak.expired()) done(image);
-        });
-    });
+        return image;
+    };
+    jobs_.run(look, std::move(done));
 }

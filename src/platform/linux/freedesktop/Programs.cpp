@@ -1,6 +1,5 @@
-#include "platform/linux/Programs.h"
+#include "platform/linux/freedesktop/Programs.h"
 
-#include <fcntl.h>
 #include <linux/close_range.h>
 #include <signal.h>
 #include <sys/wait.h>
@@ -9,6 +8,8 @@
 #include <QFile>
 #include <QStandardPaths>
 #include <vector>
+
+#include "platform/Descriptor.h"
 
 namespace {
 
@@ -48,17 +49,16 @@ bool startProgram(const QList<QByteArray>& command) {
     arguments.push_back(nullptr);
 
     // Closed by a successful exec; else it tells of the failure.
-    int failure[2];
-    if (pipe2(failure, O_CLOEXEC) != 0) return false;
+    int ends[2];
+    if (pipe2(ends, O_CLOEXEC) != 0) return false;
+    const Descriptor failure(ends[0]);
+    Descriptor theirs(ends[1]);
     const pid_t child = fork();
-    if (child == 0) becomeParentOf(arguments.data(), failure[1]);
-    close(failure[1]);
+    if (child == 0) becomeParentOf(arguments.data(), theirs.get());
+    theirs = Descriptor();
     int status = -1;
     if (child > 0) {
         while (waitpid(child, &status, 0) < 0 && errno == EINTR) continue;
     }
-    char failed = 0;
-    while (status == 0 && read(failure[0], &failed, 1) < 0 && errno == EINTR) continue;
-    close(failure[0]);
-    return status == 0 && !failed;
+    return status == 0 && readUpTo(failure.get(), 1) == QByteArray();
 }

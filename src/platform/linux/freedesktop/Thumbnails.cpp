@@ -1,4 +1,4 @@
-#include "platform/linux/Thumbnails.h"
+#include "platform/linux/freedesktop/Thumbnails.h"
 
 #include <sys/stat.h>
 
@@ -42,14 +42,14 @@ QByteArrayList addressesOf(const QByteArray& path) {
 /// breaks off.
 QByteArray pictureAndText(const QByteArray& png) {
     constexpr qsizetype kSignature = 8, kFrame = 12;  // bytes; the frame of a chunk is its length, kind and checksum
-    constexpr const char* kKept[] = {"IHDR", "PLTE", "tRNS", "tEXt", "IDAT", "IEND"};
-    QByteArray kept = png.left(kSignature);
+    constexpr const char* kWanted[] = {"IHDR", "PLTE", "tRNS", "tEXt", "IDAT", "IEND"};
+    QByteArray wanted = png.left(kSignature);
     for (qsizetype at = kSignature; at + kFrame <= png.size();) {
         const qsizetype end = at + kFrame + qFromBigEndian<quint32>(png.constData() + at);
         if (end > png.size()) break;
         const QByteArrayView kind(png.constData() + at + 4, 4);
-        if (std::ranges::find(kKept, kind) != std::end(kKept)) kept.append(png.constData() + at, end - at);
-        if (kind == "IEND") return kept;
+        if (std::ranges::find(kWanted, kind) != std::end(kWanted)) wanted.append(png.constData() + at, end - at);
+        if (kind == "IEND") return wanted;
         at = end;
     }
     return {};
@@ -57,14 +57,14 @@ QByteArray pictureAndText(const QByteArray& png) {
 }  // namespace
 
 QImage readPng(const QString& path) {
-    constexpr int most = 1024;
+    constexpr int kMaxSize = 1024;
     QFile file(path);
-    if (path.isEmpty() || !file.open(QFile::ReadOnly) || file.size() > kLargestPictureFile) return {};
+    if (path.isEmpty() || !file.open(QFile::ReadOnly) || file.size() > kMaxPictureFile) return {};
     QByteArray picture = pictureAndText(file.readAll());
     QBuffer buffer(&picture);
     QImageReader reader(&buffer, "png");
     const QSize size = reader.size();
-    if (!size.isValid() || size.width() > most || size.height() > most) return {};
+    if (!size.isValid() || size.width() > kMaxSize || size.height() > kMaxSize) return {};
     return reader.read();
 }
 

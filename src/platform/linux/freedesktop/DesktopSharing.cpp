@@ -1,9 +1,9 @@
-#include "platform/linux/DesktopSharing.h"
+#include "platform/linux/freedesktop/DesktopSharing.h"
 
 #include <array>
 
 #include "platform/FileUrls.h"
-#include "platform/linux/ShareTargets.h"
+#include "platform/linux/freedesktop/ShareTargets.h"
 
 namespace {
 constexpr double kPatience = 2;
@@ -37,17 +37,14 @@ ShareOffer copying(Pasteboard& pasteboard, const QUrl& thing) {
 
 void DesktopSharing::offers(const QUrl& thing, std::function<void(const QList<ShareOffer>&)> found) {
     const auto gathering = std::make_shared<Gathering>();
-    gathering->found = [alive = std::weak_ptr(alive_), found = std::move(found)](const QList<ShareOffer>& all) {
-        if (!alive.expired()) found(all);
-    };
+    gathering->found = lifetime_.guard(std::move(found));
     const ShareOffer copy = copying(pasteboard_, thing);
     gathering->timeout = loop_.after(kPatience, [gathering, copy] { gathering->finish(copy); });
     for (size_t i = 0; i < kFinders.size(); ++i) {
-        queue_.run([&queue = queue_, &loop = loop_, gathering, copy, thing, i] {
-            loop.post([gathering, copy, i, part = kFinders[i](queue, thing)] {
-                gathering->parts[i] = part;
-                if (--gathering->missing == 0) gathering->finish(copy);
-            });
-        });
+        const auto take = [gathering, copy, i](const QList<ShareOffer>& part) {
+            gathering->parts[i] = part;
+            if (--gathering->missing == 0) gathering->finish(copy);
+        };
+        jobs_.run([&queue = queue_, thing, i] { return kFinders[i](queue, thing); }, take);
     }
 }

@@ -2,9 +2,8 @@
 
 #include <memory>
 
-#include "platform/BackgroundQueue.h"
+#include "platform/BackgroundJobs.h"
 #include "platform/FileIcons.h"
-#include "platform/MainLoop.h"
 
 /// Pictures from the desktop's thumbnails and icon theme. No file of the user's own is decoded, and everything slow is
 /// done on the queue. The theme is the one at the time of the first call. Both parameters must outlive the object, and
@@ -20,7 +19,6 @@ class DesktopIcons : public FileIcons {
  private:
     struct LazyTheme;
 
-    BackgroundQueue& queue_;
-    MainLoop& loop_;
     std::shared_ptr<LazyTheme> theme_;
+    BackgroundJobs jobs_;
 };

@@ -5,9 +5,9 @@
 
 // Small pictures from files that this desktop's own programs have made. Only away from the main thread.
 
-constexpr qint64 kLargestPictureFile = 4 << 20;  // bytes
+constexpr qint64 kMaxPictureFile = 4 << 20;  // bytes
 
-/// Null for what is no PNG, is larger than kLargestPictureFile, or has more than 1024 pixels in a direction. Of
+/// Null for what is not a PNG, is larger than kMaxPictureFile, or has more than 1024 pixels in a direction. Of
 /// its texts it knows those that are not compressed.
 QImage readPng(const QString& path);
 

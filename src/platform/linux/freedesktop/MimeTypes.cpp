@@ -1,10 +1,9 @@
-#include "platform/linux/MimeTypes.h"
-
-#include <fcntl.h>
-#include <sys/stat.h>
+#include "platform/linux/freedesktop/MimeTypes.h"
 
 #include <QFile>
 #include <QMimeDatabase>
+
+#include "platform/Descriptor.h"
 
 QMimeType mimeTypeOf(const QByteArray& path) {
     const QMimeDatabase database;
@@ -13,9 +12,9 @@ QMimeType mimeTypeOf(const QByteArray& path) {
     if (S_ISDIR(status.st_mode)) return database.mimeTypeForName(QStringLiteral("inode/directory"));
     if (!S_ISREG(status.st_mode)) return database.mimeTypeForName(QStringLiteral("application/octet-stream"));
     // Not by its path: one that is not UTF-8 could not be opened.
+    const Descriptor descriptor = openRegularFile(path);
     QFile file;
-    const int descriptor = ::open(path.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    if (descriptor >= 0) std::ignore = file.open(descriptor, QFile::ReadOnly, QFile::AutoCloseHandle);
+    if (descriptor) std::ignore = file.open(descriptor.get(), QFile::ReadOnly);
     const QString name = QString::fromUtf8(path.mid(path.lastIndexOf('/') + 1));
     if (!file.isOpen()) return database.mimeTypeForFile(name, QMimeDatabase::MatchExtension);
     return database.mimeTypeForFileNameAndData(name, &file);

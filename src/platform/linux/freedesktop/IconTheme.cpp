@@ -1,4 +1,4 @@
-#include "platform/linux/IconTheme.h"
+#include "platform/linux/freedesktop/IconTheme.h"
 
 #include <QDir>
 #include <QFile>
@@ -8,7 +8,7 @@
 #include <QStandardPaths>
 #include <algorithm>
 
-#include "platform/linux/KeyFile.h"
+#include "platform/linux/freedesktop/KeyFile.h"
 #include "platform/linux/x11/XSettings.h"
 
 namespace {
@@ -23,11 +23,11 @@ struct Index {
 };
 
 Index readIndex(const QString& path) {
-    constexpr qint64 longest = 1 << 20;
+    constexpr qint64 kMaxBytes = 1 << 20;
     Index index;
     QFile file(path);
     if (!file.open(QFile::ReadOnly)) return index;
-    const QByteArray text = file.read(longest);
+    const QByteArray text = file.read(kMaxBytes);
     QByteArray group;
     for (qsizetype start = 0, end = 0; start < text.size(); start = end + 1) {
         end = text.indexOf('\n', start);
@@ -43,8 +43,8 @@ Index readIndex(const QString& path) {
             continue;
         }
         Index::Folder& folder = index.details[group];
-        constexpr int largest = 1 << 12;  // pixels
-        const int number = std::clamp(value.toInt(), 0, largest);
+        constexpr int kMaxSize = 1 << 12;  // pixels
+        const int number = std::clamp(value.toInt(), 0, kMaxSize);
         if (key == "Type") folder.type = value.toByteArray();
         if (key == "Size") folder.size = number;
         if (key == "Scale") folder.scale = std::clamp(number, 1, 8);
@@ -69,8 +69,8 @@ IconTheme::IconTheme(const QStringList& names, const QStringList& roots) {
 }
 
 void IconTheme::add(const QString& name, const QStringList& roots, QStringList& seen) {
-    constexpr int mostThemes = 20;
-    if (name.isEmpty() || name.contains(u'/') || seen.contains(name) || seen.size() >= mostThemes) return;
+    constexpr int kMaxThemes = 20;
+    if (name.isEmpty() || name.contains(u'/') || seen.contains(name) || seen.size() >= kMaxThemes) return;
     seen.append(name);
     Index index;
     QStringList places;
@@ -98,8 +98,8 @@ void IconTheme::add(const QString& name, const QStringList& roots, QStringList& 
 }
 
 int IconTheme::Folder::distance(int pixels) const {
-    constexpr int worseThanAnyLarger = 1 << 20;
-    if (pixels > largest) return worseThanAnyLarger + pixels - largest;
+    constexpr int kWorseThanAnyLarger = 1 << 20;
+    if (pixels > largest) return kWorseThanAnyLarger + pixels - largest;
     return std::max(smallest - pixels, 0);
 }
 

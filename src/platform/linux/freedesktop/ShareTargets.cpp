@@ -1,20 +1,20 @@
-#include "platform/linux/ShareTargets.h"
+#include "platform/linux/freedesktop/ShareTargets.h"
 
 #include <QDBusArgument>
 #include <QDBusObjectPath>
 #include <QStandardPaths>
 
 #include "platform/FileUrls.h"
-#include "platform/linux/DesktopEntries.h"
 #include "platform/linux/MessageBus.h"
-#include "platform/linux/MimeTypes.h"
-#include "platform/linux/Openers.h"
-#include "platform/linux/Programs.h"
+#include "platform/linux/freedesktop/DesktopEntries.h"
+#include "platform/linux/freedesktop/MimeTypes.h"
+#include "platform/linux/freedesktop/Openers.h"
+#include "platform/linux/freedesktop/Programs.h"
 
 namespace {
 constexpr double kPatience = 1;
-constexpr int kMostPrograms = 12;
-constexpr int kMostDevices = 8;
+constexpr int kMaxPrograms = 12;
+constexpr int kMaxDevices = 8;
 
 const QString kKdeConnect = QStringLiteral("org.kde.kdeconnect");
 const QString kBluetooth = QStringLiteral("org.bluez");
@@ -29,12 +29,12 @@ bool succeeded(const QDBusMessage& answer) {
 
 /// A name that others have given, fit for a menu.
 QString asTitle(const QString& name) {
-    constexpr int longest = 40;
+    constexpr int kMaxTitle = 40;
     const QString plain = name.simplified();
-    return plain.size() > longest ? plain.first(longest - 1) + u'\u2026' : plain;
+    return plain.size() > kMaxTitle ? plain.first(kMaxTitle - 1) + u'\u2026' : plain;
 }
 
-/// Whether there is something in it to send: a link, or a file that is no folder.
+/// Whether there is something in it to send: a link, or a file that is not a folder.
 bool sendable(const QUrl& thing) {
     if (!thing.isLocalFile()) return true;
     const QMimeType type = mimeTypeOf(pathOf(thing));
@@ -99,7 +99,7 @@ QList<ShareOffer> kdeConnectOffers(BackgroundQueue& queue, const QUrl& thing) {
     if (!succeeded(answer) || answer.signature() != QLatin1String("a{ss}")) return {};
     const auto names = qdbus_cast<QMap<QString, QString>>(answer.arguments().first());
     QList<ShareOffer> offers;
-    for (auto device = names.begin(); device != names.end() && offers.size() < kMostDevices; ++device) {
+    for (auto device = names.begin(); device != names.end() && offers.size() < kMaxDevices; ++device) {
         const QString below = QStringLiteral("/devices/") + device.key();
         const auto able = bus.call(kdeConnectPeer(below, ".device"), QStringLiteral("hasPlugin"),
                                    {QStringLiteral("kdeconnect_share")}, kPatience);
@@ -125,7 +125,7 @@ QList<ShareOffer> bluetoothOffers(BackgroundQueue& queue, const QUrl& thing) {
 
 QList<ShareOffer> programOffers(BackgroundQueue& queue, const QUrl& thing) {
     ShareOffer openWith{QStringLiteral("Open with"), {}, {}};
-    for (const DesktopEntry& entry : applicationsFor(typesOf(thing), kMostPrograms))
+    for (const DesktopEntry& entry : applicationsFor(typesOf(thing), kMaxPrograms))
         openWith.choices.append(starting(queue, asTitle(entry.names.last()), commandFor(entry, thing)));
     if (openWith.choices.isEmpty()) return {};
     return {openWith};

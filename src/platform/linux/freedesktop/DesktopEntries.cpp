@@ -1,4 +1,4 @@
-#include "platform/linux/DesktopEntries.h"
+#include "platform/linux/freedesktop/DesktopEntries.h"
 
 #include <gio/gdesktopappinfo.h>
 
@@ -126,11 +126,11 @@ QList<DesktopEntry> installedApplications() {
     return entriesOf(g_app_info_get_all());
 }
 
-QList<DesktopEntry> applicationsFor(const QStringList& types, int most) {
+QList<DesktopEntry> applicationsFor(const QStringList& types, int max) {
     QList<DesktopEntry> applications;
     QSet<QString> seen;
     for (const DesktopEntry& entry : candidatesFor(types)) {
-        if (seen.contains(entry.id) || entry.inTerminal || applications.size() >= most) continue;
+        if (seen.contains(entry.id) || entry.inTerminal || applications.size() >= max) continue;
         seen.insert(entry.id);
         applications.append(entry);
     }

@@ -5,7 +5,7 @@
 #include <functional>
 #include <optional>
 
-#include "platform/linux/DesktopEntries.h"
+#include "platform/linux/freedesktop/DesktopEntries.h"
 
 /// A top-level window and its WM_CLASS.
 struct ApplicationWindow {
