@@ -23,26 +23,21 @@ AppDelegate::AppDelegate(const Ports& ports, const QStringList& arguments)
          {ports.preferences, ports.files, ports.worker, ports.jobs, ports.pasteboard, ports.dataFolder}),
       drops_(m_, ports.clock, ports.loop, ports.dragPasteboard, ports.disk),
       chipActions_(m_, ports.workspace, ports.pasteboard, ports.sharing),
-      root_(m_, chipPorts(), ports.clock, ports.loop, ports.random),
-      panel_(m_, root_, ports.window, ports.clock, ports.loop),
+      root_(m_, viewPorts(), ports.clock, ports.loop, ports.random),
+      panel_(m_, root_, drops_, ports.window, ports.clock, ports.loop),
       behaviour_(m_, ports.clock, ports.loop, ports.sounds, ports.random,
                  [this](const QString& line) { diagnostics_.trace(line); }),
       placement_(m_, ports.screens, ports.loop),
       commands_(m_, ports.clock, ports.preferences, ports.workspace),
       capsLock_(m_),
       agents_(m_, ports.loop, ports.disk, ports.workspace),
-      flags_(m_, ports.loop, arguments, [this] { panel_.setIgnoresMouseEvents(false); }),
+      flags_(m_, ports.loop, arguments),
       screenTest_(m_, ports.loop, placement_, panel_),
       shelfTest_(m_, ports.loop, drops_) {
     connect();
 }
 
 void AppDelegate::connect() {
-    behaviour_.updateMousePassThrough = [this] { panel_.updateMousePassThrough(); };
-    commands_.updateMousePassThrough = [this] { panel_.updateMousePassThrough(); };
-    drops_.updateMousePassThrough = [this] { panel_.updateMousePassThrough(); };
-    ports_.window.acceptsDrop = [this] { return drops_.acceptsDrops(); };
-    ports_.window.onDrop = [this](std::shared_ptr<Drop> drop) { drops_.handleDrop(std::move(drop)); };
     // Below the panel, in its middle.
     chipActions_.showSharing = [this](const QList<MenuItem>& items) {
         const QRectF panel = panel_.frame();
@@ -57,11 +52,13 @@ void AppDelegate::connect() {
     m_.onFocusBlockedTerminal = [this] { agents_.focusBlockedTerminal(); };
 }
 
-ChipPorts AppDelegate::chipPorts() {
+ViewPorts AppDelegate::viewPorts() {
     return {.icons = ports_.icons,
             .trace = [this](const QString& line) { diagnostics_.trace(line); },
+            .notchTapped = [this] { m_.notchTapped(); },
             .use = [this](const HeldThing& thing) { chipActions_.use(thing); },
             .remove = [this](const HeldThing& thing) { chipActions_.remove(thing); },
+            .menu = [this](const HeldThing& thing) { return chipActions_.menu(thing); },
             .showX = arguments_.contains(QStringLiteral("--showx"))};
 }
 
@@ -132,9 +129,9 @@ void AppDelegate::popUp(const QList<MenuItem>& items, QPointF at) {
 void AppDelegate::rightMouseDown(QPointF pointer) {
     if (!behaviour_.inHoverZone(pointer, kMenuMargin)) return;
     panel_.letGo();
-    const Chip* chip = panel_.chipAt(pointer);
-    if (demo_ && !chip) return;
-    popUp(chip ? chipActions_.menu(chip->thing()) : commands_.menu(), pointer);
+    QList<MenuItem> menu = panel_.menuAt(pointer);
+    if (menu.isEmpty() && !demo_) menu = commands_.menu();
+    if (!menu.isEmpty()) popUp(menu, pointer);
 }
 
 void AppDelegate::dumpMenu() {

@@ -79,7 +79,7 @@ class AppDelegate {
  private:
     void connect();
     void watchPointer();
-    ChipPorts chipPorts();
+    ViewPorts viewPorts();
     void startSensors();
     void lockChanged();
     void popUp(const QList<MenuItem>& items, QPointF at);

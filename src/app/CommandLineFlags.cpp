@@ -31,9 +31,8 @@ std::optional<double> parseNumber(const QString& text) {
 
 }  // namespace
 
-CommandLineFlags::CommandLineFlags(NotchModel& model, MainLoop& loop, QStringList arguments,
-                                   std::function<void()> takeMouse)
-    : m_(model), loop_(loop), arguments_(std::move(arguments)), takeMouse_(std::move(takeMouse)) {}
+CommandLineFlags::CommandLineFlags(NotchModel& model, MainLoop& loop, QStringList arguments)
+    : m_(model), loop_(loop), arguments_(std::move(arguments)) {}
 
 bool CommandLineFlags::has(const char* flag) const {
     return arguments_.contains(QLatin1String(flag));
@@ -81,7 +80,6 @@ void CommandLineFlags::applyToy(FlagEffects& effects) {
         m_.toy = toy;
         m_.hidden = false;
         m_.hovering = true;
-        takeMouse_();
         m_.cursor = QPointF(m_.centerX + 40, m_.screenTop - 230);
         return;
     }

@@ -20,8 +20,7 @@ struct FlagEffects {
 /// thread.
 class CommandLineFlags {
  public:
-    /// `takeMouse` lets the panel take the pointer, as it must for a creature that attends without one.
-    CommandLineFlags(NotchModel& model, MainLoop& loop, QStringList arguments, std::function<void()> takeMouse);
+    CommandLineFlags(NotchModel& model, MainLoop& loop, QStringList arguments);
 
     /// Applies the flags. One-shot reactions follow 1.5 s later, for as long as this object lives.
     FlagEffects apply();
@@ -43,6 +42,5 @@ class CommandLineFlags {
     NotchModel& m_;
     MainLoop& loop_;
     QStringList arguments_;
-    std::function<void()> takeMouse_;
     std::vector<TimerHandle> reactions_;
 };

@@ -64,9 +64,7 @@ MenuItem Commands::updateItem() {
 
 void Commands::pick(const QString& name) {
     for (const Toy toy : allToys) {
-        if (rawValue(toy) != name) continue;
-        m_.pickToy(toy);
-        if (updateMousePassThrough) updateMousePassThrough();
+        if (rawValue(toy) == name) m_.pickToy(toy);
     }
 }
 
@@ -89,5 +87,4 @@ void Commands::openSite() {
 
 void Commands::toggleHidden() {
     m_.withAnimation(commonSpring(), [&] { m_.hidden = !m_.hidden; });
-    if (updateMousePassThrough) updateMousePassThrough();
 }

@@ -24,8 +24,6 @@ class Commands {
     void openSite();
     void toggleHidden();
 
-    /// Called after a change that may let the panel take the pointer or leave it alone.
-    std::function<void()> updateMousePassThrough;
     /// Asks for an orderly end.
     std::function<void()> quit;
 

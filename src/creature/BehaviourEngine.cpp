@@ -108,7 +108,6 @@ void BehaviourEngine::setHovering(bool inside, QPointF pointer) {
                .arg(word(m_.hovering), word(inside), formatNumbers({pointer.x(), pointer.y()}),
                     formatNumbers({zoneWidth(m_) * 0.5 + kEnterMargin, zoneHeight(m_) + kEnterMargin})));
     m_.withAnimation(commonSpring(), [&] { m_.hovering = inside; });
-    if (updateMousePassThrough) updateMousePassThrough();
 }
 
 void BehaviourEngine::applicationActivated() {
@@ -154,7 +153,6 @@ void BehaviourEngine::dozeOff() {
 }
 
 void BehaviourEngine::slidingChanged(bool sliding) {
-    if (updateMousePassThrough) updateMousePassThrough();
     slideHomeTimer_.cancel();
     if (!sliding && m_.slideX != 0.0) slideHomeTimer_ = loop_.after(kSlideHomeDelay, [this] { slideHome(); });
 }
@@ -183,5 +181,4 @@ void BehaviourEngine::stepHome(double from, double started) {
     }
     slideSteps_.cancel();
     m_.slideX = 0.0;
-    if (updateMousePassThrough) updateMousePassThrough();
 }

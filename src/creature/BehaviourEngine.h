@@ -36,9 +36,6 @@ class BehaviourEngine {
     /// Forgets the way home that is pending; the panel was put home otherwise.
     void cancelSlideHome();
 
-    /// Called when a change may let the panel take the pointer or leave it alone.
-    std::function<void()> updateMousePassThrough;
-
  private:
     void startleAt(QPointF pointer, double elapsed);
     void publishGaze(QPointF pointer, double now, bool hoverChanges);

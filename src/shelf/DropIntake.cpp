@@ -64,7 +64,6 @@ void DropIntake::judge(QPointF pointer) {
 
 void DropIntake::setNear(bool near) {
     m_.withAnimation(Animation::spring(0.3, 0.7), [&] { m_.dragNear = near; });
-    if (updateMousePassThrough) updateMousePassThrough();
 }
 
 void DropIntake::refuse() {
@@ -72,7 +71,6 @@ void DropIntake::refuse() {
     farewell_.cancel();
     m_.dragNear = false;
     m_.dropTargeted = false;
-    if (updateMousePassThrough) updateMousePassThrough();
 }
 
 void DropIntake::dragEnded() {
@@ -80,10 +78,8 @@ void DropIntake::dragEnded() {
     dragIsFiles_ = dragging_ = false;
     attention_.cancel();
     if (!m_.dragNear) return;
-    farewell_ = loop_.after(kFarewell, [this] {
-        m_.withAnimation(Animation::easeOut(0.25), [this] { m_.dragNear = false; });
-        if (updateMousePassThrough) updateMousePassThrough();
-    });
+    farewell_ =
+        loop_.after(kFarewell, [this] { m_.withAnimation(Animation::easeOut(0.25), [this] { m_.dragNear = false; }); });
 }
 
 QString DropIntake::droppedFileName(const QString& extension) const {

@@ -113,14 +113,6 @@ void Mouth::aim(State state, const std::optional<Animation>& how, double now) {
     cheeks_.aim(n.cheeks, curve, now);
 }
 
-bool Mouth::moving(double now) const {
-    for (const auto* value : {&width_, &height_, &opacity_, &space_, &shadow_, &gradientEnd_, &rim_, &glow_,
-                              &tongueWidth_, &tongueHeight_, &tongueOpacity_, &cheeks_}) {
-        if (value->moving(now)) return true;
-    }
-    return false;
-}
-
 bool Mouth::chewing(double wallTime) const {
     return state_ == State::munching && std::fmod(wallTime, kChewPeriod) < kChewEase;
 }

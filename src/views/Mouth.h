@@ -18,9 +18,10 @@ class Mouth {
         gulping
     };
 
+    explicit Mouth(Animations& animations) : animations_(animations) {}
+
     /// `how` moves whatever is not bound to eating or yawning by an animation of its own.
     void aim(State state, const std::optional<Animation>& how, double now);
-    bool moving(double now) const;
     /// While it munches: seconds of wall time until the next bite, else infinity.
     double untilNextChew(double wallTime) const;
     /// Whether a bite is going on at this wall time (seconds since the reference date).
@@ -35,9 +36,11 @@ class Mouth {
     static void drawTongue(Canvas& canvas, const Look& look, const QPointF& center);
     static void drawCheeks(Canvas& canvas, const Look& look);
 
+    Animations& animations_;
     State state_ = State::resting;
-    Animated<double> width_{14}, height_{2.4}, opacity_{0.55, 0.002}, space_{7}, shadow_{0, 0.002};
-    Animated<double> gradientEnd_{1}, rim_{0, 0.002}, glow_{0, 0.002};
-    Animated<double> tongueWidth_{0}, tongueHeight_{0}, tongueOpacity_{0, 0.002};
-    Animated<double> cheeks_{0, 0.002};  // stuffed
+    Animated<double> width_{animations_, 14}, height_{animations_, 2.4}, opacity_{animations_, 0.55, 0.002};
+    Animated<double> space_{animations_, 7}, shadow_{animations_, 0, 0.002}, gradientEnd_{animations_, 1};
+    Animated<double> rim_{animations_, 0, 0.002}, glow_{animations_, 0, 0.002};
+    Animated<double> tongueWidth_{animations_, 0}, tongueHeight_{animations_, 0}, tongueOpacity_{animations_, 0, 0.002};
+    Animated<double> cheeks_{animations_, 0, 0.002};  // stuffed
 };

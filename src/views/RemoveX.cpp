@@ -7,8 +7,7 @@
 
 namespace {
 
-constexpr double kReach = 4;   // points around the circle that count as on it
-constexpr double kMeant = 14;  // points that a press may wander
+constexpr double kMargin = 4;  // points around the circle that count as on it
 constexpr double kPressedScale = 0.86;
 constexpr double kRim = 0.6;
 
@@ -19,21 +18,11 @@ double between(double from, double to, double share) {
 }  // namespace
 
 bool RemoveX::hit(const QPointF& point) {
-    return std::hypot(point.x(), point.y()) <= size / 2 + kReach;
+    return std::hypot(point.x(), point.y()) <= size / 2 + kMargin;
 }
 
-bool RemoveX::meant(const QPointF& way) {
-    return std::abs(way.x()) < kMeant && std::abs(way.y()) < kMeant;
-}
-
-void RemoveX::press(double now) {
-    down_ = true;
-    pressed_.aim(1, Animation::easeOut(0.08), now);
-}
-
-void RemoveX::release(double now) {
-    down_ = false;
-    pressed_.aim(0, Animation::easeOut(0.1), now);
+void RemoveX::press(bool pressed, double now) {
+    pressed_.aim(pressed ? 1 : 0, Animation::easeOut(pressed ? 0.08 : 0.1), now);
 }
 
 void RemoveX::compose(DisplayList& list, int id, double now) const {
