@@ -38,7 +38,7 @@ class Panel {
 
     CreatureFixture f;
     MemoryIcons icons;
-    RootView root{f.m, {icons, {}, {}, {}, false}, f.clock, f.loop, [] { return 0.5; }};
+    RootView root{f.m, {.icons = icons}, f.clock, f.loop, [] { return 0.5; }};
 
  private:
     int ratio_;

@@ -62,9 +62,9 @@ class X11DragOut : public X11Test {
     X11DragOut() {
         std::ofstream(path.constData()) << "contents";
         icon.fill(Qt::green);
-        panel.onRelease = [this](PanelWindow::Button, QPointF) { ++releases; };
-        panel.onPress = [this](PanelWindow::Button, QPointF, QPointF) { ++presses; };
-        panel.onDrag = [this](QPointF) {
+        panel.heard.onRelease = [this](PanelWindow::Button) { ++releases; };
+        panel.heard.onPress = [this](PanelWindow::Button, QPointF, QPointF) { ++presses; };
+        panel.heard.onDrag = [this](QPointF) {
             ++drags;
             if (!dragOnMove) return;
             dragOnMove = false;

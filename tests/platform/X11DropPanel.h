@@ -9,12 +9,12 @@ class DropPanel : public RedPanel {
  public:
     DropPanel(std::shared_ptr<X11Connection> connection, std::shared_ptr<PointerSampler> sampler, MainLoop& loop)
         : RedPanel(std::move(connection), std::move(sampler), loop) {
-        onDropTargeted = [this](bool over) { targeted.append(over); };
-        acceptsDrop = [this] {
+        heard.onDropTargeted = [this](bool over) { targeted.append(over); };
+        heard.onDropOffered = [this] {
             ++asked;
             return accepts;
         };
-        onDrop = [this](std::shared_ptr<Drop> taken) { drop = std::move(taken); };
+        heard.onDrop = [this](std::shared_ptr<Drop> taken) { drop = std::move(taken); };
         setInputRegionNow(QRect(0, 0, 240, 120));
         if (!waitFor([this] { return window().isExposed(); })) throw std::runtime_error("the panel stays invisible");
     }

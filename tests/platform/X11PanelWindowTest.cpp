@@ -22,9 +22,9 @@ class EventCount : public QObject {
 class X11Panel : public X11Test {
  protected:
     X11Panel() : panel(connection, sampler, loop) {
-        panel.onPress = [this](PanelWindow::Button, QPointF position, QPointF) { presses.append(position); };
-        panel.onRelease = [this](PanelWindow::Button, QPointF) { ++releases; };
-        panel.onDrag = [this](QPointF pointer) { drags.append(pointer); };
+        panel.heard.onPress = [this](PanelWindow::Button, QPointF position, QPointF) { presses.append(position); };
+        panel.heard.onRelease = [this](PanelWindow::Button) { ++releases; };
+        panel.heard.onDrag = [this](QPointF pointer) { drags.append(pointer); };
     }
 
     xcb_window_t id() { return xcb_window_t(panel.window().winId()); }
@@ -94,12 +94,12 @@ TEST_F(X11Panel, GivesWayToAProgramThatInsists) {
 TEST_F(X11Panel, HasTheShapeOfItsOutlineWhereNothingBlends) {
     OtherWindow below(session(), {.colour = 0x00ff00, .fullScreen = true});
     const QPoint corner = pixel({205, 110});
-    panel.onExpose = [this] {
+    panel.heard.onExpose = [this] {
         panel.paint(QRect(0, 0, 240, 120), [](QPainter& painter) { painter.fillRect(80, 0, 80, 120, Qt::red); });
     };
     // Its left edge lies between two points: the shape is as fine as the pixels.
     panel.setOutline(RedPanel::rectangle({80.5, 0, 79.5, 120}));
-    panel.onExpose();
+    panel.heard.onExpose();
     const QPoint edge(pixel({200, 0}).x() + int(std::lround(80.5 * ratio())), pixel(middle).y());
     ASSERT_TRUE(waitFor([&] { return red() && colourAt(corner) == QColor(Qt::green); }));
     EXPECT_TRUE(shaped());

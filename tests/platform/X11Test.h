@@ -6,6 +6,7 @@
 #include "platform/linux/ScreenCoordinates.h"
 #include "platform/linux/x11/X11EventMonitors.h"
 #include "platform/linux/x11/X11PanelWindow.h"
+#include "support/PanelCallbacks.h"
 #include "support/XSession.h"
 
 /// Base of the suites that need a real X server, with openbox on it. Their names begin with "X11": main() starts the
@@ -41,10 +42,12 @@ class X11Test : public testing::Test {
 class RedPanel : public X11PanelWindow {
  public:
     static constexpr QRectF place{200, 0, 240, 120};
+    PanelCallbacks heard;
 
     RedPanel(std::shared_ptr<X11Connection> connection, std::shared_ptr<PointerSampler> sampler, MainLoop& loop)
         : X11PanelWindow(std::move(connection), std::move(sampler), loop) {
-        onExpose = [this] { fill(QRect(0, 0, 240, 120), Qt::red); };
+        setListener(&heard);
+        heard.onExpose = [this] { fill(QRect(0, 0, 240, 120), Qt::red); };
         setOverdraw({52, 0, 52, 20});
         setFrame(toModel(place));
         setOutline(rectangle({0, 0, 240, 120}));

@@ -31,13 +31,8 @@ struct BehaviourFixture : CreatureFixture {
     MemorySounds sounds;
     QStringList traces;
     double nextRandom = 0.5;
-    int passThroughUpdates = 0;
     BehaviourEngine engine{
         m, clock, loop, sounds, [this] { return nextRandom; }, [this](const QString& line) { traces.append(line); }};
-
-    BehaviourFixture() {
-        engine.updateMousePassThrough = [this] { ++passThroughUpdates; };
-    }
 
     /// Moves the pointer to a place relative to the top centre of the screen (y downwards) after `elapsed` seconds.
     void moveTo(double x, double down, double elapsed = 0.1) {
