@@ -67,7 +67,7 @@ Chip::Chip(int number, HeldThing thing, const QPointF& middle, const ViewContext
                 context_.changed();
             }),
       middle_(context.animations, middle) {
-    caption_ = Canvas::elidedMiddle(captionOf(thing_), kCaptionWidth, kCaption);
+    caption_ = Canvas::elided(captionOf(thing_), kCaptionWidth, kCaption, Qt::ElideMiddle);
     updateRemove(std::nullopt);
     findPicture();
 }

@@ -46,4 +46,30 @@ TEST(Text, OfMediumWeightLiesBetweenRegularAndSemibold) {
     EXPECT_GT(ink(QFont::DemiBold), 1.05 * ink(QFont::Medium));
 }
 
+TEST(Text, IsSetFromTheLeftAndElidedWhereAsked) {
+    const QString line = QStringLiteral("Night Train Home");
+    const TextStyle style{12};
+    const auto left = [&](Qt::Alignment alignment) {
+        const QImage image = drawn(1, [&](Canvas& c, QPainter&) {
+            c.text(line, {60, 30}, style, Qt::black, alignment);
+        });
+        for (int x = 0; x < image.width(); ++x) {
+            for (int y = 0; y < image.height(); ++y)
+                if (image.pixelColor(x, y).alpha() > 60) return x;
+        }
+        return image.width();
+    };
+    EXPECT_NEAR(left(Qt::AlignLeft), 60, 2);
+    EXPECT_NEAR(left(Qt::AlignHCenter), 60 - Canvas::textWidth(line, style) / 2, 2);
+
+    // An endless line is shown by its ends without being measured as a whole.
+    for (const QString& text : {line, line + QString(1000000, u'A') + line}) {
+        const QString end = Canvas::elided(text, 60, style, Qt::ElideRight);
+        const QString middle = Canvas::elided(text, 60, style, Qt::ElideMiddle);
+        EXPECT_TRUE(end.startsWith(QStringLiteral("Ni")) && end.endsWith(u'\u2026')) << end.toStdString();
+        EXPECT_TRUE(middle.startsWith(u'N') && middle.endsWith(u'e')) << middle.toStdString();
+        EXPECT_LE(std::max(Canvas::textWidth(end, style), Canvas::textWidth(middle, style)), 60);
+    }
+}
+
 }  // namespace

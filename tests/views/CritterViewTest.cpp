@@ -152,7 +152,7 @@ TEST(Face, JumpsWhenStartled) {
     FaceFixture f;
     f.lookAt(0, 800);
     const auto width = [&] { return f.seen({0, 30, 40, 28}, PictureFixture::isLight).width(); };
-    f.rest();
+    f.rest(1);
     const double rest = width();
     ++f.m.startleCount;
     f.loop.advance(0.15);

@@ -61,10 +61,23 @@ const std::vector<Step> kLife{
     {"wakes", [](NotchModel& m) { m.markActivity(); }},
     {"downloads", [](NotchModel& m) { m.downloading = true; }},
     {"hides", [](NotchModel& m) { spring(m, [&] { m.hidden = true; }); }},
-    {"is tapped", [](NotchModel& m) { m.notchTapped(); }},
+    {"comes back", [](NotchModel& m) { spring(m, [&] { m.hidden = false; }); }},
     {"weather", [](NotchModel& m) { m.pickToy(Toy::weather); }},
     {"critter", [](NotchModel& m) { m.pickToy(Toy::critter); }},
 };
+
+TEST(Damage, OfALookIsTheEyes) {
+    PictureFixture f;
+    f.rest();
+    DisplayList before, same, moved;
+    f.root.compose(before);
+    f.root.compose(same);
+    EXPECT_TRUE(before.changesTo(same).isEmpty());
+    f.m.cursor = f.m.cursor.get() + QPointF(300, 0);
+    f.root.compose(moved);
+    const QSize eyes = before.changesTo(moved).boundingRect().size();
+    EXPECT_TRUE(!eyes.isEmpty() && eyes.width() <= 56 && eyes.height() <= 24);
+}
 
 TEST(Damage, PaintingOnlyWhatChangedLeavesTheSamePictureAsPaintingAll) {
     for (const double ratio : {1.0, 1.5, 2.0}) {
