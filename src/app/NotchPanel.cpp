@@ -115,17 +115,16 @@ void NotchPanel::dragged(QPointF pointer) {
     if (!press_) return;
     const QPointF way = pointer - press_->pointer;
     if (!press_->dragged && std::hypot(way.x(), way.y()) < kDragDistance) return;
-    if (const auto* file = std::get_if<Hit::File>(&press_->hit.drag)) return dragOut(Hit::File(*file));
+    if (std::holds_alternative<Hit::File>(press_->hit.drag)) {
+        const auto file = std::get<Hit::File>(press_->hit.drag);
+        letGo();
+        return window_.dragOut(file.url, file.picture, QRectF({}, file.picture.deviceIndependentSize()).center());
+    }
     const auto* slide = std::get_if<Hit::Slide>(&press_->hit.drag);
     if (!slide) return;
     press_->dragged = true;
     // Measured on the screen, since the panel moves along under the pointer.
     slide->move(way.x());
-}
-
-void NotchPanel::dragOut(const Hit::File& file) {
-    letGo();
-    window_.dragOut(file.url, file.picture, QRectF({}, file.picture.deviceIndependentSize()).center());
 }
 
 void NotchPanel::released(PanelWindow::Button button, QPointF pointer) {

@@ -58,7 +58,6 @@ class NotchPanel : private PanelWindow::Listener {
     void drawFrame(bool all);
     Reach reach() const;
     void updateInputRegion();
-    void dragOut(const Hit::File& file);
     QPointF inPanel(QPointF pointer) const;
 
     NotchModel& model_;

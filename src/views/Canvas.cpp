@@ -183,12 +183,6 @@ QString Canvas::elided(const QString& line, double width, const TextStyle& style
     return QFontMetricsF(font(style.face, style.weight)).elidedText(ends, where, width * kFontPixels / style.size);
 }
 
-// Rounded up to quarters, so that the small steps of breathing reuse what was rendered.
-double Canvas::pixelsPerPoint() const {
-    const QTransform t = painter_.deviceTransform();
-    return std::max(1.0, std::ceil(std::hypot(t.m11(), t.m12()) * 4 - 0.01) / 4);
-}
-
 QBrush radialGradient(const QRectF& frame, const QPointF& unitCenter, double startRadius, double endRadius,
                       const Stops& stops) {
     const QPointF center(frame.left() + unitCenter.x() * frame.width(), frame.top() + unitCenter.y() * frame.height());

@@ -70,7 +70,6 @@ class Canvas {
     static QString elided(const QString& line, double width, const TextStyle& style, Qt::TextElideMode where);
 
  private:
-    double pixelsPerPoint() const;
     QPainterPath outlineOf(const QString& line, const QFont& face, Qt::Alignment alignment);
     void drawScaled(const QRectF& bounds, const QImage& image, const QRectF& hole);
 

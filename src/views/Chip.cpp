@@ -13,13 +13,13 @@
 
 namespace {
 
-constexpr double kOuter = 3;
 constexpr double kCorner = 10;
 constexpr double kGlyphMiddle = -6;  // from the chip's middle
 constexpr double kCaptionMiddle = 16.5;
 constexpr double kCaptionWidth = 42;
 constexpr double kGlyphSize = 15;
 constexpr double kHoverScale = 0.07;
+constexpr double kHold = 0.45;   // seconds
 constexpr int kIconPixels = 64;  // for 30 points at twice the resolution
 
 const TextStyle kCaption{7.5, QFont::Medium, Face::rounded};
@@ -61,11 +61,6 @@ Chip::Chip(int number, HeldThing thing, const QPointF& middle, const ViewContext
       thing_(std::move(thing)),
       context_(context),
       made_(context.now()),
-      hold_(context.loop,
-            [this] {
-                updateRemove(std::nullopt);
-                context_.changed();
-            }),
       middle_(context.animations, middle) {
     caption_ = Canvas::elided(captionOf(thing_), kCaptionWidth, kCaption, Qt::ElideMiddle);
     updateRemove(std::nullopt);
@@ -85,22 +80,6 @@ void Chip::findPicture() {
     context_.ports.icons.find(*file, kIconPixels, lifetime_.guard(found));
 }
 
-void Chip::setThing(const HeldThing& thing) {
-    thing_ = thing;
-}
-
-void Chip::moveTo(const QPointF& middle, const std::optional<Animation>& how) {
-    middle_.aim(middle, how, context_.now());
-}
-
-void Chip::show(bool shown, const std::optional<Animation>& how) {
-    presence_.aim(shown ? 1 : 0, how, context_.now());
-}
-
-bool Chip::gone() const {
-    return !shown() && !presence_.moving(context_.now());
-}
-
 void Chip::setHover(bool hover) {
     if (hover == hover_) return;
     hover_ = hover;
@@ -110,7 +89,14 @@ void Chip::setHover(bool hover) {
     }
     const auto how = Animation::easeOut(0.14);
     glow_.aim(hover && !timer() ? 1 : 0, how, context_.now());
-    hold_.hover(hover);
+    hold_.cancel();
+    if (!hover) {
+        hold_ = context_.loop.after(kHold, [this] {
+            const TimerHandle self = std::move(hold_);
+            updateRemove(std::nullopt);
+            context_.changed();
+        });
+    }
     updateRemove(how);
     context_.changed();
 }
@@ -122,10 +108,6 @@ void Chip::updateRemove(const std::optional<Animation>& how) {
 QRectF Chip::inner() const {
     const QPointF middle = middle_.at(context_.now());
     return {middle.x() - width / 2, middle.y() - height / 2, width, height};
-}
-
-QRectF Chip::outer() const {
-    return inner().adjusted(-kOuter, -kOuter, kOuter, kOuter);
 }
 
 bool Chip::isOnRemove(const QPointF& point) const {
@@ -180,15 +162,11 @@ QString Chip::countdown() const {
 Chip::Look Chip::look() const {
     const double glow = glow_.at(context_.now());
     const QColor plain = white(0.07), fill = mixed(plain, accentOrange(0.16), glow);
+    QString symbol = QStringLiteral("bell.fill");
     if (timer() && timer()->done)
-        return {QStringLiteral("bell.fill"),
-                accentOrange(),
-                QStringLiteral("done!"),
-                kDone,
-                accentOrange(),
-                accentOrange(0.2)};
+        return {symbol, accentOrange(), QStringLiteral("done!"), kDone, accentOrange(), accentOrange(0.2)};
     if (timer()) return {QStringLiteral("timer"), white(0.85), countdown(), kCountdown, white(0.7), plain};
-    QString symbol;
+    symbol.clear();
     if (const auto* bite = std::get_if<Bite>(&thing_))
         symbol = bite->text() ? QStringLiteral("text.quote") : QStringLiteral("link");
     return {symbol, white(0.85), caption_, kCaption, white(0.6), fill, 0.45 * glow};

@@ -4,7 +4,6 @@
 #include <QString>
 
 #include "platform/Lifetime.h"
-#include "views/HoverHold.h"
 #include "views/RemoveX.h"
 #include "views/View.h"
 
@@ -20,19 +19,21 @@ class Chip {
 
     const HeldThing& thing() const { return thing_; }
     /// The same thing in another state: a timer that has rung.
-    void setThing(const HeldThing& thing);
-    void moveTo(const QPointF& middle, const std::optional<Animation>& how);
+    void setThing(const HeldThing& thing) { thing_ = thing; }
+    void moveTo(const QPointF& middle, const std::optional<Animation>& how) {
+        middle_.aim(middle, how, context_.now());
+    }
     /// Fades it in or out.
-    void show(bool shown, const std::optional<Animation>& how);
+    void show(bool shown, const std::optional<Animation>& how) { presence_.aim(shown ? 1 : 0, how, context_.now()); }
     bool shown() const { return presence_.target() == 1; }
     /// It has faded out.
-    bool gone() const;
+    bool gone() const { return !shown() && !presence_.moving(context_.now()); }
 
     /// The pointer came over the chip or left it.
     void setHover(bool hover);
     /// Where it can be hovered, pressed and clicked: a little beyond its edge, so that a lit chip, which is drawn
     /// larger, answers wherever it is seen.
-    QRectF outer() const;
+    QRectF outer() const { return inner().adjusted(-3, -3, 3, 3); }
     QRectF inner() const;
     /// Whether a press at `point` is for the remove button.
     bool isOnRemove(const QPointF& point) const;
@@ -49,7 +50,7 @@ class Chip {
 
     const HeldTimer* timer() const { return std::get_if<HeldTimer>(&thing_); }
     std::function<QList<MenuItem>()> menu() const;
-    bool removeShown() const { return hover_ || hold_.alive() || context_.ports.showX; }
+    bool removeShown() const { return hover_ || hold_ || context_.ports.showX; }
     void updateRemove(const std::optional<Animation>& how);
     void findPicture();
     /// The last whole second since the chip was made: its countdown changes only then.
@@ -66,7 +67,7 @@ class Chip {
     QString caption_;
     QImage picture_;
     bool hover_ = false;
-    HoverHold hold_;
+    TimerHandle hold_;  // for a moment after that, so that the remove button can be reached
     RemoveX remove_{context_.animations};
     Animated<QPointF> middle_;
     Animated<double> presence_{context_.animations, 0, 0.002};

@@ -7,13 +7,6 @@
 
 #include "views/View.h"
 
-/// One speck of a burst.
-struct Spark {
-    QPointF flight;  ///< offset at the end of its way
-    QColor color;
-    double size;  ///< diameter
-};
-
 /// A ring of sparks that flies apart and fades. Drawn around the top centre of the panel; it never takes the pointer.
 class Confetti {
  public:
@@ -26,6 +19,11 @@ class Confetti {
     void compose(DisplayList& list, double now) const;
 
  private:
+    struct Spark {
+        QPointF flight;  // offset at the end of its way
+        QColor color;
+        double size;  // diameter
+    };
     const ViewContext& context_;
     std::function<double()> random_;
     std::vector<Spark> sparks_;

@@ -24,11 +24,6 @@ QTransform moved(double x, double y) {
     return QTransform::fromTranslate(x, y);
 }
 
-/// Scales by `s` around (0, y).
-QTransform scaledAround(double y, double s) {
-    return moved(0, -y) * QTransform::fromScale(s, s) * moved(0, y);
-}
-
 }  // namespace
 
 CritterView::CritterView(const ViewContext& context)
@@ -165,9 +160,10 @@ void CritterView::pointerMoved(const std::optional<QPointF>& point) {
 }
 
 QTransform CritterView::faceTransform(double now) const {
-    const double startle = startle_.at(now);
-    return scaledAround(top_.at(now) + eyeSize_.at(now) / 2, 1 + kStartleScale * startle) *
-           moved(0, kGulpDip * dip_.at(now) - kStartleRise * startle);
+    const double startle = startle_.at(now), scale = 1 + kStartleScale * startle;
+    const double middle = top_.at(now) + eyeSize_.at(now) / 2;
+    return moved(0, -middle) * QTransform::fromScale(scale, scale) *
+           moved(0, middle + kGulpDip * dip_.at(now) - kStartleRise * startle);
 }
 
 void CritterView::compose(DisplayList& list, const QRectF& body) const {

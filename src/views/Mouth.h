@@ -1,6 +1,8 @@
 #pragma once
 
+#include <array>
 #include <optional>
+#include <vector>
 
 #include "motion/Animated.h"
 #include "views/DisplayList.h"
@@ -18,7 +20,7 @@ class Mouth {
         gulping
     };
 
-    explicit Mouth(Animations& animations) : animations_(animations) {}
+    explicit Mouth(Animations& animations);
 
     /// `how` moves whatever is not bound to eating or yawning by an animation of its own.
     void aim(State state, const std::optional<Animation>& how, double now);
@@ -31,16 +33,14 @@ class Mouth {
 
  private:
     struct Look;
+    static const std::array<double Look::*, 12> kMoving;  // the numbers of a look that are animated
+    static const std::array<Look, 7> kLooks;
+
     Look look(double now, double wallTime) const;
     static void draw(Canvas& canvas, const Look& look);
     static void drawTongue(Canvas& canvas, const Look& look, const QPointF& center);
     static void drawCheeks(Canvas& canvas, const Look& look);
 
-    Animations& animations_;
     State state_ = State::resting;
-    Animated<double> width_{animations_, 14}, height_{animations_, 2.4}, opacity_{animations_, 0.55, 0.002};
-    Animated<double> space_{animations_, 7}, shadow_{animations_, 0, 0.002}, gradientEnd_{animations_, 1};
-    Animated<double> rim_{animations_, 0, 0.002}, glow_{animations_, 0, 0.002};
-    Animated<double> tongueWidth_{animations_, 0}, tongueHeight_{animations_, 0}, tongueOpacity_{animations_, 0, 0.002};
-    Animated<double> cheeks_{animations_, 0, 0.002};  // stuffed
+    std::vector<Animated<double>> values_;  // of kMoving
 };

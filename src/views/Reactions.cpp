@@ -36,7 +36,7 @@ void Reactions::follow() {
 void Reactions::stop() {
     blinkTimer_.cancel();
     swallowStep_.cancel();
-    later_.cancel();
+    pending_.clear();
 }
 
 template <class T>
@@ -47,7 +47,17 @@ void Reactions::set(T State::*member, T value, const Curve& how) {
 
 void Reactions::hold(bool State::*member, double seconds, const Curve& begin, const Curve& end) {
     set(member, true, begin);
-    later_.after(seconds, [this, member, end] { set(member, false, end); });
+    later(seconds, [this, member, end] { set(member, false, end); });
+}
+
+void Reactions::later(double seconds, std::function<void()> call) {
+    const auto place = pending_.emplace(pending_.end());
+    *place = loop_.after(seconds, [this, place, call = std::move(call)] {
+        // The timer owns what runs here.
+        const TimerHandle self = std::move(*place);
+        pending_.erase(place);
+        call();
+    });
 }
 
 void Reactions::blink() {
@@ -70,8 +80,8 @@ void Reactions::lookAround() {
     if (model_.quiet()) return;
     const auto look = [this](double to, double duration) { set(&State::look, to, Animation::easeInOut(duration)); };
     look(-1, 0.22);
-    later_.after(0.5, [look] { look(1, 0.3); });
-    later_.after(1.05, [look] { look(0, 0.3); });
+    later(0.5, [look] { look(1, 0.3); });
+    later(1.05, [look] { look(0, 0.3); });
 }
 
 void Reactions::stretch() {

@@ -2,9 +2,9 @@
 
 #include <array>
 #include <functional>
+#include <list>
 #include <optional>
 
-#include "views/DelayedCalls.h"
 #include "views/View.h"
 
 /// What happens to the face for a short while: it blinks by a clock of its own, and the model's counters start the
@@ -41,6 +41,8 @@ class Reactions {
     void set(T State::*member, T value, const Curve& how = {});
     /// Sets `member` for so many seconds.
     void hold(bool State::*member, double seconds, const Curve& begin = {}, const Curve& end = {});
+    /// Any number of such calls may be under way.
+    void later(double seconds, std::function<void()> call);
     void blink();
     void startle();
     void worry();
@@ -54,6 +56,6 @@ class Reactions {
     std::function<void(const Curve&)> changed_;
     State state_;
     std::array<int, 7> seen_{};
-    DelayedCalls later_{loop_};
+    std::list<TimerHandle> pending_;
     TimerHandle blinkTimer_, swallowStep_;
 };

@@ -11,10 +11,6 @@ constexpr double kMargin = 4;  // points around the circle that count as on it
 constexpr double kPressedScale = 0.86;
 constexpr double kRim = 0.6;
 
-double between(double from, double to, double share) {
-    return from + (to - from) * share;
-}
-
 }  // namespace
 
 bool RemoveX::hit(const QPointF& point) {
@@ -29,11 +25,11 @@ void RemoveX::compose(DisplayList& list, int id, double now) const {
     const double opacity = opacity_.at(now);
     if (opacity <= 0) return;
     const double pressed = pressed_.at(now);
-    const double scale = between(1, kPressedScale, pressed);
+    const double scale = std::lerp(1, kPressedScale, pressed);
     list.with(QTransform::fromScale(scale, scale), opacity, [&] {
         const QRectF bounds(-size / 2 - 1, -size / 2 - 1, size + 2, size + 2);
         list.add(id, bounds, {pressed}, [pressed](Canvas& canvas) {
-            canvas.fill(circle({0, 0}, size), black(between(0.92, 0.75, pressed)));
+            canvas.fill(circle({0, 0}, size), black(std::lerp(0.92, 0.75, pressed)));
             canvas.stroke(circle({0, 0}, size - kRim), white(0.32), kRim);
             canvas.symbol(QStringLiteral("xmark"), {0, 0}, 7.5, white(0.95));
         });
