@@ -161,14 +161,14 @@ QString Chip::countdown() const {
 
 Chip::Look Chip::look() const {
     const double glow = glow_.at(context_.now());
-    const QColor plain = white(0.07), fill = mixed(plain, accentOrange(0.16), glow);
-    QString symbol = QStringLiteral("bell.fill");
+    const QColor plain = white(0.07), orange = accentOrange();
     if (timer() && timer()->done)
-        return {symbol, accentOrange(), QStringLiteral("done!"), kDone, accentOrange(), accentOrange(0.2)};
+        return {QStringLiteral("bell.fill"), orange, QStringLiteral("done!"), kDone, orange, accentOrange(0.2)};
     if (timer()) return {QStringLiteral("timer"), white(0.85), countdown(), kCountdown, white(0.7), plain};
-    symbol.clear();
+    QString symbol;
     if (const auto* bite = std::get_if<Bite>(&thing_))
         symbol = bite->text() ? QStringLiteral("text.quote") : QStringLiteral("link");
+    const QColor fill = mixed(plain, accentOrange(0.16), glow);
     return {symbol, white(0.85), caption_, kCaption, white(0.6), fill, 0.45 * glow};
 }
 

@@ -7,30 +7,24 @@
 namespace {
 
 /// The panel as the program keeps it: each frame clears and paints only what differs from the frame before.
-class Screen {
- public:
-    explicit Screen(double ratio)
-        : ratio_(ratio), image_((QSizeF(360, 230) * ratio).toSize(), QImage::Format_ARGB32_Premultiplied) {
-        image_.setDevicePixelRatio(ratio);
-        image_.fill(Qt::transparent);
+struct Screen {
+    explicit Screen(double pixelsPerPoint)
+        : ratio(pixelsPerPoint), image((QSizeF(360, 230) * ratio).toSize(), QImage::Format_ARGB32_Premultiplied) {
+        image.setDevicePixelRatio(ratio);
+        image.fill(Qt::transparent);
     }
-
     void draw(const DisplayList& next, const QRegion& damage) {
-        QPainter painter(&image_);
+        QPainter painter(&image);
         painter.setCompositionMode(QPainter::CompositionMode_Source);
         for (const QRect& part : damage) painter.fillRect(part, Qt::transparent);
         painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
         painter.setClipRegion(damage);
-        Canvas canvas(painter, caches_, ratio_);
+        Canvas canvas(painter, caches, ratio);
         next.paint(canvas, damage);
     }
-
-    const QImage& image() const { return image_; }
-
- private:
-    double ratio_;
-    QImage image_;
-    PictureCaches caches_;
+    double ratio;
+    QImage image;
+    PictureCaches caches;
 };
 
 const QRegion kPanel(0, 0, 360, 230);
@@ -99,13 +93,13 @@ TEST(Damage, PaintingOnlyWhatChangedLeavesTheSamePictureAsPaintingAll) {
                 Screen fresh(ratio);
                 fresh.draw(shown, kPanel);
                 // Clipping to a region and to an edge at once rounds a little differently than to the edge alone.
-                ASSERT_LE(difference(kept.image(), fresh.image()), 8)
+                ASSERT_LE(difference(kept.image, fresh.image), 8)
                     << step.name << ", frame " << frame << " at ratio " << ratio;
             }
             Screen fresh(ratio);
             fresh.draw(shown, kPanel);
             kept.draw(shown, kPanel);
-            EXPECT_EQ(difference(kept.image(), fresh.image()), 0)
+            EXPECT_EQ(difference(kept.image, fresh.image), 0)
                 << "after " << step.name << ", what was kept from the way there is in the picture at ratio " << ratio;
         }
     }
