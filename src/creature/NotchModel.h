@@ -116,7 +116,7 @@ class NotchModel : public ObservableObject {
     bool isSleepy() const;
     /// The user asked for quiet and the time is not over.
     bool quiet() const;
-    static constexpr int kChipsPerRow = 5;   ///< of the unfolded shelf
+    static constexpr int kChipsPerRow = 5;  ///< of the unfolded shelf
     static constexpr double kChipRow = 56;  ///< height of such a row
     /// Rows that it takes to show all that is held.
     int chipRows() const { return (heldCount() + kChipsPerRow - 1) / kChipsPerRow; }

@@ -80,7 +80,8 @@ void CritterView::aimCheeks(const std::optional<Animation>& how, double now) {
 
 void CritterView::aimEyes(const std::optional<Animation>& how, double now) {
     const auto curve = eyeCurve(how);
-    Eye::Pose pose{face().eye, face().pupil, lidClosure(), gaze(-1), eyesShut()};
+    const bool shut = model_.cameraInUse || state_.swallow == Swallow::gulping;
+    Eye::Pose pose{face().eye, face().pupil, lidClosure(), gaze(-1), shut};
     leftEye_.aim(pose, curve, now);
     pose.gaze = gaze(+1);
     rightEye_.aim(pose, curve, now);
@@ -97,10 +98,6 @@ std::optional<Animation> CritterView::eyeCurve(const std::optional<Animation>& h
         if (was[i] != eyeCauses_[i]) return curves[i];
     }
     return state_.swallow == Swallow::closing ? Animation::easeOut(0.12) : how;
-}
-
-bool CritterView::eyesShut() const {
-    return model_.cameraInUse || state_.swallow == Swallow::gulping;
 }
 
 double CritterView::lidClosure() const {

@@ -26,7 +26,6 @@ class CritterView : public View {
     void aimCheeks(const std::optional<Animation>& how, double now);
     void aimEyes(const std::optional<Animation>& how, double now);
     std::optional<Animation> eyeCurve(const std::optional<Animation>& how);
-    bool eyesShut() const;
     double lidClosure() const;
     /// Where the pupil looks of the eye on that `side`, -1 or 1.
     QPointF gaze(double side) const;

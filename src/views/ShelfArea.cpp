@@ -3,7 +3,6 @@
 #include <QLineF>
 #include <algorithm>
 #include <limits>
-#include <utility>
 
 #include "views/Colors.h"
 #include "views/PieceIds.h"
