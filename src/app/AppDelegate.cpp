@@ -25,26 +25,21 @@ AppDelegate::AppDelegate(const Ports& ports, const QStringList& arguments)
                       ports.pasteboard, ports.dataFolder}),
       drops_(model_, shelf_, ports.clock, ports.loop, ports.dragPasteboard, ports.disk),
       chipActions_(model_, shelf_, ports.workspace, ports.sharing),
-      root_(model_, chipPorts(), ports.clock, ports.loop, ports.random),
-      panel_(model_, root_, ports.window, ports.clock, ports.loop),
+      root_(model_, viewPorts(), ports.clock, ports.loop, ports.random),
+      panel_(model_, root_, drops_, ports.window, ports.clock, ports.loop),
       behaviour_(model_, ports.clock, ports.loop, ports.sounds, ports.random,
                  [this](const QString& line) { diagnostics_.trace(line); }),
       placement_(model_, ports.screens, ports.loop),
       commands_(model_, shelf_, ports.clock, ports.preferences, ports.workspace, switches()),
       capsLock_(model_),
       agents_(model_, ports.loop, ports.disk, ports.workspace),
-      flags_(model_, shelf_, behaviour_, ports.loop, arguments, [this] { panel_.setIgnoresMouseEvents(false); }),
+      flags_(model_, shelf_, behaviour_, ports.loop, arguments),
       screenTest_(model_, ports.loop, placement_, panel_),
       shelfTest_(model_, shelf_, ports.loop, drops_) {
     connect();
 }
 
 void AppDelegate::connect() {
-    behaviour_.updateMousePassThrough = [this] { panel_.updateMousePassThrough(); };
-    commands_.updateMousePassThrough = [this] { panel_.updateMousePassThrough(); };
-    drops_.updateMousePassThrough = [this] { panel_.updateMousePassThrough(); };
-    ports_.window.acceptsDrop = [this] { return drops_.acceptsDrops(); };
-    ports_.window.onDrop = [this](std::shared_ptr<Drop> drop) { drops_.handleDrop(std::move(drop)); };
     // Below the panel, in its middle.
     chipActions_.showSharing = [this](const QList<MenuItem>& items) {
         const QRectF panel = panel_.frame();
@@ -60,12 +55,13 @@ void AppDelegate::connect() {
     behaviour_.focusBlockedTerminal = [this] { agents_.focusBlockedTerminal(); };
 }
 
-ChipPorts AppDelegate::chipPorts() {
+ViewPorts AppDelegate::viewPorts() {
     return {.icons = ports_.icons,
             .trace = [this](const QString& line) { diagnostics_.trace(line); },
             .notchTapped = [this] { behaviour_.notchTapped(); },
             .use = [this](const HeldThing& thing) { chipActions_.use(thing); },
             .remove = [this](const HeldThing& thing) { chipActions_.remove(thing); },
+            .menu = [this](const HeldThing& thing) { return chipActions_.menu(thing); },
             .showX = arguments_.contains(QStringLiteral("--showx"))};
 }
 
@@ -159,9 +155,9 @@ void AppDelegate::popUp(const QList<MenuItem>& items, QPointF at) {
 void AppDelegate::rightMouseDown(QPointF pointer) {
     if (!behaviour_.inHoverZone(pointer, kMenuMargin)) return;
     panel_.letGo();
-    const Chip* chip = panel_.chipAt(pointer);
-    if (demo_ && !chip) return;
-    popUp(chip ? chipActions_.menu(chip->thing()) : commands_.menu(), pointer);
+    QList<MenuItem> menu = panel_.menuAt(pointer);
+    if (menu.isEmpty() && !demo_) menu = commands_.menu();
+    if (!menu.isEmpty()) popUp(menu, pointer);
 }
 
 void AppDelegate::dumpMenu() {

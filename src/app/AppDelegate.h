@@ -80,7 +80,7 @@ class AppDelegate {
  private:
     void connect();
     void watchPointer();
-    ChipPorts chipPorts();
+    ViewPorts viewPorts();
     static QList<Switch> switches();
     void startSensors();
     void startTicks();

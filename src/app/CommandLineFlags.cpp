@@ -35,13 +35,8 @@ std::optional<double> parseNumber(const QString& text) {
 }  // namespace
 
 CommandLineFlags::CommandLineFlags(NotchModel& model, Shelf& shelf, BehaviourEngine& behaviour, MainLoop& loop,
-                                   QStringList arguments, std::function<void()> takeMouse)
-    : model_(model),
-      shelf_(shelf),
-      behaviour_(behaviour),
-      loop_(loop),
-      arguments_(std::move(arguments)),
-      takeMouse_(std::move(takeMouse)) {}
+                                   QStringList arguments)
+    : model_(model), shelf_(shelf), behaviour_(behaviour), loop_(loop), arguments_(std::move(arguments)) {}
 
 bool CommandLineFlags::has(const char* flag) const {
     return arguments_.contains(QLatin1String(flag));
@@ -89,7 +84,6 @@ void CommandLineFlags::applyToy(FlagEffects& effects) {
         model_.toy = toy;
         model_.hidden = false;
         model_.hovering = true;
-        takeMouse_();
         model_.cursor = QPointF(model_.centerX + 40, model_.screenTop - 230);
         return;
     }

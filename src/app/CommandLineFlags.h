@@ -22,10 +22,9 @@ struct FlagEffects {
 /// thread.
 class CommandLineFlags {
  public:
-    /// `takeMouse` lets the panel take the pointer, as it must for a creature that attends without one. The references
-    /// must outlive the object.
-    CommandLineFlags(NotchModel& model, Shelf& shelf, BehaviourEngine& behaviour, MainLoop& loop, QStringList arguments,
-                     std::function<void()> takeMouse);
+    /// The references must outlive the object.
+    CommandLineFlags(NotchModel& model, Shelf& shelf, BehaviourEngine& behaviour, MainLoop& loop,
+                     QStringList arguments);
 
     /// Applies the flags. One-shot reactions follow 1.5 s later, for as long as this object lives.
     FlagEffects apply();
@@ -49,6 +48,5 @@ class CommandLineFlags {
     BehaviourEngine& behaviour_;
     MainLoop& loop_;
     QStringList arguments_;
-    std::function<void()> takeMouse_;
     std::vector<TimerHandle> reactions_;
 };

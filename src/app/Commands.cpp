@@ -85,7 +85,6 @@ void Commands::pick(const QString& name) {
             model_.dragging = false;
             model_.asleep = false;
         });
-        if (updateMousePassThrough) updateMousePassThrough();
     }
 }
 
@@ -108,7 +107,6 @@ void Commands::openSite() {
 
 void Commands::toggleHidden() {
     model_.withAnimation(commonSpring(), [&] { model_.hidden = !model_.hidden; });
-    if (updateMousePassThrough) updateMousePassThrough();
 }
 
 void Commands::flip(const Switch& flipped) {

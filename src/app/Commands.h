@@ -30,8 +30,6 @@ class Commands {
     void toggleHidden();
     void flip(const Switch& flipped);
 
-    /// Called after a change that may let the panel take the pointer or leave it alone.
-    std::function<void()> updateMousePassThrough;
     /// Asks for an orderly end.
     std::function<void()> quit;
 

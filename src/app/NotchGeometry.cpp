@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
+#include "views/RootView.h"
+
 namespace {
 
-constexpr double kPanelWidth = 360;
-constexpr double kPanelHeight = 230;
 constexpr double kAssumedWidth = 185;
 constexpr double kAssumedHeight = 32;
 
@@ -38,6 +38,7 @@ std::optional<NotchGeometry> notchGeometry(const QList<Screen>& screens) {
     if (!screen) return {};
     const QRectF notch = notchOf(*screen);
     const double top = screen->frame.bottom();
-    const QRectF panel(notch.center().x() - kPanelWidth / 2, top - kPanelHeight, kPanelWidth, kPanelHeight);
+    const QSizeF size(RootView::kPanelWidth, RootView::kPanelHeight);
+    const QRectF panel(QPointF(notch.center().x() - size.width() / 2, top - size.height()), size);
     return NotchGeometry{panel, notch, top, screen->place};
 }

@@ -5,32 +5,26 @@
 #include <utility>
 
 #include "platform/linux/OutlineRegion.h"
-#include "views/FilePicture.h"
 
 namespace {
 
 constexpr double kDragDistance = 12;
-constexpr QPointF kFarAway(1000, 1000);  // a press that ends here was not meant
 
 }  // namespace
 
-NotchPanel::NotchPanel(NotchModel& model, RootView& root, PanelWindow& window, Clock& clock, MainLoop& loop)
-    : m_(model), root_(root), window_(window), clock_(clock), loop_(loop) {
+NotchPanel::NotchPanel(NotchModel& model, RootView& root, DropIntake& drops, PanelWindow& window, Clock& clock,
+                       MainLoop& loop)
+    : model_(model), root_(root), drops_(drops), window_(window), clock_(clock), loop_(loop) {
     root_.onChange = [this] { contentChanged(); };
-    window_.onExpose = [this] { drawFrame(true); };
-    window_.onPress = [this](auto button, QPointF position, QPointF pointer) { pressed(button, position, pointer); };
-    window_.onDrag = [this](QPointF pointer) { draggedTo(pointer); };
-    window_.onRelease = [this](auto button, QPointF pointer) { released(button, pointer); };
-    window_.onDropTargeted = [this](bool targeted) { dropTargeted(targeted); };
+    window_.setListener(this);
+    subscription_ = model_.objectDidChange.subscribe([this](const auto&) {
+        if (reach() != inputReach_) updateInputRegion();
+    });
 }
 
 NotchPanel::~NotchPanel() {
     root_.onChange = nullptr;
-    window_.onExpose = nullptr;
-    window_.onPress = nullptr;
-    window_.onDrag = nullptr;
-    window_.onRelease = nullptr;
-    window_.onDropTargeted = nullptr;
+    window_.setListener(nullptr);
 }
 
 void NotchPanel::show(const QRectF& frame) {
@@ -59,13 +53,9 @@ void NotchPanel::fitOverdraw() {
     window_.setOverdraw({beside, 0, beside, int(height_ - RootView::kPanelHeight)});
 }
 
-void NotchPanel::updateMousePassThrough() {
-    setIgnoresMouseEvents(!m_.hovering && !m_.dragNear && !m_.dropTargeted && !m_.sliding && m_.slideX == 0.0);
-}
-
-void NotchPanel::setIgnoresMouseEvents(bool ignores) {
-    ignoresMouse_ = ignores;
-    updateInputRegion();
+NotchPanel::Reach NotchPanel::reach() const {
+    if (model_.dragNear || model_.dropTargeted) return Reach::panel;
+    return model_.hovering || model_.sliding || model_.slideX != 0.0 ? Reach::body : Reach::nothing;
 }
 
 void NotchPanel::contentChanged() {
@@ -106,53 +96,51 @@ void NotchPanel::drawFrame(bool all) {
 }
 
 void NotchPanel::updateInputRegion() {
+    inputReach_ = reach();
     QRegion input;
-    if (!ignoresMouse_ && (m_.dragNear || m_.dropTargeted))
-        input = QRect(0, 0, int(RootView::kPanelWidth), int(height_));
-    else if (!ignoresMouse_)
-        input = pixelsInside(root_.outline(), 1);
+    if (inputReach_ == Reach::panel) input = QRect(0, 0, int(RootView::kPanelWidth), int(height_));
+    if (inputReach_ == Reach::body) input = pixelsInside(root_.outline(), 1);
     if (input != inputRegion_) window_.setInputRegion(inputRegion_ = input);
 }
 
 void NotchPanel::pressed(PanelWindow::Button button, QPointF position, QPointF pointer) {
     if (button == PanelWindow::Button::right && onRightPress) onRightPress(pointer);
-    if (button == PanelWindow::Button::left) press_ = Press{position, pointer, false, root_.press(position)};
+    if (button != PanelWindow::Button::left) return;
+    letGo();
+    press_ = Press{root_.hit(position), pointer};
+    if (press_->hit.showPressed) press_->hit.showPressed(true);
 }
 
-void NotchPanel::draggedTo(QPointF pointer) {
-    if (!press_ || press_->remove) return;
+void NotchPanel::dragged(QPointF pointer) {
+    if (!press_) return;
     const QPointF way = pointer - press_->pointer;
     if (!press_->dragged && std::hypot(way.x(), way.y()) < kDragDistance) return;
-    if (!press_->dragged) {
-        const Chip* chip = root_.pressedChip();
-        if (chip && std::holds_alternative<QUrl>(chip->thing())) return dragOut(*chip);
+    if (std::holds_alternative<Hit::File>(press_->hit.drag)) {
+        const auto file = std::get<Hit::File>(press_->hit.drag);
+        letGo();
+        return window_.dragOut(file.url, file.picture, QRectF({}, file.picture.deviceIndependentSize()).center());
     }
+    const auto* slide = std::get_if<Hit::Slide>(&press_->hit.drag);
+    if (!slide) return;
     press_->dragged = true;
     // Measured on the screen, since the panel moves along under the pointer.
-    root_.slide(way.x());
-}
-
-void NotchPanel::dragOut(const Chip& chip) {
-    press_.reset();
-    const double middle = FilePicture::side / 2 + FilePicture::margin;
-    window_.dragOut(std::get<QUrl>(chip.thing()), chip.picture(), {middle, middle});
+    slide->move(way.x());
 }
 
 void NotchPanel::released(PanelWindow::Button button, QPointF pointer) {
     if (button != PanelWindow::Button::left || !press_) return;
-    const Press press = *std::exchange(press_, std::nullopt);
-    if (press.remove)
-        root_.release(pointer - press.pointer);
-    else if (press.dragged)
-        root_.slideEnded();
-    else
-        root_.tap(press.position);
+    const Press press = *press_;
+    letGo();
+    const QPointF way = pointer - press.pointer;
+    const bool tapped = !press.dragged && std::max(std::abs(way.x()), std::abs(way.y())) < press.hit.tapReach;
+    if (tapped && press.hit.tap) press.hit.tap();
 }
 
 void NotchPanel::letGo() {
-    if (press_ && press_->dragged) root_.slideEnded();
-    if (press_ && press_->remove) root_.release(kFarAway);
-    press_.reset();
+    if (!press_) return;
+    const Press press = *std::exchange(press_, std::nullopt);
+    if (press.hit.showPressed) press.hit.showPressed(false);
+    if (press.dragged) std::get<Hit::Slide>(press.hit.drag).end();
 }
 
 QPointF NotchPanel::inPanel(QPointF pointer) const {
@@ -165,13 +153,11 @@ void NotchPanel::pointerMoved(QPointF pointer) {
     root_.pointerMoved(panel.contains(place) ? std::optional(place) : std::nullopt);
 }
 
-const Chip* NotchPanel::chipAt(QPointF pointer) const {
-    return root_.chipAt(inPanel(pointer));
+QList<MenuItem> NotchPanel::menuAt(QPointF pointer) const {
+    const Hit hit = root_.hit(inPanel(pointer));
+    return hit.menu ? hit.menu() : QList<MenuItem>();
 }
 
 void NotchPanel::dropTargeted(bool targeted) {
-    // The weather takes no drops.
-    const bool taken = targeted && m_.toy == Toy::critter;
-    m_.withAnimation(Animation::spring(0.3, 0.85), [&] { m_.dropTargeted = taken; });
-    updateMousePassThrough();
+    model_.withAnimation(Animation::spring(0.3, 0.85), [&] { model_.dropTargeted = targeted; });
 }

@@ -4,15 +4,17 @@
 
 #include "creature/NotchModel.h"
 #include "platform/PanelWindow.h"
+#include "shelf/DropIntake.h"
 #include "views/DisplayList.h"
 #include "views/RootView.h"
 
 /// The panel that the creature lives in: shows the root view's pictures in the window, one frame when something changed
-/// and none else, and turns presses into taps and slides. Main thread only; the references must outlive it.
-class NotchPanel {
+/// and none else, and lets what lies under the pointer answer to presses. It takes the pointer exactly while the
+/// creature attends, is aimed at with a drop, or is off its place. Main thread only; the references must outlive it.
+class NotchPanel : private PanelWindow::Listener {
  public:
-    NotchPanel(NotchModel& model, RootView& root, PanelWindow& window, Clock& clock, MainLoop& loop);
-    ~NotchPanel();
+    NotchPanel(NotchModel& model, RootView& root, DropIntake& drops, PanelWindow& window, Clock& clock, MainLoop& loop);
+    ~NotchPanel() override;
 
     void show(const QRectF& frame);
     void setFrame(const QRectF& frame);
@@ -21,15 +23,10 @@ class NotchPanel {
     /// Where the desktop shows it.
     QRectF shownFrame() const { return window_.frame(); }
 
-    /// Lets the panel take the pointer exactly while the creature attends, is aimed at with a drop, or is off its
-    /// place.
-    void updateMousePassThrough();
-    /// Takes or leaves the pointer until the next updateMousePassThrough().
-    void setIgnoresMouseEvents(bool ignores);
     /// The pointer is here on the screen now, with no button held in the panel.
     void pointerMoved(QPointF pointer);
-    /// The chip under a place of the screen; null for none. It lives until the model changes.
-    const Chip* chipAt(QPointF pointer) const;
+    /// The menu of what is at this place of the screen; empty where nothing has one of its own.
+    QList<MenuItem> menuAt(QPointF pointer) const;
 
     /// The right button went down on the panel, here on the screen.
     std::function<void(QPointF pointer)> onRightPress;
@@ -40,40 +37,47 @@ class NotchPanel {
 
  private:
     struct Press {
-        QPointF position;  // in the panel
-        QPointF pointer;   // on the screen
+        Hit hit;
+        QPointF pointer;  // on the screen
         bool dragged = false;
-        bool remove = false;  // on a chip's remove button
     };
+    /// Where the panel takes the pointer.
+    enum class Reach { nothing, body, panel };
+
+    void exposed() override { drawFrame(true); }
+    void pressed(PanelWindow::Button button, QPointF position, QPointF pointer) override;
+    void dragged(QPointF pointer) override;
+    void released(PanelWindow::Button button, QPointF pointer) override;
+    void dropTargeted(bool targeted) override;
+    bool acceptsDrop() override { return drops_.acceptsDrops(); }
+    void dropped(std::shared_ptr<Drop> drop) override { drops_.handleDrop(std::move(drop)); }
 
     void contentChanged();
     void fitOverdraw();
     void scheduleFrame(double when);
     void drawFrame(bool all);
+    Reach reach() const;
     void updateInputRegion();
-    void pressed(PanelWindow::Button button, QPointF position, QPointF pointer);
-    void draggedTo(QPointF pointer);
-    void released(PanelWindow::Button button, QPointF pointer);
-    void dragOut(const Chip& chip);
     QPointF inPanel(QPointF pointer) const;
-    void dropTargeted(bool targeted);
 
-    NotchModel& m_;
+    NotchModel& model_;
     RootView& root_;
+    DropIntake& drops_;
     PanelWindow& window_;
     Clock& clock_;
     MainLoop& loop_;
 
     PictureCaches caches_;
     DisplayList shown_;
+    Reach inputReach_ = Reach::nothing;
     QRegion inputRegion_;
     QRectF frame_;
     double height_ = 0;  // of the picture; 0 until it has been fitted
     bool visible_ = false;
-    bool ignoresMouse_ = true;
     std::optional<Press> press_;
 
     double lastFrame_ = 0;
     double frameDue_ = 0;
     TimerHandle frameTimer_;
+    Subscription subscription_;
 };

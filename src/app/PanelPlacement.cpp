@@ -57,7 +57,6 @@ void PanelPlacement::placePanel() {
     take(*geometry);
     if (m_.slideX != 0.0) m_.slideX = 0;
     behaviour_->cancelSlideHome();
-    panel_->updateMousePassThrough();  // it need not take the pointer any more because it was aside
     panel_->show(homeFrame_);
     m_.cursor = QPointF(m_.centerX, m_.screenTop - kFirstGaze);
 }

@@ -102,7 +102,6 @@ void BehaviourEngine::setHovering(bool inside, QPointF pointer) {
                .arg(word(model_.hovering), word(inside), formatNumbers({pointer.x(), pointer.y()}),
                     formatNumbers({zoneWidth(model_) * 0.5 + kEnterMargin, zoneHeight(model_) + kEnterMargin})));
     model_.withAnimation(commonSpring(), [&] { model_.hovering = inside; });
-    if (updateMousePassThrough) updateMousePassThrough();
 }
 
 void BehaviourEngine::applicationActivated() {
@@ -170,7 +169,6 @@ void BehaviourEngine::dozeOff() {
 }
 
 void BehaviourEngine::slidingChanged(bool sliding) {
-    if (updateMousePassThrough) updateMousePassThrough();
     slideHomeTimer_.cancel();
     if (!sliding && model_.slideX != 0.0) slideHomeTimer_ = loop_.after(kSlideHomeDelay, [this] { slideHome(); });
 }
@@ -199,5 +197,4 @@ void BehaviourEngine::stepHome(double from, double started) {
     }
     slideSteps_.cancel();
     model_.slideX = 0.0;
-    if (updateMousePassThrough) updateMousePassThrough();
 }

@@ -40,9 +40,6 @@ class BehaviourEngine {
     std::function<void()> clearDoneTimers;
     /// Called by a tap while an agent waits for the user: brings its terminal forward.
     std::function<void()> focusBlockedTerminal;
-    /// Called when a change may let the panel take the pointer or leave it alone.
-    std::function<void()> updateMousePassThrough;
-
  private:
     void startleAt(QPointF pointer, double elapsed);
     void publishGaze(QPointF pointer, double now, bool hoverChanges);

@@ -31,8 +31,7 @@ double NotchModel::shapeHeight() const {
     if (dropTargeted || dragNear) return 120;
     if (hovering && hasHeld()) {
         const double folded = musicPlaying ? 178 : 152;
-        const int rows = std::max(1, (heldCount() + 4) / 5);
-        return shelfExpanded ? folded + 20 + 56 * (rows - 1) : folded;
+        return shelfExpanded ? folded + 20 + kChipRow * (chipRows() - 1) : folded;
     }
     if (hovering && musicPlaying) return 138;
     if (yawning) return 92;

@@ -91,6 +91,11 @@ class NotchModel : public ObservableObject {
     bool isSleepy(const Clock& clock) const;
     /// The user asked for quiet and the time is not over.
     bool isQuiet(const Clock& clock) const { return clock.now() < quietUntil; }
+
+    static constexpr int kChipsPerRow = 5;  ///< of the unfolded shelf
+    static constexpr double kChipRow = 56;  ///< height of such a row
+    /// Rows that it takes to show all that is held.
+    int chipRows() const { return (heldCount() + kChipsPerRow - 1) / kChipsPerRow; }
     /// Size that the notch shape should have now.
     double shapeWidth() const;
     double shapeHeight() const;

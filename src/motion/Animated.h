@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "motion/Animation.h"
+#include "motion/Animations.h"
 
 /// A value on its way: aimed at a target with an Animation, asked where it is at a time. The value at a time depends
 /// only on how it was aimed, never on how often it was asked. Times are Clock::uptime() seconds.
@@ -13,8 +14,10 @@
 template <class T>
 class Animated {
  public:
-    /// Rests at `value`. Within `precision` of its target, in the value's own unit, it counts as arrived.
-    explicit Animated(T value, double precision = 0.005) : target_(value), precision_(precision) {}
+    /// Belongs to `group` and rests at `value`. Within `precision` of its target, in the value's own unit, it counts as
+    /// arrived.
+    Animated(Animations& group, T value, double precision = 0.005)
+        : group_(&group), target_(value), precision_(precision) {}
 
     /// Sends the value to `target`: with `how` from where it is and as fast as it moves at `now`, without it at once.
     /// Aiming at the present target changes nothing, so a view may aim all its values after every change of the model.
@@ -31,6 +34,7 @@ class Animated {
         const T distance = from - target;
         moving_ = Moving{*how, distance, speed, now,
                          now + how->settlingTime(magnitude(distance), magnitude(speed), precision_)};
+        group_->started(moving_->end);
     }
 
     /// Puts the value at `value` at once, also when that is the present target.
@@ -66,6 +70,7 @@ class Animated {
     static double magnitude(double value) { return std::abs(value); }
     static double magnitude(const QPointF& value) { return std::hypot(value.x(), value.y()); }
 
+    Animations* group_;
     T target_;
     double precision_;
     std::optional<Moving> moving_;

@@ -21,7 +21,34 @@ class PanelWindow {
  public:
     enum class Button { left, right, middle };
 
+    /// Whoever deals with what happens to the window.
+    class Listener {
+     public:
+        virtual ~Listener() = default;
+
+        /// All of the window must be drawn again: it was exposed, or its device pixel ratio changed.
+        virtual void exposed() {}
+
+        /// A button went down inside the window; `position` inside the window, `pointer` on the screen.
+        virtual void pressed(Button, QPointF /*position*/, QPointF /*pointer*/) {}
+        /// The pointer moved while a button pressed inside the window is held. Sampled at display rate.
+        virtual void dragged(QPointF /*pointer*/) {}
+        virtual void released(Button, QPointF /*pointer*/) {}
+
+        /// A drag of files, links, text, an image or a promised file came over the window (true), or left it or was
+        /// dropped (false). The window's own drags are none of these.
+        virtual void dropTargeted(bool) {}
+        /// Whether a drop would be taken now; asked while a drag is over the window.
+        virtual bool acceptsDrop() { return false; }
+        /// Something was dropped on the window while acceptsDrop() held.
+        virtual void dropped(std::shared_ptr<Drop>) {}
+    };
+
     virtual ~PanelWindow() = default;
+
+    /// `listener` must outlive the window or be replaced before its end; null: nobody listens.
+    void setListener(Listener* listener) { listener_ = listener ? listener : &nobody_; }
+    Listener& listener() const { return *listener_; }
 
     /// Moves and resizes the window to a rectangle of the screen.
     virtual void setFrame(const QRectF& frame) = 0;
@@ -48,25 +75,12 @@ class PanelWindow {
     /// result. Nothing is drawn while the window is not visible.
     virtual void paint(const QRegion& damage, const std::function<void(QPainter&)>& draw) = 0;
 
-    /// A button went down inside the window; `position` inside the window, `pointer` on the screen.
-    std::function<void(Button button, QPointF position, QPointF pointer)> onPress;
-    /// The pointer moved while a button pressed inside the window is held. Sampled at display rate.
-    std::function<void(QPointF pointer)> onDrag;
-    std::function<void(Button button, QPointF pointer)> onRelease;
-
     /// Begins to drag `file` out of the window, while a button is held in it: other programs take a copy of the file.
     /// `icon` goes along under the pointer, `grip` (points) being the place in it where the pointer is. Returns at
-    /// once; onRelease does not come for this press.
+    /// once; no release follows this press.
     virtual void dragOut(const QUrl& file, const QImage& icon, QPointF grip) = 0;
 
-    /// A drag of files, links, text, an image or a promised file came over the window (true), or left it or was
-    /// dropped (false).
-    /// The window's own drags are none of these.
-    std::function<void(bool targeted)> onDropTargeted;
-    /// Whether a drop would be taken now; asked while a drag is over the window. None: no.
-    std::function<bool()> acceptsDrop;
-    /// Something was dropped on the window while acceptsDrop() held.
-    std::function<void(std::shared_ptr<Drop> drop)> onDrop;
-    /// All of the window must be drawn again: it was exposed, or its device pixel ratio changed.
-    std::function<void()> onExpose;
+ private:
+    Listener nobody_;
+    Listener* listener_ = &nobody_;
 };

@@ -63,7 +63,6 @@ void DropIntake::updateNear(QPointF pointer) {
 
 void DropIntake::setNear(bool isNear) {
     model_.withAnimation(Animation::spring(0.3, 0.7), [&] { model_.dragNear = isNear; });
-    if (updateMousePassThrough) updateMousePassThrough();
 }
 
 void DropIntake::refuse() {
@@ -71,7 +70,6 @@ void DropIntake::refuse() {
     closeMouth_.cancel();
     model_.dragNear = false;
     model_.dropTargeted = false;
-    if (updateMousePassThrough) updateMousePassThrough();
 }
 
 void DropIntake::dragEnded() {
@@ -81,7 +79,6 @@ void DropIntake::dragEnded() {
     if (!model_.dragNear) return;
     closeMouth_ = loop_.after(kMouthOpen, [this] {
         model_.withAnimation(Animation::easeOut(0.25), [this] { model_.dragNear = false; });
-        if (updateMousePassThrough) updateMousePassThrough();
     });
 }
 

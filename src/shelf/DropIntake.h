@@ -22,9 +22,6 @@ class DropIntake {
     DropIntake(NotchModel& model, Shelf& shelf, Clock& clock, MainLoop& loop, DragPasteboard& pasteboard,
                BackgroundQueue& disk);
 
-    /// Called after a change that may let the panel take the pointer or leave it alone.
-    std::function<void()> updateMousePassThrough;
-
     /// The pointer moved with the left button held, anywhere.
     void dragMoved(QPointF pointer);
     /// The left button was released, anywhere.

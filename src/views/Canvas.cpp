@@ -9,7 +9,7 @@ namespace {
 // A symbol's drawing is a square a little larger than the type size, as symbols stand beside text.
 constexpr double kSymbolBox = 1.25;
 constexpr double kFontPixels = 100;
-constexpr qsizetype kMostVisible = 500;  // characters on one side of the dots
+constexpr qsizetype kMaxVisible = 500;  // characters on each side of the dots
 
 /// Whether `c` may be part of an emoji, which has colours and no outline: one beyond the first 65536 characters, a
 /// symbol, or what makes an emoji of a letter or sign.
@@ -18,11 +18,12 @@ bool mayBePicture(QChar c) {
     return c.isSurrogate() || (c >= keycap && c <= lastSymbol) || c == asEmoji;
 }
 
-/// Where `line` begins so that it is centred around the origin, between the line's ascent and descent as a row of text
-/// is laid out.
-QPointF startOf(const QString& line, const QFont& face) {
+/// Where the baseline of `line` begins for a line that is aligned at the origin, and centred there between its ascent
+/// and descent as a row of text is laid out.
+QPointF startOf(const QString& line, const QFont& face, Qt::Alignment alignment) {
     const QFontMetricsF metrics(face);
-    return {-metrics.horizontalAdvance(line) / 2, (metrics.ascent() - metrics.descent()) / 2};
+    const double left = alignment & Qt::AlignLeft ? 0 : -metrics.horizontalAdvance(line) / 2;
+    return {left, (metrics.ascent() - metrics.descent()) / 2};
 }
 
 }  // namespace
@@ -144,27 +145,28 @@ void Canvas::symbol(const QString& name, const QPointF& place, double size, cons
     painter_.restore();
 }
 
-void Canvas::text(const QString& line, const QPointF& center, const TextStyle& style, const QColor& color) {
+void Canvas::text(const QString& line, const QPointF& place, const TextStyle& style, const QColor& color,
+                  Qt::Alignment alignment) {
     const QFont face = font(style.face, style.weight);
     const double scale = style.size / kFontPixels;
     painter_.save();
-    painter_.translate(center);
+    painter_.translate(place);
     painter_.scale(scale, scale);
     if (std::any_of(line.begin(), line.end(), mayBePicture)) {
         painter_.setFont(face);
         painter_.setPen(color);
-        painter_.drawText(startOf(line, face), line);
+        painter_.drawText(startOf(line, face, alignment), line);
     } else {
-        painter_.fillPath(outlineOf(line, face), color);
+        painter_.fillPath(outlineOf(line, face, alignment), color);
     }
     painter_.restore();
 }
 
-QPainterPath Canvas::outlineOf(const QString& line, const QFont& face) {
-    const PictureKey key{line, face.family(), face.weight()};
+QPainterPath Canvas::outlineOf(const QString& line, const QFont& face, Qt::Alignment alignment) {
+    const PictureKey key{line, face.family(), face.weight(), int(alignment)};
     if (const QPainterPath* known = caches_.texts.object(key)) return *known;
     auto* path = new QPainterPath;
-    path->addText(startOf(line, face), face, line);
+    path->addText(startOf(line, face, alignment), face, line);
     const QPainterPath outline = *path;
     caches_.texts.insert(key, path);
     return outline;
@@ -175,17 +177,10 @@ double Canvas::textWidth(const QString& line, const TextStyle& style) {
 }
 
 // Of a very long line only what can be seen is measured; where it is cut, it is elided anyway.
-QString Canvas::elidedMiddle(const QString& line, double width, const TextStyle& style) {
-    const bool cut = line.size() > 2 * kMostVisible;
-    const QString ends = cut ? line.left(kMostVisible) + line.right(kMostVisible) : line;
-    return QFontMetricsF(font(style.face, style.weight))
-        .elidedText(ends, Qt::ElideMiddle, width * kFontPixels / style.size);
-}
-
-// Rounded up to quarters, so that the small steps of breathing reuse what was rendered.
-double Canvas::pixelsPerPoint() const {
-    const QTransform t = painter_.deviceTransform();
-    return std::max(1.0, std::ceil(std::hypot(t.m11(), t.m12()) * 4 - 0.01) / 4);
+QString Canvas::elided(const QString& line, double width, const TextStyle& style, Qt::TextElideMode where) {
+    const bool cut = line.size() > 2 * kMaxVisible;
+    const QString ends = cut ? line.left(kMaxVisible) + line.right(kMaxVisible) : line;
+    return QFontMetricsF(font(style.face, style.weight)).elidedText(ends, where, width * kFontPixels / style.size);
 }
 
 QBrush radialGradient(const QRectF& frame, const QPointF& unitCenter, double startRadius, double endRadius,

@@ -57,20 +57,20 @@ class Canvas {
     /// `place`; with Qt::AlignRight or Qt::AlignBottom its ink ends there instead, in that direction.
     void symbol(const QString& name, const QPointF& place, double size, const QColor& color,
                 Qt::Alignment alignment = Qt::AlignCenter);
-    /// One line of text, centred at `center`.
-    void text(const QString& line, const QPointF& center, const TextStyle& style, const QColor& color);
+    /// One line of text, its middle at `place`, or its left end there with Qt::AlignLeft; in height it is centred.
+    void text(const QString& line, const QPointF& place, const TextStyle& style, const QColor& color,
+              Qt::Alignment alignment = Qt::AlignHCenter);
 
     /// `image` over all of `frame`.
     void picture(const QImage& image, const QRectF& frame) { painter_.drawImage(frame, image); }
 
     /// Width in points that `line` takes.
     static double textWidth(const QString& line, const TextStyle& style);
-    /// `line` shortened in its middle to at most `width` points.
-    static QString elidedMiddle(const QString& line, double width, const TextStyle& style);
+    /// `line` shortened to at most `width` points, in its middle or at its end (Qt::ElideMiddle, Qt::ElideRight).
+    static QString elided(const QString& line, double width, const TextStyle& style, Qt::TextElideMode where);
 
  private:
-    double pixelsPerPoint() const;
-    QPainterPath outlineOf(const QString& line, const QFont& face);
+    QPainterPath outlineOf(const QString& line, const QFont& face, Qt::Alignment alignment);
     void drawScaled(const QRectF& bounds, const QImage& image, const QRectF& hole);
 
     QPainter& painter_;

@@ -13,13 +13,13 @@
 
 namespace {
 
-constexpr double kOuter = 3;
 constexpr double kCorner = 10;
 constexpr double kGlyphMiddle = -6;  // from the chip's middle
 constexpr double kCaptionMiddle = 16.5;
 constexpr double kCaptionWidth = 42;
 constexpr double kGlyphSize = 15;
 constexpr double kHoverScale = 0.07;
+constexpr double kHold = 0.45;   // seconds
 constexpr int kIconPixels = 64;  // for 30 points at twice the resolution
 
 const TextStyle kCaption{7.5, QFont::Medium, Face::rounded};
@@ -38,6 +38,11 @@ QString captionOf(const HeldThing& thing) {
     return bite->url()->host().isEmpty() ? bite->url()->toString() : bite->url()->host();
 }
 
+/// The middle of the remove button of a chip that fills `frame`.
+QPointF removeCorner(const QRectF& frame) {
+    return {frame.right() - RemoveX::size / 2, frame.top() + RemoveX::size / 2};
+}
+
 }  // namespace
 
 /// Everything that the chip's picture depends on.
@@ -51,21 +56,13 @@ struct Chip::Look {
     double outline = 0;  ///< opacity
 };
 
-Chip::Chip(int number, HeldThing thing, const QPointF& middle, const ChipPorts& ports, Clock& clock, MainLoop& loop,
-           std::function<void()> changed)
+Chip::Chip(int number, HeldThing thing, const QPointF& middle, const ViewContext& context)
     : number_(number),
       thing_(std::move(thing)),
-      ports_(ports),
-      clock_(clock),
-      changed_(std::move(changed)),
-      made_(clock.uptime()),
-      hold_(loop,
-            [this] {
-                updateRemove(std::nullopt);
-                changed_();
-            }),
-      middle_(middle) {
-    caption_ = Canvas::elidedMiddle(captionOf(thing_), kCaptionWidth, kCaption);
+      context_(context),
+      made_(context.now()),
+      middle_(context.animations, middle) {
+    caption_ = Canvas::elided(captionOf(thing_), kCaptionWidth, kCaption, Qt::ElideMiddle);
     updateRemove(std::nullopt);
     findPicture();
 }
@@ -75,105 +72,103 @@ void Chip::findPicture() {
     if (!file) return;
     const QString extension = QFileInfo(file->fileName()).suffix();
     picture_ = FilePicture::make({}, extension);
-    ports_.icons.find(*file, kIconPixels, [this, weak = std::weak_ptr(alive_), extension](const QImage& icon) {
-        if (weak.expired() || icon.isNull()) return;
+    const auto found = [this, extension](const QImage& icon) {
+        if (icon.isNull()) return;
         picture_ = FilePicture::make(icon, extension);
-        changed_();
-    });
-}
-
-void Chip::setThing(const HeldThing& thing) {
-    thing_ = thing;
-}
-
-void Chip::moveTo(const QPointF& middle, const std::optional<Animation>& how) {
-    middle_.aim(middle, how, clock_.uptime());
-}
-
-void Chip::show(bool shown, const std::optional<Animation>& how) {
-    presence_.aim(shown ? 1 : 0, how, clock_.uptime());
-}
-
-bool Chip::gone() const {
-    return !shown() && !presence_.moving(clock_.uptime());
+        context_.changed();
+    };
+    context_.ports.icons.find(*file, kIconPixels, lifetime_.guard(found));
 }
 
 void Chip::setHover(bool hover) {
     if (hover == hover_) return;
     hover_ = hover;
-    if (const auto* file = std::get_if<QUrl>(&thing_); file && ports_.trace) {
-        ports_.trace(QStringLiteral("chip %1 hover → %2")
-                         .arg(file->fileName(), hover ? QStringLiteral("true") : QStringLiteral("false")));
+    if (const auto* file = std::get_if<QUrl>(&thing_); file && context_.ports.trace) {
+        context_.ports.trace(QStringLiteral("chip %1 hover → %2")
+                                 .arg(file->fileName(), hover ? QStringLiteral("true") : QStringLiteral("false")));
     }
     const auto how = Animation::easeOut(0.14);
-    glow_.aim(hover && !timer() ? 1 : 0, how, clock_.uptime());
-    hold_.hover(hover);
+    glow_.aim(hover && !timer() ? 1 : 0, how, context_.now());
+    hold_.cancel();
+    if (!hover) {
+        hold_ = context_.loop.after(kHold, [this] {
+            const TimerHandle self = std::move(hold_);
+            updateRemove(std::nullopt);
+            context_.changed();
+        });
+    }
     updateRemove(how);
-    changed_();
+    context_.changed();
 }
 
 void Chip::updateRemove(const std::optional<Animation>& how) {
-    remove_.show(removeShown(), how, clock_.uptime());
+    remove_.show(removeShown(), how, context_.now());
 }
 
 QRectF Chip::inner() const {
-    const QPointF middle = middle_.at(clock_.uptime());
+    const QPointF middle = middle_.at(context_.now());
     return {middle.x() - width / 2, middle.y() - height / 2, width, height};
 }
 
-QRectF Chip::outer() const {
-    return inner().adjusted(-kOuter, -kOuter, kOuter, kOuter);
+bool Chip::isOnRemove(const QPointF& point) const {
+    return removeShown() && RemoveX::hit(point - removeCorner(inner()));
 }
 
-bool Chip::removeHit(const QPointF& point) const {
-    const QRectF frame = inner();
-    const QPointF corner(frame.right() - RemoveX::size / 2, frame.top() + RemoveX::size / 2);
-    return removeShown() && RemoveX::hit(point - corner);
+std::function<QList<MenuItem>()> Chip::menu() const {
+    return [&ports = context_.ports, thing = thing_] { return ports.menu(thing); };
 }
 
-void Chip::pressRemove() {
-    remove_.press(clock_.uptime());
-    changed_();
+Hit Chip::removeHit() {
+    Hit hit;
+    hit.tap = lifetime_.guard([this] {
+        if (shown()) context_.ports.remove(HeldThing(thing_));
+    });
+    hit.tapReach = RemoveX::reach;
+    hit.showPressed = lifetime_.guard([this](bool pressed) {
+        remove_.press(pressed, context_.now());
+        context_.changed();
+    });
+    hit.menu = menu();
+    return hit;
 }
 
-bool Chip::releaseRemove(const QPointF& way) {
-    remove_.release(clock_.uptime());
-    changed_();
-    return RemoveX::meant(way);
+Hit Chip::hit(Hit below) {
+    Hit hit = std::move(below);
+    hit.menu = menu();
+    // A countdown is good for nothing else: the rest is as on the creature.
+    if (timer()) return hit;
+    hit.tap = lifetime_.guard([this] {
+        if (shown()) context_.ports.use(HeldThing(thing_));
+    });
+    if (const auto* file = std::get_if<QUrl>(&thing_)) hit.drag = Hit::File{*file, picture_};
+    return hit;
 }
 
 double Chip::lastTick() const {
-    return made_ + std::floor(clock_.uptime() - made_);
+    return made_ + std::floor(context_.now() - made_);
 }
 
 double Chip::nextFrame() const {
-    const double now = clock_.uptime();
-    if (middle_.moving(now) || presence_.moving(now) || glow_.moving(now) || remove_.moving(now)) return now;
-    if (timer() && !timer()->done) return lastTick() + 1;
-    return std::numeric_limits<double>::infinity();
+    return timer() && !timer()->done ? lastTick() + 1 : std::numeric_limits<double>::infinity();
 }
 
 QString Chip::countdown() const {
-    const double sinceTick = clock_.uptime() - lastTick();
-    const double left = timer()->fireAt - clock_.now() + sinceTick;
+    const double sinceTick = context_.now() - lastTick();
+    const double left = timer()->fireAt - context_.clock.now() + sinceTick;
     const auto seconds = qint64(std::clamp(left, 0.0, 1e9));
     return QStringLiteral("%1:%2").arg(seconds / 60).arg(seconds % 60, 2, 10, QLatin1Char('0'));
 }
 
 Chip::Look Chip::look() const {
-    const double glow = glow_.at(clock_.uptime());
-    const QColor plain = white(0.07), fill = mixed(plain, accentOrange(0.16), glow);
+    const double glow = glow_.at(context_.now());
+    const QColor plain = white(0.07), orange = accentOrange();
     if (timer() && timer()->done)
-        return {QStringLiteral("bell.fill"),
-                accentOrange(),
-                QStringLiteral("done!"),
-                kDone,
-                accentOrange(),
-                accentOrange(0.2)};
+        return {QStringLiteral("bell.fill"), orange, QStringLiteral("done!"), kDone, orange, accentOrange(0.2)};
     if (timer()) return {QStringLiteral("timer"), white(0.85), countdown(), kCountdown, white(0.7), plain};
     QString symbol;
     if (const auto* bite = std::get_if<Bite>(&thing_))
         symbol = bite->text() ? QStringLiteral("text.quote") : QStringLiteral("link");
+    const QColor fill = mixed(plain, accentOrange(0.16), glow);
     return {symbol, white(0.85), caption_, kCaption, white(0.6), fill, 0.45 * glow};
 }
 
@@ -184,7 +179,7 @@ void Chip::drawGlyph(Canvas& canvas, const Look& look, const QImage& picture) {
 }
 
 void Chip::compose(DisplayList& list) const {
-    const double now = clock_.uptime();
+    const double now = context_.now();
     const double glow = glow_.at(now);
     const QPointF middle = middle_.at(now);
     list.with(QTransform::fromTranslate(middle.x(), middle.y()), presence_.at(now), [&] {
@@ -192,7 +187,8 @@ void Chip::compose(DisplayList& list) const {
         const QRectF frame(-width / 2, -height / 2, width, height);
         const Look l = look();
         list.with(QTransform::fromScale(scale, scale), 1, [&] {
-            const PictureKey key{l.symbol, l.symbolColor, l.text, l.textColor, l.fill, l.outline, picture_};
+            const PictureKey key{l.symbol,         l.symbolColor, l.text, l.textStyle.size, l.textStyle.weight,
+                                 l.textStyle.face, l.textColor,   l.fill, l.outline,        picture_};
             list.add(piece::chips + 2 * number_, frame, key, [l, frame, picture = picture_](Canvas& canvas) {
                 canvas.fill(continuousRectangle(frame, kCorner), l.fill);
                 if (l.outline > 0) {
@@ -203,7 +199,7 @@ void Chip::compose(DisplayList& list) const {
                 canvas.text(l.text, {0, kCaptionMiddle}, l.textStyle, l.textColor);
             });
         });
-        const QPointF corner(frame.right() - RemoveX::size / 2, frame.top() + RemoveX::size / 2);
+        const QPointF corner = removeCorner(frame);
         list.with(QTransform::fromTranslate(corner.x(), corner.y()), 1,
                   [&] { remove_.compose(list, piece::chips + 2 * number_ + 1, now); });
     });

@@ -12,13 +12,11 @@ namespace {
 
 constexpr int kSparks = 10;
 constexpr double kBurstPoint = 36;  // below the top of the panel, just under a camera housing
-constexpr double kFarthest = 46 + 6 + 7;
+constexpr double kReach = 46 + 6 + 7;
 
 }  // namespace
 
-Confetti::Confetti(MainLoop& loop, std::function<double()> random) : loop_(loop), random_(std::move(random)) {}
-
-void Confetti::burst(const std::function<double()>& uptime, const std::function<void()>& launched) {
+void Confetti::burst() {
     const std::array palette{accentOrange(), eyeWhite(), QColor::fromRgbF(1.0F, 0.5F, 0.7F),
                              QColor::fromRgbF(0.5F, 0.85F, 1.0F)};
     const auto uniform = [this](double least, double most) { return least + random_() * (most - least); };
@@ -32,16 +30,16 @@ void Confetti::burst(const std::function<double()>& uptime, const std::function<
                            uniform(4, 7)});
     }
     flight_.jump(0);
-    launch_ = loop_.after(0, [this, uptime, launched] {
-        flight_.aim(1, Animation::easeOut(0.7), uptime());
-        launched();
+    launch_ = context_.loop.after(0, [this] {
+        flight_.aim(1, Animation::easeOut(0.7), context_.now());
+        context_.changed();
     });
 }
 
 void Confetti::compose(DisplayList& list, double now) const {
     const double flown = flight_.at(now);
     if (sparks_.empty() || flown >= 1) return;
-    const QRectF bounds(-kFarthest, kBurstPoint - kFarthest, 2 * kFarthest, 2 * kFarthest);
+    const QRectF bounds(-kReach, kBurstPoint - kReach, 2 * kReach, 2 * kReach);
     list.add(piece::confetti, bounds, {flown, burst_}, [sparks = sparks_, flown](Canvas& canvas) {
         canvas.with(QTransform(), 1 - flown, [&] {
             for (const Spark& spark : sparks)

@@ -1,276 +1,204 @@
 #include "views/CritterView.h"
 
+#include <algorithm>
 #include <cmath>
-#include <limits>
 #include <utility>
 
 #include "views/Colors.h"
-
-// The face's states and where they send its parts; CritterPicture.cpp draws it.
+#include "views/PieceIds.h"
+#include "views/Shapes.h"
 
 namespace {
 
-constexpr double kBlinkEvery = 3.4;  // seconds
-constexpr double kShelfGap = 12;     // points below the eyes
-constexpr double kClosing = 0.17;    // seconds that the mouth takes to shut over something
-constexpr double kGulping = 0.24;
+using Swallow = Reactions::Swallow;
+
+constexpr double kShelfGap = 12;    // points below the eyes
 constexpr double kGazeReach = 160;  // points at which the pupils have gone all their way
+constexpr double kStartleScale = 0.16;
+constexpr double kStartleRise = 3;
+constexpr double kGulpDip = 2.5;
+constexpr double kBadgeGap = 6;
+constexpr double kZzzFrames = 24;  // a second
+
+QTransform moved(double x, double y) {
+    return QTransform::fromTranslate(x, y);
+}
 
 }  // namespace
 
-CritterView::CritterView(NotchModel& model, const ChipPorts& ports, Clock& clock, MainLoop& loop,
-                         std::function<void()> changed)
-    : m_(model),
-      clock_(clock),
-      loop_(loop),
-      changed_(std::move(changed)),
-      delays_(loop),
-      seenGlances_(m_.glanceCount),
-      seenStartles_(m_.startleCount),
-      seenWorries_(m_.worryCount),
-      seenSpawns_(m_.spawnCount),
-      seenLookArounds_(m_.lookAroundCount),
-      seenStretches_(m_.stretchCount),
-      seenSwallows_(m_.swallowCount),
-      seenCharging_(m_.charging),
-      shelf_(model, ports, clock, loop, changed_) {
-    blinkTimer_ = loop_.every(kBlinkEvery, [this] { blink(); });
-    update(std::nullopt);
-}
-
-void CritterView::disappear() {
-    blinkTimer_.cancel();
-    swallowStep_.cancel();
-    delays_.cancel();
+CritterView::CritterView(const ViewContext& context)
+    : context_(context),
+      model_(context.model),
+      animations_(context.animations),
+      reactions_(context,
+                 [this](const auto& how) {
+                     update(how);
+                     context_.changed();
+                 }),
+      state_(reactions_.state()),
+      seenCharging_(model_.charging),
+      shelf_(context) {
+    CritterView::update(std::nullopt);
 }
 
 void CritterView::update(const std::optional<Animation>& how) {
-    const double now = clock_.uptime();
-    if (!m_.dragNear || m_.dropTargeted) fed_ = false;
+    const double now = context_.now();
     aimLayout(how, now);
+    aimCheeks(how, now);
     aimEyes(how, now);
     mouth_.aim(mouthState(), how, now);
-    shelf_.update(how, padding_.target() + eyeSize_.target() + kShelfGap);
-    aimGlyph(how, now);
+    shelf_.update(how, top_.target() + eyeSize_.target() + kShelfGap);
+    const GlyphHints hints{.worried = state_.worried, .stretching = state_.stretching};
+    glyph_.show(statusGlyph(model_, hints, context_.clock.localHour(context_.clock.now())), how, now);
     // Last, because a reaction updates again with a curve of its own.
-    react();
-}
-
-void CritterView::react() {
-    const auto grew = [](int& seen, int present) { return std::exchange(seen, present) != present; };
-    if (grew(seenGlances_, m_.glanceCount)) blink();
-    if (grew(seenStartles_, m_.startleCount)) startle();
-    if (grew(seenWorries_, m_.worryCount)) worry();
-    if (grew(seenSpawns_, m_.spawnCount)) glanceDown();
-    if (grew(seenLookArounds_, m_.lookAroundCount)) lookAround();
-    if (grew(seenStretches_, m_.stretchCount)) stretch();
-    if (grew(seenSwallows_, m_.swallowCount)) swallow();
-}
-
-void CritterView::blink() {
-    if (m_.asleep) return;
-    const auto set = [this](bool value) {
-        blink_ = value;
-        update(std::nullopt);
-        changed_();
-    };
-    set(true);
-    delays_.after(0.12, [set] { set(false); });
-}
-
-void CritterView::startle() {
-    if (m_.isQuiet(clock_)) return;
-    const auto set = [this](bool value) {
-        startled_ = value;
-        update(std::nullopt);
-        changed_();
-    };
-    set(true);
-    delays_.after(0.45, [set] { set(false); });
-}
-
-void CritterView::worry() {
-    const auto set = [this](bool value, const Animation& how) {
-        worried_ = value;
-        update(how);
-        changed_();
-    };
-    set(true, Animation::easeOut(0.25));
-    delays_.after(1.4, [set] { set(false, Animation::easeInOut(0.5)); });
-}
-
-void CritterView::swallow() {
-    if (m_.isQuiet(clock_)) return;
-    fed_ = m_.dragNear && !m_.dropTargeted;
-    setSwallow(Swallow::closing);
-    swallowStep_ = loop_.after(kClosing, [this] { gulp(); });
-}
-
-void CritterView::gulp() {
-    setSwallow(Swallow::gulping);
-    swallowStep_ = loop_.after(kGulping, [this] { setSwallow(Swallow::none); });
-}
-
-void CritterView::setSwallow(Swallow step) {
-    swallow_ = step;
-    update(std::nullopt);
-    changed_();
-}
-
-void CritterView::glanceDown() {
-    if (m_.isQuiet(clock_)) return;
-    const auto set = [this](bool value, const Animation& how) {
-        glancingDown_ = value;
-        update(how);
-        changed_();
-    };
-    set(true, Animation::easeOut(0.3));
-    delays_.after(0.9, [set] { set(false, Animation::easeInOut(0.45)); });
-}
-
-void CritterView::lookAround() {
-    if (m_.isQuiet(clock_)) return;
-    const auto look = [this](int phase, double duration) {
-        lookPhase_ = phase;
-        update(Animation::easeInOut(duration));
-        changed_();
-    };
-    look(1, 0.22);
-    delays_.after(0.5, [look] { look(2, 0.3); });
-    delays_.after(1.05, [look] { look(0, 0.3); });
-}
-
-void CritterView::stretch() {
-    const auto set = [this](bool value) {
-        stretchGlyph_ = value;
-        update(std::nullopt);
-        changed_();
-    };
-    set(true);
-    delays_.after(6, [set] { set(false); });
+    reactions_.follow();
 }
 
 void CritterView::aimLayout(const std::optional<Animation>& how, double now) {
-    const bool open = m_.attending();
-    padding_.aim(open ? 42 : 36, how, now);
-    eyeSize_.aim(open ? 30 : 17, how, now);
-    spacing_.aim(open ? 22 : 13, how, now);
-    width_.aim(m_.shapeWidth(), how, now);
-    startle_.aim(startled_ ? 1 : 0, Animation::interpolatingSpring(1, 300, 12), now);
-    const bool gulps = swallow_ == Swallow::gulping;
+    top_.aim(face().top, how, now);
+    eyeSize_.aim(face().eye, how, now);
+    spacing_.aim(face().spacing, how, now);
+    startle_.aim(state_.startled ? 1 : 0, Animation::interpolatingSpring(1, 300, 12), now);
+    const bool gulps = state_.swallow == Swallow::gulping;
     dip_.aim(gulps ? 1 : 0, gulps ? Animation::easeOut(0.12) : Animation::interpolatingSpring(1, 300, 16), now);
-
-    const bool chargeChanged = std::exchange(seenCharging_, m_.charging) != m_.charging;
-    cheeks_.aim(m_.charging ? 1 : 0, chargeChanged ? Animation::easeInOut(0.9) : how, now);
-    cheekSize_.aim(open ? 13 : 9, how, now);
-    cheekGap_.aim(open ? 74 : 46, how, now);
-    cheekDrop_.aim(open ? 8 : 5, how, now);
-
-    sleep_.aim(m_.asleep ? 1 : 0, how, now);
-    arcWidth_.aim(open ? 28 : 16, how, now);
-    arcHeight_.aim(open ? 10 : 7, how, now);
-    arcDroop_.aim(open ? 9 : 6, how, now);
-    zzz_.aim(open ? 1 : 0, how, now);
+    sleep_.aim(model_.asleep ? 1 : 0, how, now);
+    sleepingEyes_.aim(face(), model_.attending(), how, now);
 
     // It has its place in front of the mouth, and leaves it to a wide one.
-    const bool badge =
-        m_.hasHeld() && !m_.hovering && !m_.dragNear && !m_.dropTargeted && !m_.yawning && swallow_ == Swallow::none;
-    badge_.aim(badge ? 1 : 0, how.value_or(Animation::easeOut(0.12)), now);
-    if (badge) setBadge(m_.heldCount());
+    const bool badge = model_.hasHeld() && !model_.hovering && !model_.dragNear && !model_.dropTargeted &&
+                       !model_.yawning && state_.swallow == Swallow::none;
+    badge_.show(badge, model_.heldCount(), how, now);
+}
+
+void CritterView::aimCheeks(const std::optional<Animation>& how, double now) {
+    const bool chargeChanged = std::exchange(seenCharging_, model_.charging) != model_.charging;
+    cheeks_.aim(model_.charging ? 1 : 0, chargeChanged ? Animation::easeInOut(0.9) : how, now);
+    cheekSize_.aim(face().cheek, how, now);
+    cheekGap_.aim(face().cheekGap, how, now);
+    cheekDrop_.aim(face().cheekDrop, how, now);
 }
 
 void CritterView::aimEyes(const std::optional<Animation>& how, double now) {
     const auto curve = eyeCurve(how);
-    const bool open = m_.attending();
-    Eye::Pose pose{.diameter = open ? 30.0 : 17.0,
-                   .pupil = open ? 13.0 : 8.0,
-                   .lid = lidClosure(),
-                   .gaze = gaze(-1),
-                   .shut = eyesShut()};
+    const bool shut = model_.cameraInUse || state_.swallow == Swallow::gulping;
+    Eye::Pose pose{face().eye, face().pupil, lidClosure(), gaze(-1), shut};
     leftEye_.aim(pose, curve, now);
     pose.gaze = gaze(+1);
     rightEye_.aim(pose, curve, now);
 }
 
 std::optional<Animation> CritterView::eyeCurve(const std::optional<Animation>& how) {
-    const EyeCauses was = std::exchange(eyeCauses_, {m_.cameraInUse, blink_, m_.isSleepy(clock_), m_.yawning, worried_,
-                                                     glancingDown_, swallow_ == Swallow::gulping});
-    if (was.camera != eyeCauses_.camera) return Animation::easeInOut(0.45);
-    if (was.blink != eyeCauses_.blink) return Animation::easeOut(0.09);
-    if (was.sleepy != eyeCauses_.sleepy) return Animation::easeInOut(0.5);
-    if (was.yawning != eyeCauses_.yawning) return Animation::easeInOut(0.6);
-    if (was.worried != eyeCauses_.worried) return Animation::easeOut(0.3);
-    if (was.glancing != eyeCauses_.glancing) return Animation::easeOut(0.35);
-    if (was.gulping != eyeCauses_.gulping) return Animation::easeOut(0.06);
-    if (swallow_ == Swallow::closing) return Animation::easeOut(0.12);
-    return how;
-}
-
-bool CritterView::eyesShut() const {
-    return m_.cameraInUse || swallow_ == Swallow::gulping;
+    static const std::array curves{Animation::easeInOut(0.45), Animation::easeOut(0.09), Animation::easeInOut(0.5),
+                                   Animation::easeInOut(0.6),  Animation::easeOut(0.3),  Animation::easeOut(0.35),
+                                   Animation::easeOut(0.06)};
+    const auto was =
+        std::exchange(eyeCauses_, {model_.cameraInUse, state_.blinking, model_.isSleepy(context_.clock), model_.yawning,
+                                   state_.worried, state_.glancingDown, state_.swallow == Swallow::gulping});
+    for (size_t i = 0; i < curves.size(); ++i) {
+        if (was[i] != eyeCauses_[i]) return curves[i];
+    }
+    return state_.swallow == Swallow::closing ? Animation::easeOut(0.12) : how;
 }
 
 double CritterView::lidClosure() const {
-    if (m_.cameraInUse || blink_) return 1;
-    if (m_.dropTargeted || m_.dragNear || worried_) return 0.02;
-    if (m_.capsOn) return 0.04;
-    if (m_.chewing) return 0.55;
-    if (m_.yawning) return 0.8;
-    if (m_.isQuiet(clock_)) return 0.4;
-    return m_.isSleepy(clock_) ? 0.46 : 0.12;
+    if (model_.cameraInUse || state_.blinking) return 1;
+    if (model_.dropTargeted || model_.dragNear || state_.worried) return 0.02;
+    if (model_.capsOn) return 0.04;
+    if (model_.chewing) return 0.55;
+    if (model_.yawning) return 0.8;
+    if (model_.isQuiet(context_.clock)) return 0.4;
+    return model_.isSleepy(context_.clock) ? 0.46 : 0.12;
 }
 
 QPointF CritterView::gaze(double side) const {
-    if (m_.isQuiet(clock_)) return {0, 0};
-    if (worried_) return {4.5, -2.5};
-    if (swallow_ != Swallow::none) return {0, m_.attending() ? 5.0 : 3.0};
-    if (glancingDown_) return {0, 5.5};
-    if (lookPhase_ == 1) return {-5, 0.5};
-    if (lookPhase_ == 2) return {5, 0.5};
-    if (std::abs(m_.slideX) > 30) return {m_.slideX > 0 ? -4.5 : 4.5, 0.5};
+    if (model_.isQuiet(context_.clock)) return {0, 0};
+    if (state_.worried) return {4.5, -2.5};
+    if (state_.swallow != Swallow::none) return {0, face().swallow};
+    if (state_.glancingDown) return {0, 5.5};
+    if (state_.look != 0) return {5 * state_.look, 0.5};
+    if (std::abs(model_.slideX) > 30) return {model_.slideX > 0 ? -4.5 : 4.5, 0.5};
 
-    const bool open = m_.attending();
-    const QPointF eye(m_.centerX + side * (open ? 52 : 30) / 2, m_.screenTop - (open ? 57 : 44.5));
-    const QPointF v = m_.cursor.get() - eye;
-    const double d = std::hypot(v.x(), v.y());
-    if (d < 0.5) return {0, 0};
-    const double k = std::min(d / kGazeReach, 1.0) * (open ? 6.5 : 3);
-    return {v.x() / d * k, -v.y() / d * k};
+    const QPointF eye(model_.centerX + side * (face().eye + face().spacing) / 2,
+                      model_.screenTop - (face().top + face().eye / 2));
+    const QPointF way = model_.cursor.get() - eye;
+    const double distance = std::hypot(way.x(), way.y());
+    if (distance < 0.5) return {0, 0};
+    const double k = std::min(distance / kGazeReach, 1.0) * face().gaze;
+    return {way.x() / distance * k, -way.y() / distance * k};
 }
 
 Mouth::State CritterView::mouthState() const {
-    if (swallow_ == Swallow::closing) return Mouth::State::full;
-    if (swallow_ == Swallow::gulping) return Mouth::State::gulping;
-    if (m_.dropTargeted || (m_.dragNear && !fed_)) return Mouth::State::eating;
-    if (m_.yawning) return Mouth::State::yawning;
-    if (badge_.target() == 1) return Mouth::State::covered;
-    return m_.downloading || m_.chewing ? Mouth::State::munching : Mouth::State::resting;
-}
-
-void CritterView::aimGlyph(const std::optional<Animation>& how, double now) {
-    const StatusGlyph glyph =
-        statusGlyph(m_, {.worried = worried_, .stretching = stretchGlyph_}, clock_.localHour(clock_.now()));
-    glyphOpacity_.aim(glyph.symbol.isEmpty() ? 0 : 0.7, how, now);
-    // A glyph that goes keeps its symbol while it fades.
-    if (!glyph.symbol.isEmpty()) glyph_ = glyph;
+    if (state_.swallow == Swallow::closing) return Mouth::State::full;
+    if (state_.swallow == Swallow::gulping) return Mouth::State::gulping;
+    if (model_.dropTargeted || (model_.dragNear && !state_.fed)) return Mouth::State::eating;
+    if (model_.yawning) return Mouth::State::yawning;
+    if (badge_.shown()) return Mouth::State::covered;
+    return model_.downloading || model_.chewing ? Mouth::State::munching : Mouth::State::resting;
 }
 
 double CritterView::nextFrame() const {
-    const double now = clock_.uptime();
-    for (const auto* value :
-         {&padding_, &eyeSize_, &spacing_, &startle_, &dip_, &cheeks_, &cheekSize_, &cheekGap_, &cheekDrop_, &sleep_,
-          &arcWidth_, &arcHeight_, &arcDroop_, &zzz_, &badge_, &glyphOpacity_, &width_}) {
-        if (value->moving(now)) return now;
-    }
-    if (leftEye_.moving(now) || rightEye_.moving(now) || mouth_.moving(now)) return now;
-    const double wall = clock_.now().seconds;
-    if (mouth_.chewing(wall)) return now;
-    double next = std::min(now + mouth_.untilNextChew(wall), shelf_.nextFrame());
-    if (m_.asleep && m_.attending()) next = std::min(next, now + 1.0 / 24);
+    const double now = context_.now(), wall = context_.clock.now().seconds;
+    double next = mouth_.chewing(wall) ? now : std::min(now + mouth_.untilNextChew(wall), shelf_.nextFrame());
+    if (model_.asleep && model_.attending()) next = std::min(next, now + 1 / kZzzFrames);
     return next;
 }
 
-double CritterView::shelfTop() const {
-    const double now = clock_.uptime();
-    return padding_.at(now) + eyeSize_.at(now) + kShelfGap;
+QPointF CritterView::onShelf(const QPointF& point) const {
+    const double now = context_.now();
+    return point - QPointF(0, top_.at(now) + eyeSize_.at(now) + kShelfGap);
+}
+
+Hit CritterView::hit(const QPointF& point, Hit below) {
+    return shelf_.hit(onShelf(point), std::move(below));
+}
+
+void CritterView::pointerMoved(const std::optional<QPointF>& point) {
+    shelf_.pointerMoved(point ? std::optional(onShelf(*point)) : std::nullopt);
+}
+
+QTransform CritterView::faceTransform(double now) const {
+    const double startle = startle_.at(now), scale = 1 + kStartleScale * startle;
+    const double middle = top_.at(now) + eyeSize_.at(now) / 2;
+    return moved(0, -middle) * QTransform::fromScale(scale, scale) *
+           moved(0, middle + kGulpDip * dip_.at(now) - kStartleRise * startle);
+}
+
+void CritterView::compose(DisplayList& list, const QRectF& body) const {
+    const double now = context_.now(), wall = context_.clock.now().seconds;
+    const double sleep = sleep_.at(now), top = top_.at(now), bottom = top + eyeSize_.at(now);
+    const QTransform face = faceTransform(now);
+    list.with(QTransform(), 1 - sleep, [&] {
+        list.with(face, 1, [&] {
+            composeCheeks(list, now);
+            composeEyes(list, now);
+        });
+        list.with(moved(0, bottom + kShelfGap), 1, [&] { shelf_.compose(list); });
+        // In front of the shelf, which keeps behind it while it is open.
+        list.with(moved(0, bottom) * face, 1, [&] { mouth_.compose(list, now, wall); });
+        badge_.compose(list, bottom + kBadgeGap, now);
+        glyph_.compose(list, body.right(), now);
+    });
+    list.with(QTransform(), sleep, [&] { sleepingEyes_.compose(list, top, spacing_.at(now), now, wall); });
+}
+
+void CritterView::composeEyes(DisplayList& list, double now) const {
+    const double size = std::max(eyeSize_.at(now), 0.0);
+    const double apart = (size + spacing_.at(now)) / 2, middle = top_.at(now) + size / 2;
+    list.with(moved(-apart, middle), 1, [&] { leftEye_.compose(list, piece::leftEye, now); });
+    list.with(moved(apart, middle), 1, [&] { rightEye_.compose(list, piece::rightEye, now); });
+}
+
+void CritterView::composeCheeks(DisplayList& list, double now) const {
+    const double c = std::max(cheekSize_.at(now), 0.1);
+    const double x = (cheekGap_.at(now) + c) / 2;
+    const double y = top_.at(now) + eyeSize_.at(now) + cheekDrop_.at(now) - c / 2;
+    list.with(QTransform(), cheeks_.at(now), [&] {
+        list.add(piece::cheeks, QRectF(-x - c / 2, y - c / 2, 2 * x + c, c), {c, x, y}, [=](Canvas& canvas) {
+            for (const double side : {-x, x}) {
+                const QRectF frame(side - c / 2, y - c / 2, c, c);
+                canvas.fill(circle({side, y}, c), radialGradient(frame, {0.5, 0.5}, 0, 0.62 * c,
+                                                                 {{0, accentOrange(0.5)}, {1, accentOrange(0)}}));
+            }
+        });
+    });
 }

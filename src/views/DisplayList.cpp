@@ -17,13 +17,10 @@ bool insideOf(const QRectF& rect, double radius, const QTransform& transform, co
 
 }  // namespace
 
-bool DisplayList::Piece::looksLike(const Piece& other) const {
-    return place == other.place && transform == other.transform && opacity == other.opacity && clip == other.clip &&
-           look == other.look;
-}
-
 QRegion DisplayList::Piece::changesTo(const Piece& other) const {
-    if (looksLike(other)) return {};
+    if (place == other.place && transform == other.transform && opacity == other.opacity && clip == other.clip &&
+        look == other.look)
+        return {};
     return QRegion(place).united(other.place).subtracted(solid & other.solid);
 }
 
@@ -64,22 +61,12 @@ QRegion DisplayList::changesTo(const DisplayList& other) const {
     };
     for (const Piece& piece : pieces_) {
         const auto now = find(other.pieces_, piece.id);
-        if (now == other.pieces_.end()) {
-            changes += piece.place;
-        } else {
-            changes += piece.changesTo(*now);
-        }
+        changes += now == other.pieces_.end() ? QRegion(piece.place) : piece.changesTo(*now);
     }
     for (const Piece& piece : other.pieces_) {
         if (find(pieces_, piece.id) == pieces_.end()) changes += piece.place;
     }
     return changes;
-}
-
-QRegion DisplayList::covered() const {
-    QRegion covered;
-    for (const Piece& piece : pieces_) covered += piece.place;
-    return covered;
 }
 
 void DisplayList::paint(Canvas& canvas, const QRegion& damage) const {

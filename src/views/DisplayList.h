@@ -29,8 +29,6 @@ class DisplayList {
 
     /// The pixels of the panel, in points, that look different in `other`.
     QRegion changesTo(const DisplayList& other) const;
-    /// The place that all pieces cover.
-    QRegion covered() const;
 
     /// Paints the pieces that touch `damage`.
     void paint(Canvas& canvas, const QRegion& damage) const;
@@ -52,7 +50,6 @@ class DisplayList {
         Clip clip;
         PictureKey look;
         Draw draw;
-        bool looksLike(const Piece& other) const;
         QRegion changesTo(const Piece& other) const;
     };
 

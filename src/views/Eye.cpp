@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr double kThinnestSlit = 0.4;  // points
+constexpr double kMinSlit = 0.4;  // points
 
 QRectF frame(const QPointF& center, double width, double height) {
     return {center.x() - width / 2, center.y() - height / 2, width, height};
@@ -50,10 +50,6 @@ void Eye::aim(const Pose& pose, const std::optional<Animation>& how, double now)
     shut_.aim(pose.shut ? 1 : 0, how, now);
 }
 
-bool Eye::moving(double now) const {
-    return diameter_.moving(now) || pupil_.moving(now) || lid_.moving(now) || gaze_.moving(now) || shut_.moving(now);
-}
-
 void Eye::compose(DisplayList& list, int id, double now) const {
     const double d = std::max(diameter_.at(now), 0.0);
     const double p = std::max(pupil_.at(now), 0.0);
@@ -64,7 +60,7 @@ void Eye::compose(DisplayList& list, int id, double now) const {
     list.add(id, eye.adjusted(-2, 0, 2, 0), {d, p, lid, shut, gaze.x(), gaze.y()}, [=](Canvas& canvas) {
         canvas.layer(eye, circle({}, d), 1 - shut, [&](Canvas& sheet) {
             // Of a slit that is no longer to be seen nothing is left but its edge's soft pixels: grey dashes.
-            if (d * (1 - lid) < kThinnestSlit) return sheet.cover(eye.adjusted(-1, -1, 1, 1), Qt::black);
+            if (d * (1 - lid) < kMinSlit) return sheet.cover(eye.adjusted(-1, -1, 1, 1), Qt::black);
             drawBall(sheet, d);
             drawPupil(sheet, gaze, p);
             drawLid(sheet, d, lid);

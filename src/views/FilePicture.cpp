@@ -15,7 +15,7 @@ constexpr double kPixelsPerPoint = 2;
 constexpr double kShadowRadius = 2;
 constexpr double kShadowDrop = 1;
 constexpr double kShadowOpacity = 0.4;
-constexpr int kLongestLabel = 4;
+constexpr int kMaxLabel = 4;
 
 QPainterPath sheetOutline(const QRectF& sheet, double fold) {
     QPainterPath path;
@@ -45,7 +45,7 @@ void drawSheet(QPainter& painter, const QString& extension) {
     corner.lineTo(sheet.right(), sheet.top() + fold);
     painter.fillPath(corner, gray(0.72));
 
-    if (extension.isEmpty() || extension.size() > kLongestLabel) {
+    if (extension.isEmpty() || extension.size() > kMaxLabel) {
         painter.setPen(QPen(gray(0.66), 1.2, Qt::SolidLine, Qt::RoundCap));
         for (const double y : {13.0, 17.0, 21.0}) painter.drawLine(QPointF(8.5, y), QPointF(y > 20 ? 17 : 21.5, y));
         return;

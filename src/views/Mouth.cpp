@@ -17,29 +17,13 @@ constexpr double kChewEase = 0.3;
 constexpr double kChewOpacity = 0.55;
 constexpr double kTongueDrop = 9;
 constexpr double kCheek = 17;
-constexpr double kWayDown = 0.34;                // seconds
 constexpr double kClosedEnd = 1, kYawnEnd = 19;  // radii of the mouth's gradient
-
-struct Numbers {
-    double width, height, opacity, space, shadow, gradientEnd, rim, glow, tongueWidth, tongueHeight, tongueOpacity;
-    double cheeks = 0;
-};
-
-// In the order of Mouth::State.
-constexpr std::array<Numbers, 7> kNumbers{{{14, 2.4, 0.55, 7, 0, kClosedEnd, 0, 0, 0, 0, 0},
-                                           {14, 2.4, 0, 7, 0, kClosedEnd, 0, 0, 0, 0, 0},
-                                           {16, 7, 0.9, 7, 0, kClosedEnd, 0, 0, 0, 0, 0},
-                                           {20, 24, 1, 7, 0.6, kYawnEnd, 0.24, 0.1, 0, 0, 0},
-                                           {40, 30, 1, 11, 0.6, 30, 0.34, 0.16, 20, 8, 1},
-                                           {24, 5, 1, 11, 0.3, kClosedEnd, 0.12, 0, 0, 0, 0, 1},
-                                           {9, 5, 1, 9, 0, kClosedEnd, 0, 0, 0, 0, 0, 0}}};
 
 const QColor kThroat = QColor::fromRgbF(0.11F, 0.015F, 0.04F);
 const QColor kPalate = QColor::fromRgbF(0.44F, 0.09F, 0.14F);
 const QColor kLips = QColor::fromRgbF(0.74F, 0.24F, 0.25F);
 const QColor kTongueTop = QColor::fromRgbF(0.87F, 0.42F, 0.45F);
 const QColor kTongueBottom = QColor::fromRgbF(0.58F, 0.19F, 0.26F);
-
 const QColor kGroove = QColor::fromRgbF(0.46F, 0.13F, 0.2F, 0.6F);
 
 QColor faded(const QColor& color) {
@@ -80,9 +64,27 @@ double chewDarkness(double wallTime) {
 
 struct Mouth::Look {
     double width, height, opacity, space, shadow, gradientEnd, rim, glow, tongueWidth, tongueHeight, tongueOpacity;
-    double chew, cheeks;
+    double cheeks = 0;
+    double chew = 0;
     QRectF frame() const { return {-width / 2, space, width, height}; }
 };
+
+const std::array<double Mouth::Look::*, 12> Mouth::kMoving{
+    &Look::width, &Look::height, &Look::opacity,     &Look::space,        &Look::shadow,        &Look::gradientEnd,
+    &Look::rim,   &Look::glow,   &Look::tongueWidth, &Look::tongueHeight, &Look::tongueOpacity, &Look::cheeks};
+
+// In the order of State.
+const std::array<Mouth::Look, 7> Mouth::kLooks{{{14, 2.4, 0.55, 7, 0, kClosedEnd, 0, 0, 0, 0, 0},
+                                                {14, 2.4, 0, 7, 0, kClosedEnd, 0, 0, 0, 0, 0},
+                                                {16, 7, 0.9, 7, 0, kClosedEnd, 0, 0, 0, 0, 0},
+                                                {20, 24, 1, 7, 0.6, kYawnEnd, 0.24, 0.1, 0, 0, 0},
+                                                {40, 30, 1, 11, 0.6, 30, 0.34, 0.16, 20, 8, 1},
+                                                {24, 5, 1, 11, 0.3, kClosedEnd, 0.12, 0, 0, 0, 0, 1},
+                                                {9, 5, 1, 9, 0, kClosedEnd, 0, 0, 0, 0, 0}}};
+
+Mouth::Mouth(Animations& animations) {
+    for (const auto value : kMoving) values_.emplace_back(animations, kLooks[0].*value, 0.002);
+}
 
 void Mouth::aim(State state, const std::optional<Animation>& how, double now) {
     std::optional<Animation> curve = how;
@@ -98,27 +100,7 @@ void Mouth::aim(State state, const std::optional<Animation>& how, double now) {
         curve = Animation::easeOut(0.1);
     state_ = state;
 
-    const Numbers& n = kNumbers[size_t(state)];
-    width_.aim(n.width, curve, now);
-    height_.aim(n.height, curve, now);
-    opacity_.aim(n.opacity, curve, now);
-    space_.aim(n.space, curve, now);
-    shadow_.aim(n.shadow, curve, now);
-    gradientEnd_.aim(n.gradientEnd, curve, now);
-    rim_.aim(n.rim, curve, now);
-    glow_.aim(n.glow, curve, now);
-    tongueWidth_.aim(n.tongueWidth, curve, now);
-    tongueHeight_.aim(n.tongueHeight, curve, now);
-    tongueOpacity_.aim(n.tongueOpacity, curve, now);
-    cheeks_.aim(n.cheeks, curve, now);
-}
-
-bool Mouth::moving(double now) const {
-    for (const auto* value : {&width_, &height_, &opacity_, &space_, &shadow_, &gradientEnd_, &rim_, &glow_,
-                              &tongueWidth_, &tongueHeight_, &tongueOpacity_, &cheeks_}) {
-        if (value->moving(now)) return true;
-    }
-    return false;
+    for (size_t i = 0; i < kMoving.size(); ++i) values_[i].aim(kLooks[size_t(state)].*kMoving[i], curve, now);
 }
 
 bool Mouth::chewing(double wallTime) const {
@@ -131,13 +113,11 @@ double Mouth::untilNextChew(double wallTime) const {
 }
 
 Mouth::Look Mouth::look(double now, double wallTime) const {
-    const auto length = [now](const Animated<double>& value) { return std::max(value.at(now), 0.0); };
-    const auto share = [now](const Animated<double>& value) { return std::clamp(value.at(now), 0.0, 1.0); };
-    return {length(width_),        length(height_),       share(opacity_),
-            space_.at(now),        share(shadow_),        length(gradientEnd_),
-            share(rim_),           share(glow_),          length(tongueWidth_),
-            length(tongueHeight_), share(tongueOpacity_), state_ == State::munching ? chewDarkness(wallTime) : 0,
-            share(cheeks_)};
+    Look look{};
+    // A spring may swing below nothing.
+    for (size_t i = 0; i < kMoving.size(); ++i) look.*kMoving[i] = std::max(values_[i].at(now), 0.0);
+    if (state_ == State::munching) look.chew = chewDarkness(wallTime);
+    return look;
 }
 
 void Mouth::compose(DisplayList& list, double now, double wallTime) const {
@@ -145,14 +125,13 @@ void Mouth::compose(DisplayList& list, double now, double wallTime) const {
     // The glow is the widest: radius 13, so it fades out within 1.5 times that.
     const double margin = l.glow > 0 || l.shadow > 0 || l.cheeks > 0 ? 20 : 1;
     const QRectF bounds(-l.width / 2 - margin, l.space - margin, l.width + 2 * margin, l.height + 2 * margin);
-    list.add(piece::mouth, bounds,
-             {l.width, l.height, l.opacity, l.space, l.shadow, l.gradientEnd, l.rim, l.glow, l.tongueWidth,
-              l.tongueHeight, l.tongueOpacity, l.chew, l.cheeks},
-             [l](Canvas& canvas) {
-                 // Nothing behind it is to be seen through it.
-                 if (l.opacity > 0) canvas.fill(continuousCapsule(l.frame()), Qt::black);
-                 canvas.with(QTransform(), l.opacity, [&] { draw(canvas, l); });
-             });
+    PictureKey key{l.chew};
+    for (const auto value : kMoving) key.add(l.*value);
+    list.add(piece::mouth, bounds, key, [l](Canvas& canvas) {
+        // Nothing behind it is to be seen through it.
+        if (l.opacity > 0) canvas.fill(continuousCapsule(l.frame()), Qt::black);
+        canvas.with(QTransform(), l.opacity, [&] { draw(canvas, l); });
+    });
 }
 
 // Stuffed with what it has just taken.

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <array>
 #include <optional>
+#include <vector>
 
 #include "motion/Animated.h"
 #include "views/DisplayList.h"
@@ -18,9 +20,10 @@ class Mouth {
         gulping
     };
 
+    explicit Mouth(Animations& animations);
+
     /// `how` moves whatever is not bound to eating or yawning by an animation of its own.
     void aim(State state, const std::optional<Animation>& how, double now);
-    bool moving(double now) const;
     /// While it munches: seconds of wall time until the next bite, else infinity.
     double untilNextChew(double wallTime) const;
     /// Whether a bite is going on at this wall time (seconds since the reference date).
@@ -30,14 +33,14 @@ class Mouth {
 
  private:
     struct Look;
+    static const std::array<double Look::*, 12> kMoving;  // the numbers of a look that are animated
+    static const std::array<Look, 7> kLooks;
+
     Look look(double now, double wallTime) const;
     static void draw(Canvas& canvas, const Look& look);
     static void drawTongue(Canvas& canvas, const Look& look, const QPointF& center);
     static void drawCheeks(Canvas& canvas, const Look& look);
 
     State state_ = State::resting;
-    Animated<double> width_{14}, height_{2.4}, opacity_{0.55, 0.002}, space_{7}, shadow_{0, 0.002};
-    Animated<double> gradientEnd_{1}, rim_{0, 0.002}, glow_{0, 0.002};
-    Animated<double> tongueWidth_{0}, tongueHeight_{0}, tongueOpacity_{0, 0.002};
-    Animated<double> cheeks_{0, 0.002};  // stuffed
+    std::vector<Animated<double>> values_;  // of kMoving
 };

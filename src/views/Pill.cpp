@@ -19,13 +19,9 @@ void Pill::show(const std::optional<Look>& look, const std::optional<Animation>&
     const int number = labels_.empty() ? 0 : labels_.back().number + 1;
     if (labels_.size() > 1) labels_.pop_front();
     if (!labels_.empty()) labels_.back().presence.aim(0, way, now);
-    labels_.push_back({look->text, look->style, look->textOpacity, look->frame.width(), number});
+    labels_.push_back(
+        {look->text, look->style, look->textOpacity, look->frame.width(), number, {animations_, 0, 0.002}});
     labels_.back().presence.aim(1, way, now);
-}
-
-bool Pill::moving(double now) const {
-    return presence_.moving(now) || fill_.moving(now) || middle_.moving(now) || size_.moving(now) ||
-           (!labels_.empty() && labels_.back().presence.moving(now));
 }
 
 QRectF Pill::frame(double now) const {

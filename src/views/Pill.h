@@ -18,9 +18,10 @@ class Pill {
         QRectF frame;
     };
 
+    explicit Pill(Animations& animations) : animations_(animations) {}
+
     /// Lets it look so from now on; without a look it fades out where it is.
     void show(const std::optional<Look>& look, const std::optional<Animation>& how, double now);
-    bool moving(double now) const;
     /// Whether `point` is on it as it is drawn now.
     bool contains(const QPointF& point, double now) const;
     void compose(DisplayList& list, double now) const;
@@ -32,11 +33,12 @@ class Pill {
         double opacity;
         double width;  // of the pill around it
         int number;
-        Animated<double> presence{0, 0.002};
+        Animated<double> presence;
     };
     QRectF frame(double now) const;
 
-    Animated<double> presence_{0, 0.002}, fill_{0, 0.002};
-    Animated<QPointF> middle_{QPointF()}, size_{QPointF()};
+    Animations& animations_;
+    Animated<double> presence_{animations_, 0, 0.002}, fill_{animations_, 0, 0.002};
+    Animated<QPointF> middle_{animations_, QPointF()}, size_{animations_, QPointF()};
     std::list<Label> labels_;  // one that goes, and the one that stays
 };

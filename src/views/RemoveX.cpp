@@ -7,44 +7,29 @@
 
 namespace {
 
-constexpr double kReach = 4;   // points around the circle that count as on it
-constexpr double kMeant = 14;  // points that a press may wander
+constexpr double kMargin = 4;  // points around the circle that count as on it
 constexpr double kPressedScale = 0.86;
 constexpr double kRim = 0.6;
-
-double between(double from, double to, double share) {
-    return from + (to - from) * share;
-}
 
 }  // namespace
 
 bool RemoveX::hit(const QPointF& point) {
-    return std::hypot(point.x(), point.y()) <= size / 2 + kReach;
+    return std::hypot(point.x(), point.y()) <= size / 2 + kMargin;
 }
 
-bool RemoveX::meant(const QPointF& way) {
-    return std::abs(way.x()) < kMeant && std::abs(way.y()) < kMeant;
-}
-
-void RemoveX::press(double now) {
-    down_ = true;
-    pressed_.aim(1, Animation::easeOut(0.08), now);
-}
-
-void RemoveX::release(double now) {
-    down_ = false;
-    pressed_.aim(0, Animation::easeOut(0.1), now);
+void RemoveX::press(bool pressed, double now) {
+    pressed_.aim(pressed ? 1 : 0, Animation::easeOut(pressed ? 0.08 : 0.1), now);
 }
 
 void RemoveX::compose(DisplayList& list, int id, double now) const {
     const double opacity = opacity_.at(now);
     if (opacity <= 0) return;
     const double pressed = pressed_.at(now);
-    const double scale = between(1, kPressedScale, pressed);
+    const double scale = std::lerp(1, kPressedScale, pressed);
     list.with(QTransform::fromScale(scale, scale), opacity, [&] {
         const QRectF bounds(-size / 2 - 1, -size / 2 - 1, size + 2, size + 2);
         list.add(id, bounds, {pressed}, [pressed](Canvas& canvas) {
-            canvas.fill(circle({0, 0}, size), black(between(0.92, 0.75, pressed)));
+            canvas.fill(circle({0, 0}, size), black(std::lerp(0.92, 0.75, pressed)));
             canvas.stroke(circle({0, 0}, size - kRim), white(0.32), kRim);
             canvas.symbol(QStringLiteral("xmark"), {0, 0}, 7.5, white(0.95));
         });

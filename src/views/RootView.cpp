@@ -2,11 +2,12 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <numbers>
 #include <utility>
 
 #include "views/Colors.h"
+#include "views/CritterView.h"
+#include "views/HiddenView.h"
 #include "views/PieceIds.h"
 #include "views/Shapes.h"
 
@@ -23,87 +24,75 @@ constexpr double kBreathDepth = 0.008;
 constexpr double kSlideLimit = 280;
 constexpr double kSnapHome = 24;
 
-double bottomRadius(const NotchModel& m) {
-    return m.attending() ? 26 : 14;
+bool showsHidden(const NotchModel& model) {
+    return model.hidden;
 }
 
-bool showsCritter(const NotchModel& m) {
-    return !m.hidden && m.toy == Toy::critter;
+bool showsCritter(const NotchModel& model) {
+    return !model.hidden && model.toy == Toy::critter;
 }
 
 }  // namespace
 
-RootView::RootView(NotchModel& model, ChipPorts ports, Clock& clock, MainLoop& loop, std::function<double()> random)
-    : m_(model),
+RootView::RootView(NotchModel& model, ViewPorts ports, Clock& clock, MainLoop& loop, std::function<double()> random)
+    : model_(model),
       ports_(std::move(ports)),
       clock_(clock),
-      loop_(loop),
-      width_(model.shapeWidth()),
-      height_(model.shapeHeight()),
+      context_{model,
+               ports_,
+               clock,
+               loop,
+               animations_,
+               [this] {
+                   if (onChange) onChange();
+               }},
+      width_(animations_, model.shapeWidth()),
+      height_(animations_, model.shapeHeight()),
       seenBoops_(model.boopCount),
-      confetti_(loop, std::move(random)) {
+      confetti_(context_, std::move(random)),
+      contents_{ContentSlot(context_, showsHidden, [this] { return std::make_unique<HiddenView>(context_); }),
+                ContentSlot(context_, showsCritter, [this] { return std::make_unique<CritterView>(context_); })} {
     modelChanged(std::nullopt);
-    subscription_ = m_.objectDidChange.subscribe([this](const auto& how) { modelChanged(how); });
-    breathTimer_ = loop_.every(kBreathTick, [this] { breathe(); });
+    subscription_ = model_.objectDidChange.subscribe([this](const auto& how) { modelChanged(how); });
+    breathTimer_ = loop.every(kBreathTick, [this] { breathe(); });
 }
 
 void RootView::modelChanged(const std::optional<Animation>& how) {
     const double now = clock_.uptime();
-    const bool left = seenHovering_ && !m_.hovering;
+    const bool left = std::exchange(seenHovering_, model_.hovering) && !model_.hovering;
     aimBody(how, now);
     followBoops(now);
-    showOrHideCritter(how, now);
-    changed();
+    for (ContentSlot& content : contents_) content.update(how);
+    context_.changed();
     // Last, because it comes back here with no curve.
-    if (left && m_.shelfExpanded) m_.shelfExpanded = false;
-}
-
-void RootView::changed() {
-    if (onChange) onChange();
+    if (left && model_.shelfExpanded) model_.shelfExpanded = false;
 }
 
 void RootView::aimBody(const std::optional<Animation>& how, double now) {
-    width_.aim(m_.shapeWidth(), how, now);
-    height_.aim(m_.shapeHeight(), how, now);
-    bottomRadius_.aim(bottomRadius(m_), how, now);
-    breath_.aim(m_.attending() ? 1 : 1 - kBreathDepth * breathPhase_, how, now);
+    width_.aim(model_.shapeWidth(), how, now);
+    height_.aim(model_.shapeHeight(), how, now);
+    bottomRadius_.aim(model_.attending() ? 26 : 14, how, now);
+    breath_.aim(model_.attending() ? 1 : 1 - kBreathDepth * breathPhase_, how, now);
 
-    const bool diskChanged = std::exchange(seenDiskFull_, m_.diskFull) != m_.diskFull;
+    const bool diskChanged = std::exchange(seenDiskFull_, model_.diskFull) != model_.diskFull;
     const auto bulge = diskChanged ? Animation::easeInOut(0.8) : how;
-    bulgeX_.aim(m_.diskFull ? 1.045 : 1, bulge, now);
-    bulgeY_.aim(m_.diskFull ? 0.985 : 1, bulge, now);
-
-    const bool hoverChanged = std::exchange(seenHovering_, m_.hovering) != m_.hovering;
-    chevron_.aim(m_.hovering ? 0.55 : 0, hoverChanged ? Animation::easeInOut(0.25) : how, now);
-    hiddenContent_.aim(m_.hidden ? 1 : 0, how, now);
+    bulgeX_.aim(model_.diskFull ? 1.045 : 1, bulge, now);
+    bulgeY_.aim(model_.diskFull ? 0.985 : 1, bulge, now);
 }
 
 void RootView::followBoops(double now) {
-    if (std::exchange(seenBoops_, m_.boopCount) == m_.boopCount) return;
+    if (std::exchange(seenBoops_, model_.boopCount) == model_.boopCount) return;
     const auto wobble = Animation::interpolatingSpring(1, 320, 11);
     squashX_.jump(1.18);
     squashY_.jump(0.74);
     squashX_.aim(1, wobble, now);
     squashY_.aim(1, wobble, now);
-    confetti_.burst([this] { return clock_.uptime(); }, [this] { changed(); });
-}
-
-void RootView::showOrHideCritter(const std::optional<Animation>& how, double now) {
-    const bool show = showsCritter(m_);
-    const bool shown = critter_ && critterContent_.target() == 1;
-    if (show && !shown) {
-        // A face that comes back while it fades out begins anew.
-        critter_ = std::make_unique<CritterView>(m_, ports_, clock_, loop_, [this] { changed(); });
-    } else if (!show && shown) {
-        critter_->disappear();
-    }
-    critterContent_.aim(show ? 1 : 0, how, now);
-    if (critter_) critter_->update(how);
+    confetti_.burst();
 }
 
 void RootView::breathe() {
     if (onBreath) onBreath();
-    if (m_.attending()) {
+    if (model_.attending()) {
         breathPhase_ = 0;
         return;
     }
@@ -114,12 +103,10 @@ void RootView::breathe() {
 
 double RootView::nextFrame() const {
     const double now = clock_.uptime();
-    for (const auto* value : {&width_, &height_, &bottomRadius_, &squashX_, &squashY_, &breath_, &bulgeX_, &bulgeY_,
-                              &chevron_, &hiddenContent_, &critterContent_}) {
-        if (value->moving(now)) return now;
-    }
-    if (confetti_.moving(now)) return now;
-    return critter_ ? critter_->nextFrame() : std::numeric_limits<double>::infinity();
+    if (animations_.moving(now)) return now;
+    double next = std::numeric_limits<double>::infinity();
+    for (const ContentSlot& content : contents_) next = std::min(next, content.nextFrame());
+    return next;
 }
 
 QTransform RootView::wholeTransform(double now) const {
@@ -145,14 +132,13 @@ QPainterPath RootView::outline() const {
 
 void RootView::compose(DisplayList& list) {
     const double now = clock_.uptime();
-    if (critter_ && critterContent_.target() == 0 && !critterContent_.moving(now)) critter_.reset();
+    for (ContentSlot& content : contents_) content.tidy();
     followPointer();
 
     list.with(wholeTransform(now), 1, [&] {
         composeBody(list, now);
         list.clipped(bodyRect(now), bottomRadius_.at(now), [&] {
-            list.with(QTransform(), hiddenContent_.at(now), [&] { composeChevron(list, now); });
-            if (critter_) list.with(QTransform(), critterContent_.at(now), [&] { critter_->compose(list); });
+            for (const ContentSlot& content : contents_) content.compose(list, bodyRect(now));
         });
         confetti_.compose(list, now);
     });
@@ -176,30 +162,8 @@ void RootView::composeBody(DisplayList& list, double now) const {
     list.add(piece::body, bounds, {rect, radius}, draw, solid);
 }
 
-void RootView::composeChevron(DisplayList& list, double now) const {
-    constexpr double size = 9;
-    const QPointF bottom(0, height_.at(now) - 1);
-    const QRectF bounds(-size, bottom.y() - 2 * size, 2 * size, 3 * size);
-    list.with(QTransform(), chevron_.at(now), [&] {
-        list.add(piece::chevron, bounds, {bottom}, [=](Canvas& canvas) {
-            canvas.symbol(QStringLiteral("chevron.compact.down"), bottom, size, white(1),
-                          Qt::AlignHCenter | Qt::AlignBottom);
-        });
-    });
-}
-
-void RootView::tap(const QPointF& point) {
-    ShelfArea* things = shelf();
-    if (things && things->tap(inside(point), critter_->shelfTop())) return;
-    if (ports_.notchTapped) ports_.notchTapped();
-}
-
 QPointF RootView::inside(const QPointF& point) const {
     return wholeTransform(clock_.uptime()).inverted().map(point);
-}
-
-ShelfArea* RootView::shelf() {
-    return critter_ && showsCritter(m_) ? &critter_->shelf() : nullptr;
 }
 
 void RootView::pointerMoved(const std::optional<QPointF>& point) {
@@ -208,39 +172,32 @@ void RootView::pointerMoved(const std::optional<QPointF>& point) {
 }
 
 void RootView::followPointer() {
-    ShelfArea* things = shelf();
-    if (things) things->pointerMoved(pointer_ ? std::optional(inside(*pointer_)) : std::nullopt, critter_->shelfTop());
-}
-
-bool RootView::press(const QPointF& point) {
-    ShelfArea* things = shelf();
-    return things && things->press(inside(point), critter_->shelfTop());
-}
-
-void RootView::release(const QPointF& way) {
-    if (critter_) critter_->shelf().release(way);
-}
-
-const Chip* RootView::pressedChip() {
-    ShelfArea* things = shelf();
-    return things ? things->pressedChip() : nullptr;
-}
-
-const Chip* RootView::chipAt(const QPointF& point) {
-    ShelfArea* things = shelf();
-    return things ? things->chipAt(inside(point), critter_->shelfTop()) : nullptr;
-}
-
-void RootView::slide(double translation) {
-    if (m_.hidden) return;
-    if (!m_.sliding) {
-        m_.sliding = true;
-        slideBase_ = m_.slideX;
+    const auto point = pointer_ ? std::optional(inside(*pointer_)) : std::nullopt;
+    for (const ContentSlot& content : contents_) {
+        if (View* view = content.touchable()) view->pointerMoved(point);
     }
-    m_.slideX = std::clamp(slideBase_ + translation, -kSlideLimit, kSlideLimit);
+}
+
+Hit RootView::hit(const QPointF& point) {
+    Hit hit;
+    hit.tap = ports_.notchTapped;
+    hit.drag = Hit::Slide{[this](double way) { slide(way); }, [this] { slideEnded(); }};
+    for (const ContentSlot& content : contents_) {
+        if (View* view = content.touchable()) hit = view->hit(inside(point), std::move(hit));
+    }
+    return hit;
+}
+
+void RootView::slide(double way) {
+    if (model_.hidden) return;
+    if (!model_.sliding) {
+        model_.sliding = true;
+        slideBase_ = model_.slideX;
+    }
+    model_.slideX = std::clamp(slideBase_ + way, -kSlideLimit, kSlideLimit);
 }
 
 void RootView::slideEnded() {
-    if (std::abs(m_.slideX) < kSnapHome) m_.slideX = 0;
-    m_.sliding = false;
+    if (std::abs(model_.slideX) < kSnapHome) model_.slideX = 0;
+    model_.sliding = false;
 }

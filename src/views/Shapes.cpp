@@ -6,10 +6,7 @@
 QPainterPath notchShape(const QRectF& rect, double bottomRadius, double topRadius) {
     const double b = std::min(bottomRadius, rect.height() / 2);
     const double t = topRadius;
-    const double left = rect.left();
-    const double right = rect.right();
-    const double top = rect.top();
-    const double bottom = rect.bottom();
+    const double left = rect.left(), right = rect.right(), top = rect.top(), bottom = rect.bottom();
 
     QPainterPath path(QPointF(left - t, top));
     path.quadTo(left, top, left, top + t);
@@ -48,10 +45,7 @@ QPainterPath continuousRectangle(const QRectF& rect, double radius) {
     const double ey = std::min(kReach * r, rect.height() / 2);
     const double cx = ex - handle(ex, r);  // distance of the handles from the vertex
     const double cy = ey - handle(ey, r);
-    const double left = rect.left();
-    const double right = rect.right();
-    const double top = rect.top();
-    const double bottom = rect.bottom();
+    const double left = rect.left(), right = rect.right(), top = rect.top(), bottom = rect.bottom();
 
     QPainterPath path(QPointF(left + ex, top));
     path.lineTo(right - ex, top);

@@ -3,19 +3,16 @@
 #include <QLineF>
 #include <algorithm>
 #include <limits>
-#include <utility>
 
 #include "views/Colors.h"
 #include "views/PieceIds.h"
 
 namespace {
 
-constexpr double kRowHeight = 56;
 constexpr double kChipGap = 6;
 constexpr double kTightGap = 2;  // between many chips
-constexpr double kWidest = 304;  // that a row may be inside the open body
+constexpr double kMaxRow = 304;  // that a row may be inside the open body
 constexpr double kPillGap = 2;   // above the pill that folds
-constexpr int kChipsPerRow = 5;
 constexpr int kFoldedFiles = 3;
 constexpr int kFoldedBites = 2;
 constexpr double kAppearScale = 0.9;
@@ -54,73 +51,69 @@ struct ShelfArea::Layout {
     /// A row of chips beginning at `left`, `row` rows down.
     void addRow(int count, double left, double gap, int row) {
         for (int i = 0; i < count; ++i)
-            chips.append({left + (Chip::width + gap) * i + Chip::width / 2, kRowHeight * (row + 0.5)});
+            chips.append({left + (Chip::width + gap) * i + Chip::width / 2, NotchModel::kChipRow * (row + 0.5)});
     }
 };
 
-ShelfArea::ShelfArea(NotchModel& model, const ChipPorts& ports, Clock& clock, MainLoop& loop,
-                     std::function<void()> changed)
-    : m_(model), ports_(ports), clock_(clock), loop_(loop), changed_(std::move(changed)) {}
-
 bool ShelfArea::wanted() const {
-    return (m_.hovering && m_.hasHeld()) || m_.dropTargeted || m_.dragNear;
+    return (model_.hovering && model_.hasHeld()) || model_.dropTargeted || model_.dragNear;
 }
 
 QList<HeldThing> ShelfArea::shownThings() const {
-    if (m_.screenLocked) return {};
-    const qsizetype files = m_.shelfExpanded ? m_.items->size() : kFoldedFiles;
-    const qsizetype bites = m_.shelfExpanded ? m_.bites->size() : kFoldedBites;
+    if (model_.screenLocked) return {};
+    const qsizetype files = model_.shelfExpanded ? model_.items->size() : kFoldedFiles;
+    const qsizetype bites = model_.shelfExpanded ? model_.bites->size() : kFoldedBites;
     QList<HeldThing> things;
-    for (const HeldTimer& timer : m_.timers.get()) things.append(timer);
-    for (const QUrl& file : m_.items->mid(0, files)) things.append(file);
-    for (const Bite& bite : m_.bites->mid(0, bites)) things.append(bite);
+    for (const HeldTimer& timer : model_.timers.get()) things.append(timer);
+    for (const QUrl& file : model_.items->mid(0, files)) things.append(file);
+    for (const Bite& bite : model_.bites->mid(0, bites)) things.append(bite);
     return things;
 }
 
 ShelfArea::Layout ShelfArea::layout(double top) const {
     Layout l;
     const int shown = int(shownThings().size());
-    if (m_.shelfExpanded) {
-        const int rows = (shown + kChipsPerRow - 1) / kChipsPerRow;
+    if (model_.shelfExpanded) {
+        const int rows = model_.chipRows();
         for (int row = 0; row < rows; ++row) {
-            const int count = std::min(kChipsPerRow, shown - row * kChipsPerRow);
+            const int count = std::min(NotchModel::kChipsPerRow, shown - row * NotchModel::kChipsPerRow);
             l.addRow(count, -rowWidth(count, kChipGap) / 2, kChipGap, row);
         }
         l.pill = Pill::Look{QStringLiteral("show less"), kLessStyle, 0.55, 0.1, {}};
         const double width = Canvas::textWidth(l.pill->text, kLessStyle) + 16;
-        l.pill->frame = {-width / 2, rows * kRowHeight + kPillGap, width, lineHeight(kLessStyle) + 5};
+        l.pill->frame = {-width / 2, rows * NotchModel::kChipRow + kPillGap, width, lineHeight(kLessStyle) + 5};
         l.bottom = l.pill->frame.bottom();
-        fit(l, rowWidth(std::min(shown, kChipsPerRow), kChipGap), top);
+        fit(l, rowWidth(std::min(shown, NotchModel::kChipsPerRow), kChipGap), top);
         return l;
     }
     double pillWidth = 0;
-    if (m_.heldCount() > shown) {
-        l.pill = Pill::Look{u'+' + QString::number(m_.heldCount() - shown), kMoreStyle, 0.75, 0.12, {}};
+    if (model_.heldCount() > shown) {
+        l.pill = Pill::Look{u'+' + QString::number(model_.heldCount() - shown), kMoreStyle, 0.75, 0.12, {}};
         pillWidth = Canvas::textWidth(l.pill->text, kMoreStyle) + 14;
     }
     const auto widthWith = [&](double gap) { return rowWidth(shown, gap) + (pillWidth > 0 ? gap + pillWidth : 0); };
-    const double gap = widthWith(kChipGap) <= kWidest ? kChipGap : kTightGap;
+    const double gap = widthWith(kChipGap) <= kMaxRow ? kChipGap : kTightGap;
     const double row = widthWith(gap);
     const double height = lineHeight(kMoreStyle) + 6;
-    if (l.pill) l.pill->frame = {row / 2 - pillWidth, (kRowHeight - height) / 2, pillWidth, height};
+    if (l.pill) l.pill->frame = {row / 2 - pillWidth, (NotchModel::kChipRow - height) / 2, pillWidth, height};
     l.addRow(shown, -row / 2, gap, 0);
-    l.bottom = shown > 0 ? kRowHeight : 0;
+    l.bottom = shown > 0 ? NotchModel::kChipRow : 0;
     fit(l, row, top);
     return l;
 }
 
 // Into the body's width, and above its rim: with room for the whisper, or all of it behind the open mouth.
 void ShelfArea::fit(Layout& l, double row, double top) const {
-    const bool whispers = m_.whisper().has_value() && !steppedBack();
+    const bool whispers = model_.whisper().has_value() && !steppedBack();
     const double below = steppedBack() ? kBehindMouth : whispers ? lineHeight(kWhisperStyle) + kWhisperRoom : 0;
-    const double room = std::clamp(m_.shapeHeight() - top - below, 1.0, std::max(l.bottom, 1.0));
-    l.scale = std::min({1.0, kWidest / std::max(row, 1.0), room / std::max(l.bottom, 1.0)});
+    const double room = std::clamp(model_.shapeHeight() - top - below, 1.0, std::max(l.bottom, 1.0));
+    l.scale = std::min({1.0, kMaxRow / std::max(row, 1.0), room / std::max(l.bottom, 1.0)});
     l.drop = (room - l.scale * l.bottom) / 2;
     l.whisper = l.bottom > 0 ? room : 0;
 }
 
 void ShelfArea::update(const std::optional<Animation>& how, double top) {
-    const double now = clock_.uptime();
+    const double now = context_.now();
     // What cannot be seen takes its place at once; what fades out stays where it is.
     const auto curve = presence_.at(now) > 0 ? how : std::nullopt;
     presence_.aim(wanted() ? 1 : 0, how, now);
@@ -137,9 +130,9 @@ void ShelfArea::update(const std::optional<Animation>& how, double top) {
 }
 
 void ShelfArea::whisper(const Layout& l, const std::optional<Animation>& how) {
-    const double now = clock_.uptime();
+    const double now = context_.now();
     const bool seen = whisperShown_.at(now) > 0;
-    const QString text = steppedBack() ? QString() : m_.whisper().value_or(QString());
+    const QString text = steppedBack() ? QString() : model_.whisper().value_or(QString());
     whisperShown_.aim(text.isEmpty() ? 0 : 1, how, now);
     if (text.isEmpty()) return;
     whisper_ = text;
@@ -148,7 +141,7 @@ void ShelfArea::whisper(const Layout& l, const std::optional<Animation>& how) {
 
 // Chips go to the places of their things; what is new fades in, what is no longer shown fades out where it is.
 void ShelfArea::arrange(const Layout& l, const std::optional<Animation>& how) {
-    chips_.remove_if([this](const Chip& chip) { return chip.gone() && &chip != pressed_; });
+    chips_.remove_if([](const Chip& chip) { return chip.gone(); });
     const QList<HeldThing> things = shownThings();
     for (Chip& chip : chips_) {
         const bool stays = std::any_of(things.begin(), things.end(),
@@ -163,14 +156,14 @@ void ShelfArea::arrange(const Layout& l, const std::optional<Animation>& how) {
             known->setThing(things[i]);
             known->moveTo(l.chips[i], how);
         } else {
-            chips_.emplace_back(chipsMade_++, things[i], l.chips[i], ports_, clock_, loop_, changed_);
+            chips_.emplace_back(chipsMade_++, things[i], l.chips[i], context_);
             chips_.back().show(true, how);
         }
     }
 }
 
-void ShelfArea::pointerMoved(const std::optional<QPointF>& point, double top) {
-    pointer_ = point ? std::optional(onShelf(*point, top)) : std::nullopt;
+void ShelfArea::pointerMoved(const std::optional<QPointF>& point) {
+    pointer_ = point ? std::optional(fitted(*point)) : std::nullopt;
     hover();
 }
 
@@ -192,64 +185,37 @@ Chip* ShelfArea::chipNear(const QPointF& place) {
 }
 
 QTransform ShelfArea::fitting() const {
-    const double now = clock_.uptime(), scale = scale_.at(now);
+    const double now = context_.now(), scale = scale_.at(now);
     return QTransform::fromScale(scale, scale) * QTransform::fromTranslate(0, drop_.at(now));
 }
 
-QPointF ShelfArea::onShelf(const QPointF& point, double top) const {
-    return fitting().inverted().map(point - QPointF(0, top));
-}
-
 double ShelfArea::nextFrame() const {
-    const double now = clock_.uptime();
-    for (const auto* value : {&presence_, &strength_, &scale_, &drop_, &whisperShown_, &whisperTop_}) {
-        if (value->moving(now)) return now;
-    }
-    if (pill_.moving(now)) return now;
     double next = std::numeric_limits<double>::infinity();
     if (presence_.target() == 0) return next;
     for (const Chip& chip : chips_) next = std::min(next, chip.nextFrame());
     return next;
 }
 
-Chip* ShelfArea::chipAt(const QPointF& point, double top) {
-    return chipNear(onShelf(point, top));
-}
-
-bool ShelfArea::tap(const QPointF& point, double top) {
-    const Chip* chip = std::exchange(pressed_, nullptr);
-    // A countdown has nothing to be used for: a tap on it is one on the creature.
-    if (chip && !std::holds_alternative<HeldTimer>(chip->thing())) {
-        if (chip->shown()) ports_.use(HeldThing(chip->thing()));
-        return true;
+Hit ShelfArea::hit(const QPointF& point, Hit below) {
+    if (!reachable()) return below;
+    const QPointF place = fitted(point);
+    for (Chip& chip : chips_) {
+        if (chip.shown() && chip.isOnRemove(place)) return chip.removeHit();
     }
-    if (!reachable() || !pill_.contains(onShelf(point, top), clock_.uptime())) return false;
-    m_.withAnimation(Animation::spring(0.32, 0.85), [this] { m_.shelfExpanded = !m_.shelfExpanded; });
-    return true;
+    if (Chip* chip = chipNear(place)) return chip->hit(std::move(below));
+    if (pill_.contains(place, context_.now())) {
+        below.tap = [&model = model_] {
+            model.withAnimation(Animation::spring(0.32, 0.85), [&] { model.shelfExpanded = !model.shelfExpanded; });
+        };
+    }
+    return below;
 }
 
-bool ShelfArea::press(const QPointF& point, double top) {
-    pressed_ = chipAt(point, top);
-    if (!reachable()) return false;
-    const auto found = std::find_if(chips_.begin(), chips_.end(), [&](const Chip& chip) {
-        return chip.shown() && chip.removeHit(onShelf(point, top));
-    });
-    if (found == chips_.end()) return false;
-    pressed_ = &*found;
-    pressed_->pressRemove();
-    return true;
-}
-
-void ShelfArea::release(const QPointF& way) {
-    Chip* chip = std::exchange(pressed_, nullptr);
-    if (chip && chip->releaseRemove(way) && chip->shown()) ports_.remove(HeldThing(chip->thing()));
-}
-
-void ShelfArea::compose(DisplayList& list, double top) const {
-    const double now = clock_.uptime(), presence = presence_.at(now);
+void ShelfArea::compose(DisplayList& list) const {
+    const double now = context_.now(), presence = presence_.at(now);
     if (presence <= 0) return;
     const double scale = kAppearScale + (1 - kAppearScale) * presence;
-    list.with(QTransform::fromScale(scale, scale) * QTransform::fromTranslate(0, top), presence, [&] {
+    list.with(QTransform::fromScale(scale, scale), presence, [&] {
         list.with(fitting(), strength_.at(now), [&] {
             for (const Chip& chip : chips_) chip.compose(list);
             pill_.compose(list, now);
@@ -259,7 +225,7 @@ void ShelfArea::compose(DisplayList& list, double top) const {
 }
 
 void ShelfArea::composeWhisper(DisplayList& list) const {
-    const double now = clock_.uptime(), line = lineHeight(kWhisperStyle);
+    const double now = context_.now(), line = lineHeight(kWhisperStyle);
     const double top = whisperTop_.at(now);
     list.with(QTransform(), whisperShown_.at(now), [&] {
         list.add(piece::whisper, QRectF(-160, top, 320, line), {top, whisper_}, [=, text = whisper_](Canvas& canvas) {

@@ -171,11 +171,11 @@ TEST(PassThrough, FollowsWhatIsDrawnWhileTheCreatureAttends) {
     f.move(0, 300);
     EXPECT_TRUE(f.window.input.isEmpty());
     f.m().dragNear = true;
-    f.window.onDropTargeted(true);
+    f.window.listener().dropTargeted(true);
     EXPECT_EQ(f.window.input, QRegion(0, 0, 360, 230));
-    f.window.onDropTargeted(false);
+    f.window.listener().dropTargeted(false);
     f.m().dragNear = false;
-    f.window.onDropTargeted(false);
+    f.window.listener().dropTargeted(false);
     EXPECT_TRUE(f.window.input.isEmpty());
 }
 
@@ -184,15 +184,15 @@ TEST(Gestures, ATapBoopsAndAPullSlides) {
     f.launch();
     f.move(0, 20);
     using Button = PanelWindow::Button;
-    f.window.onPress(Button::left, {180, 20}, {756, 962});
-    f.window.onDrag({760, 960});
-    f.window.onRelease(Button::left, {760, 960});
+    f.window.listener().pressed(Button::left, {180, 20}, {756, 962});
+    f.window.listener().dragged({760, 960});
+    f.window.listener().released(Button::left, {760, 960});
     EXPECT_EQ(f.m().boopCount, 1);
-    f.window.onPress(Button::left, {180, 20}, {756, 962});
-    f.window.onDrag({856, 962});
+    f.window.listener().pressed(Button::left, {180, 20}, {756, 962});
+    f.window.listener().dragged({856, 962});
     f.loop.drain();
     EXPECT_EQ(f.window.place.x(), 676);
-    f.window.onRelease(Button::left, {856, 962});
+    f.window.listener().released(Button::left, {856, 962});
     f.move(0, 500);
     EXPECT_FALSE(f.window.input.isEmpty());  // off its place it can be grabbed
     f.loop.advance(6);
@@ -206,10 +206,10 @@ TEST(Gestures, EndWhenTheMenuTakesThePointer) {
     f.launch();
     f.move(0, 20);
     using Button = PanelWindow::Button;
-    f.window.onPress(Button::left, {180, 20}, {756, 962});
-    f.window.onDrag({856, 962});
-    f.window.onPress(Button::right, {180, 20}, {856, 962});  // the menu will get the release
-    f.window.onDrag({900, 962});
+    f.window.listener().pressed(Button::left, {180, 20}, {756, 962});
+    f.window.listener().dragged({856, 962});
+    f.window.listener().pressed(Button::right, {180, 20}, {856, 962});  // the menu will get the release
+    f.window.listener().dragged({900, 962});
     f.loop.drain();
     EXPECT_EQ(f.window.place.x(), 676);
     f.move(0, 500);

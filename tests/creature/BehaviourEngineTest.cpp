@@ -214,6 +214,10 @@ TEST(Slide, StaysFiveSecondsAndComesHomeUnlessItIsGrabbedOrForgotten) {
     EXPECT_NEAR(f.m.slideX, 120 * std::pow(0.5, 3), 2.5);
     f.loop.advance(0.3);
     EXPECT_EQ(f.m.slideX, 0.0);
+    int changes = 0;
+    auto watch = f.m.slideX.willChange.subscribe([&](double) { ++changes; });
+    f.loop.advance(1);
+    EXPECT_EQ(changes, 0) << "it is home";
 
     letGoAt(-200);
     f.loop.advance(5.2);

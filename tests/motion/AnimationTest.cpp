@@ -9,6 +9,7 @@
 namespace {
 
 constexpr int kTimes = 20;
+Animations group;
 
 /// Displacement at t of x'' + c x' + k x = 0 (unit mass), solved by fourth-order Runge-Kutta.
 double integrated(double k, double c, double x, double v, double t) {
@@ -128,7 +129,7 @@ TEST(Easing, FollowsItsBezierCurve) {
 TEST(Animated, ReaimedInFlightKeepsPositionAndVelocity) {
     for (const Animation& first : {Animation::interpolatingSpring(1, 220, 18), Animation::easeInOut(0.5)}) {
         for (const Animation& second : {Animation::interpolatingSpring(1, 320, 11), Animation::spring(0.3, 1.2)}) {
-            Animated<double> value(10);
+            Animated<double> value(group, 10);
             value.aim(200, first, 5);
             const double position = value.at(5.13);
             const double velocity = value.velocity(5.13);
@@ -144,7 +145,7 @@ TEST(Animated, ReaimedInFlightKeepsPositionAndVelocity) {
 
 TEST(Animated, ReaimedAtManyTimesStillFollowsTheEquation) {
     // A spring that is sent to the same place again and again by way of others is one spring from each aim on.
-    Animated<QPointF> value(QPointF(0, 0));
+    Animated<QPointF> value(group, QPointF(0, 0));
     const Animation how = Animation::interpolatingSpring(1, 260, 15);
     double now = 0;
     for (int i = 0; i < kTimes; ++i) {
@@ -159,22 +160,24 @@ TEST(Animated, ReaimedAtManyTimesStillFollowsTheEquation) {
 }
 
 TEST(Animated, InitialVelocityIsAShareOfTheWay) {
-    Animated<double> value(0);
+    Animated<double> value(group, 0);
     value.aim(50, Animation::interpolatingSpring(1, 220, 18, 4), 0);
     EXPECT_NEAR(value.velocity(0), 200, 1e-9);
 }
 
 TEST(Animated, APointArrivesOnlyWhenBothItsCoordinatesHave) {
-    Animated<QPointF> value(QPointF(0, 0));
+    Animations own;
+    Animated<QPointF> value(own, QPointF(0, 0));
     value.aim(QPointF(0, 100), Animation::interpolatingSpring(1, 220, 18), 0);
-    EXPECT_TRUE(value.moving(0.3));
+    Animated<double>(own, 0).aim(1, Animation::easeOut(0.2), 0);
+    EXPECT_TRUE(value.moving(0.3) && own.moving(0.3)) << "a group moves as long as the last of it";
     EXPECT_NE(value.at(0.3).y(), 100);
-    EXPECT_FALSE(value.moving(3));
+    EXPECT_FALSE(value.moving(3) || own.moving(3));
 }
 
 TEST(Animated, DoesNotDependOnHowOftenItIsAsked) {
-    Animated<double> often(0);
-    Animated<double> once(0);
+    Animated<double> often(group, 0);
+    Animated<double> once(group, 0);
     often.aim(1, Animation::easeOut(1), 0);
     once.aim(1, Animation::easeOut(1), 0);
     for (double t = 0; t < 0.6; t += 0.001) often.at(t);
@@ -182,7 +185,7 @@ TEST(Animated, DoesNotDependOnHowOftenItIsAsked) {
 }
 
 TEST(Animated, AimingAtThePresentTargetChangesNothing) {
-    Animated<double> value(0);
+    Animated<double> value(group, 0);
     value.aim(100, Animation::easeOut(1), 0);
     const double later = value.at(0.5);
     value.aim(100, std::nullopt, 0.2);

@@ -7,6 +7,7 @@
 
 #include "platform/linux/QtPanelWindow.h"
 #include "platform/linux/ScreenCoordinates.h"
+#include "support/PanelCallbacks.h"
 #include "support/XSession.h"
 
 namespace {
@@ -15,12 +16,13 @@ class PlainPanel : public testing::Test {
     void SetUp() override {
         panel.setFrame(toModel(QRectF(100, 0, 200, 100)));
         panel.setInputRegion(QRect(50, 0, 100, 50));
-        panel.onPress = [this](PanelWindow::Button button, QPointF position, QPointF pointer) {
+        panel.setListener(&heard);
+        heard.onPress = [this](PanelWindow::Button button, QPointF position, QPointF pointer) {
             EXPECT_EQ(toQt(pointer), position + QPointF(100, 0));
             events += QStringLiteral("press%1 ").arg(int(button));
         };
-        panel.onDrag = [this](QPointF) { events += QStringLiteral("drag "); };
-        panel.onRelease = [this](PanelWindow::Button button, QPointF) {
+        heard.onDrag = [this](QPointF) { events += QStringLiteral("drag "); };
+        heard.onRelease = [this](PanelWindow::Button button) {
             events += QStringLiteral("release%1 ").arg(int(button));
         };
     }
@@ -41,6 +43,7 @@ class PlainPanel : public testing::Test {
     }
 
     QtPanelWindow panel;
+    PanelCallbacks heard;
     QString events;
 };
 
@@ -79,15 +82,16 @@ TEST_F(PlainPanel, TakesDropsWhileItAcceptsThem) {
     bool accepts = true;
     std::shared_ptr<Drop> taken;
     QList<bool> targeted;
-    panel.onDropTargeted = [&](bool over) { targeted.append(over); };
-    panel.onDrop = [&](std::shared_ptr<Drop> drop) { taken = std::move(drop); };
+    heard.onDropTargeted = [&](bool over) { targeted.append(over); };
+    heard.onDrop = [&](std::shared_ptr<Drop> drop) { taken = std::move(drop); };
     QMimeData offer, colour;
     colour.setColorData(QColor(Qt::red));
     offer.setData(QStringLiteral("a/a"), "1");
     offer.setText(QStringLiteral("caf\u00e9"));
     offer.setUrls({QUrl(QStringLiteral("file:///a%20%FF"))});
     EXPECT_EQ(drop(offer), (QList{false, false})) << "nobody has said that drops are accepted";
-    panel.acceptsDrop = [&] { return accepts; };
+
+    heard.onDropOffered = [&] { return accepts; };
     EXPECT_EQ(drop(colour), (QList{false, false}));
     accepts = false;
     EXPECT_EQ(drop(offer), (QList{false, false}));

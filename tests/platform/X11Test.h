@@ -6,6 +6,7 @@
 #include "platform/linux/ScreenCoordinates.h"
 #include "platform/linux/x11/X11EventMonitors.h"
 #include "platform/linux/x11/X11PanelWindow.h"
+#include "support/PanelCallbacks.h"
 #include "support/XSession.h"
 
 /// Base of the suites that need a real X server, with openbox on it. Their names begin with "X11": main() starts the
@@ -43,16 +44,18 @@ class TestPanel : public X11PanelWindow {
  public:
     static constexpr QRect area{0, 0, 240, 120};
     static constexpr QRectF place{200, 0, 240, 120};
+    PanelCallbacks heard;
 
     TestPanel(std::shared_ptr<X11Connection> connection, std::shared_ptr<PointerSampler> sampler, MainLoop& loop)
         : X11PanelWindow(std::move(connection), std::move(sampler), loop) {
-        onExpose = [this] { fill(area, Qt::red); };
-        onPress = [this](Button, QPointF position, QPointF) { presses.append(position); };
-        onDrag = [this](QPointF pointer) { drags.append(pointer); };
-        onRelease = [this](Button, QPointF) { ++releases; };
-        onDropTargeted = [this](bool over) { targeted.append(over); };
-        acceptsDrop = [this] { return accepts; };
-        onDrop = [this](std::shared_ptr<Drop> taken) { drop = std::move(taken); };
+        setListener(&heard);
+        heard.onExpose = [this] { fill(area, Qt::red); };
+        heard.onPress = [this](Button, QPointF position, QPointF) { presses.append(position); };
+        heard.onDrag = [this](QPointF pointer) { drags.append(pointer); };
+        heard.onRelease = [this](Button) { ++releases; };
+        heard.onDropTargeted = [this](bool over) { targeted.append(over); };
+        heard.onDropOffered = [this] { return accepts; };
+        heard.onDrop = [this](std::shared_ptr<Drop> taken) { drop = std::move(taken); };
         setOverdraw({52, 0, 52, 20});
         setFrame(toModel(place));
         shape(area);

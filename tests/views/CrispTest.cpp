@@ -46,4 +46,25 @@ TEST(Text, OfMediumWeightLiesBetweenRegularAndSemibold) {
     EXPECT_GT(ink(QFont::DemiBold), 1.05 * ink(QFont::Medium));
 }
 
+TEST(Text, IsSetFromTheLeftAndElidedWhereAsked) {
+    const QString line = QStringLiteral("Night Train Home");
+    const TextStyle style{12};
+    const double half = Canvas::textWidth(line, style) / 2;
+    const QImage left = drawn(1, [&](Canvas& c, QPainter&) {
+        c.text(line, {10, 30}, style, Qt::black, Qt::AlignLeft);
+    });
+    const QImage centred = drawn(1, [&](Canvas& c, QPainter&) { c.text(line, {10 + half, 30}, style, Qt::black); });
+    EXPECT_LE(difference(left, centred), 2);
+    EXPECT_GT(difference(left, drawn(1, [](Canvas&, QPainter&) {})), 200);
+
+    // An endless line is shown by its ends without being measured as a whole.
+    for (const QString& text : {line, line + QString(1000000, u'A') + line}) {
+        const QString end = Canvas::elided(text, 60, style, Qt::ElideRight);
+        const QString middle = Canvas::elided(text, 60, style, Qt::ElideMiddle);
+        EXPECT_TRUE(end.startsWith(QStringLiteral("Ni")) && end.endsWith(u'\u2026')) << end.toStdString();
+        EXPECT_TRUE(middle.startsWith(u'N') && middle.endsWith(u'e')) << middle.toStdString();
+        EXPECT_LE(std::max(Canvas::textWidth(end, style), Canvas::textWidth(middle, style)), 60);
+    }
+}
+
 }  // namespace

@@ -7,30 +7,24 @@
 namespace {
 
 /// The panel as the program keeps it: each frame clears and paints only what differs from the frame before.
-class Screen {
- public:
-    explicit Screen(double ratio)
-        : ratio_(ratio), image_((QSizeF(360, 230) * ratio).toSize(), QImage::Format_ARGB32_Premultiplied) {
-        image_.setDevicePixelRatio(ratio);
-        image_.fill(Qt::transparent);
+struct Screen {
+    explicit Screen(double pixelsPerPoint)
+        : ratio(pixelsPerPoint), image((QSizeF(360, 230) * ratio).toSize(), QImage::Format_ARGB32_Premultiplied) {
+        image.setDevicePixelRatio(ratio);
+        image.fill(Qt::transparent);
     }
-
     void draw(const DisplayList& next, const QRegion& damage) {
-        QPainter painter(&image_);
+        QPainter painter(&image);
         painter.setCompositionMode(QPainter::CompositionMode_Source);
         for (const QRect& part : damage) painter.fillRect(part, Qt::transparent);
         painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
         painter.setClipRegion(damage);
-        Canvas canvas(painter, caches_, ratio_);
+        Canvas canvas(painter, caches, ratio);
         next.paint(canvas, damage);
     }
-
-    const QImage& image() const { return image_; }
-
- private:
-    double ratio_;
-    QImage image_;
-    PictureCaches caches_;
+    double ratio;
+    QImage image;
+    PictureCaches caches;
 };
 
 const QRegion kPanel(0, 0, 360, 230);
@@ -63,10 +57,23 @@ const std::vector<Step> kLife{
     {"wakes", [](NotchModel& m) { m.markActivity(0); }},
     {"downloads", [](NotchModel& m) { m.downloading = true; }},
     {"hides", [](NotchModel& m) { spring(m, [&] { m.hidden = true; }); }},
-    {"is shown", [](NotchModel& m) { spring(m, [&] { m.hidden = false; }); }},
+    {"comes back", [](NotchModel& m) { spring(m, [&] { m.hidden = false; }); }},
     {"weather", [](NotchModel& m) { spring(m, [&] { m.toy = Toy::weather; }); }},
     {"critter", [](NotchModel& m) { spring(m, [&] { m.toy = Toy::critter; }); }},
 };
+
+TEST(Damage, OfALookIsTheEyes) {
+    PictureFixture f;
+    f.rest();
+    DisplayList before, same, moved;
+    f.root.compose(before);
+    f.root.compose(same);
+    EXPECT_TRUE(before.changesTo(same).isEmpty());
+    f.m.cursor = f.m.cursor.get() + QPointF(300, 0);
+    f.root.compose(moved);
+    const QSize eyes = before.changesTo(moved).boundingRect().size();
+    EXPECT_TRUE(!eyes.isEmpty() && eyes.width() <= 56 && eyes.height() <= 24);
+}
 
 TEST(Damage, PaintingOnlyWhatChangedLeavesTheSamePictureAsPaintingAll) {
     for (const double ratio : {1.0, 1.5, 2.0}) {
@@ -88,13 +95,13 @@ TEST(Damage, PaintingOnlyWhatChangedLeavesTheSamePictureAsPaintingAll) {
                 Screen fresh(ratio);
                 fresh.draw(shown, kPanel);
                 // Clipping to a region and to an edge at once rounds a little differently than to the edge alone.
-                ASSERT_LE(difference(kept.image(), fresh.image()), 8)
+                ASSERT_LE(difference(kept.image, fresh.image), 8)
                     << step.name << ", frame " << frame << " at ratio " << ratio;
             }
             Screen fresh(ratio);
             fresh.draw(shown, kPanel);
             kept.draw(shown, kPanel);
-            EXPECT_EQ(difference(kept.image(), fresh.image()), 0)
+            EXPECT_EQ(difference(kept.image, fresh.image), 0)
                 << "after " << step.name << ", what was kept from the way there is in the picture at ratio " << ratio;
         }
     }

@@ -13,8 +13,7 @@
 inline int difference(const QImage& a, const QImage& b) {
     int most = 0;
     for (int y = 0; y < a.height(); ++y) {
-        const uchar* p = a.constScanLine(y);
-        const uchar* q = b.constScanLine(y);
+        const uchar *p = a.constScanLine(y), *q = b.constScanLine(y);
         for (int x = 0; x < a.width() * 4; ++x) most = std::max(most, std::abs(p[x] - q[x]));
     }
     return most;
@@ -29,12 +28,19 @@ struct PictureFixture : CreatureFixture {
 
     MemoryIcons icons;
     QStringList traces;
-    QList<HeldThing> used, removed;
+    int taps = 0;  // on the creature
+    QList<HeldThing> used, removed, menus;
     RootView root{m,
                   {.icons = icons,
                    .trace = [this](const QString& line) { traces.append(line); },
+                   .notchTapped = [this] { ++taps; },
                    .use = [this](const HeldThing& thing) { used.append(thing); },
                    .remove = [this](const HeldThing& thing) { removed.append(thing); },
+                   .menu =
+                       [this](const HeldThing& thing) {
+                           menus.append(thing);
+                           return QList<MenuItem>();
+                       },
                    .showX = false},
                   clock,
                   loop,
@@ -58,26 +64,19 @@ struct PictureFixture : CreatureFixture {
         return image.pixelColor(int(std::floor((RootView::kPanelWidth / 2 + x) * kRatio)), int(std::floor(y * kRatio)));
     }
 
-    /// The smallest rectangle, in points, around all pixels inside `area` that `test` accepts.
-    static std::optional<QRectF> bounds(const QImage& image, const QRectF& area,
-                                        const std::function<bool(QColor)>& test) {
-        std::optional<QRectF> found;
+    /// The smallest rectangle, in points, around all pixels inside `area` that `test` accepts; null for none.
+    static QRectF bounds(const QImage& image, const QRectF& area, const std::function<bool(QColor)>& test) {
+        QRectF found;
         constexpr double step = 1.0 / kRatio;
         for (double y = area.top(); y < area.bottom(); y += step) {
             for (double x = area.left(); x < area.right(); x += step) {
-                if (!test(at(image, x, y))) continue;
-                const QRectF pixel(x, y, step, step);
-                found = found ? found->united(pixel) : pixel;
+                if (test(at(image, x, y))) found |= QRectF(x, y, step, step);
             }
         }
         return found;
     }
-
-    /// The black body, measured along the line where nothing else is.
-    QRectF body() {
-        const auto found = bounds(picture(), {-170, 14, 340, 200}, [](QColor c) { return c.lightness() < 20; });
-        return found.value_or(QRectF());
-    }
+    /// The same in the present picture.
+    QRectF seen(const QRectF& area, const std::function<bool(QColor)>& test) { return bounds(picture(), area, test); }
 
     /// Lets everything that moves come to rest, at a moment when the breath is fully out and the scale 1.
     void rest(double seconds = 3) {
@@ -92,4 +91,5 @@ struct PictureFixture : CreatureFixture {
 
     static bool isLight(QColor c) { return c.lightness() > 140; }
     static bool isDark(QColor c) { return c.lightness() < 60; }
+    static bool isReddish(QColor c) { return c.red() > c.green() * 2 && c.red() > 60; }
 };

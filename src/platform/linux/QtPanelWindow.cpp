@@ -131,18 +131,18 @@ void QtPanelWindow::pressed(QMouseEvent& event) {
     if (!button || (!held_ && !inputRegion_.contains(position.toPoint()))) return;
     // The release of a right button goes to the menu that its press opens.
     if (*button != Button::right) held_ |= event.button();
-    if (onPress) onPress(*button, position, toModel(event.globalPosition()));
+    listener().pressed(*button, position, toModel(event.globalPosition()));
 }
 
 void QtPanelWindow::released(QMouseEvent& event) {
     draggedOut_.setFlag(event.button(), false);
     if (!held_.testFlag(event.button())) return;
     held_.setFlag(event.button(), false);
-    if (onRelease) onRelease(*portButton(event.button()), toModel(event.globalPosition()));
+    listener().released(*portButton(event.button()), toModel(event.globalPosition()));
 }
 
 void QtPanelWindow::moved(QMouseEvent& event) {
-    if ((event.buttons() & held_) && onDrag) onDrag(toModel(event.globalPosition()));
+    if (event.buttons() & held_) listener().dragged(toModel(event.globalPosition()));
 }
 
 bool QtPanelWindow::dragged(QEvent& event) {
@@ -165,7 +165,7 @@ bool QtPanelWindow::dragged(QEvent& event) {
             drag.setDropAction(Qt::CopyAction);
             drag.setAccepted(taken);
             setTargeted(false);
-            if (taken) onDrop(std::make_shared<CopiedDrop>(*drag.mimeData()));
+            if (taken) listener().dropped(std::make_shared<CopiedDrop>(*drag.mimeData()));
             return true;
         }
         default:
@@ -175,12 +175,12 @@ bool QtPanelWindow::dragged(QEvent& event) {
 
 bool QtPanelWindow::takes(const QDropEvent& drag) const {
     const bool ours = drag.source();
-    return !ours && onDrop && acceptsDrop && CopiedDrop::usable(*drag.mimeData()) && acceptsDrop();
+    return !ours && CopiedDrop::usable(*drag.mimeData()) && listener().acceptsDrop();
 }
 
 void QtPanelWindow::setTargeted(bool targeted) {
     if (targeted == std::exchange(targeted_, targeted)) return;
-    if (onDropTargeted) onDropTargeted(targeted);
+    listener().dropTargeted(targeted);
 }
 
 void QtPanelWindow::dragOut(const QUrl& file, const QImage& icon, QPointF grip) {
@@ -205,5 +205,5 @@ void QtPanelWindow::runDrag(const QUrl& file, const QImage& icon, QPointF grip) 
 }
 
 void QtPanelWindow::exposed() {
-    if (window_->isExposed() && onExpose) onExpose();
+    if (window_->isExposed()) listener().exposed();
 }

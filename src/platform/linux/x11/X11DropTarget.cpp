@@ -79,7 +79,7 @@ void X11DropTarget::dropped(const xcb_client_message_data_t& message) {
     }
     auto drop = std::make_shared<X11Drop>(connection_, loop_, peers, std::exchange(forms_, {}), message.data32[2]);
     forgetSource();
-    panel_.onDrop(std::move(drop));
+    panel_.listener().dropped(std::move(drop));
 }
 
 void X11DropTarget::watch(const xcb_generic_event_t& event) {
@@ -113,12 +113,12 @@ void X11DropTarget::forgetSource() {
 bool X11DropTarget::accepts() const {
     const bool usable = std::any_of(forms_.begin(), forms_.end(),
                                     [](const DragForm& form) { return form.kind != DragForm::Kind::contents; });
-    return usable && panel_.onDrop && panel_.acceptsDrop && panel_.acceptsDrop();
+    return usable && panel_.listener().acceptsDrop();
 }
 
 void X11DropTarget::setTargeted(bool targeted) {
     if (targeted == std::exchange(targeted_, targeted)) return;
-    if (panel_.onDropTargeted) panel_.onDropTargeted(targeted);
+    panel_.listener().dropTargeted(targeted);
 }
 
 void X11DropTarget::sendStatus(xcb_window_t source, bool accepted) {

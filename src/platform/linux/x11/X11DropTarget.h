@@ -11,7 +11,7 @@
 /// Drops are taken as copies only, so that no source deletes what it dragged.
 class X11DropTarget : private QAbstractNativeEventFilter {
  public:
-    /// `window` is the window of `panel`, whose callbacks are called. Both and `loop` must live longer than this, and
+    /// `window` is the window of `panel`, whose listener is told. Both and `loop` must live longer than this, and
     /// `loop` longer than the drops.
     X11DropTarget(std::shared_ptr<X11Connection> connection, MainLoop& loop, xcb_window_t window, PanelWindow& panel);
     ~X11DropTarget() override;

@@ -198,6 +198,6 @@ void X11PanelWindow::pressed(QMouseEvent& event) {
 void X11PanelWindow::dragSampled(const PointerSampler::Sample& sample) {
     if (!sample.buttons || !held())
         drags_.reset();
-    else if (onDrag)
-        onDrag(sample.pointer);
+    else
+        listener().dragged(sample.pointer);
 }
