@@ -1,6 +1,7 @@
 #pragma once
 
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -35,5 +36,13 @@ inline Descriptor openRegularFile(const QByteArray& path) {
     Descriptor file(::open(path.constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     struct stat status = {};
     if (file && (::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode))) return Descriptor();
+    return file;
+}
+
+/// A file without a name that holds these bytes, to be read from its beginning; none when there is no memory for it.
+/// Unlike a pipe it never makes its writer wait for a reader.
+inline Descriptor fileInMemory(const QByteArray& bytes) {
+    Descriptor file(::memfd_create("bytes", MFD_CLOEXEC));
+    if (file && ::pwrite(file.get(), bytes.constData(), size_t(bytes.size()), 0) != bytes.size()) return Descriptor();
     return file;
 }
