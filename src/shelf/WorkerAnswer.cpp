@@ -51,11 +51,11 @@ std::variant<QImage, ChewError> thumbnailIn(const std::optional<QJsonObject>& an
     const int width = answer->value(QStringLiteral("width")).toInt();
     const int height = answer->value(QStringLiteral("height")).toInt();
     if (width < 1 || height < 1 || width > side || height > side) return unfinished();
-    const auto pixels = QByteArray::fromBase64Encoding(answer->value(QStringLiteral("pixels")).toString().toLatin1(),
-                                                       QByteArray::AbortOnBase64DecodingErrors);
-    if (!pixels || pixels->size() != 4 * qsizetype(width) * height) return unfinished();
-    const QImage image(reinterpret_cast<const uchar*>(pixels->constData()), width, height, QImage::Format_RGBA8888);
-    return image.convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    const QByteArray base64 = answer->value(QStringLiteral("pixels")).toString().toLatin1();
+    const auto pixels = QByteArray::fromBase64Encoding(base64, QByteArray::AbortOnBase64DecodingErrors);
+    if (!pixels || pixels.decoded.size() != 4 * qsizetype(width) * height) return unfinished();
+    const auto* bytes = reinterpret_cast<const uchar*>(pixels.decoded.constData());
+    return QImage(bytes, width, height, QImage::Format_RGBA8888).convertToFormat(QImage::Format_ARGB32_Premultiplied);
 }
 
 bool isWhole(int descriptor, Chewer::Mode mode) {
