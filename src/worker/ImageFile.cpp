@@ -89,5 +89,6 @@ std::optional<ImageFile> ImageFile::open(int source) {
 }
 
 VImage ImageFile::decode(double shrink) const {
-    return decoder_(shrink);
+    // Of a long strip, the shorter side must not become nothing.
+    return decoder_(std::min(shrink, double(std::min(size_.width(), size_.height()))));
 }

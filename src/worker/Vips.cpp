@@ -17,7 +17,7 @@ bool start() {
     // almost as long as everything else at a start.
     qputenv("VIPSHOME", "/nonexistent");
     if (vips_init("glimmet-worker") != 0) return false;
-    // A broken file is no news here.
+    // Broken files are to be expected.
     const auto ignore = [](const char*, GLogLevelFlags, const char*, gpointer) {};
     for (const char* domain : {"VIPS", "Poppler"})
         g_log_set_handler(domain, GLogLevelFlags(G_LOG_LEVEL_WARNING | G_LOG_LEVEL_MESSAGE | G_LOG_LEVEL_CRITICAL),
