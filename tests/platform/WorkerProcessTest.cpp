@@ -27,10 +27,6 @@ struct Script {
         file.write("#!/bin/sh\n" + QByteArray(commands) + "\n");
         EXPECT_TRUE(file.setPermissions(QFile::ReadOwner | QFile::ExeOwner));
     }
-    std::optional<QJsonObject> run(std::chrono::milliseconds patience = kLong,
-                                   const QByteArray& source = "it\n") const {
-        return WorkerProcess(path, patience).run({}, source);
-    }
 };
 
 TEST(WorkerProcess, AnswersOrNot) {
@@ -59,7 +55,7 @@ TEST(WorkerProcess, AnswersOrNot) {
         {R"(trap '' TERM INT HUP; while :; do sleep 1; done)", {}, "", kShort},
     };
     for (const auto& [commands, answer, source, patience] : cases)
-        EXPECT_EQ(Script(commands).run(patience, source), answer) << commands;
+        EXPECT_EQ(WorkerProcess(Script(commands).path, patience).run({}, source), answer) << commands;
     EXPECT_FALSE(WorkerProcess(u"/no/such/worker"_s).run({}, QByteArray()));
     EXPECT_FALSE(WorkerProcess(Script("echo '{}'").path).run({}, -1, nullptr));
 }

@@ -165,7 +165,7 @@ TEST(Chewer, BelievesOnlyThumbnailsThatFit) {
         {u"2"_s, 1, base64},
         {{}, 1, base64},
         {2, 1, {}},
-        {2, 1, base64.chopped(1)},
+        {2, 1, base64.chopped(2)},
         {2, 1, u"!"_s + base64},
         {2, 1, base64 + QChar(0x100)},
     };

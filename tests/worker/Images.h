@@ -20,7 +20,10 @@
 
 using vips::VImage;
 
-// Pictures to chew, made here, and folders to chew them in. Must come before everything else that uses libvips.
+// Pictures to chew, made here, and folders to chew them in.
+
+/// With all its encoders; the worker's own start would leave some out.
+inline const bool kVipsIsReady = vips_init("test") == 0;
 
 constexpr ChewMode kModes[] = {ChewMode::jpeg, ChewMode::png, ChewMode::smaller};
 inline constexpr const char* kKinds[] = {"png", "jpg", "heic", "tif", "webp", "gif", "bmp"};
@@ -35,8 +38,7 @@ using Quarters = std::vector<Colour>;
 
 /// Four colours, row by row: every way of turning it looks different.
 inline VImage quarters(int width, int height, const Quarters& colours = {kRed, kGreen, kBlue, kGrey}) {
-    static const bool ready = vips_init("test") == 0;
-    EXPECT_TRUE(ready);
+    EXPECT_TRUE(kVipsIsReady);
     const auto flat = [&](const Colour& colour, int w, int h) {
         return (VImage::black(w, h) + colour).cast(VIPS_FORMAT_UCHAR);
     };
