@@ -8,7 +8,44 @@
 
 #include "reading/Screenshots.h"
 
+using namespace Qt::StringLiterals;
+
 namespace {
+
+/// Every kind of screenshot that reading is measured on.
+std::vector<Screenshot> allScreenshots() {
+    std::vector<Screenshot> all = oddScreenshots();
+    for (const QString& family :
+         {u"DejaVu Sans"_s, u"Liberation Sans"_s, u"FreeSans"_s, u"Liberation Serif"_s, u"DejaVu Sans Mono"_s}) {
+        for (const int pixels : {12, 14, 16, 20})
+            for (const bool dark : {false, true}) all.push_back(page(family, pixels, dark));
+        all.push_back(columns(family, 13, false));
+        all.push_back(columns(family, 15, true));
+    }
+    const QString family = u"DejaVu Sans"_s, other = u"Liberation Sans"_s;
+    const auto add = [&](const QString& name, const Screenshot& shot) {
+        all.push_back({name, shot.picture, shot.text});
+    };
+    add(u"window 13"_s, window(family, 13));
+    add(u"window 15"_s, window(other, 15));
+    add(u"window 26"_s, window(family, 26));
+    add(u"headline 13 light"_s, headline(family, 13, kDarkOnLight));
+    add(u"headline 14 dark"_s, headline(other, 14, kLightOnDark));
+    add(u"gallery 15"_s, gallery(family, 15));
+    const auto addPage = [&](const QString& name, const QStringList& lines, const QFont& font, TextColours colours) {
+        all.push_back({name, drawPage(lines, font, colours), lines.join(u'\n')});
+    };
+    addPage(u"pale 14"_s, sentences(), face(other, 14), {0xffa0a0a0, 0xfff4f4f4});
+    addPage(u"dim 14"_s, sentences(), face(family, 14), {0xff6c6f78, 0xff1e1f22});
+    addPage(u"blue on blue 14"_s, sentences(), face(family, 14), {0xff9ecbff, 0xff0d4a8f});
+    addPage(u"one word"_s, {u"Settings"_s}, face(family, 14), kLightOnDark);
+    addPage(u"large 48"_s, sentences().mid(0, 3), face(other, 48), kLightOnDark);
+    for (const bool dark : {false, true}) {
+        const Screenshot shot = page(dark ? family : other, 14, dark);
+        all.push_back({dark ? u"jpeg 14 dark"_s : u"jpeg 14 light"_s, jpegged(shot.picture), shot.text});
+    }
+    return all;
+}
 
 void put(const QString& path, const QString& text) {
     QFile file(path);

@@ -3,7 +3,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include "worker/GreyImage.h"
+#include "worker/GreyPicture.h"
 #include "worker/ImageFile.h"
 #include "worker/Ink.h"
 #include "worker/PdfPage.h"

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -64,4 +65,12 @@ inline bool writeAll(int descriptor, const QByteArray& bytes) {
         done += n;
     }
     return true;
+}
+
+/// A file without a name that holds these bytes, to be read from its beginning; none when there is no memory for it.
+/// Unlike a pipe it never makes its writer wait for a reader.
+inline Descriptor fileInMemory(const QByteArray& bytes) {
+    Descriptor file(::memfd_create("bytes", MFD_CLOEXEC));
+    if (file && (!writeAll(file.get(), bytes) || ::lseek(file.get(), 0, SEEK_SET) != 0)) return Descriptor();
+    return file;
 }

@@ -8,9 +8,9 @@
 namespace {
 
 constexpr int kLastCode = 7;
-constexpr qsizetype kLongestText = 1 << 18;     // UTF-16 units
-constexpr qsizetype kLongestDescription = 200;  // UTF-16 units
-constexpr off_t kLargestResult = 512 << 20;     // bytes
+constexpr qsizetype kMaxText = 1 << 18;     // UTF-16 units
+constexpr qsizetype kMaxDescription = 200;  // UTF-16 units
+constexpr off_t kMaxResult = 512 << 20;     // bytes
 
 ChewError unfinished() {
     return {QStringLiteral("worker"), 0, QStringLiteral("the job did not come to its end")};
@@ -34,7 +34,7 @@ std::optional<ChewError> errorIn(const std::optional<QJsonObject>& answer) {
     if (error.isUndefined()) return {};
     const int code = error[u"code"].toInt(-1);
     const QString description = error[u"description"].toString();
-    if (code < 0 || code > kLastCode || description.size() > kLongestDescription || !isPlain(description))
+    if (code < 0 || code > kLastCode || description.size() > kMaxDescription || !isPlain(description))
         return unfinished();
     return ChewError{QStringLiteral("chew"), code, description};
 }
@@ -42,8 +42,20 @@ std::optional<ChewError> errorIn(const std::optional<QJsonObject>& answer) {
 std::variant<QString, ChewError> textIn(const std::optional<QJsonObject>& answer) {
     if (const auto error = errorIn(answer)) return *error;
     const QString text = answer->value(QStringLiteral("text")).toString();
-    if (text.isEmpty() || text.size() > kLongestText || !isPlain(text)) return unfinished();
+    if (text.isEmpty() || text.size() > kMaxText || !isPlain(text)) return unfinished();
     return text;
+}
+
+std::variant<QImage, ChewError> thumbnailIn(const std::optional<QJsonObject>& answer, int side) {
+    if (const auto error = errorIn(answer)) return *error;
+    const int width = answer->value(QStringLiteral("width")).toInt();
+    const int height = answer->value(QStringLiteral("height")).toInt();
+    if (width < 1 || height < 1 || width > side || height > side) return unfinished();
+    const QByteArray base64 = answer->value(QStringLiteral("pixels")).toString().toLatin1();
+    const auto pixels = QByteArray::fromBase64Encoding(base64, QByteArray::AbortOnBase64DecodingErrors);
+    if (!pixels || pixels.decoded.size() != 4 * qsizetype(width) * height) return unfinished();
+    const auto* bytes = reinterpret_cast<const uchar*>(pixels.decoded.constData());
+    return QImage(bytes, width, height, QImage::Format_RGBA8888).convertToFormat(QImage::Format_ARGB32_Premultiplied);
 }
 
 bool isWhole(int descriptor, Chewer::Mode mode) {
@@ -53,6 +65,6 @@ bool isWhole(int descriptor, Chewer::Mode mode) {
     const QByteArray end = isPng ? QByteArray("\0\0\0\0IEND\xae\x42\x60\x82", 12) : QByteArray("\xff\xd9");
     struct stat status = {};
     return ::fstat(descriptor, &status) == 0 && status.st_size >= start.size() + end.size() &&
-           status.st_size <= kLargestResult && bytesAt(descriptor, 0, start.size()) == start &&
+           status.st_size <= kMaxResult && bytesAt(descriptor, 0, start.size()) == start &&
            bytesAt(descriptor, status.st_size - end.size(), end.size()) == end;
 }

@@ -1,7 +1,7 @@
 #include "worker/Chew.h"
 
 #include "worker/ImageFile.h"
-#include "worker/Picture.h"
+#include "worker/ImageOperations.h"
 
 using vips::VError;
 using vips::VImage;
@@ -9,11 +9,8 @@ using vips::VTarget;
 
 namespace {
 
-constexpr int kLongestSmallSide = 2000;
+constexpr int kMaxSmallSide = 2000;
 
-Failure cannotOpen() {
-    return {1, QStringLiteral("couldn't open the image")};
-}
 Failure cannotWrite() {
     return {2, QStringLiteral("couldn't write the result")};
 }
@@ -25,7 +22,7 @@ Failure cannotFinish() {
 VImage pictureFor(const ImageFile& file, ChewMode mode) {
     if (mode == ChewMode::png) return anonymous(upright(plainColours(file.decode(1))));
     if (mode == ChewMode::jpeg) return anonymous(upright(opaque(plainColours(file.decode(1)))));
-    const QSize size = within(file.size(), kLongestSmallSide);
+    const QSize size = within(file.size(), kMaxSmallSide);
     const double shrink = double(file.size().width()) / size.width();
     return anonymous(upright(resized(opaque(plainColours(file.decode(shrink))), size)));
 }
@@ -46,7 +43,7 @@ void write(const VImage& picture, ChewMode mode, int descriptor) {
 
 std::optional<Failure> chew(int source, ChewMode mode, int result) {
     const auto image = ImageFile::open(source);
-    if (!image) return cannotOpen();
+    if (!image) return cannotOpenImage();
     if (result < 0) return cannotWrite();
     try {
         write(pictureFor(*image, mode), mode, result);

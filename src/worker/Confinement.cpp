@@ -71,6 +71,6 @@ bool limitResources() {
            limit(RLIMIT_NOFILE, kOpenFiles, kOpenFiles) && limitThreads() && limitMemory();
 }
 
-bool restrictAccess() {
-    return ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 && allowReadingLibrariesOnly() && allowOnlyDecoding();
+bool restrictAccess(std::span<const char* const> readable) {
+    return ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 && allowReadingOnly(readable) && allowOnlyDecoding();
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <span>
+
 // What a process that decodes files of unknown origin may still do. Both calls are for good, and are made once, while
 // the process has one thread.
 
@@ -12,7 +14,7 @@ constexpr int kResult = 3;
 bool limitResources();
 
 /// From here on it can do only what decoding takes: compute, start threads, use what is open, and open files to read.
-/// Where the kernel has Landlock, these are the system's libraries, fonts and recognition data; of other files it can
-/// still learn what stat() tells. Where it has none, any file that its user may read: what it read can go nowhere but
-/// into the result and the answer. False if that is impossible, also when Landlock is there but fails.
-bool restrictAccess();
+/// Where the kernel has Landlock, these are the system's libraries and what is at or below `readable`; of other files
+/// it can still learn what stat() tells. Where it has none, any file that its user may read: what it read can go
+/// nowhere but into the result and the answer. False if that is impossible, also when Landlock is there but fails.
+bool restrictAccess(std::span<const char* const> readable);

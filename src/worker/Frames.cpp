@@ -4,7 +4,19 @@
 
 namespace {
 
-constexpr int smallest = 12;  // pixels each way
+constexpr int kMinSide = 12;  // pixels
+
+/// How many places of a side, from `first` to `last`, the piece has a pixel at, at most `depth` pixels inside.
+template <class Has>
+int covered(int first, int last, int depth, Has has) {
+    int places = 0;
+    for (int place = first; place <= last; ++place) {
+        int in = 0;
+        while (in < depth && !has(place, in)) ++in;
+        places += in < depth;
+    }
+    return places;
+}
 
 }  // namespace
 
@@ -15,36 +27,19 @@ bool Frames::isHollow(uint32_t label) const {
     const FlatAreas::Area& piece = pieces_.areas[label];
     const int width = piece.width();
     const int height = piece.height();
-    if (width < smallest || height < smallest || 2L * piece.pixels > long(width) * height) return false;
+    if (width < kMinSide || height < kMinSide || 2L * piece.pixels > long(width) * height) return false;
     // A side may be a little uneven where it was smoothed.
     const int depth = std::max(2, std::min(width, height) / 12);
     const auto has = [&](int x, int y) { return pieces_.labels[picture_.at(x, y)] == label; };
-    int above = 0;
-    int below = 0;
-    for (int x = piece.left; x <= piece.right; ++x) {
-        bool top = false;
-        bool bottom = false;
-        for (int i = 0; i < depth; ++i) {
-            top |= has(x, piece.top + i);
-            bottom |= has(x, piece.bottom - i);
-        }
-        above += top;
-        below += bottom;
-    }
-    int before = 0;
-    int after = 0;
-    for (int y = piece.top; y <= piece.bottom; ++y) {
-        bool left = false;
-        bool right = false;
-        for (int i = 0; i < depth; ++i) {
-            left |= has(piece.left + i, y);
-            right |= has(piece.right - i, y);
-        }
-        before += left;
-        after += right;
-    }
+    const auto row = [&](int y, int step) {
+        return covered(piece.left, piece.right, depth, [&](int x, int in) { return has(x, y + step * in); });
+    };
+    const auto column = [&](int x, int step) {
+        return covered(piece.top, piece.bottom, depth, [&](int y, int in) { return has(x + step * in, y); });
+    };
     // The ends of a button may be half circles.
-    return std::min(above, below) > 0.7 * width && std::min(before, after) > 0.4 * height;
+    return std::min(row(piece.top, 1), row(piece.bottom, -1)) > 0.7 * width &&
+           std::min(column(piece.left, 1), column(piece.right, -1)) > 0.4 * height;
 }
 
 /// Whether other ink lies inside.

@@ -4,6 +4,10 @@
 #include <cstdint>
 #include <vector>
 
+namespace vips {
+class VImage;
+}
+
 /// An upright picture without colour, in rows from the top, 0 black to 255 white.
 struct GreyPicture {
     int width = 0;
@@ -12,3 +16,14 @@ struct GreyPicture {
 
     [[nodiscard]] size_t at(int x, int y) const { return size_t(y) * size_t(width) + size_t(x); }
 };
+
+/// The image upright and without colour. What is transparent becomes white, or black where the rest is bright; an image
+/// that has more pixels than any screen is made smaller. Throws vips::VError when the image cannot be decoded to its
+/// end.
+GreyPicture greyPicture(const vips::VImage& image);
+
+/// The picture at another size, which is at least a pixel each way.
+GreyPicture resized(const GreyPicture& picture, double scale);
+
+/// The picture turned clockwise by `quarters`, 0 to 3, of a full turn.
+GreyPicture turned(const GreyPicture& picture, int quarters);

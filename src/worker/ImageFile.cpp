@@ -17,13 +17,13 @@ using vips::VSource;
 namespace {
 
 // JPEG can hold no longer side, and what the best cameras stitch together is smaller: 20000 x 20000 passes.
-constexpr int kLongestSide = 65500;
-constexpr qint64 kMostPixels = 500'000'000;
+constexpr int kMaxSide = 65500;
+constexpr qint64 kMaxPixels = 500'000'000;
 
 // Halving by a decoder is coarse, so it leaves the proper resampling at least this factor.
 constexpr double kLeftToResampling = 2;
 
-/// A file that breaks off is no picture, also where the decoder could fill the rest with grey.
+/// A file that breaks off is not a picture, also where the decoder could fill the rest with grey.
 VOption* rowByRow() {
     return VImage::option()->set("access", VIPS_ACCESS_SEQUENTIAL)->set("fail_on", VIPS_FAIL_ON_TRUNCATED);
 }
@@ -45,6 +45,7 @@ VImage openWith(ImageKind kind, const VSource& source, double shrink) {
         case ImageKind::jpeg:
             return openJpeg(source, shrink);
         case ImageKind::heif:
+            loadVipsModule("heif");
             return VImage::heifload_source(source, rowByRow());
         case ImageKind::tiff:
             return VImage::tiffload_source(source, rowByRow());
@@ -59,7 +60,7 @@ VImage openWith(ImageKind kind, const VSource& source, double shrink) {
 }
 
 bool isSane(QSize size) {
-    return std::max(size.width(), size.height()) <= kLongestSide && qint64(size.width()) * size.height() <= kMostPixels;
+    return std::max(size.width(), size.height()) <= kMaxSide && qint64(size.width()) * size.height() <= kMaxPixels;
 }
 
 }  // namespace
@@ -88,5 +89,6 @@ std::optional<ImageFile> ImageFile::open(int source) {
 }
 
 VImage ImageFile::decode(double shrink) const {
-    return decoder_(shrink);
+    // Of a long strip, the shorter side must not become nothing.
+    return decoder_(std::min(shrink, double(std::min(size_.width(), size_.height()))));
 }

@@ -12,10 +12,10 @@ namespace {
 
 // Steps in brightness, of 255. Gradients and a lossy format's noise stay below the first, the palest text above the
 // second.
-constexpr int smoothStep = 3;
-constexpr int faintestInk = 28;
+constexpr int kSmoothStep = 3;
+constexpr int kMinInk = 28;
 
-/// Text is read off surfaces: the page, a panel, a button, a marked row. What is no surface is ink.
+/// Text is read off surfaces: the page, a panel, a button, a marked row. What is not a surface is ink.
 class Surfaces {
  public:
     Surfaces(const GreyPicture& picture, const FlatAreas& flat) : picture_(picture), flat_(flat) {
@@ -74,12 +74,12 @@ class Surfaces {
 
 /// Whether the pixel is where one surface passes into another: they are a pixel or two away, one brighter, one darker.
 bool isSeam(const GreyPicture& picture, const Surfaces& surfaces, int x, int y) {
-    constexpr int reach = 2;
+    constexpr int kReach = 2;
     const int value = picture.pixels[picture.at(x, y)];
     bool brighter = false;
     bool darker = false;
-    for (int ny = std::max(0, y - reach); ny <= std::min(picture.height - 1, y + reach); ++ny) {
-        for (int nx = std::max(0, x - reach); nx <= std::min(picture.width - 1, x + reach); ++nx) {
+    for (int ny = std::max(0, y - kReach); ny <= std::min(picture.height - 1, y + kReach); ++ny) {
+        for (int nx = std::max(0, x - kReach); nx <= std::min(picture.width - 1, x + kReach); ++nx) {
             const size_t there = picture.at(nx, ny);
             if (!surfaces.contains(there)) continue;
             brighter |= picture.pixels[there] > value;
@@ -137,12 +137,12 @@ std::vector<uint8_t> contrasts(const GreyPicture& picture, const Surfaces& surfa
 class Neighbourhoods {
  public:
     explicit Neighbourhoods(const GreyPicture& contrast)
-        : columns_(contrast.width / tile + 1),
-          rows_(contrast.height / tile + 1),
+        : columns_(contrast.width / kTile + 1),
+          rows_(contrast.height / kTile + 1),
           strongest_(size_t(columns_) * size_t(rows_)) {
         for (int y = 0; y < contrast.height; ++y) {
             for (int x = 0; x < contrast.width; ++x) {
-                uint8_t& most = strongest_[size_t(y / tile * columns_ + x / tile)];
+                uint8_t& most = strongest_[size_t(y / kTile * columns_ + x / kTile)];
                 most = std::max(most, contrast.pixels[contrast.at(x, y)]);
             }
         }
@@ -150,8 +150,8 @@ class Neighbourhoods {
 
     [[nodiscard]] int strongestNear(int x, int y) const {
         int most = 0;
-        for (int row = std::max(0, y / tile - 1); row <= std::min(rows_ - 1, y / tile + 1); ++row) {
-            for (int column = std::max(0, x / tile - 1); column <= std::min(columns_ - 1, x / tile + 1); ++column) {
+        for (int row = std::max(0, y / kTile - 1); row <= std::min(rows_ - 1, y / kTile + 1); ++row) {
+            for (int column = std::max(0, x / kTile - 1); column <= std::min(columns_ - 1, x / kTile + 1); ++column) {
                 most = std::max<int>(most, strongest_[size_t(row * columns_ + column)]);
             }
         }
@@ -159,7 +159,7 @@ class Neighbourhoods {
     }
 
  private:
-    static constexpr int tile = 16;
+    static constexpr int kTile = 16;
     int columns_;
     int rows_;
     std::vector<uint8_t> strongest_;
@@ -215,7 +215,7 @@ Ink develop(const GreyPicture& contrast) {
     for (int y = 0; y < mask.height; ++y) {
         for (int x = 0; x < mask.width; ++x) {
             uint8_t& value = mask.pixels[mask.at(x, y)];
-            value = value > std::max(smoothStep, neighbourhoods.strongestNear(x, y) / 8) ? 255 : 0;
+            value = value > std::max(kSmoothStep, neighbourhoods.strongestNear(x, y) / 8) ? 255 : 0;
         }
     }
     const FlatAreas pieces = findFlatAreas(mask, 0);
@@ -227,7 +227,7 @@ Ink develop(const GreyPicture& contrast) {
     for (size_t i = 0; i < pieces.areas.size(); ++i) {
         const FlatAreas::Area& piece = pieces.areas[i];
         const int near = neighbourhoods.strongestNear((piece.left + piece.right) / 2, (piece.top + piece.bottom) / 2);
-        const bool isInk = strongest[i] >= std::max(faintestInk, near / 5);
+        const bool isInk = strongest[i] >= std::max(kMinInk, near / 5);
         strongest[i] = isInk ? std::max(strongest[i], near / 2) : 0;
     }
     const Heights heights = dropFrames(pieces, contrast, strongest);
@@ -255,7 +255,7 @@ bool isGrainy(const GreyPicture& picture) {
     for (size_t i = 1; i < picture.pixels.size(); ++i) {
         ++steps[size_t(std::abs(picture.pixels[i] - picture.pixels[i - 1]))];
     }
-    return median(steps) > smoothStep;
+    return median(steps) > kSmoothStep;
 }
 
 Ink asDarkOnLight(const GreyPicture& picture) {
@@ -274,7 +274,7 @@ Ink asDarkOnLight(const GreyPicture& picture) {
 
 Ink findInk(const GreyPicture& picture) {
     if (isGrainy(picture)) return asDarkOnLight(picture);
-    const FlatAreas flat = findFlatAreas(picture, smoothStep);
+    const FlatAreas flat = findFlatAreas(picture, kSmoothStep);
     const Surfaces surfaces(picture, flat);
     return develop({picture.width, picture.height, contrasts(picture, surfaces)});
 }

@@ -13,5 +13,5 @@ struct Ink {
 };
 
 /// Separates the ink of a picture drawn by a computer, where text stands on plain or smoothly changing surfaces.
-/// A photograph or a scan has few of these: it is kept as it is, but turned into its negative if it is mostly dark.
+/// A photograph or a scan has few of these: it stays as it is, but is turned into its negative if it is mostly dark.
 Ink findInk(const GreyPicture& picture);

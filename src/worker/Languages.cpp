@@ -30,11 +30,11 @@ QByteArray recognitionName(const QString& spoken) {
 
 QByteArray recognitionLanguages(const QStringList& spoken) {
     // Every further language costs as much time as the first.
-    constexpr qsizetype most = 2;
+    constexpr qsizetype kMaxNames = 2;
     QByteArrayList names;
     for (const QString& language : spoken) {
         const QByteArray name = recognitionName(language);
-        if (!name.isEmpty() && name != "eng" && !names.contains(name) && names.size() < most) names += name;
+        if (!name.isEmpty() && name != "eng" && !names.contains(name) && names.size() < kMaxNames) names += name;
     }
     names += "eng";
     return names.join('+');

@@ -2,8 +2,9 @@
 
 #include <QLocale>
 #include <QStringList>
+#include <cstdlib>
 
-#include "worker/GreyImage.h"
+#include "worker/GreyPicture.h"
 #include "worker/ImageFile.h"
 #include "worker/Ink.h"
 #include "worker/Languages.h"
@@ -25,17 +26,27 @@ Result<GreyPicture> openPage(int source) {
 
 Result<GreyPicture> openPicture(int source, Document kind) {
     if (kind == Document::pdf) return openPage(source);
-    const Failure unopened{1, QStringLiteral("couldn't open the image")};
     const auto image = ImageFile::open(source);
-    if (!image) return unopened;
+    if (!image) return cannotOpenImage();
     try {
         return greyPicture(image->decode(1));
     } catch (const vips::VError&) {
-        return unopened;
+        return cannotOpenImage();
     }
 }
 
 }  // namespace
+
+std::vector<const char*> foldersForReading() {
+    std::vector<const char*> folders{// fonts, for documents that do not bring theirs
+                                     "/usr/share/fonts", "/usr/local/share/fonts", "/usr/share/fontconfig",
+                                     "/etc/fonts", "/var/cache/fontconfig", "/usr/share/poppler",
+                                     // what letters look like
+                                     "/usr/share/tesseract-ocr", "/usr/share/tessdata"};
+    // Where the user keeps the languages to read instead.
+    if (const char* const data = std::getenv("TESSDATA_PREFIX")) folders.push_back(data);
+    return folders;
+}
 
 Result<QString> readText(int source, Document kind) {
     const Result<GreyPicture> picture = openPicture(source, kind);

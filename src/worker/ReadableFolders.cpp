@@ -8,20 +8,13 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
-#include <cstdlib>
 
 #include "platform/Descriptor.h"
 
 namespace {
 
-constexpr const char* kReadable[] = {
-    // libraries, and the decoders and fonts' finders that they load
-    "/lib", "/lib64", "/usr/lib", "/usr/lib64", "/usr/local/lib", "/etc/ld.so.cache",
-    // fonts, for documents that do not bring theirs
-    "/usr/share/fonts", "/usr/local/share/fonts", "/usr/share/fontconfig", "/etc/fonts", "/var/cache/fontconfig",
-    "/usr/share/poppler",
-    // what letters look like
-    "/usr/share/tesseract-ocr", "/usr/share/tessdata"};
+/// Libraries, and the decoders and fonts' finders that they load.
+constexpr const char* kLibraries[] = {"/lib", "/lib64", "/usr/lib", "/usr/lib64", "/usr/local/lib", "/etc/ld.so.cache"};
 
 /// All rights that this version knows. Those after the first thirteen are newer than the headers.
 uint64_t rightsIn(long version) {
@@ -42,7 +35,7 @@ bool allowReading(const Descriptor& ruleset, const char* path) {
 
 }  // namespace
 
-bool allowReadingLibrariesOnly() {
+bool allowReadingOnly(std::span<const char* const> places) {
     const long version = ::syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION);
     if (version < 1) return errno == ENOSYS || errno == EOPNOTSUPP;
     landlock_ruleset_attr handled{};
@@ -50,8 +43,6 @@ bool allowReadingLibrariesOnly() {
     const Descriptor ruleset(int(::syscall(SYS_landlock_create_ruleset, &handled, sizeof handled, 0)));
     if (!ruleset) return false;
     const auto allow = [&](const char* path) { return allowReading(ruleset, path); };
-    if (!std::ranges::all_of(kReadable, allow)) return false;
-    // Where the user keeps the languages to read instead.
-    if (const char* const data = std::getenv("TESSDATA_PREFIX"); data && !allow(data)) return false;
+    if (!std::ranges::all_of(kLibraries, allow) || !std::ranges::all_of(places, allow)) return false;
     return ::syscall(SYS_landlock_restrict_self, ruleset.get(), 0) == 0;
 }

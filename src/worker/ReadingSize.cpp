@@ -3,15 +3,14 @@
 #include <algorithm>
 #include <cmath>
 
-#include "worker/GreyImage.h"
 #include "worker/Recognition.h"
 
 namespace {
 
-// Recognition keeps several pictures of this size, and counts pixels in 16 bits.
-constexpr double mostPixels = 40e6;
-constexpr double longestSide = 30000;
-constexpr int leastReadable = 12;
+// Recognition makes several pictures of this size, and counts pixels in 16 bits.
+constexpr double kMaxPixels = 40e6;
+constexpr double kMaxSide = 30000;
+constexpr int kMinReadable = 12;
 
 }  // namespace
 
@@ -19,8 +18,8 @@ GreyPicture atReadingSize(const Ink& ink) {
     const double width = ink.picture.width;
     const double height = ink.picture.height;
     // Small print below a headline must not vanish; where all is large, it may become a tenth.
-    const double least = std::min(0.5, double(leastReadable) / ink.smallLetterHeight);
-    const double wanted = std::clamp(double(readingHeight) / ink.letterHeight, least, 4.0);
+    const double least = std::min(0.5, double(kMinReadable) / ink.smallLetterHeight);
+    const double wanted = std::clamp(double(kReadingHeight) / ink.letterHeight, least, 4.0);
     return resized(ink.picture,
-                   std::min({wanted, std::sqrt(mostPixels / (width * height)), longestSide / std::max(width, height)}));
+                   std::min({wanted, std::sqrt(kMaxPixels / (width * height)), kMaxSide / std::max(width, height)}));
 }

@@ -12,24 +12,22 @@
 #include <memory>
 #include <vector>
 
-#include "worker/GreyImage.h"
-
 namespace {
 
 using Clock = std::chrono::steady_clock;
 
 // A screen that is full of small print takes ten seconds or more. When the time is up, what was read so far is the
 // answer.
-constexpr std::chrono::milliseconds patience = std::chrono::seconds(40);
+constexpr std::chrono::milliseconds kPatience = std::chrono::seconds(40);
 
 // In reading heights; below, there is no layout to find, and trying again takes little.
-constexpr int fewLines = 6;
+constexpr int kFewLines = 6;
 
 // Percent. What stands on its head, and leaves and bricks, are taken for letters with a confidence of 60 at most; clear
 // writing has more than 90.
-constexpr float certain = 90;
-constexpr float likely = 70;
-constexpr float unlikely = 20;
+constexpr float kCertain = 90;
+constexpr float kLikely = 70;
+constexpr float kUnlikely = 20;
 
 struct Line {
     QString text;
@@ -47,23 +45,23 @@ qsizetype lettersIn(const QString& text) {
 /// have little confidence too, but they look like writing.
 bool isText(const Line& line) {
     const auto letters = lettersIn(line.text);
-    if (line.percent >= certain) return true;
+    if (line.percent >= kCertain) return true;
     if (line.isOnItsSide) return false;
     if (line.percent >= 50) return letters > 0;
-    return line.percent >= unlikely && letters >= 4 && 2 * letters > line.text.size() &&
-           line.height < 4 * readingHeight;
+    return line.percent >= kUnlikely && letters >= 4 && 2 * letters > line.text.size() &&
+           line.height < 4 * kReadingHeight;
 }
 
 /// Whether a line is text though nothing around it is: most pictures with little on them are icons, and many look like
 /// a letter.
 bool isWord(const Line& line) {
-    return line.percent >= certain && lettersIn(line.text) > 1;
+    return line.percent >= kCertain && lettersIn(line.text) > 1;
 }
 
 /// Whether the line is one character. Bars and dots are more often drawn than written.
 bool isCharacter(const Line& line) {
-    constexpr float enough = 80;
-    return line.percent >= enough && line.text.size() == 1 &&
+    constexpr float kEnough = 80;
+    return line.percent >= kEnough && line.text.size() == 1 &&
            (lettersIn(line.text) == 1 || QStringView(u"&?%@#$\u20AC\u00A3").contains(line.text[0]));
 }
 
@@ -82,7 +80,7 @@ double share(const Lines& lines, IsWanted isWanted) {
 /// Whether most of a page is upright and read right.
 bool isRight(const Lines& lines) {
     return share(lines, [](const Line& line) {
-               return !line.isOnItsSide && line.percent >= likely && lettersIn(line.text) > 1;
+               return !line.isOnItsSide && line.percent >= kLikely && lettersIn(line.text) > 1;
            }) > 0.5;
 }
 
@@ -92,7 +90,7 @@ bool isOnItsSide(const Lines& lines) {
 
 /// Whether a page could be text that stands on its head: of that, some lines always look like words.
 bool isHopeless(const Lines& lines) {
-    return share(lines, [](const Line& line) { return line.percent >= unlikely; }) < 0.3;
+    return share(lines, [](const Line& line) { return line.percent >= kUnlikely; }) < 0.3;
 }
 
 QStringList textOf(const Lines& lines, bool (*isWanted)(const Line&)) {
@@ -109,14 +107,14 @@ struct Extent {
 };
 
 Extent inkExtent(const GreyPicture& picture) {
-    constexpr uint8_t grey = 128;
+    constexpr uint8_t kGrey = 128;
     int left = picture.width;
     int right = -1;
     int top = picture.height;
     int bottom = -1;
     for (int y = 0; y < picture.height; ++y) {
         for (int x = 0; x < picture.width; ++x) {
-            if (picture.pixels[picture.at(x, y)] >= grey) continue;
+            if (picture.pixels[picture.at(x, y)] >= kGrey) continue;
             left = std::min(left, x);
             right = std::max(right, x);
             top = std::min(top, y);
@@ -130,21 +128,21 @@ Lines linesOf(tesseract::TessBaseAPI& engine) {
     Lines lines;
     const std::unique_ptr<tesseract::ResultIterator> place(engine.GetIterator());
     if (!place) return lines;
-    constexpr auto level = tesseract::RIL_TEXTLINE;
+    constexpr auto kLevel = tesseract::RIL_TEXTLINE;
     do {
-        const std::unique_ptr<char[]> text(place->GetUTF8Text(level));
+        const std::unique_ptr<char[]> text(place->GetUTF8Text(kLevel));
         int left = 0;
         int top = 0;
         int right = 0;
         int bottom = 0;
-        if (!text || !place->BoundingBox(level, &left, &top, &right, &bottom)) continue;
+        if (!text || !place->BoundingBox(kLevel, &left, &top, &right, &bottom)) continue;
         const QString line = QString::fromUtf8(text.get()).simplified();
         const int width = right - left;
         const int height = bottom - top;
         if (!line.isEmpty())
             lines.push_back(
-                {line, place->Confidence(level), std::min(width, height), height > width && line.size() > 2});
-    } while (place->Next(level));
+                {line, place->Confidence(kLevel), std::min(width, height), height > width && line.size() > 2});
+    } while (place->Next(kLevel));
     return lines;
 }
 
@@ -155,10 +153,10 @@ class Reader {
     /// The text on a picture that may lie on any of its sides.
     QStringList read(GreyPicture picture) {
         const Extent ink = inkExtent(picture);
-        const bool isSmall = std::min(ink.width, ink.height) < fewLines * readingHeight;
+        const bool isSmall = std::min(ink.width, ink.height) < kFewLines * kReadingHeight;
         QStringList most;
         Lines lines = attempt(picture, tesseract::PSM_AUTO);
-        // Lines on their side are found, but their page is no page then: it is turned as well.
+        // Lines on their side are found, but not as a page; it is turned, too.
         const std::array quarters = isOnItsSide(lines) ? std::array{0, 3, 2, 1} : std::array{0, 2, 1, 2};
         for (const int turn : quarters) {
             if (turn != 0) {
@@ -166,14 +164,14 @@ class Reader {
                 lines = attempt(picture, tesseract::PSM_AUTO);
             }
             if (isRight(lines)) return textOf(lines, isText);
-            // A word or two are often no page to it.
+            // It often does not take a word or two for a page.
             if (isSmall) {
                 const QStringList words = textOf(attempt(picture, tesseract::PSM_SINGLE_BLOCK), isWord);
                 if (!words.isEmpty()) return words;
             } else if (isHopeless(lines)) {
                 break;
             }
-            if (turn == 0 && std::max(ink.width, ink.height) < 2 * readingHeight) {
+            if (turn == 0 && std::max(ink.width, ink.height) < 2 * kReadingHeight) {
                 const QStringList character = textOf(attempt(picture, tesseract::PSM_SINGLE_LINE), isCharacter);
                 if (!character.isEmpty()) return character;
             }
@@ -196,7 +194,7 @@ class Reader {
     }
 
     tesseract::TessBaseAPI& engine_;
-    const Clock::time_point until_ = Clock::now() + patience;
+    const Clock::time_point until_ = Clock::now() + kPatience;
 };
 
 }  // namespace

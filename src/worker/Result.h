@@ -14,3 +14,7 @@ struct Failure {
 /// What a job made, or why it did not.
 template <class T>
 using Result = std::variant<T, Failure>;
+
+inline Failure cannotOpenImage() {
+    return {1, QStringLiteral("couldn't open the image")};
+}

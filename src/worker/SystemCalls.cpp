@@ -28,7 +28,7 @@ constexpr int kAllowed[] = {
     SCMP_SYS(futex), SCMP_SYS(set_robust_list), SCMP_SYS(rseq), SCMP_SYS(sched_yield), SCMP_SYS(sched_getaffinity),
     SCMP_SYS(getcpu), SCMP_SYS(exit), SCMP_SYS(exit_group), SCMP_SYS(eventfd2),  // to wake one another
 #ifdef __SANITIZE_ADDRESS__
-    SCMP_SYS(pipe), SCMP_SYS(pipe2),  // what cannot be written into one is no object
+    SCMP_SYS(pipe), SCMP_SYS(pipe2),  // its test for an object: can it be written into a pipe
 #endif
     // signals to itself
     SCMP_SYS(rt_sigaction), SCMP_SYS(rt_sigprocmask), SCMP_SYS(rt_sigreturn), SCMP_SYS(sigaltstack),

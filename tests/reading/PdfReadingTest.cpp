@@ -1,13 +1,16 @@
+#include <gmock/gmock.h>
+
 #include <QPainter>
 #include <QPdfWriter>
 
 #include "reading/Reading.h"
 #include "reading/Screenshots.h"
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-const QString firstLine = QStringLiteral("Minutes of the garden club");
-const QString secondLine = QStringLiteral("Present: Anna, Tom & 14 others");
+constexpr const char* kText = "Minutes of the garden club\nPresent: Anna, Tom & 14 others";
 
 /// A page of the given size in points, and a second one.
 void writePdf(const QString& path, QSizeF points) {
@@ -16,47 +19,39 @@ void writePdf(const QString& path, QSizeF points) {
     writer.setPageMargins({});
     writer.setResolution(72);
     QPainter painter(&writer);
-    painter.setFont(face(QStringLiteral("Liberation Serif"), 12));
-    painter.drawText(60, 80, firstLine);
-    painter.drawText(60, 100, secondLine);
+    painter.setFont(face(u"Liberation Serif"_s, 12));
+    int y = 60;
+    for (const QString& line : QString::fromLatin1(kText).split(u'\n')) painter.drawText(60, y += 20, line);
     writer.newPage();
-    painter.drawText(60, 80, QStringLiteral("This is on the second page"));
+    painter.drawText(60, 80, u"This is on the second page"_s);
 }
 
-class PdfReading : public Reading {};
+using PdfReading = Reading;
 
 TEST_F(PdfReading, ReadsTheFirstPageOnly) {
     writePdf(path("Two Pages.PDF"), {595.276, 841.89});
-    EXPECT_EQ(text("Two Pages.PDF"), firstLine + u'\n' + secondLine);
+    EXPECT_EQ(reading("Two Pages.PDF"), kText);
 }
 
-TEST_F(PdfReading, FindsNothingOnAnEmptyPage) {
-    {
-        QPdfWriter writer(path("empty.pdf"));
-        const QPainter painter(&writer);
-    }
-    EXPECT_EQ(failure("empty.pdf"), 7);
-}
-
-TEST_F(PdfReading, RefusesAPageThatIsLargerThanAnyPaper) {
-    writePdf(path("wall.pdf"), {14400, 14400});
-    EXPECT_EQ(read("wall.pdf"), Result<QString>(Failure{5, {}}));
-}
-
-TEST_F(PdfReading, CannotOpenWhatIsNoPdf) {
-    write("text.pdf", "Not a document, though it is called one.");
+TEST_F(PdfReading, FailsWhereThereIsNoPageToRead) {
+    const QByteArray head("%PDF-1.4\n1 0 obj<</Type/Catalog/Pages 2 0 R>>endobj\n2 0 obj<</Type/Pages/Kids"),
+        key(32, 'k');
     write("empty.pdf", {});
-    write("pageless.pdf",
-          "%PDF-1.4\n1 0 obj<</Type/Catalog/Pages 2 0 R>>endobj\n2 0 obj<</Type/Pages/Kids[]/Count 0>>endobj\n"
-          "trailer<</Root 1 0 R>>\n%%EOF\n");
-    const QByteArray key(32, 'k');
+    write("text.pdf", "Not a document, though it is called one.");
+    write("pageless.pdf", head + "[]/Count 0>>endobj\ntrailer<</Root 1 0 R>>\n%%EOF\n");
     write("locked.pdf",
-          "%PDF-1.4\n1 0 obj<</Type/Catalog/Pages 2 0 R>>endobj\n2 0 obj<</Type/Pages/Kids[3 0 R]/Count 1>>endobj\n"
-          "3 0 obj<</Type/Page/Parent 2 0 R/MediaBox[0 0 200 100]>>endobj\n4 0 obj<</Filter/Standard/V 1/R 2/P -4/O(" +
-              key + ")/U(" + key + ")>>endobj\ntrailer<</Root 1 0 R/Encrypt 4 0 R/ID[(a)(a)]>>\n%%EOF\n");
-    for (const char* name : {"text.pdf", "empty.pdf", "pageless.pdf", "locked.pdf"}) {
-        EXPECT_EQ(read(name), Result<QString>(Failure{4, QStringLiteral("couldn't open the PDF")})) << name;
-    }
+          head +
+              "[3 0 R]/Count 1>>endobj\n3 0 obj<</Type/Page/Parent 2 0 R/MediaBox[0 0 200 100]>>endobj\n4 0 obj"
+              "<</Filter/Standard/V 1/R 2/P -4/O(" +
+              key + ")/U(" + key +
+              ")>>endobj\n"
+              "trailer<</Root 1 0 R/Encrypt 4 0 R/ID[(a)(a)]>>\n%%EOF\n");
+    for (const char* name : {"empty.pdf", "text.pdf", "pageless.pdf", "locked.pdf"})
+        EXPECT_EQ(reading(name), "4 couldn't open the PDF") << name;
+    writePdf(path("wall.pdf"), {14400, 14400});
+    EXPECT_EQ(reading("wall.pdf"), "5 ") << "larger than any paper";
+    QPainter(std::make_unique<QPdfWriter>(path("blank.pdf")).get()).end();
+    EXPECT_EQ(reading("blank.pdf"), "7 no text found");
 }
 
 // Wherever a document was cut off, reading ends, with its text or with a failure.
@@ -67,10 +62,8 @@ TEST_F(PdfReading, SurvivesACutDocument) {
     const QByteArray whole = file.readAll();
     for (int part = 1; part < 10; ++part) {
         write("cut.pdf", whole.left(whole.size() * part / 10));
-        const Result<QString> result = read("cut.pdf");
-        if (const auto* why = std::get_if<Failure>(&result)) {
-            EXPECT_TRUE(why->code == 4 || why->code == 6 || why->code == 7) << part << ": " << why->code;
-        }
+        EXPECT_THAT(reading("cut.pdf"),
+                    testing::AnyOf(testing::MatchesRegex("[467] .*"), testing::HasSubstr("Minutes")));
     }
 }
 

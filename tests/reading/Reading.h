@@ -13,20 +13,15 @@ class Reading : public testing::Test {
  protected:
     QString path(const char* name) const { return folder_.filePath(QLatin1String(name)); }
     Result<QString> read(const char* name) const {
-        const Descriptor file = openRegularFile(QFile::encodeName(path(name)));
         const bool isPdf = path(name).endsWith(QLatin1String(".pdf"), Qt::CaseInsensitive);
-        return readText(file.get(), isPdf ? Document::pdf : Document::image);
+        return readText(openRegularFile(QFile::encodeName(path(name))).get(), isPdf ? Document::pdf : Document::image);
     }
-
-    /// Empty when reading failed.
-    QString text(const char* name) const {
+    /// The text, or the failure's code and description.
+    std::string reading(const char* name) const {
         const Result<QString> result = read(name);
-        return std::holds_alternative<QString>(result) ? std::get<QString>(result) : QString();
-    }
-    /// -1 when it did not.
-    int failure(const char* name) const {
-        const Result<QString> result = read(name);
-        return std::holds_alternative<Failure>(result) ? std::get<Failure>(result).code : -1;
+        const auto* why = std::get_if<Failure>(&result);
+        return why ? std::to_string(why->code) + ' ' + why->description.toStdString()
+                   : std::get<QString>(result).toStdString();
     }
     void write(const char* name, const QByteArray& bytes) const {
         QFile file(path(name));

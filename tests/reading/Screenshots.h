@@ -2,41 +2,47 @@
 
 #include <QFont>
 #include <QImage>
-#include <QString>
 #include <QStringList>
+#include <functional>
 #include <vector>
 
-/// A drawn piece of a desktop, and the text on it as a person would read it out, line by line.
+class QPainter;
+
+/// A drawn piece of a desktop, and the text on it as a person would read it out, line by line. All need a
+/// QGuiApplication.
 struct Screenshot {
     QString name;
     QImage picture;
     QString text;
 };
 
-struct Ink {
-    QRgb text;
-    QRgb background;
+struct TextColours {
+    QRgb text, background;
 };
 
-constexpr Ink darkOnLight{0xff202124, 0xffffffff};
-constexpr Ink lightOnDark{0xffdfe1e5, 0xff1e1f22};
+constexpr TextColours kDarkOnLight{0xff202124, 0xffffffff}, kLightOnDark{0xffdfe1e5, 0xff1e1f22};
 
 QFont face(const QString& family, int pixels);
+/// Twelve of them.
+const QStringList& sentences();
 
+QImage drawn(QSize size, TextColours colours, const QFont& font, const std::function<void(QPainter&)>& draw);
 /// The lines below one another, with a margin.
-QImage drawPage(const QStringList& lines, const QFont& font, Ink ink);
-
+QImage drawPage(const QStringList& lines, const QFont& font, TextColours colours);
 /// With a camera's grain.
 QImage grainy(QImage picture);
+QImage jpegged(const QImage& picture);
 
+Screenshot page(const QString& family, int pixels, bool dark);
+Screenshot columns(const QString& family, int pixels, bool dark);
+/// A window with a dark bar, a marked row and a coloured button around an ordinary page.
+Screenshot window(const QString& family, int pixels);
+/// Several times as tall as the text below it.
+Screenshot headline(const QString& family, int pixels, TextColours colours);
+/// Text below a picture and beside icons: shapes that must not be taken for letters.
+Screenshot gallery(const QString& family, int pixels);
 /// What is framed, or large, or one character, or lies on a side or on its head: all of it is read without a fault.
 std::vector<Screenshot> oddScreenshots();
-
-/// Every kind of screenshot that reading is measured on. Needs a QGuiApplication.
-std::vector<Screenshot> allScreenshots();
-
-/// The same without what is alike: enough to notice when reading has become worse.
-std::vector<Screenshot> fewScreenshots();
 
 /// How many characters have to be added, dropped or replaced to make one text of the other, as a share of the truth's.
 double characterErrorRate(const QString& truth, const QString& read);

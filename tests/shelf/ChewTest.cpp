@@ -6,6 +6,7 @@
 #include "platform/FileUrls.h"
 #include "shelf/ChewedName.h"
 #include "shelf/ChipActions.h"
+#include "shelf/WorkerAnswer.h"
 #include "support/Creature.h"
 
 using namespace Qt::StringLiterals;
@@ -140,6 +141,49 @@ TEST(Chewer, BelievesOnlyWhatItSees) {
         f.worker.answer = text(bad);
         EXPECT_EQ(std::get<ChewError>(f.chewer.readText(f.file("a.png"))).domain, u"worker"_s);
     }
+}
+
+TEST(Chewer, BelievesOnlyThumbnailsThatFit) {
+    const QByteArray pixels("\xff\0\0\x80\0\xff\0\xff", 8);  // a red that is half there, a green
+    const QString base64 = QString::fromLatin1(pixels.toBase64()),
+                  four = QString::fromLatin1(QByteArray(16, 'x').toBase64());
+    const struct {
+        QJsonValue width, height, pixels;
+        bool isBelieved = false;
+    } cases[] = {
+        {2, 1, base64, true},
+        {1, 2, base64, true},
+        {2, 2, base64},
+        {1, 1, base64},
+        {3, 1, base64},
+        {4, 1, four},
+        {1, 4, four},
+        {0, 0, u""_s},
+        {-2, -1, base64},
+        {1.5, 2, base64},
+        {1 << 16, 1 << 16, u""_s},
+        {u"2"_s, 1, base64},
+        {{}, 1, base64},
+        {2, 1, {}},
+        {2, 1, base64.chopped(2)},
+        {2, 1, u"!"_s + base64},
+        {2, 1, base64 + QChar(0x100)},
+    };
+    const auto answered = [](const auto& c) {
+        return QJsonObject{{u"width"_s, c.width}, {u"height"_s, c.height}, {u"pixels"_s, c.pixels}};
+    };
+    for (const auto& c : cases) {
+        const auto made = thumbnailIn(answered(c), 2);
+        const auto* image = std::get_if<QImage>(&made);
+        EXPECT_EQ(bool(image), c.isBelieved) << QJsonDocument(answered(c)).toJson().toStdString();
+        if (image) {
+            EXPECT_EQ(image->pixelColor(0, 0), QColor(255, 0, 0, 128));
+        } else {
+            EXPECT_EQ(std::get<ChewError>(made).domain, u"worker"_s);
+        }
+    }
+    EXPECT_EQ(std::get<ChewError>(thumbnailIn(failed(1), 2)).code, 1);
+    EXPECT_EQ(std::get<ChewError>(thumbnailIn({}, 2)).domain, u"worker"_s);
 }
 
 TEST(Chewer, OpensRegularFilesOnly) {

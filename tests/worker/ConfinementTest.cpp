@@ -36,7 +36,7 @@ int confined(F f, uid_t user = ::getuid()) {
     if (child == 0) {
         if (::setresuid(user, user, user) != 0) ::_exit(100);
         if (!limitResources()) ::_exit(101);
-        if (!restrictAccess()) ::_exit(102);
+        if (!restrictAccess({})) ::_exit(102);
         ::_exit(f());
     }
     int status = 0;
@@ -48,14 +48,10 @@ constexpr int kTooMany = 4000;
 
 /// The number of threads that can be started, or kTooMany.
 int startThreads() {
+    const auto wait = [](void*) -> void* { return ::sleep(60), nullptr; };
     pthread_attr_t small;
     ::pthread_attr_init(&small);
     ::pthread_attr_setstacksize(&small, 16384);
-    const auto wait = [](void*) -> void* {
-        const timespec minute{60, 0};
-        ::nanosleep(&minute, nullptr);
-        return nullptr;
-    };
     pthread_t thread;
     int count = 0;
     while (count < kTooMany && ::pthread_create(&thread, &small, wait, nullptr) == 0) ++count;
@@ -113,6 +109,7 @@ TEST(Confinement, RefusesWhatIsNotDecoding) {
         {"the source anew", [&] { return open("/proc/self/fd/0", O_RDWR); }},
         {"reading files", [&] { return open(mine, O_RDONLY); }, true},
         {"reading folders", [&] { return open(folder.path.constData(), O_RDONLY | O_DIRECTORY); }, true},
+        {"reading fonts", [&] { return open("/usr/share/fonts", O_RDONLY | O_DIRECTORY); }, true},
         {"reading settings", [&] { return open("/etc/passwd", O_RDONLY); }, true},
         {"reading about processes", [&] { return open("/proc/self/environ", O_RDONLY); }, true},
     };
@@ -128,12 +125,10 @@ TEST(Confinement, RefusesWhatIsNotDecoding) {
 }
 
 TEST(Confinement, DoesWithoutLandlockButNotWithABrokenOne) {
-    const struct {
-        long call;
-        int error, outcome;
-    } cases[] = {{SYS_landlock_create_ruleset, ENOSYS, 0},
-                 {SYS_landlock_create_ruleset, EMFILE, 102},
-                 {SYS_landlock_restrict_self, E2BIG, 102}};
+    using Case = std::tuple<long, int, int>;
+    const Case cases[] = {{SYS_landlock_create_ruleset, ENOSYS, 0},
+                          {SYS_landlock_create_ruleset, EMFILE, 102},
+                          {SYS_landlock_restrict_self, E2BIG, 102}};
     for (const auto& [call, error, outcome] : cases) {
         std::thread([&] {
             const auto filter = seccomp_init(SCMP_ACT_ALLOW);
@@ -150,21 +145,18 @@ TEST(Confinement, HasLimits) {
         rlimit limit{};
         return ::getrlimit(resource, &limit) == 0 && limit.rlim_max <= most;
     };
-    EXPECT_EQ(confined([&] {
-                  return isWithin(RLIMIT_CORE, 1) && isWithin(RLIMIT_CPU, 65) && isWithin(RLIMIT_FSIZE, 512U << 20) &&
-                         isWithin(RLIMIT_NOFILE, 64) && (kIsSanitized || isWithin(RLIMIT_AS, 2048U << 20));
-              }),
-              1);
-    // The number of threads is none for root.
+    const auto areSet = [&] {
+        return isWithin(RLIMIT_CORE, 1) && isWithin(RLIMIT_CPU, 65) && isWithin(RLIMIT_FSIZE, 512U << 20) &&
+               isWithin(RLIMIT_NOFILE, 64) && (kIsSanitized || isWithin(RLIMIT_AS, 2048U << 20));
+    };
+    EXPECT_EQ(confined(areSet), 1);
+    // The number of threads is not limited for root.
     constexpr uid_t kNobody = 65534;
-    const uid_t user = ::getuid() == 0 ? kNobody : ::getuid();
-    EXPECT_EQ(confined(
-                  [] {
-                      const int count = startThreads();
-                      return count >= 8 && count < kTooMany;
-                  },
-                  user),
-              1);
+    const auto threads = [] {
+        const int count = startThreads();
+        return count >= 8 && count < kTooMany;
+    };
+    EXPECT_EQ(confined(threads, ::getuid() == 0 ? kNobody : ::getuid()), 1);
 }
 
 }  // namespace

@@ -16,10 +16,17 @@
 
 #include "platform/Descriptor.h"
 #include "worker/Chew.h"
+#include "worker/Thumbnail.h"
 
 using vips::VImage;
 
-// Pictures to chew, made here, and folders to chew them in. Must come before everything else that uses libvips.
+// Pictures to chew, made here, and folders to chew them in.
+
+/// With all its encoders; the worker's own start would leave some out.
+inline const bool kVipsIsReady = vips_init("test") == 0;
+
+constexpr ChewMode kModes[] = {ChewMode::jpeg, ChewMode::png, ChewMode::smaller};
+inline constexpr const char* kKinds[] = {"png", "jpg", "heic", "tif", "webp", "gif", "bmp"};
 
 using Colour = std::vector<double>;
 inline const Colour kRed{220, 30, 30};
@@ -31,8 +38,7 @@ using Quarters = std::vector<Colour>;
 
 /// Four colours, row by row: every way of turning it looks different.
 inline VImage quarters(int width, int height, const Quarters& colours = {kRed, kGreen, kBlue, kGrey}) {
-    static const bool ready = vips_init("test") == 0;
-    EXPECT_TRUE(ready);
+    EXPECT_TRUE(kVipsIsReady);
     const auto flat = [&](const Colour& colour, int w, int h) {
         return (VImage::black(w, h) + colour).cast(VIPS_FORMAT_UCHAR);
     };
@@ -93,20 +99,18 @@ inline QByteArray bmp(quint32 headerLength, quint32 width, quint32 height, quint
     return "BM" + littleEndian(0) + littleEndian(0) + littleEndian(14 + headerLength + 4 * colours) + header + pixels;
 }
 
+inline QByteArray newFolder() {
+    QByteArray path = QFile::encodeName(QDir::tempPath()) + "/chew-XXXXXX";
+    EXPECT_NE(::mkdtemp(path.data()), nullptr);
+    return path;
+}
+
 /// A folder for pictures, with another beside it to fall back to, that is not made yet.
 struct Folder {
-    QByteArray parent = QFile::encodeName(QDir::tempPath()) + "/chew-XXXXXX";
-    QByteArray path;
-    QByteArray fallback;
-    QByteArray result;  // of chew()
+    const QByteArray parent = newFolder(), path = parent + "/in", fallback = parent + "/out/dropped";
+    const QByteArray result = parent + "/result";  // of chew()
 
-    Folder() {
-        EXPECT_NE(::mkdtemp(parent.data()), nullptr);
-        path = parent + "/in";
-        fallback = parent + "/out/dropped";
-        result = parent + "/result";
-        EXPECT_EQ(::mkdir(path.constData(), 0777), 0);
-    }
+    Folder() { EXPECT_EQ(::mkdir(path.constData(), 0777), 0); }
     // QTemporaryDir cannot remove names that are not UTF-8.
     ~Folder() { std::filesystem::remove_all(parent.toStdString()); }
     Folder(const Folder&) = delete;
@@ -118,6 +122,9 @@ struct Folder {
         const Descriptor source = openRegularFile(*this / name);
         const Descriptor to(::open(result.constData(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
         return ::chew(source.get(), mode, to.get());
+    }
+    Result<Thumbnail> thumbnail(const QByteArray& name, int side) const {
+        return thumbnailOf(openRegularFile(*this / name).get(), side);
     }
     /// The names in it, hidden ones included.
     QStringList names() const {

@@ -10,11 +10,8 @@
 
 namespace {
 
-class UnnamedFileTest : public testing::TestWithParam<FileSystem> {
- protected:
+struct UnnamedFileTest : testing::TestWithParam<FileSystem> {
     Folder folder;
-
-    QStringList shown() const { return QDir(QFile::decodeName(folder.path)).entryList(QDir::Files); }
 };
 
 TEST_P(UnnamedFileTest, AppearsWhenItIsCompleteAndReplacesNothing) {
@@ -24,7 +21,7 @@ TEST_P(UnnamedFileTest, AppearsWhenItIsCompleteAndReplacesNothing) {
         ASSERT_TRUE(file);
         const QByteArray contents(3 << 20, 'x');
         ASSERT_EQ(::write(file->descriptor(), contents.constData(), size_t(contents.size())), contents.size());
-        EXPECT_EQ(shown(), QStringList{QStringLiteral("taken")});
+        EXPECT_EQ(QDir(QFile::decodeName(folder.path)).entryList(QDir::Files), QStringList{QStringLiteral("taken")});
         ASSERT_TRUE(file->finish());
         EXPECT_EQ(file->name("taken"), ResultFile::Naming::taken);
         EXPECT_EQ(file->name("no/such/folder"), ResultFile::Naming::failed);

@@ -5,7 +5,7 @@
 #include "Images.h"
 #include "platform/FileUrls.h"
 #include "platform/linux/WorkerProcess.h"
-#include "shelf/Chewer.h"
+#include "shelf/WorkerAnswer.h"
 
 using namespace Qt::StringLiterals;
 
@@ -16,22 +16,28 @@ using Mode = Chewer::Mode;
 constexpr std::chrono::milliseconds kLong(30'000);
 constexpr std::chrono::milliseconds kShort(700);
 
-/// The new file's path; empty when there is an error, which is then in `error`.
-QByteArray chewed(const QByteArray& program, const Folder& folder, const QByteArray& source, Mode mode,
-                  std::chrono::milliseconds patience = kLong, ChewError* error = nullptr) {
+const QString kWorker = QStringLiteral(GLIMMET_WORKER);
+
+using Made = std::variant<QUrl, ChewError>;
+Made chew(const QString& program, const Folder& folder, const QByteArray& source, Mode mode,
+          std::chrono::milliseconds patience = kLong) {
     WorkerProcess worker(program, patience);
-    const auto result = Chewer(worker).chew(fileUrl(source), mode, fileUrl(folder.fallback + '/'));
-    if (const auto* file = std::get_if<QUrl>(&result)) return pathOf(*file);
-    if (error) *error = std::get<ChewError>(result);
-    return {};
+    return Chewer(worker).chew(fileUrl(source), mode, fileUrl(folder.fallback + '/'));
+}
+
+/// The new file's path; empty when there is an error.
+template <class... Arguments>
+QByteArray chewed(const Arguments&... arguments) {
+    const Made made = chew(arguments...);
+    return std::holds_alternative<QUrl>(made) ? pathOf(std::get<QUrl>(made)) : QByteArray();
 }
 
 /// The worker, started with stricter limits than its own.
-QByteArray workerWith(const Folder& folder, const QByteArray& limits) {
+QString workerWith(const Folder& folder, const QByteArray& limits) {
     const QByteArray path = folder.parent + "/worker";
     save(path, "#!/bin/sh\n" + limits + "\nexec " GLIMMET_WORKER " \"$@\"\n");
     EXPECT_EQ(::chmod(path.constData(), 0755), 0);
-    return path;
+    return QFile::decodeName(path);
 }
 
 /// Runs it as somebody for whom permissions count, which they do not for root.
@@ -59,7 +65,7 @@ TEST(GlimmetWorker, ChewsAnyNameAndFallsBackWhereItCannotWrite) {
             asNobody([&] {
                 on(system, [&] {
                     for (const auto& [mode, end] : {std::pair(Mode::smaller, "-small.jpg"), {Mode::toJPEG, ".jpg"}}) {
-                        const QByteArray result = chewed(GLIMMET_WORKER, folder, folder / (name + ".png"), mode);
+                        const QByteArray result = chewed(kWorker, folder, folder / (name + ".png"), mode);
                         if (isReadOnly)
                             EXPECT_THAT(result.toStdString(),
                                         testing::StartsWith((folder.fallback + '/' + name).toStdString()));
@@ -93,8 +99,7 @@ TEST(GlimmetWorker, ToldWhatFails) {
         {"ulimit -t 0", folder / "noise.png", 0},
     };
     for (const auto& [limits, source, code] : cases) {
-        ChewError error;
-        EXPECT_EQ(chewed(workerWith(folder, limits), folder, source, Mode::toPNG, kLong, &error), "");
+        const auto error = std::get<ChewError>(chew(workerWith(folder, limits), folder, source, Mode::toPNG));
         EXPECT_EQ(error.code, code) << source.toStdString();
         EXPECT_EQ(error.domain, code > 0 ? u"chew"_s : u"worker"_s);
     }
@@ -102,22 +107,29 @@ TEST(GlimmetWorker, ToldWhatFails) {
 }
 
 TEST(GlimmetWorker, DoesInItsConfinementWhatItDoesWithout) {
-    for (const char* extension : {"png", "jpg", "heic", "tif", "webp", "gif", "bmp"}) {
-        const Folder folder;
-        const QByteArray name = QByteArray("a.") + extension;
+    WorkerProcess worker(kWorker);
+    const Folder folder;
+    for (const QByteArray kind : kKinds) {
+        const QByteArray name = "a." + kind;
         save(folder / name, quarters(600, 400));
         EXPECT_FALSE(folder.chew(name, ChewMode::smaller));
-        EXPECT_EQ(load(chewed(GLIMMET_WORKER, folder, folder / name, Mode::smaller)), load(folder.result)) << extension;
+        EXPECT_EQ(load(chewed(kWorker, folder, folder / name, Mode::smaller)), load(folder.result))
+            << kind.toStdString();
+        const auto small = std::get<Thumbnail>(folder.thumbnail(name, 96));
+        const QImage straight(reinterpret_cast<const uchar*>(small.pixels.constData()), small.width, small.height,
+                              QImage::Format_RGBA8888);
+        EXPECT_EQ(thumbnailIn(worker.run({u"thumbnail"_s, u"96"_s}, load(folder / name)), 96),
+                  (std::variant<QImage, ChewError>(straight.convertToFormat(QImage::Format_ARGB32_Premultiplied))))
+            << kind.toStdString();
     }
+    EXPECT_EQ(std::get<ChewError>(thumbnailIn(worker.run({u"thumbnail"_s, u"96"_s}, "text"), 96)).code, 1);
     // Its font is not in it.
-    const Folder folder;
     save(folder / "a.pdf",
          "%PDF-1.4\n1 0 obj<</Type/Catalog/Pages 2 0 R>>endobj\n2 0 obj<</Type/Pages/Kids[3 0 R]/Count 1>>endobj\n"
          "3 0 obj<</Type/Page/Parent 2 0 R/MediaBox[0 0 300 99]/Resources<</Font<</F 4 0 R>>>>/Contents 5 0 R>>endobj\n"
          "4 0 obj<</Type/Font/Subtype/Type1/BaseFont/Helvetica>>endobj\n"
          "5 0 obj<</Length 47>>stream\nBT /F 18 Tf 40 40 Td (Minutes of the club) Tj ET\nendstream endobj\n"
          "trailer<</Root 1 0 R>>\n%%EOF\n");
-    WorkerProcess worker(GLIMMET_WORKER);
     EXPECT_EQ(Chewer(worker).readText(fileUrl(folder / "a.pdf")),
               (std::variant<QString, ChewError>(u"Minutes of the club"_s)));
 }
@@ -125,7 +137,7 @@ TEST(GlimmetWorker, DoesInItsConfinementWhatItDoesWithout) {
 TEST(GlimmetWorker, FindsItsResultInAFolderThatWasRenamed) {
     const Folder folder;
     save(folder / "a.png", quarters(8, 8));
-    const QByteArray renaming = workerWith(folder, "mv " + folder.path + " " + folder.parent + "/new");
+    const QString renaming = workerWith(folder, "mv " + folder.path + " " + folder.parent + "/new");
     EXPECT_EQ(chewed(renaming, folder, folder / "a.png", Mode::toJPEG), folder.parent + "/new/a.jpg");
     EXPECT_TRUE(load(folder.parent + "/new/a.jpg").startsWith("\xff\xd8"));
 }
@@ -141,10 +153,10 @@ TEST(GlimmetWorker, LeavesNothingWhenItIsKilled) {
         .jpegsave((folder / "noise.jpg").constData());
     const QByteArray source = folder / "noise.jpg";
     for (const FileSystem& system : kFileSystems)
-        on(system, [&] { EXPECT_EQ(chewed(GLIMMET_WORKER, folder, source, Mode::toPNG, kShort), ""); });
+        on(system, [&] { EXPECT_EQ(chewed(kWorker, folder, source, Mode::toPNG, kShort), ""); });
     // When the one who started it is killed, so is it.
     const QByteArray idFile = folder.parent + "/id";
-    const QByteArray starter =
+    const QString starter =
         workerWith(folder, "exec 4<&0; " GLIMMET_WORKER " \"$@\" <&4 & echo $! > " + idFile + "; wait");
     EXPECT_EQ(chewed(starter, folder, source, Mode::toPNG, kShort), "");
     const QByteArray commandLine = "/proc/" + load(idFile).trimmed() + "/cmdline";
@@ -152,17 +164,13 @@ TEST(GlimmetWorker, LeavesNothingWhenItIsKilled) {
     for (int i = 0; i < 500 && !load(commandLine).isEmpty(); ++i) ::usleep(10'000);
     EXPECT_EQ(load(commandLine), QByteArray());
     EXPECT_EQ(folder.names().size(), 1);
-    EXPECT_EQ(chewed(GLIMMET_WORKER, folder, source, Mode::smaller), folder / "noise-small.jpg");
+    EXPECT_EQ(chewed(kWorker, folder, source, Mode::smaller), folder / "noise-small.jpg");
 }
 
 TEST(GlimmetWorker, KnowsItsJobs) {
-    const Folder folder;
-    save(folder / "a.png", quarters(8, 8));
-    const Descriptor source = openRegularFile(folder / "a.png");
-    for (const QStringList& request :
-         {QStringList{}, {u"chew"_s}, {u"chew"_s, u"gif"_s}, {u"read"_s}, {u"read"_s, u"png"_s}})
-        EXPECT_FALSE(WorkerProcess(GLIMMET_WORKER).run(request, source.get(), nullptr))
-            << request.join(u' ').toStdString();
+    for (const char* request : {"", "chew", "chew gif", "read", "read png", "thumbnail", "thumbnail 0", "thumbnail 97",
+                                "thumbnail -1", "thumbnail x", "thumbnail 9 9"})
+        EXPECT_FALSE(WorkerProcess(kWorker).run(QString::fromLatin1(request).split(u' '), QByteArray())) << request;
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include <malloc.h>
 
 #include <QApplication>
-#include <QFile>
 #include <QRandomGenerator>
 #include <QStandardPaths>
 #include <QWindow>
@@ -97,7 +96,7 @@ struct Habitat {
     QtPasteboard pasteboard;
     DesktopIcons icons{pictures, loop};
     DesktopSharing sharing{background, loop, pasteboard};
-    WorkerProcess worker{QFile::encodeName(QCoreApplication::applicationDirPath() + QStringLiteral("/glimmet-worker"))};
+    WorkerProcess worker{QCoreApplication::applicationDirPath() + QStringLiteral("/glimmet-worker")};
     const Desktop desktop = makeDesktop(loop, background);
 };
 

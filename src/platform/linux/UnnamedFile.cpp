@@ -16,7 +16,7 @@
 namespace {
 
 constexpr mode_t kMode = 0666;  // less what the user's mask takes away
-constexpr qsizetype kLongestName = 255;
+constexpr qsizetype kMaxName = 255;
 
 QByteArray newHiddenName() {
     quint64 number = 0;
@@ -122,5 +122,5 @@ QByteArray UnnamedFile::folder() const {
 
 qsizetype UnnamedFile::longestName() const {
     const long longest = ::fpathconf(folder_.get(), _PC_NAME_MAX);
-    return longest > 0 ? std::min<qsizetype>(longest, kLongestName) : kLongestName;
+    return longest > 0 ? std::min<qsizetype>(longest, kMaxName) : kMaxName;
 }

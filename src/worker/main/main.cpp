@@ -5,12 +5,15 @@
 #include <QJsonObject>
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
+#include <map>
 #include <optional>
 #include <vector>
 
 #include "worker/Chew.h"
 #include "worker/Confinement.h"
 #include "worker/ReadText.h"
+#include "worker/Thumbnail.h"
 
 namespace {
 
@@ -29,35 +32,64 @@ QJsonObject answer(const Result<QString>& text) {
     return {{QStringLiteral("text"), std::get<QString>(text)}};
 }
 
-std::optional<ChewMode> modeCalled(const QByteArray& name) {
-    if (name == "jpeg") return ChewMode::jpeg;
-    if (name == "png") return ChewMode::png;
-    if (name == "smaller") return ChewMode::smaller;
-    return {};
+QJsonObject answer(const Result<Thumbnail>& made) {
+    if (const auto* failure = std::get_if<Failure>(&made)) return answer(*failure);
+    const auto& thumbnail = std::get<Thumbnail>(made);
+    return {{QStringLiteral("width"), thumbnail.width},
+            {QStringLiteral("height"), thumbnail.height},
+            {QStringLiteral("pixels"), QString::fromLatin1(thumbnail.pixels.toBase64())}};
 }
 
-std::optional<Document> documentCalled(const QByteArray& name) {
-    if (name == "image") return Document::image;
-    if (name == "pdf") return Document::pdf;
+struct Job {
+    std::function<QJsonObject()> run;
+    std::vector<const char*> readable;  // besides libraries
+};
+
+std::optional<Job> chewing(const QByteArray& name) {
+    static const std::map<QByteArray, ChewMode> kModes{
+        {"jpeg", ChewMode::jpeg}, {"png", ChewMode::png}, {"smaller", ChewMode::smaller}};
+    const auto mode = kModes.find(name);
+    if (mode == kModes.end()) return {};
+    return Job{[mode = mode->second] {
+                   const bool hasResult = ::fcntl(kResult, F_GETFD) >= 0;
+                   return answer(chew(STDIN_FILENO, mode, hasResult ? kResult : -1));
+               },
+               {}};
+}
+
+std::optional<Job> reading(const QByteArray& name) {
+    if (name != "image" && name != "pdf") return {};
+    const Document kind = name == "pdf" ? Document::pdf : Document::image;
+    return Job{[kind] { return answer(readText(STDIN_FILENO, kind)); }, foldersForReading()};
+}
+
+std::optional<Job> shrinking(const QByteArray& number) {
+    const int side = number.toInt();
+    if (side < 1 || side > kMaxThumbnailSide) return {};
+    return Job{[side] { return answer(thumbnailOf(STDIN_FILENO, side)); }, {}};
+}
+
+std::optional<Job> jobCalled(const std::vector<QByteArray>& request) {
+    if (request.size() != 2) return {};
+    if (request[0] == "chew") return chewing(request[1]);
+    if (request[0] == "read") return reading(request[1]);
+    if (request[0] == "thumbnail") return shrinking(request[1]);
     return {};
 }
 
 /// Absent if there is no such job, or if it cannot be done safely.
 std::optional<QJsonObject> run(const std::vector<QByteArray>& request) {
-    const QByteArray job = request.size() == 2 ? request[0] : QByteArray();
-    const auto mode = job == "chew" ? modeCalled(request[1]) : std::nullopt;
-    const auto document = job == "read" ? documentCalled(request[1]) : std::nullopt;
-    if (!mode && !document) {
+    const auto job = jobCalled(request);
+    if (!job) {
         std::fputs(
             "usage: glimmet-worker chew (jpeg|png|smaller) <SOURCE 3>RESULT\n"
-            "       glimmet-worker read (image|pdf) <SOURCE\n",
+            "       glimmet-worker read (image|pdf) <SOURCE\n"
+            "       glimmet-worker thumbnail SIDE <SOURCE\n",
             stderr);
         return {};
     }
-    if (!limitResources() || !restrictAccess()) return {};
-    if (document) return answer(readText(STDIN_FILENO, *document));
-    const bool hasResult = ::fcntl(kResult, F_GETFD) >= 0;
-    return answer(chew(STDIN_FILENO, *mode, hasResult ? kResult : -1));
+    if (!limitResources() || !restrictAccess(job->readable)) return {};
+    return job->run();
 }
 
 }  // namespace

@@ -1,21 +1,22 @@
-#include "worker/GreyImage.h"
+#include "worker/GreyPicture.h"
 
 #include <algorithm>
 #include <cmath>
 #include <memory>
+#include <vips/vips8>
 
 using vips::VImage;
 
 namespace {
 
-// What finding the ink keeps for each pixel is about two dozen bytes.
-constexpr double mostPixels = 24e6;
-constexpr double longestSide = 30000;
+// What finding the ink needs for each pixel is about two dozen bytes.
+constexpr double kMaxPixels = 24e6;
+constexpr double kMaxSide = 30000;
 
 VImage shrunk(const VImage& image) {
     const double width = image.width();
     const double height = image.height();
-    const double scale = std::min(std::sqrt(mostPixels / (width * height)), longestSide / std::max(width, height));
+    const double scale = std::min(std::sqrt(kMaxPixels / (width * height)), kMaxSide / std::max(width, height));
     return scale < 1 ? image.resize(scale) : image;
 }
 

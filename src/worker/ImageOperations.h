@@ -13,6 +13,10 @@ vips::VImage plainColours(const vips::VImage& image);
 /// An image of plain colours as JPEG can hold it: 8 bits, on white where it is transparent.
 vips::VImage opaque(const vips::VImage& image);
 
+/// An image of plain colours as it looks on a screen: upright, sRGB of 8 bits with alpha, and made smaller if a side is
+/// longer than `side`. No profile is left.
+vips::VImage shownWithin(const vips::VImage& image, int side);
+
 /// The size in pixels at which the longer side is at most `longest`; the other is truncated, but never to nothing.
 QSize within(QSize size, int longest);
 

@@ -1,4 +1,4 @@
-#include "worker/Picture.h"
+#include "worker/ImageOperations.h"
 
 #include <algorithm>
 #include <string>
@@ -39,6 +39,25 @@ VImage guessed(const VImage& image) {
     return taggedAs(narrow, isDeep ? VIPS_INTERPRETATION_RGB16 : VIPS_INTERPRETATION_sRGB);
 }
 
+VImage inSrgb(const VImage& image) {
+    if (vips_image_get_typeof(image.get_image(), VIPS_META_ICC_NAME) != 0) {
+        try {
+            return image.icc_transform("srgb", VImage::option()->set("embedded", true));
+        } catch (const vips::VError&) {
+            // The profile is broken, or not for this kind of colours.
+        }
+    }
+    return converted(image, VIPS_INTERPRETATION_sRGB);
+}
+
+/// The image with 8 bits.
+VImage narrowed(const VImage& image) {
+    if (image.format() != VIPS_FORMAT_USHORT) return image;
+    // The high byte: a conversion of colours would not know the image's own profile.
+    return taggedAs(image.cast(VIPS_FORMAT_UCHAR, VImage::option()->set("shift", true)),
+                    image.bands() < 3 ? VIPS_INTERPRETATION_B_W : VIPS_INTERPRETATION_sRGB);
+}
+
 }  // namespace
 
 VImage plainColours(const VImage& image) {
@@ -66,15 +85,17 @@ VImage plainColours(const VImage& image) {
 }
 
 VImage opaque(const VImage& image) {
-    VImage narrow = image;
-    if (image.format() == VIPS_FORMAT_USHORT) {
-        // The high byte: a conversion of colours would not know the image's own profile.
-        narrow = taggedAs(image.cast(VIPS_FORMAT_UCHAR, VImage::option()->set("shift", true)),
-                          image.bands() < 3 ? VIPS_INTERPRETATION_B_W : VIPS_INTERPRETATION_sRGB);
-    }
+    const VImage narrow = narrowed(image);
     if (!narrow.has_alpha()) return narrow;
     const std::vector<double> white(size_t(narrow.bands()) - 1, kOpaque);
     return narrow.flatten(VImage::option()->set("background", white));
+}
+
+VImage shownWithin(const VImage& image, int side) {
+    const VImage small =
+        narrowed(image).thumbnail_image(side, VImage::option()->set("height", side)->set("size", VIPS_SIZE_DOWN));
+    const VImage rgb = inSrgb(small);
+    return rgb.has_alpha() ? rgb : rgb.bandjoin(kOpaque);
 }
 
 QSize within(QSize size, int longest) {
