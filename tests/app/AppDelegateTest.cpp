@@ -146,8 +146,8 @@ TEST(Ticks, RingDueTimersTogetherWithOneBoopAndOneChime) {
     f.loop.advance(4);
     EXPECT_EQ(f.m().boopCount, 1);
     EXPECT_EQ(f.sounds.played, QStringList{QStringLiteral("Glass")});
-    f.window.onPress(PanelWindow::Button::left, {180, 10}, {756, 972});
-    f.window.onRelease(PanelWindow::Button::left, {756, 972});
+    f.window.listener().pressed(PanelWindow::Button::left, {180, 10}, {756, 972});
+    f.window.listener().released(PanelWindow::Button::left, {756, 972});
     EXPECT_TRUE(f.m().timers->isEmpty());
     EXPECT_EQ(f.m().boopCount, 2);
 

@@ -7,25 +7,27 @@
 
 #include "platform/linux/QtPanelWindow.h"
 #include "platform/linux/ScreenCoordinates.h"
-#include "support/PanelCallbacks.h"
 #include "support/XSession.h"
 
 namespace {
-class PlainPanel : public testing::Test {
+class PlainPanel : public testing::Test, public PanelWindow::Listener {
  protected:
     void SetUp() override {
         panel.setFrame(toModel(QRectF(100, 0, 200, 100)));
         panel.setInputRegion(QRect(50, 0, 100, 50));
-        panel.setListener(&heard);
-        heard.onPress = [this](PanelWindow::Button button, QPointF position, QPointF pointer) {
-            EXPECT_EQ(toQt(pointer), position + QPointF(100, 0));
-            events += QStringLiteral("press%1 ").arg(int(button));
-        };
-        heard.onDrag = [this](QPointF) { events += QStringLiteral("drag "); };
-        heard.onRelease = [this](PanelWindow::Button button) {
-            events += QStringLiteral("release%1 ").arg(int(button));
-        };
+        panel.setListener(this);
     }
+    void pressed(PanelWindow::Button button, QPointF position, QPointF pointer) override {
+        EXPECT_EQ(toQt(pointer), position + QPointF(100, 0));
+        events += QStringLiteral("press%1 ").arg(int(button));
+    }
+    void dragged(QPointF) override { events += QStringLiteral("drag "); }
+    void released(PanelWindow::Button button, QPointF) override {
+        events += QStringLiteral("release%1 ").arg(int(button));
+    }
+    void dropTargeted(bool over) override { targeted.append(over); }
+    bool acceptsDrop() override { return accepts; }
+    void dropped(std::shared_ptr<Drop> drop) override { taken = std::move(drop); }
     void send(QEvent::Type type, QPointF place, Qt::MouseButton button, Qt::MouseButtons buttons) {
         QMouseEvent event(type, place, place + QPointF(100, 0), button, buttons, Qt::NoModifier);
         QCoreApplication::sendEvent(&panel.window(), &event);
@@ -43,8 +45,10 @@ class PlainPanel : public testing::Test {
     }
 
     QtPanelWindow panel;
-    PanelCallbacks heard;
     QString events;
+    bool accepts = false;
+    std::shared_ptr<Drop> taken;
+    QList<bool> targeted;
 };
 
 TEST_F(PlainPanel, FollowsAPressThatBeganInsideTheInputRegion) {
@@ -79,23 +83,14 @@ TEST_F(PlainPanel, BeginsNoDragOnceTheButtonIsUp) {
 }
 
 TEST_F(PlainPanel, TakesDropsWhileItAcceptsThem) {
-    bool accepts = true;
-    std::shared_ptr<Drop> taken;
-    QList<bool> targeted;
-    heard.onDropTargeted = [&](bool over) { targeted.append(over); };
-    heard.onDrop = [&](std::shared_ptr<Drop> drop) { taken = std::move(drop); };
     QMimeData offer, colour;
     colour.setColorData(QColor(Qt::red));
     offer.setData(QStringLiteral("a/a"), "1");
     offer.setText(QStringLiteral("caf\u00e9"));
     offer.setUrls({QUrl(QStringLiteral("file:///a%20%FF"))});
-    EXPECT_EQ(drop(offer), (QList{false, false})) << "nobody has said that drops are accepted";
-
-    heard.onDropOffered = [&] { return accepts; };
-    EXPECT_EQ(drop(colour), (QList{false, false}));
-    accepts = false;
     EXPECT_EQ(drop(offer), (QList{false, false}));
     accepts = true;
+    EXPECT_EQ(drop(colour), (QList{false, false}));
     EXPECT_EQ(drop(offer), (QList{true, true}));
     EXPECT_EQ(targeted, (QList{true, false}));
 

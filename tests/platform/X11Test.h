@@ -6,7 +6,6 @@
 #include "platform/linux/ScreenCoordinates.h"
 #include "platform/linux/x11/X11EventMonitors.h"
 #include "platform/linux/x11/X11PanelWindow.h"
-#include "support/PanelCallbacks.h"
 #include "support/XSession.h"
 
 /// Base of the suites that need a real X server, with openbox on it. Their names begin with "X11": main() starts the
@@ -40,22 +39,14 @@ class X11Test : public testing::Test {
 
 /// A panel at (200, 0) of Qt's coordinates, and what happens to it. It is red where its body is, and takes what is
 /// dropped on it.
-class TestPanel : public X11PanelWindow {
+class TestPanel : public X11PanelWindow, private PanelWindow::Listener {
  public:
     static constexpr QRect area{0, 0, 240, 120};
     static constexpr QRectF place{200, 0, 240, 120};
-    PanelCallbacks heard;
 
     TestPanel(std::shared_ptr<X11Connection> connection, std::shared_ptr<PointerSampler> sampler, MainLoop& loop)
         : X11PanelWindow(std::move(connection), std::move(sampler), loop) {
-        setListener(&heard);
-        heard.onExpose = [this] { fill(area, Qt::red); };
-        heard.onPress = [this](Button, QPointF position, QPointF) { presses.append(position); };
-        heard.onDrag = [this](QPointF pointer) { drags.append(pointer); };
-        heard.onRelease = [this](Button) { ++releases; };
-        heard.onDropTargeted = [this](bool over) { targeted.append(over); };
-        heard.onDropOffered = [this] { return accepts; };
-        heard.onDrop = [this](std::shared_ptr<Drop> taken) { drop = std::move(taken); };
+        setListener(this);
         setOverdraw({52, 0, 52, 20});
         setFrame(toModel(place));
         shape(area);
@@ -66,6 +57,8 @@ class TestPanel : public X11PanelWindow {
         awaitReply(qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->connection(), xcb_get_input_focus,
                    xcb_get_input_focus_reply);
     }
+    ~TestPanel() override { setListener(nullptr); }
+
     xcb_window_t id() { return xcb_window_t(window().winId()); }
     void shape(const QRectF& outline) {
         QPainterPath path;
@@ -82,4 +75,13 @@ class TestPanel : public X11PanelWindow {
     bool accepts = true;
     QList<bool> targeted;
     std::shared_ptr<Drop> drop;
+
+ private:
+    void exposed() override { fill(area, Qt::red); }
+    void pressed(Button, QPointF position, QPointF) override { presses.append(position); }
+    void dragged(QPointF pointer) override { drags.append(pointer); }
+    void released(Button, QPointF) override { ++releases; }
+    void dropTargeted(bool over) override { targeted.append(over); }
+    bool acceptsDrop() override { return accepts; }
+    void dropped(std::shared_ptr<Drop> taken) override { drop = std::move(taken); }
 };
