@@ -36,7 +36,7 @@ TEST_F(StoredState, WhereNothingCanBeWrittenItKeepsWhatItHoldsInMind) {
 
 TEST_F(StoredState, BelongsToOneProgramAndOutlivesItsSuddenEnd) {
     ASSERT_NO_FATAL_FAILURE(start({QStringLiteral("--bites"), QStringLiteral("--timer=600")}));
-    ASSERT_TRUE(home.holds("glimmet.bites", "note") && home.holds("glimmet.timers", "600"));
+    ASSERT_TRUE(home.holds("glimmet.bites", "note") && home.holds("glimmet.timers", "minutes"));
     const QByteArray held = home.preferences();
     for (const auto& [flag, error] :
          {std::pair{"--seed", "glimmet: already running for this user"}, {"--menudump", ""}}) {
