@@ -33,7 +33,7 @@ testing::AssertionResult DesktopTest::waitForFace(const std::function<bool(const
                                        << face->left.gaze.y() << ")";
 }
 
-testing::AssertionResult DesktopTest::waitForCleanSurroundings(double width, double height) {
+testing::AssertionResult DesktopTest::waitForSurroundings(double width, double height, const QImage& wanted) {
     int strays = 0;
     const auto result = waitFor([&] {
         const QImage seen = panelPicture();
@@ -42,12 +42,14 @@ testing::AssertionResult DesktopTest::waitForCleanSurroundings(double width, dou
             for (int x = 0; x < seen.width(); ++x) {
                 // The flares at the top make the outline 9 points wider on both sides.
                 const bool beside = std::abs(x + 0.5 - 180) > width / 2 + 11 || y > height + 1;
-                strays += beside && qGray(seen.pixel(x, y)) < 200;
+                strays += beside && std::abs(qGray(seen.pixel(x, y)) - qGray(wanted.pixel(x, y))) > 24;
             }
         }
         return strays == 0;
     });
-    return result ? result : testing::AssertionFailure() << strays << " pixels are left around the body of " << width;
+    return result ? result
+                  : testing::AssertionFailure()
+                        << strays << " pixels around the body of " << width << " are not as they were";
 }
 
 xcb_window_t DesktopTest::windowAt(QPoint place) const {

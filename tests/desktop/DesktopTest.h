@@ -24,8 +24,8 @@ class DesktopTest : public testing::Test {
     testing::AssertionResult waitForEyes() {
         return waitForFace([](const Face& face) { return face.left.open() && face.right.open(); });
     }
-    /// Waits until the desktop alone is seen around the body at rest, which has this size.
-    testing::AssertionResult waitForCleanSurroundings(double width, double height);
+    /// Waits until the panel looks like `wanted` around the body at rest, which has this size.
+    testing::AssertionResult waitForSurroundings(double width, double height, const QImage& wanted);
     bool confettiFlies() const { return colourfulPixels(panelPicture()) > 40; }
     /// The topmost window, among the root's children, that would get a button pressed there.
     xcb_window_t windowAt(QPoint place) const;

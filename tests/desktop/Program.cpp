@@ -105,7 +105,7 @@ QStringList Glimmet::lines(const QString& stream) const {
 
 QStringList Glimmet::errors(const char* prefix) const {
     QStringList found = lines(QStringLiteral("errors"));
-    found.removeIf([&](const QString& line) { return !line.startsWith(QLatin1String(prefix)); });
+    found.removeIf([&](const QString& line) { return !line.startsWith(QString::fromUtf8(prefix)); });
     return found;
 }
 

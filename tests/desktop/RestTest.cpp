@@ -36,15 +36,20 @@ class Rest : public DesktopTest {
 // Only what changes is painted again, so whatever is forgotten stays on the screen. Breathing takes four pictures a
 // second and blinking a few more; anything that keeps moving unseen takes sixty.
 TEST_F(Rest, LeavesNothingOnTheScreenAndTheMachineAsleep) {
+    const auto at = [&](QPoint pointer, double width, double height) {
+        session.moveTo(pointer);
+        EXPECT_TRUE(waitForBody(width, height));
+        letPass(1);  // the springs come to rest long after they look like it
+        return panelPicture();
+    };
     ASSERT_NO_FATAL_FAILURE(start());
+    const QImage open = at(kOnNotch, 214, 108), closed = at(kFar, 185, 58);
     ASSERT_NO_FATAL_FAILURE(excite());
-    ASSERT_TRUE(waitForBody(214, 108));
-    EXPECT_TRUE(waitForCleanSurroundings(214, 108));
-    session.moveTo(kFar);
-    ASSERT_TRUE(waitForBody(185, 58));
-    EXPECT_TRUE(waitForCleanSurroundings(185, 58));
+    at(kOnNotch, 214, 108);
+    EXPECT_TRUE(waitForSurroundings(214, 108, open));
+    at(kFar, 185, 58);
+    EXPECT_TRUE(waitForSurroundings(185, 58, closed));
     EXPECT_TRUE(waitForEyes());
-    letPass(1);  // the springs come to rest long after they look like it
 
     constexpr int kSeconds = 4;
     const int before = timesAsleep();

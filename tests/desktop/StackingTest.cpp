@@ -77,12 +77,13 @@ class WithoutCompositor : public DesktopTest {
 };
 
 TEST_F(WithoutCompositor, NothingButTheOutlineIsSeen) {
+    const QImage bare = panelPicture();
     ASSERT_NO_FATAL_FAILURE(start());
     ASSERT_TRUE(waitForBody(185, 58));
-    EXPECT_TRUE(waitForCleanSurroundings(185, 58));
+    EXPECT_TRUE(waitForSurroundings(185, 58, bare));
     session.moveTo(kOnNotch);
     ASSERT_TRUE(waitForBody(214, 108));
-    EXPECT_TRUE(waitForCleanSurroundings(214, 108));
+    EXPECT_TRUE(waitForSurroundings(214, 108, bare));
 }
 
 }  // namespace
