@@ -82,7 +82,9 @@ TEST_F(Drop, WhatIsPromisedIsHeldHoweverItComes) {
         ASSERT_NO_FATAL_FAILURE(drop(offer)) << offer[1].constData();
         // The next drag takes the selection over.
         const QString line = QStringLiteral("data ") + QString::fromLatin1(lastAsked);
-        ASSERT_TRUE(waitFor([&] { return source->said(line); }, 15)) << offer[1].constData();
+        ASSERT_TRUE(waitFor([&] { return source->said(line); }, 15))
+            << offer[1].constData() << ' ' << offer[2].constData() << " instead of " << lastAsked.constData() << ":\n"
+            << source->lines().join(u'\n').toStdString();
         sources.push_back(std::move(source));
     }
     EXPECT_TRUE(waitFor([&] { return home.stored("glimmet.shelf").contains("slow.txt"); }, 30));
