@@ -92,4 +92,42 @@ TEST(Flags, ReactionsFollowALittleLater) {
     EXPECT_TRUE(f.m.yawning);
 }
 
+TEST(Flags, GiveTheBodyItsSize) {
+    const struct {
+        const char* flags[3];
+        QSizeF shape;
+    } cases[] = {
+        {{"--toy=wea", "", ""}, {300, 94}},
+        {{"--toy=c", "--targeted", ""}, {300, 120}},
+        {{"--toy=c", "--music", ""}, {300, 138}},
+        {{"--toy=c", "--bites", ""}, {320, 152}},
+        {{"--toy=c", "--bigseed", "--expand"}, {320, 228}},
+        {{"--toy=c", "--timer=60", "--idle"}, {236, 74}},
+        {{"--toy=c", "--hidden", "--idle"}, {185, 37}},
+    };
+    for (const auto& c : cases) {
+        FlagsFixture f;
+        f.apply({c.flags[0], c.flags[1], c.flags[2]});
+        EXPECT_EQ(QSizeF(f.m.shapeWidth(), f.m.shapeHeight()), c.shape) << c.flags[0] << c.flags[1] << c.flags[2];
+    }
+}
+
+TEST(Flags, SetTheSensesStates) {
+    const std::pair<const char*, Published<bool> NotchModel::*> cases[] = {
+        {"--camera", &NotchModel::cameraInUse},      {"--mic", &NotchModel::micInUse},
+        {"--charging", &NotchModel::charging},       {"--caps", &NotchModel::capsOn},
+        {"--offline", &NotchModel::offline},         {"--disk", &NotchModel::diskFull},
+        {"--downloading", &NotchModel::downloading}, {"--chewing", &NotchModel::chewing},
+        {"--needsyou", &NotchModel::needsYou}};
+    for (const auto& [flag, state] : cases) {
+        FlagsFixture f;
+        f.apply({flag});
+        for (const auto& [name, other] : cases) EXPECT_EQ(f.m.*other, other == state) << name << " after " << flag;
+        EXPECT_TRUE(!f.m.eventWhisper.get() && !f.m.updateAvailable.get());
+    }
+    FlagsFixture f;
+    f.apply({"--whispers", "--update"});
+    EXPECT_TRUE(f.m.eventWhisper.get() && f.m.updateAvailable.get());
+}
+
 }  // namespace

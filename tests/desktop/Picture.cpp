@@ -91,15 +91,3 @@ int colourfulPixels(const QImage& picture) {
     }
     return count;
 }
-
-int differences(const QImage& one, const QImage& other) {
-    const auto apart = [](int a, int b) { return std::abs(a - b) > 24; };
-    int count = 0;
-    for (int y = 0; y < one.height(); ++y) {
-        for (int x = 0; x < one.width(); ++x) {
-            const QRgb a = one.pixel(x, y), b = other.pixel(x, y);
-            if (apart(qRed(a), qRed(b)) || apart(qGreen(a), qGreen(b)) || apart(qBlue(a), qBlue(b))) ++count;
-        }
-    }
-    return count;
-}

@@ -34,6 +34,3 @@ std::optional<Face> faceIn(const QImage& picture);
 
 /// How many pixels are as colourful as confetti that has just been thrown.
 int colourfulPixels(const QImage& picture);
-
-/// How many pixels differ by more than noise.
-int differences(const QImage& one, const QImage& other);

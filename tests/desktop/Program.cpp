@@ -6,20 +6,8 @@
 
 #include <QDateTime>
 #include <QDir>
-#include <QFile>
 
 namespace {
-
-template <class T>
-std::unique_ptr<T, decltype(&free)> owned(T* reply) {
-    return {reply, &free};
-}
-
-/// A POSIX zone in which it is now between one and two in the afternoon.
-QString earlyAfternoon() {
-    const int hour = QDateTime::currentDateTimeUtc().time().hour();
-    return QStringLiteral("TST%1").arg(hour - 13);
-}
 
 constexpr int kOverdraw = 52;  // that the window has on both sides of the panel
 
@@ -30,79 +18,69 @@ bool isPanel(const QRect& frame) {
 
 }  // namespace
 
-QRect frameOf(const XSession& session, xcb_window_t window) {
-    xcb_connection_t* xcb = session.xcb();
-    const auto frame = owned(xcb_get_geometry_reply(xcb, xcb_get_geometry(xcb, window), nullptr));
-    return frame ? QRect(frame->x, frame->y, frame->width, frame->height) : QRect();
-}
-
-bool visible(const XSession& session, xcb_window_t window) {
-    const auto cookie = xcb_get_window_attributes(session.xcb(), window);
-    const auto attributes = owned(xcb_get_window_attributes_reply(session.xcb(), cookie, nullptr));
-    return attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE;
-}
-
 Home::Home() {
-    for (const char* name : {"config/glimmet", "data", "cache"}) QDir().mkpath(filePath(QLatin1String(name)));
+    for (const char* name : {"config/glimmet", "data", "cache", "bin"}) QDir().mkpath(filePath(QLatin1String(name)));
     QDir().mkdir(filePath(QStringLiteral("runtime")), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
 }
 
-QByteArray Home::preferences() const {
-    QFile file(preferencesFile());
+QByteArray Home::read(const QString& name) const {
+    QFile file(filePath(name));
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-void Home::setPreferences(const QByteArray& contents) const {
-    QFile file(preferencesFile());
-    if (!file.open(QIODevice::WriteOnly) || file.write(contents) != contents.size())
-        throw std::runtime_error("cannot write preferences");
+QByteArray Home::write(const QString& name, const QByteArray& contents) const {
+    QFile file(filePath(name));
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(contents) == contents.size()) << name.toStdString();
+    return file.fileName().toUtf8();
+}
+
+QByteArray Home::stored(const char* key) const {
+    for (const QByteArray& line : preferences().split('\n')) {
+        if (line.startsWith(QByteArray(key) + " =")) return line;
+    }
+    return {};
+}
+
+testing::AssertionResult Home::holds(const char* key, const QByteArray& what) const {
+    const auto result = waitFor([&] { return stored(key).contains(what); });
+    return result ? result : testing::AssertionFailure() << "stored is: " << preferences().toStdString();
 }
 
 QProcessEnvironment Home::environment() const {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM", "DBUS_SESSION_BUS_ADDRESS"})
         environment.remove(QLatin1String(name));
-    environment.insert(QStringLiteral("HOME"), folder_.path());
-    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), filePath(QStringLiteral("config")));
-    environment.insert(QStringLiteral("XDG_DATA_HOME"), filePath(QStringLiteral("data")));
-    environment.insert(QStringLiteral("XDG_CACHE_HOME"), filePath(QStringLiteral("cache")));
-    environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), filePath(QStringLiteral("runtime")));
-    environment.insert(QStringLiteral("TZ"), earlyAfternoon());
+    const Variables ours{{"HOME", folder_.path()},
+                         {"XDG_CONFIG_HOME", filePath(QStringLiteral("config"))},
+                         {"XDG_DATA_HOME", filePath(QStringLiteral("data"))},
+                         {"XDG_CACHE_HOME", filePath(QStringLiteral("cache"))},
+                         {"XDG_RUNTIME_DIR", filePath(QStringLiteral("runtime"))},
+                         {"PATH", filePath(QStringLiteral("bin")) + u':' + qEnvironmentVariable("PATH")},
+                         {"TZ", QStringLiteral("TST%1").arg(QDateTime::currentDateTimeUtc().time().hour() - 13)}};
+    for (const auto& [name, value] : ours) environment.insert(QLatin1String(name), value);
     return environment;
 }
 
-Glimmet::Glimmet(const XSession& session, const Home& home, const QStringList& flags)
-    : Glimmet(session, home.environment(), home, flags) {}
-
-Glimmet::Glimmet(const XSession& session, const QProcessEnvironment& environment, const Home& home,
-                 const QStringList& flags)
-    : Glimmet(
-          [&] {
-              auto there = environment;
-              there.insert(QStringLiteral("DISPLAY"), QString::fromLatin1(session.display()));
-              return there;
-          }(),
-          home, flags) {
-    session_ = &session;
-}
-
-Glimmet::Glimmet(const QProcessEnvironment& environment, const Home& home, const QStringList& flags)
-    : errorFile_(home.filePath(QStringLiteral("errors"))), outputFile_(home.filePath(QStringLiteral("output"))) {
+Glimmet::Glimmet(const XSession* session, const Home& home, const QStringList& flags, const Variables& variables,
+                 const Home* lines)
+    : session_(session), lines_(lines ? *lines : home) {
+    QProcessEnvironment environment = home.environment();
+    if (session) environment.insert(QStringLiteral("DISPLAY"), QString::fromLatin1(session->display()));
+    for (const auto& [name, value] : variables) environment.insert(QLatin1String(name), value);
     process_.setProcessEnvironment(environment);
-    process_.setStandardErrorFile(errorFile_);
-    process_.setStandardOutputFile(outputFile_);
+    process_.setStandardErrorFile(lines_.filePath(QStringLiteral("errors")));
+    process_.setStandardOutputFile(lines_.filePath(QStringLiteral("output")));
     process_.setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGKILL); });
-    process_.start(QStringLiteral(GLIMMET_PROGRAM), flags);
-    process_.waitForStarted();
+    process_.start(besideTheTest("glimmet"), flags);
+    EXPECT_TRUE(process_.waitForStarted());
 }
 
 Glimmet::~Glimmet() {
     if (!running()) return;
     terminate();
-    if (!process_.waitForFinished(3000)) {
-        ADD_FAILURE() << "it does not end when it is told to";
-        kill();
-    }
+    if (process_.waitForFinished(3000)) return;
+    ADD_FAILURE() << "it does not end when it is told to";
+    kill();
 }
 
 testing::AssertionResult Glimmet::started() {
@@ -112,29 +90,27 @@ testing::AssertionResult Glimmet::started() {
     return testing::AssertionFailure() << "it did not start; it wrote: " << errors().join(u'\n').toStdString();
 }
 
-QStringList Glimmet::lines(const QString& file) {
-    QFile stream(file);
-    if (!stream.open(QIODevice::ReadOnly)) return {};
-    QStringList lines = QString::fromUtf8(stream.readAll()).split(u'\n');
+testing::AssertionResult Glimmet::ends(int code) {
+    const auto result = waitFor([&] { return !running(); });
+    if (!result) return result;
+    if (process_.exitStatus() == QProcess::NormalExit && process_.exitCode() == code) return result;
+    return testing::AssertionFailure() << "it ended with " << process_.exitCode();
+}
+
+QStringList Glimmet::lines(const QString& stream) const {
+    QStringList lines = QString::fromUtf8(lines_.read(stream)).split(u'\n');
     lines.removeLast();  // empty, or not whole yet
     return lines;
 }
 
 QStringList Glimmet::errors(const char* prefix) const {
-    QStringList found;
-    for (const QString& line : errors()) {
-        if (line.startsWith(QLatin1String(prefix))) found.append(line);
-    }
+    QStringList found = lines(QStringLiteral("errors"));
+    found.removeIf([&](const QString& line) { return !line.startsWith(QString::fromUtf8(prefix)); });
     return found;
 }
 
 bool Glimmet::running() {
     return process_.state() != QProcess::NotRunning && !process_.waitForFinished(0);
-}
-
-std::optional<int> Glimmet::exitCode() {
-    if (running() || process_.exitStatus() != QProcess::NormalExit) return {};
-    return process_.exitCode();
 }
 
 void Glimmet::kill() {
@@ -143,34 +119,27 @@ void Glimmet::kill() {
 }
 
 QList<xcb_window_t> Glimmet::windows() const {
-    xcb_connection_t* xcb = session_->xcb();
-    const xcb_atom_t atom = session_->atom("_NET_WM_PID");
-    QList<xcb_window_t> found;
-    for (const xcb_window_t window : session_->stacking()) {
-        const auto cookie = xcb_get_property(xcb, false, window, atom, XCB_ATOM_CARDINAL, 0, 1);
-        const auto owner = owned(xcb_get_property_reply(xcb, cookie, nullptr));
-        if (!owner || owner->value_len != 1) continue;
-        if (*static_cast<uint32_t*>(xcb_get_property_value(owner.get())) != uint32_t(pid())) continue;
-        if (visible(*session_, window)) found.append(window);
-    }
+    QList<xcb_window_t> found = session_->stacking();
+    found.removeIf([&](xcb_window_t window) {
+        return session_->client().value(window, "_NET_WM_PID") != pid() || !session_->client().visible(window);
+    });
     return found;
 }
 
 xcb_window_t Glimmet::panel() const {
     for (const xcb_window_t window : windows()) {
-        if (isPanel(frameOf(*session_, window))) return window;
+        if (isPanel(session_->client().frameOf(window))) return window;
     }
     return XCB_NONE;
 }
 
 QRect Glimmet::panelFrame() const {
-    return frameOf(*session_, panel()).adjusted(kOverdraw, 0, -kOverdraw, 0);
+    return session_->client().frameOf(panel()).adjusted(kOverdraw, 0, -kOverdraw, 0);
 }
 
 QRegion Glimmet::inputRegion() const {
-    xcb_connection_t* xcb = session_->xcb();
-    const auto cookie = xcb_shape_get_rectangles(xcb, panel(), XCB_SHAPE_SK_INPUT);
-    const auto reply = owned(xcb_shape_get_rectangles_reply(xcb, cookie, nullptr));
+    const auto cookie = xcb_shape_get_rectangles(session_->xcb(), panel(), XCB_SHAPE_SK_INPUT);
+    const auto reply = owned(xcb_shape_get_rectangles_reply(session_->xcb(), cookie, nullptr));
     QRegion region;
     if (!reply) return region;
     const xcb_rectangle_t* first = xcb_shape_get_rectangles_rectangles(reply.get());
@@ -181,9 +150,7 @@ QRegion Glimmet::inputRegion() const {
 
 QList<QRect> Glimmet::menus() const {
     QList<QRect> found;
-    for (const xcb_window_t window : windows()) {
-        const QRect frame = frameOf(*session_, window);
-        if (!isPanel(frame)) found.append(frame);
-    }
+    for (const xcb_window_t window : windows()) found.append(session_->client().frameOf(window));
+    found.removeIf(isPanel);
     return found;
 }

@@ -1,61 +1,59 @@
 #pragma once
 
-#include <QProcess>
 #include <QRegion>
-#include <QStringList>
 #include <QTemporaryDir>
 #include <optional>
 
 #include "support/XSession.h"
-
-/// Where a window is; empty when it is gone.
-QRect frameOf(const XSession& session, xcb_window_t window);
-bool visible(const XSession& session, xcb_window_t window);
 
 /// The folders in which one user's programs keep what they know, all of them temporary. It outlives the programs that
 /// are started in it, so that a second one finds what the first one left.
 class Home {
  public:
     Home();
-    QString preferencesFile() const { return folder_.filePath(QStringLiteral("config/glimmet/preferences")); }
-    QByteArray preferences() const;
-    /// Lays a file down before the program starts.
-    void setPreferences(const QByteArray& contents) const;
+    QString filePath(const QString& name) const { return folder_.filePath(name); }
+    /// What the file contains; empty where there is none.
+    QByteArray read(const QString& name) const;
+    /// Writes a file and gives its path.
+    QByteArray write(const QString& name, const QByteArray& contents) const;
+
+    QByteArray preferences() const { return read(kPreferences); }
+    /// The line that stores `key`.
+    QByteArray stored(const char* key) const;
+    /// Waits until what is stored for `key` contains `what`.
+    testing::AssertionResult holds(const char* key, const QByteArray& what) const;
+    /// Lays them down before the program starts.
+    void setPreferences(const QByteArray& contents) const { write(kPreferences, contents); }
     /// Ours, with the folders put in, no display, and a time zone in which it is early afternoon: by night the creature
     /// is sleepy.
     QProcessEnvironment environment() const;
-    QString filePath(const QString& name) const { return folder_.filePath(name); }
 
  private:
+    const QString kPreferences = QStringLiteral("config/glimmet/preferences");
     QTemporaryDir folder_;
 };
+
+using Variables = QList<QPair<const char*, QString>>;
 
 /// The program as the user runs it. Ends, by its own id, with this object.
 class Glimmet {
  public:
-    /// Starts it on the session's display. It has written nothing yet.
-    Glimmet(const XSession& session, const Home& home, const QStringList& flags = {});
-    /// The same in an environment that has been changed.
-    Glimmet(const XSession& session, const QProcessEnvironment& environment, const Home& home,
-            const QStringList& flags);
-    /// Starts it without a session, in the given environment.
-    Glimmet(const QProcessEnvironment& environment, const Home& home, const QStringList& flags = {});
+    /// Starts it on the session's display, if there is one. It has written nothing yet; the lines that it will write
+    /// are kept in `lines`, or else in its home.
+    Glimmet(const XSession* session, const Home& home, const QStringList& flags = {}, const Variables& variables = {},
+            const Home* lines = nullptr);
     ~Glimmet();
-    Glimmet(const Glimmet&) = delete;
-    Glimmet& operator=(const Glimmet&) = delete;
 
     /// Whether the start-up line came and, on a session, the panel is on the screen.
     [[nodiscard]] testing::AssertionResult started();
-    /// The whole lines so far on standard error and standard output.
-    QStringList errors() const { return lines(errorFile_); }
-    QStringList output() const { return lines(outputFile_); }
-    /// The lines on standard error that begin with `prefix`.
-    QStringList errors(const char* prefix) const;
+    /// Whether it ends by itself, with this code.
+    [[nodiscard]] testing::AssertionResult ends(int code = 0);
+    /// The whole lines so far on standard error, which begin with `prefix`, and on standard output.
+    QStringList errors(const char* prefix = "") const;
+    QStringList output() const { return lines(QStringLiteral("output")); }
 
     bool running();
     qint64 pid() const { return process_.processId(); }
-    /// What it returned; absent while it runs and when a signal ended it.
-    std::optional<int> exitCode();
     void terminate() { process_.terminate(); }
     /// Gives it no chance to tidy up.
     void kill();
@@ -70,10 +68,10 @@ class Glimmet {
     QList<QRect> menus() const;
 
  private:
-    static QStringList lines(const QString& file);
+    QStringList lines(const QString& stream) const;
     QList<xcb_window_t> windows() const;
 
-    const XSession* session_ = nullptr;
-    QString errorFile_, outputFile_;
+    const XSession* session_;
+    const Home& lines_;
     QProcess process_;
 };

@@ -1,47 +1,27 @@
 #include "support/DragTools.h"
 
-#include <signal.h>
-
 #include <QFile>
 #include <stdexcept>
 
 namespace {
-QString program(DragTool::Kind kind) {
-    switch (kind) {
-        case DragTool::Kind::gtkSource:
-            return QStringLiteral(GLIMMET_TOOLS "/gtk-drag-source");
-        case DragTool::Kind::qtSource:
-            return QStringLiteral(GLIMMET_TOOLS "/qt-drag-source");
-        case DragTool::Kind::gtkTarget:
-            return QStringLiteral(GLIMMET_TOOLS "/gtk-drop-target");
-    }
-    return {};
+QStringList command(DragTool::Kind kind, QPoint place, const QList<QByteArray>& arguments) {
+    QStringList command{besideTheTest(kind == DragTool::Kind::qtSource ? "qt-drag-source" : "gtk-drag")};
+    if (kind != DragTool::Kind::qtSource)
+        command.append(kind == DragTool::Kind::gtkSource ? QStringLiteral("source") : QStringLiteral("target"));
+    command += {QString::number(place.x()), QString::number(place.y())};
+    for (const QByteArray& argument : arguments) command.append(QFile::decodeName(argument));
+    return command;
 }
 }  // namespace
 
 DragTool::DragTool(const XSession& session, Kind kind, QPoint place, const QList<QByteArray>& arguments)
-    : place_(place) {
-    QStringList all{QString::number(place.x()), QString::number(place.y())};
-    for (const QByteArray& argument : arguments) all.append(QFile::decodeName(argument));
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("DISPLAY"), QString::fromLatin1(session.display()));
-    environment.insert(QStringLiteral("NO_AT_BRIDGE"), QStringLiteral("1"));
-    environment.remove(QStringLiteral("GDK_SCALE"));
-    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
-    environment.remove(QStringLiteral("QT_SCALE_FACTOR"));
-    process_.setProcessEnvironment(environment);
-    process_.setStandardErrorFile(QProcess::nullDevice());
-    process_.start(program(kind), all);
-    if (!waitFor([this] { return said(QStringLiteral("ready")); }, 10)) throw std::runtime_error("no drag tool");
-}
-
-DragTool::~DragTool() {
-    process_.kill();  // even where it has stopped itself
-    process_.waitForFinished();
+    : Child(command(kind, place, arguments), session.display()), place_(place) {
+    if (!waitFor([this] { return said(QStringLiteral("ready")); }, 10))
+        throw std::runtime_error("a drag tool does not start");
 }
 
 const QStringList& DragTool::lines() {
-    while (process_.canReadLine()) lines_.append(QFile::decodeName(process_.readLine().trimmed()));
+    while (canReadLine()) lines_.append(QFile::decodeName(readLine().trimmed()));
     return lines_;
 }
 

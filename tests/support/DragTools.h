@@ -1,23 +1,20 @@
 #pragma once
 
-#include <QProcess>
-#include <QStringList>
-
 #include "support/XSession.h"
 
 /// A program from tests/tools on the session's screen: a window of 100 x 100 device pixels that is dragged from or
-/// dropped on. Ends, by its own id, with this object. Needs a QCoreApplication.
-class DragTool {
+/// dropped on. Needs a QCoreApplication.
+class DragTool : public Child {
  public:
     enum class Kind { gtkSource, qtSource, gtkTarget };
 
     /// Starts it with its window's corner at `place`, and returns once the window is there. What a source offers is
-    /// told by `arguments`, see gtk-drag-source.cpp and qt-drag-source.cpp.
+    /// told by `arguments`, see gtk-drag.cpp and qt-drag-source.cpp.
     DragTool(const XSession& session, Kind kind, QPoint place, const QList<QByteArray>& arguments = {});
-    ~DragTool();
+    ~DragTool() override { kill(); }  // it may hang
 
     QPoint middle() const { return place_ + QPoint(50, 50); }
-    qint64 pid() const { return process_.processId(); }
+    qint64 pid() const { return processId(); }
     /// The lines on standard output so far.
     const QStringList& lines();
     bool said(const QString& line) { return lines().contains(line); }
@@ -28,6 +25,5 @@ class DragTool {
 
  private:
     QPoint place_;
-    QProcess process_;
     QStringList lines_;
 };

@@ -1,12 +1,10 @@
 #pragma once
 
-#include <QFile>
-#include <QProcess>
-#include <memory>
+#include <optional>
 
 #include "support/XSession.h"
 
-/// A PulseAudio server of our own with one sink that nobody hears. Ends, by its own id, with this object.
+/// A PulseAudio server of our own with one sink that nobody hears.
 class SoundServer {
  public:
     /// It listens on the socket `path`, and has XDG_RUNTIME_DIR from the environment.
@@ -19,22 +17,14 @@ class SoundServer {
     /// What pactl prints; empty if it fails.
     QByteArray pactl(const QStringList& arguments) const;
 
-    /// What is heard from the sink, from now on. Ends with this object.
-    class Recording {
-     public:
-        explicit Recording(const SoundServer& server);
-        ~Recording();
-        /// Waits until something, be it silence, is recorded.
-        [[nodiscard]] testing::AssertionResult started();
-        /// The largest sample so far, of at most 32768.
-        int loudest();
-
-     private:
-        QProcess process_;
-        QByteArray samples_;
-    };
+    /// Begins to record what is heard from the sink; returns once something, be it silence, has come.
+    [[nodiscard]] testing::AssertionResult record();
+    /// The largest sample recorded so far, of at most 32768.
+    int loudest();
 
  private:
     QString path_;
-    std::unique_ptr<Child> server_;
+    Child server_;
+    std::optional<Child> recorder_;
+    QByteArray samples_;
 };

@@ -1,18 +1,13 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <sys/types.h>
 #include <xcb/xcb.h>
 
-#include <QByteArray>
 #include <QImage>
-#include <QList>
-#include <QPoint>
-#include <QRect>
+#include <QProcess>
+#include <QStringList>
 #include <functional>
 #include <memory>
-#include <string>
-#include <vector>
 
 /// Waits until `condition` holds and lets Qt work meanwhile, where there is a Qt application. Use it as
 /// `ASSERT_TRUE(waitFor(...)) << "what was expected"`: after `seconds` it gives a failure.
@@ -21,55 +16,73 @@
 /// Lets Qt work for `seconds`; for claims that something does not happen.
 void letPass(double seconds);
 
-/// A child process that ends, by its own id, with this object.
-class Child {
+/// The path of a program that is built beside the test's own.
+QString besideTheTest(const char* program);
+
+/// A child process that ends, by its own id, with this object or with a test that crashes.
+class Child : public QProcess {
  public:
-    /// Starts `arguments[0]` from the PATH with `environment` ("NAME=value") added to ours and its output dropped; the
-    /// descriptor `inherited` stays open in it.
-    explicit Child(const std::vector<std::string>& arguments, const std::vector<std::string>& environment = {},
-                   int inherited = -1);
-    ~Child();
-    Child(const Child&) = delete;
-    Child& operator=(const Child&) = delete;
-
-    pid_t pid() const { return pid_; }
-    bool running();
-
- private:
-    pid_t pid_ = -1;
+    /// Starts the program, on a display if one is given, where a point is one pixel.
+    explicit Child(const QStringList& command, const QByteArray& display = {});
+    ~Child() override;
 };
 
-/// An X server of our own on a free display, and what runs on it. Throws std::runtime_error when it cannot start.
-class XSession {
- public:
-    struct Options {
-        QSize size{1280, 800};
-        int dpi = 96;
-    };
-    XSession() : XSession(Options{}) {}
-    explicit XSession(const Options& options);
-    ~XSession();
+template <class Reply>
+std::unique_ptr<Reply, decltype(&free)> owned(Reply* reply) {
+    return {reply, &free};
+}
 
-    /// The display's name, such as ":7".
-    QByteArray display() const { return display_; }
-    /// A connection for the test's own requests.
+/// A client of an X server: a connection of its own. Throws std::runtime_error when there is no server.
+class XClient {
+ public:
+    explicit XClient(const QByteArray& display);
+    ~XClient() { xcb_disconnect(connection_); }
+    XClient(const XClient&) = delete;
+    XClient& operator=(const XClient&) = delete;
+
     xcb_connection_t* xcb() const { return connection_; }
     xcb_window_t root() const { return root_; }
     xcb_atom_t atom(const char* name) const;
     /// Waits until the server has carried out what came before on this connection.
     void sync() const;
+    /// The first of a property's 32-bit values; 0 if there is none.
+    uint32_t value(xcb_window_t window, const char* property) const;
+    /// Sends a client message about `window`, to it unless told otherwise.
+    void send(const char* type, xcb_window_t window, uint32_t first, xcb_window_t to = XCB_NONE) const;
+    /// Where a window is; empty when it is gone.
+    QRect frameOf(xcb_window_t window) const;
+    bool visible(xcb_window_t window) const;
 
-    /// Both return once the manager does its work.
+ private:
+    xcb_connection_t* connection_;
+    xcb_window_t root_ = XCB_NONE;
+};
+
+/// An X server of our own on a free display, what runs on it, and a client for the test's own requests. Throws
+/// std::runtime_error when something does not start.
+class XSession {
+ public:
+    explicit XSession(QSize size = {1280, 800});
+
+    /// The display's name, such as ":7".
+    QByteArray display() const { return display_; }
+    xcb_connection_t* xcb() const { return client_->xcb(); }
+    xcb_window_t root() const { return client_->root(); }
+    xcb_atom_t atom(const char* name) const { return client_->atom(name); }
+    void sync() const { client_->sync(); }
+    const XClient& client() const { return *client_; }
+
+    /// All return once the manager does its work, or no longer.
     void startWindowManager();
     void startCompositor();
     void stopCompositor();
+    /// Runs a program on the display to its end. What it prints; adds a failure if it fails.
+    QByteArray run(const QString& command) const;
 
     /// What the screen shows, in device pixels.
     QImage screenshot(const QRect& area) const;
     /// The window in _NET_ACTIVE_WINDOW; 0 for none.
-    xcb_window_t activeWindow() const;
-    /// What another program gets as text from the clipboard.
-    QByteArray clipboard() const;
+    xcb_window_t activeWindow() const { return client_->value(root(), "_NET_ACTIVE_WINDOW"); }
     /// The root's children, from the bottom to the top.
     QList<xcb_window_t> stacking() const;
 
@@ -79,22 +92,19 @@ class XSession {
     void release(int button);
     void click(QPoint place, int button = 1);
     void key(int keycode, bool down);
-    /// Presses and releases the key with this symbol `times` times.
-    void tapKey(uint32_t keysym, int times = 1);
     /// Moves the pointer in a straight line, one motion every `stepMilliseconds`; Qt works meanwhile.
     void glide(QPoint from, QPoint to, int steps, double stepMilliseconds);
 
  private:
     void fake(int type, int detail, QPoint place = {});
-    bool selectionOwned(const char* name) const;
+    bool composited() const;
 
-    std::unique_ptr<Child> server_, windowManager_, compositor_;
     QByteArray display_;
-    xcb_connection_t* connection_ = nullptr;
-    xcb_window_t root_ = 0;
+    std::unique_ptr<Child> server_, windowManager_, compositor_;
+    std::unique_ptr<XClient> client_;
 };
 
-/// A plain window of another program, that is of a connection of its own.
+/// A plain window of another program.
 class OtherWindow {
  public:
     struct Options {
@@ -107,14 +117,11 @@ class OtherWindow {
     };
     /// Maps the window and waits until it is visible.
     OtherWindow(const XSession& session, const Options& options);
-    ~OtherWindow();
-    OtherWindow(const OtherWindow&) = delete;
-    OtherWindow& operator=(const OtherWindow&) = delete;
 
     xcb_window_t id() const { return window_; }
     bool active() const { return session_.activeWindow() == window_; }
     /// A second window of the same program, with the same class; it lives as long as this object.
-    xcb_window_t openSecond();
+    xcb_window_t openSecond() { return create(); }
     void raise();
     /// Asks the window manager for the focus, as a pager does.
     void activate();
@@ -122,11 +129,11 @@ class OtherWindow {
     const QList<int>& presses();
 
  private:
-    xcb_window_t create(const Options& options);
+    xcb_window_t create();
 
     const XSession& session_;
     Options options_;
-    xcb_connection_t* connection_;
-    xcb_window_t window_ = 0;
+    XClient client_;
+    xcb_window_t window_;
     QList<int> presses_;
 };

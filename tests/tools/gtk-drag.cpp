@@ -1,10 +1,11 @@
-// A GTK window that is dragged from, like a file manager's or a browser's.
+// A GTK window that is dragged from, like a file manager's or a browser's, or dropped on.
 //
-//   gtk-drag-source X Y [--hang] [--promise HOW NAME CONTENTS] [TARGET=TEXT | TARGET@FILE]...
+//   gtk-drag source X Y [--hang] [--promise HOW NAME CONTENTS] [TARGET=TEXT | TARGET@FILE]...
+//   gtk-drag target X Y
 //
-// It lies at (X, Y), 100 x 100 device pixels, and offers each TARGET (an X11 name such as text/uri-list, image/png or
-// UTF8_STRING) as the given text or the bytes of a file, and a promised file by the Direct Save Protocol. With --hang
-// it stops itself when it is first asked for data. HOW it keeps its promise:
+// It lies at (X, Y), 100 x 100 device pixels. A source offers each TARGET (an X11 name such as text/uri-list, image/png
+// or UTF8_STRING) as the given text or the bytes of a file, and a promised file by the Direct Save Protocol. With
+// --hang it stops itself when it is first asked for data. HOW it keeps its promise:
 //
 //   fails    says so, as Chromium does            late     says that it has, and writes only then, as Firefox does
 //   silent   never answers                        several  says that it has, and writes the file, another and a folder
@@ -12,9 +13,10 @@
 //   slow     writes for eleven seconds, then answers
 //   swaps    puts a link to the folder CONTENTS in the place of the one that it should write in
 //
-// Lines on standard output: "ready"; for each drag "drag-begin", "data TARGET" for what was asked for, "delete" if it
-// is told to delete what was moved, "drag-failed RESULT" (GTK's number), and "drag-end ACTION", with what became of the
-// promise ("kept" or "void") if there was one.
+// Lines on standard output: "ready"; of a source for each drag "drag-begin", "data TARGET" for what was asked for,
+// "delete" if it is told to delete what was moved, "drag-failed RESULT" (GTK's number), and "drag-end ACTION", with
+// what became of the promise ("kept" or "void") if there was one; of a target for each dropped file "uri URI" and
+// "bytes CONTENTS".
 
 #include <gtk/gtk.h>
 #include <signal.h>
@@ -175,17 +177,8 @@ gboolean failed(GtkWidget*, GdkDragContext*, GtkDragResult result) {
     say("drag-failed %d\n", int(result));
     return true;  // no picture that flies back
 }
-}  // namespace
 
-int main(int argc, char** argv) {
-    gdk_set_allowed_backends("x11");
-    gtk_init(&argc, &argv);
-    if (argc < 3) return 2;
-    Offer offer = offerOf(argv + 3);
-
-    GtkWidget* window = gtk_window_new(GTK_WINDOW_POPUP);
-    gtk_window_set_default_size(GTK_WINDOW(window), 100, 100);
-    gtk_window_move(GTK_WINDOW(window), std::atoi(argv[1]), std::atoi(argv[2]));
+void makeSource(GtkWidget* window, Offer& offer) {
     std::vector<GtkTargetEntry> targets;
     for (auto& form : offer.forms) targets.push_back({form.first.data(), 0, guint(targets.size())});
     std::string promise = promiseTarget;
@@ -197,6 +190,38 @@ int main(int argc, char** argv) {
     g_signal_connect(window, "drag-data-delete", G_CALLBACK(+[] { say("delete\n"); }), nullptr);
     g_signal_connect(window, "drag-failed", G_CALLBACK(failed), nullptr);
     g_signal_connect(window, "drag-end", G_CALLBACK(ended), &offer);
+}
+
+void received(GtkWidget*, GdkDragContext*, gint, gint, GtkSelectionData* data) {
+    char** uris = gtk_selection_data_get_uris(data);
+    for (char** uri = uris; uri && *uri; ++uri) {
+        char* path = g_filename_from_uri(*uri, nullptr, nullptr);
+        say("uri %s\nbytes %s\n", *uri, path ? contentsOf(path).c_str() : "");
+        g_free(path);
+    }
+    g_strfreev(uris);
+}
+
+void makeTarget(GtkWidget* window) {
+    char type[] = "text/uri-list";
+    const GtkTargetEntry target{type, 0, 0};
+    gtk_drag_dest_set(window, GTK_DEST_DEFAULT_ALL, &target, 1, GDK_ACTION_COPY);
+    g_signal_connect(window, "drag-data-received", G_CALLBACK(received), nullptr);
+}
+}  // namespace
+
+int main(int argc, char** argv) {
+    gdk_set_allowed_backends("x11");
+    gtk_init(&argc, &argv);
+    if (argc < 4) return 2;
+    GtkWidget* window = gtk_window_new(GTK_WINDOW_POPUP);
+    gtk_window_set_default_size(GTK_WINDOW(window), 100, 100);
+    gtk_window_move(GTK_WINDOW(window), std::atoi(argv[2]), std::atoi(argv[3]));
+    Offer offer = offerOf(argv + 4);
+    if (argv[1] == std::string("source"))
+        makeSource(window, offer);
+    else
+        makeTarget(window);
     g_signal_connect(window, "map-event", G_CALLBACK(+[](GtkWidget*) -> gboolean {
                          say("ready\n");
                          return false;

@@ -1,7 +1,9 @@
+#include <gtest/gtest.h>
+
 #include <QGuiApplication>
 
+/// Of the programs whose tests need an application, for its fonts or its events.
 int main(int argc, char** argv) {
-    // Fonts need an application, and an application a platform.
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qputenv("LC_ALL", "C.UTF-8");
     const QGuiApplication application(argc, argv);
