@@ -38,7 +38,8 @@ class Panel {
 
     CreatureFixture f;
     MemoryIcons icons;
-    RootView root{f.m, {.icons = icons}, f.clock, f.loop, [] { return 0.5; }};
+    ViewPorts ports{icons, {}, {}, {}, {}, {}, false};
+    RootView root{f.m, ports, f.clock, f.loop, [] { return 0.5; }};
 
  private:
     int ratio_;

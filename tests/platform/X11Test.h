@@ -37,15 +37,33 @@ class X11Test : public testing::Test {
     inline static XSession* session_ = nullptr;
 };
 
-/// A panel at (200, 0) of Qt's coordinates, and what happens to it. It is red where its body is, and takes what is
-/// dropped on it.
-class TestPanel : public X11PanelWindow, private PanelWindow::Listener {
+/// What happened to a panel.
+struct PanelEvents : PanelWindow::Listener {
+    void pressed(PanelWindow::Button, QPointF position, QPointF) override { presses.append(position); }
+    void dragged(QPointF pointer) override { drags.append(pointer); }
+    void released(PanelWindow::Button, QPointF) override { ++releases; }
+    void dropTargeted(bool over) override { targeted.append(over); }
+    bool acceptsDrop() override { return accepts; }
+    void dropped(std::shared_ptr<Drop> taken) override { drop = std::move(taken); }
+    void exposed() override { expose(); }
+
+    std::function<void()> expose;
+    QList<QPointF> presses, drags;
+    int releases = 0;
+    bool accepts = true;
+    QList<bool> targeted;
+    std::shared_ptr<Drop> drop;
+};
+
+/// A panel at (200, 0) of Qt's coordinates that is red where its body is, and takes what is dropped on it.
+class TestPanel : public PanelEvents, public X11PanelWindow {
  public:
     static constexpr QRect area{0, 0, 240, 120};
     static constexpr QRectF place{200, 0, 240, 120};
 
     TestPanel(std::shared_ptr<X11Connection> connection, std::shared_ptr<PointerSampler> sampler, MainLoop& loop)
         : X11PanelWindow(std::move(connection), std::move(sampler), loop) {
+        expose = [this] { fill(area, Qt::red); };
         setListener(this);
         setOverdraw({52, 0, 52, 20});
         setFrame(toModel(place));
@@ -70,18 +88,4 @@ class TestPanel : public X11PanelWindow, private PanelWindow::Listener {
     }
 
     QRect body = area;
-    QList<QPointF> presses, drags;
-    int releases = 0;
-    bool accepts = true;
-    QList<bool> targeted;
-    std::shared_ptr<Drop> drop;
-
- private:
-    void exposed() override { fill(area, Qt::red); }
-    void pressed(Button, QPointF position, QPointF) override { presses.append(position); }
-    void dragged(QPointF pointer) override { drags.append(pointer); }
-    void released(Button, QPointF) override { ++releases; }
-    void dropTargeted(bool over) override { targeted.append(over); }
-    bool acceptsDrop() override { return accepts; }
-    void dropped(std::shared_ptr<Drop> taken) override { drop = std::move(taken); }
 };
