@@ -40,6 +40,7 @@ class BehaviourEngine {
     std::function<void()> clearDoneTimers;
     /// Called by a tap while an agent waits for the user: brings its terminal forward.
     std::function<void()> focusBlockedTerminal;
+
  private:
     void startleAt(QPointF pointer, double elapsed);
     void publishGaze(QPointF pointer, double now, bool hoverChanges);

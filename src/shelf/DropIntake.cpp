@@ -77,9 +77,8 @@ void DropIntake::dragEnded() {
     dragIsFiles_ = dragging_ = false;
     attention_.cancel();
     if (!model_.dragNear) return;
-    closeMouth_ = loop_.after(kMouthOpen, [this] {
-        model_.withAnimation(Animation::easeOut(0.25), [this] { model_.dragNear = false; });
-    });
+    closeMouth_ = loop_.after(
+        kMouthOpen, [this] { model_.withAnimation(Animation::easeOut(0.25), [this] { model_.dragNear = false; }); });
 }
 
 QString DropIntake::droppedFileName(Date now, const QString& extension) {
