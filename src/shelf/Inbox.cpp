@@ -1,6 +1,5 @@
 #include "shelf/Inbox.h"
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/eventfd.h>
@@ -13,6 +12,7 @@
 #include <cerrno>
 #include <cmath>
 
+#include "platform/Directory.h"
 #include "platform/FileUrls.h"
 #include "shelf/NewFile.h"
 
@@ -39,14 +39,12 @@ Descriptor openFolderIn(int folder, const QByteArray& name) {
 
 /// What is in an open folder, by name.
 QList<Entry> entries(int folder) {
-    const std::unique_ptr<DIR, int (*)(DIR*)> directory(::fdopendir(openFolderIn(folder, ".").release()), &::closedir);
     QList<Entry> all;
-    while (const dirent* one = directory ? ::readdir(directory.get()) : nullptr) {
-        const QByteArray name = one->d_name;
+    visitEntries(folder, [&](const char* name, quint64) {
         struct stat info {};
-        if (name == "." || name == ".." || ::fstatat(folder, one->d_name, &info, AT_SYMLINK_NOFOLLOW) != 0) continue;
-        all.append({name, info.st_mode, info.st_size});
-    }
+        if (::fstatat(folder, name, &info, AT_SYMLINK_NOFOLLOW) == 0) all.append({name, info.st_mode, info.st_size});
+        return true;
+    });
     std::sort(all.begin(), all.end(), [](const Entry& a, const Entry& b) { return a.name < b.name; });
     return all;
 }
