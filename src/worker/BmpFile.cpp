@@ -43,12 +43,12 @@ class LengthenedFile : public QIODevice {
     }
 
  protected:
-    qint64 readData(char* to, qint64 most) override {
-        qint64 got = std::min(most, head_.size() - at_);
+    qint64 readData(char* to, qint64 maxSize) override {
+        qint64 got = std::min(maxSize, head_.size() - at_);
         if (got > 0)
             std::memcpy(to, head_.constData() + at_, size_t(got));
         else
-            got = file_->seek(at_ - added_) ? file_->read(to, most) : -1;
+            got = file_->seek(at_ - added_) ? file_->read(to, maxSize) : -1;
         at_ += std::max<qint64>(got, 0);
         return got;
     }
@@ -90,7 +90,7 @@ struct Layout {
 };
 
 /// Whether the runs reach their end mark or the picture's last pixel.
-bool isWholeInRuns(QIODevice& file, const Layout& layout) {
+bool isCompleteInRuns(QIODevice& file, const Layout& layout) {
     constexpr uchar kNextRow = 0, kEnd = 1, kSkip = 2;
     qint64 x = 0, row = 0;
     std::array<uchar, 2> pair;
@@ -120,9 +120,9 @@ bool isWholeInRuns(QIODevice& file, const Layout& layout) {
 }
 
 /// The decoder does not say when it ran out of bytes. There must be a row at least.
-bool isWhole(QIODevice& file, const Layout& layout) {
+bool isComplete(QIODevice& file, const Layout& layout) {
     if (layout.packing != Layout::Packing::none) {
-        const bool isThere = file.seek(layout.pixelsAt) && isWholeInRuns(file, layout);
+        const bool isThere = file.seek(layout.pixelsAt) && isCompleteInRuns(file, layout);
         return file.seek(0) && isThere;
     }
     const qint64 rowBytes = (layout.width * layout.bits + 31) / 32 * 4;
@@ -162,7 +162,7 @@ std::optional<QSize> bmpSize(int descriptor) {
     setUp(reader);
     const QSize size = sizeIn(reader);
     file->seek(0);
-    if (size.isEmpty() || !isWhole(*file, layout)) return {};
+    if (size.isEmpty() || !isComplete(*file, layout)) return {};
     return size;
 }
 

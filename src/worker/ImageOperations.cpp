@@ -98,10 +98,10 @@ VImage shownWithin(const VImage& image, int side) {
     return rgb.has_alpha() ? rgb : rgb.bandjoin(kOpaque);
 }
 
-QSize within(QSize size, int longest) {
+QSize within(QSize size, int maxSide) {
     const int longer = std::max(size.width(), size.height());
-    if (longer <= longest) return size;
-    const auto scaled = [&](int side) { return std::max(1, int(qint64(side) * longest / longer)); };
+    if (longer <= maxSide) return size;
+    const auto scaled = [&](int side) { return std::max(1, int(qint64(side) * maxSide / longer)); };
     return {scaled(size.width()), scaled(size.height())};
 }
 

@@ -17,8 +17,8 @@ vips::VImage opaque(const vips::VImage& image);
 /// longer than `side`. No profile is left.
 vips::VImage shownWithin(const vips::VImage& image, int side);
 
-/// The size in pixels at which the longer side is at most `longest`; the other is truncated, but never to nothing.
-QSize within(QSize size, int longest);
+/// The size in pixels at which the longer side is at most `maxSide`; the other is truncated, but never to nothing.
+QSize within(QSize size, int maxSide);
 
 /// The image at this size, which is no larger than its own: every pixel counts, weighed by a Lanczos window.
 vips::VImage resized(const vips::VImage& image, QSize size);

@@ -105,17 +105,17 @@ std::vector<uint8_t> contrasts(const GreyPicture& picture, const Surfaces& surfa
             for (int i = 0; i < picture.width; ++i) {
                 const int x = step > 0 ? i : picture.width - 1 - i;
                 Nearest& here = nearest[picture.at(x, row)];
-                const auto from_ = [&](int dx, int dy, int cost) {
+                const auto relax = [&](int dx, int dy, int cost) {
                     const int nx = x + dx;
                     const int ny = row + dy;
                     if (nx < 0 || ny < 0 || nx >= picture.width || ny >= picture.height) return;
                     const Nearest& there = nearest[picture.at(nx, ny)];
                     if (there.distance + cost < here.distance) here = {there.distance + cost, there.value};
                 };
-                from_(-step, 0, 3);
-                from_(-1, -step, 4);
-                from_(0, -step, 3);
-                from_(1, -step, 4);
+                relax(-step, 0, 3);
+                relax(-1, -step, 4);
+                relax(0, -step, 3);
+                relax(1, -step, 4);
             }
         }
     };

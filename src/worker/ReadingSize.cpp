@@ -18,8 +18,8 @@ GreyPicture atReadingSize(const Ink& ink) {
     const double width = ink.picture.width;
     const double height = ink.picture.height;
     // Small print below a headline must not vanish; where all is large, it may become a tenth.
-    const double least = std::min(0.5, double(kMinReadable) / ink.smallLetterHeight);
-    const double wanted = std::clamp(double(kReadingHeight) / ink.letterHeight, least, 4.0);
+    const double minScale = std::min(0.5, double(kMinReadable) / ink.smallLetterHeight);
+    const double wanted = std::clamp(double(kReadingHeight) / ink.letterHeight, minScale, 4.0);
     return resized(ink.picture,
                    std::min({wanted, std::sqrt(kMaxPixels / (width * height)), kMaxSide / std::max(width, height)}));
 }

@@ -18,7 +18,7 @@ using Clock = std::chrono::steady_clock;
 
 // A screen that is full of small print takes ten seconds or more. When the time is up, what was read so far is the
 // answer.
-constexpr std::chrono::milliseconds kPatience = std::chrono::seconds(40);
+constexpr std::chrono::milliseconds kTimeout = std::chrono::seconds(40);
 
 // In reading heights; below, there is no layout to find, and trying again takes little.
 constexpr int kFewLines = 6;
@@ -194,7 +194,7 @@ class Reader {
     }
 
     tesseract::TessBaseAPI& engine_;
-    const Clock::time_point until_ = Clock::now() + kPatience;
+    const Clock::time_point until_ = Clock::now() + kTimeout;
 };
 
 }  // namespace
