@@ -15,9 +15,10 @@ constexpr double kPixelsPerPoint = 2;
 constexpr double kShadowRadius = 2;
 constexpr double kShadowDrop = 1;
 constexpr double kShadowOpacity = 0.4;
-constexpr int kMaxLabel = 4;
+constexpr double kFold = 6.5;  // the dog-ear of the sheet
+constexpr int kMaxLabel = 4;   // characters
 
-QPainterPath sheetOutline(const QRectF& sheet, double fold) {
+QPainterPath sheetOutline(const QRectF& sheet) {
     QPainterPath path;
     path.moveTo(sheet.left() + 2.5, sheet.top());
     path.lineTo(sheet.right() - kFold, sheet.top());
@@ -33,11 +34,10 @@ QPainterPath sheetOutline(const QRectF& sheet, double fold) {
 
 void drawSheet(QPainter& painter, const QString& extension) {
     const QRectF sheet(4, 1, 22, 28);
-    constexpr double kFold = 6.5;
     QLinearGradient paper(sheet.topLeft(), sheet.bottomLeft());
     paper.setColorAt(0, gray(1));
     paper.setColorAt(1, gray(0.86));
-    painter.fillPath(sheetOutline(sheet, kFold), paper);
+    painter.fillPath(sheetOutline(sheet), paper);
     QPainterPath corner;
     corner.moveTo(sheet.right() - kFold, sheet.top());
     corner.lineTo(sheet.right() - kFold, sheet.top() + kFold - 1);
