@@ -33,7 +33,7 @@ void add(const QByteArray& line, UrlList& list) {
     QUrl url = QUrl::fromEncoded(line);
     if (!url.isValid() || url.scheme().isEmpty()) return;
     if (url.isLocalFile()) {
-        // The specification asks sources to name the file's host.
+        // By XDND, sources name the host that the file is on.
         const QString host = url.host();
         if (host == QLatin1String("localhost") || host.compare(QSysInfo::machineHostName(), Qt::CaseInsensitive) == 0)
             url.setHost(QString());
