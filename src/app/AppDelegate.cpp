@@ -95,7 +95,7 @@ AppDelegate::Launch AppDelegate::launch() {
     return Launch::running;
 }
 
-// What is dragged, and the chips, which can be touched in the demo too.
+// Drags and chips work in demo mode too.
 void AppDelegate::watchPointer() {
     ports_.monitors.onLeftMouseDragged = [this](QPointF pointer) { drops_.dragMoved(pointer); };
     ports_.monitors.onLeftMouseUp = [this](QPointF) { drops_.dragEnded(); };
@@ -113,7 +113,7 @@ void AppDelegate::startSensors() {
     model_.capsOn = ports_.monitors.capsLock();
     ports_.workspace.start();
     startTicks();
-    drops_.takeLeft();
+    drops_.takeLeftovers();
     agents_.start();
     commands_.startSwitches();
 }
@@ -133,7 +133,7 @@ void AppDelegate::lifeTick() {
     behaviour_.lifeTick();
 }
 
-// What they switch is not there yet.
+// The parts that these switch do not exist yet.
 QList<Switch> AppDelegate::switches() {
     return {{QStringLiteral("Watch Downloads"), QStringLiteral("glimmet.watchDownloads"), {}, {}},
             {QStringLiteral("Meeting whispers"), QStringLiteral("glimmet.whispers"), {}, {}},
@@ -144,7 +144,7 @@ void AppDelegate::lockChanged() {
     model_.screenLocked = ports_.screenLock.locked();
     if (!model_.screenLocked) return;
     ports_.closePopUp();
-    panel_.letGo();
+    panel_.cancelPress();
     drops_.refuse();
 }
 
@@ -154,7 +154,7 @@ void AppDelegate::popUp(const QList<MenuItem>& items, QPointF at) {
 
 void AppDelegate::rightMouseDown(QPointF pointer) {
     if (!behaviour_.inHoverZone(pointer, kMenuMargin)) return;
-    panel_.letGo();
+    panel_.cancelPress();
     QList<MenuItem> menu = panel_.menuAt(pointer);
     if (menu.isEmpty() && !demo_) menu = commands_.menu();
     if (!menu.isEmpty()) popUp(menu, pointer);

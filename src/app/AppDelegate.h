@@ -32,7 +32,7 @@ class Sharing;
 class Sounds;
 class Workspace;
 
-/// The desktop as the creature sees it. All of it must outlive the delegate.
+/// The creature's ports to the desktop. All of them must outlive the delegate.
 struct Ports {
     Clock& clock;
     MainLoop& loop;
@@ -49,18 +49,17 @@ struct Ports {
     Sharing& sharing;
     FileIcons& icons;
     Worker& worker;
-    /// Where files are written, and where the worker is waited for: it must not hold up the others.
-    BackgroundQueue& disk;
-    BackgroundQueue& jobs;
+    BackgroundQueue& disk;  ///< writes files
+    BackgroundQueue& jobs;  ///< waits for the worker, which may take a minute
     /// Uniformly distributed in [0, 1).
     std::function<double()> random;
     /// Shows a menu at a point of the screen (y growing upwards) and returns at once.
     std::function<void(const QList<MenuItem>&, QPointF)> popUp;
-    /// Closes it if it is still there.
+    /// Closes that menu if it is still open.
     std::function<void()> closePopUp;
-    /// Asks for an orderly end.
+    /// Requests an orderly exit.
     std::function<void()> quit;
-    /// Where the user's programs keep their data.
+    /// The user's data directory.
     QString dataFolder;
 };
 
@@ -71,8 +70,7 @@ class AppDelegate {
     AppDelegate(const Ports& ports, const QStringList& arguments);
 
     enum class Launch { running, noScreen, menuDumped };
-    /// Starts everything up, in the order in which the parts rely on one another. Only `running` is to be followed by
-    /// the main loop.
+    /// Starts the parts in the order of their dependencies. Run the main loop only after `running`.
     Launch launch();
 
     NotchModel& model() { return model_; }
@@ -110,5 +108,5 @@ class AppDelegate {
     ScreenTest screenTest_;
     ShelfSelfTest shelfTest_;
     TimerHandle vitalsTimer_, lifeTimer_;
-    bool demo_ = false;  // the creature does as the command line says
+    bool demo_ = false;  // flags set the creature's state; the sensors stay off
 };

@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr double kReactionDelay = 1.5;  // seconds, so that a viewer sees the state before
+constexpr double kReactionDelay = 1.5;  // seconds in which the state before the reaction can be seen
 
 QList<QUrl> applications(std::initializer_list<const char*> names) {
     QList<QUrl> urls;
@@ -59,8 +59,7 @@ void CommandLineFlags::later(std::function<void()> reaction) {
     reactions_.push_back(loop_.after(kReactionDelay, std::move(reaction)));
 }
 
-// The flags take effect in a fixed order, whatever their order on the command line: later ones see the earlier ones'
-// work.
+// Flags take effect in a fixed order, whatever their order on the command line: later ones build on earlier ones.
 FlagEffects CommandLineFlags::apply() {
     FlagEffects effects;
     applyToy(effects);

@@ -11,11 +11,11 @@
 class BehaviourEngine;
 class Shelf;
 
-/// What the flags do beyond setting the model.
+/// What the flags ask for besides changes of the model.
 struct FlagEffects {
     bool demo = false;                ///< the live sensors stay off
-    bool screenTest = false;          ///< the screen self-test was asked for
-    std::optional<QString> chewTest;  ///< the chew self-test was, with this request
+    bool screenTest = false;          ///< run the screen self-test
+    std::optional<QString> chewTest;  ///< run the chew self-test with this request
 };
 
 /// Puts the creature into the state that the command line asks for. Unknown and malformed flags are ignored. Main
@@ -26,9 +26,9 @@ class CommandLineFlags {
     CommandLineFlags(NotchModel& model, Shelf& shelf, BehaviourEngine& behaviour, MainLoop& loop,
                      QStringList arguments);
 
-    /// Applies the flags. One-shot reactions follow 1.5 s later, for as long as this object lives.
+    /// Applies the flags. One-shot reactions follow 1.5 s later, if this object still lives.
     FlagEffects apply();
-    /// What follows `flag`, which ends in "=", in the first argument that begins with it.
+    /// The value of `flag`, which ends in "=", from the first argument that begins with it.
     std::optional<QString> value(const char* flag) const;
 
  private:

@@ -72,7 +72,7 @@ MenuItem Commands::updateItem() {
                 [this] { openSite(); },
                 false,
                 {}};
-    // Nothing can look for a newer version yet, so this cannot be chosen.
+    // Without an action, because there is no update check yet.
     return {QStringLiteral("Check for updates…"), {}, false, {}};
 }
 

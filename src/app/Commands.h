@@ -11,15 +11,15 @@ class Preferences;
 class Shelf;
 class Workspace;
 
-/// What the user commands from the popup menu. Main thread only; the references must outlive it.
+/// The commands of the popup menu. Main thread only; the references must outlive it.
 class Commands {
  public:
     Commands(NotchModel& model, Shelf& shelf, Clock& clock, Preferences& preferences, Workspace& workspace,
              QList<Switch> switches);
 
-    /// Starts what is switched on.
+    /// Starts the parts that are switched on.
     void startSwitches();
-    /// The popup menu for the present state.
+    /// The popup menu for the current state.
     QList<MenuItem> menu();
 
     void pick(const QString& rawValue);
@@ -30,7 +30,7 @@ class Commands {
     void toggleHidden();
     void flip(const Switch& flipped);
 
-    /// Asks for an orderly end.
+    /// Requests an orderly exit.
     std::function<void()> quit;
 
  private:

@@ -4,7 +4,7 @@
 #include <QString>
 #include <QStringList>
 
-/// Lines on standard error, as UTF-8. Any thread; a line is written in one piece.
+/// Writes lines to standard error, as UTF-8. Any thread; each line is written in one piece.
 class Diagnostics {
  public:
     /// `arguments` are those of the process, with its name.
@@ -12,7 +12,7 @@ class Diagnostics {
 
     /// Writes "glimmet: " and `line`.
     void log(const QString& line) const { write(QStringLiteral("glimmet: ") + line); }
-    /// Writes "trace: " and `line` where the user asked for traces.
+    /// Writes "trace: " and `line` if tracing was requested.
     void trace(const QString& line) const {
         if (tracing_) write(QStringLiteral("trace: ") + line);
     }

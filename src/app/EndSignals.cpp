@@ -11,8 +11,8 @@ namespace {
 
 constexpr std::array kSignals{SIGTERM, SIGINT, SIGHUP};
 
-// A signal handler reaches nothing but globals. The signals are handled rather than blocked, because programs that we
-// start would inherit a block.
+// A signal handler can only use globals. The signals are handled rather than blocked, because child processes would
+// inherit a blocked mask.
 volatile sig_atomic_t wakeDescriptor = -1;
 
 void wake(int /*signal*/) {
@@ -20,7 +20,7 @@ void wake(int /*signal*/) {
     [[maybe_unused]] const auto written = write(int(wakeDescriptor), &one, sizeof one);
 }
 
-// What whoever started us has told us to ignore, as nohup does, stays ignored.
+// Signals that were ignored when we were started, as under nohup, stay ignored.
 void handle(void (*handler)(int)) {
     struct sigaction action = {};
     action.sa_handler = handler;

@@ -4,8 +4,7 @@
 #include <functional>
 #include <memory>
 
-/// Turns the signals that ask a program to end (terminate, interrupt, hang up) into an orderly end on the main thread.
-/// Created once, while no other thread runs.
+/// Turns SIGTERM, SIGINT and SIGHUP into an orderly exit on the main thread. Create it once, before any other thread.
 class EndSignals {
  public:
     explicit EndSignals(std::function<void()> quit);

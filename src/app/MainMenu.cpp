@@ -9,7 +9,7 @@ MainMenu::MainMenu(QObject& application, std::function<void()> quit) : quit_(std
 bool MainMenu::eventFilter(QObject* receiver, QEvent* event) {
     if (event->type() != QEvent::KeyPress) return QObject::eventFilter(receiver, event);
     const auto* key = static_cast<QKeyEvent*>(event);
-    // Not QKeySequence::Quit: without a desktop's theme that has no key at all.
+    // Not QKeySequence::Quit, which has no key without a platform theme.
     if (key->key() != Qt::Key_Q || key->modifiers() != Qt::ControlModifier)
         return QObject::eventFilter(receiver, event);
     quit_();

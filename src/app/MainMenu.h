@@ -3,12 +3,12 @@
 #include <QObject>
 #include <functional>
 
-/// The keys of the application's own menu: Control+Q quits from whichever of our windows has the keyboard. The editing
-/// keys (undo, cut, copy, paste, select all) need nothing here, since the toolkit's text fields handle them themselves.
-/// The panel never has the keyboard. Main thread only.
+/// The application's keyboard shortcuts: Control+Q quits from any of our windows that has the keyboard focus. Qt's text
+/// fields handle the editing keys (undo, cut, copy, paste, select all) themselves. The panel never has the focus. Main
+/// thread only.
 class MainMenu : public QObject {
  public:
-    /// Listens to `application` for as long as it lives. `quit` asks for an orderly end.
+    /// Filters the events of `application` for as long as it lives. `quit` requests an orderly exit.
     MainMenu(QObject& application, std::function<void()> quit);
 
  protected:

@@ -49,7 +49,7 @@ void drawArrow(QPainter& painter, const QPointF& center, const QColor& color) {
         QPolygonF{center + QPointF(-1.8, -3.6), center + QPointF(1.8, 0), center + QPointF(-1.8, 3.6)});
 }
 
-/// The rectangle with its edges on those of the screen's pixels, where a fraction of them makes a point.
+/// The rectangle with its edges aligned to device pixels, for fractional scale factors.
 QRectF onPixels(const QRectF& rect, const QPainter& painter) {
     const double ratio = painter.device()->devicePixelRatioF();
     const auto snapped = [ratio](const QPointF& corner) {
@@ -98,7 +98,7 @@ int MenuStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const
         case PM_MenuDesktopFrameWidth:
             return 0;
         case PM_SubMenuOverlap:
-            // From the edge of the row, so that the outlines of the two menus do not touch.
+            // Keeps the outlines of the two menus apart.
             return kMargin + 1;
         default:
             return QProxyStyle::pixelMetric(metric, option, widget);
@@ -107,7 +107,7 @@ int MenuStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const
 
 int MenuStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                          QStyleHintReturn* returnData) const {
-    // The keys pass over what cannot be chosen.
+    // Arrow keys skip disabled rows.
     if (hint == SH_Menu_AllowActiveAndDisabled) return 0;
     return QProxyStyle::styleHint(hint, option, widget, returnData);
 }
@@ -129,7 +129,7 @@ void MenuStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opti
 void MenuStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
                             const QWidget* widget) const {
     const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
-    // The panel is all that there is of the menu's ground.
+    // drawPanel() already paints the whole background.
     if (element == CE_MenuEmptyArea || element == CE_MenuHMargin || element == CE_MenuVMargin) return;
     if (element != CE_MenuItem || !item) return QProxyStyle::drawControl(element, option, painter, widget);
     painter->save();

@@ -2,11 +2,11 @@
 
 #include <QProxyStyle>
 
-/// Draws menus by the creature's hand, whatever the desktop's style: dark, round, in the desktop's own font, with one
-/// orange for what is chosen. Give it to a QMenu and to each of its submenus.
+/// Draws menus in the creature's own style, whatever the desktop's: dark and rounded, in the desktop's font, with the
+/// selected row in orange. Set it on a QMenu and on each of its submenus.
 class MenuStyle : public QProxyStyle {
  public:
-    /// `round` needs menus whose windows are translucent; otherwise their corners are square.
+    /// `round` corners require translucent menu windows.
     explicit MenuStyle(bool round);
 
     int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override;

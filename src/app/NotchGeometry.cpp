@@ -2,12 +2,13 @@
 
 #include <algorithm>
 
+#include "creature/NotchModel.h"
 #include "views/RootView.h"
 
 namespace {
 
-constexpr double kAssumedWidth = 185;
-constexpr double kAssumedHeight = 32;
+constexpr double kAssumedWidth = NotchModel::kDefaultNotchWidth;
+constexpr double kAssumedHeight = NotchModel::kDefaultNotchHeight;
 
 bool hasHousing(const Screen& screen) {
     return screen.auxiliaryTopLeftArea && screen.auxiliaryTopRightArea;

@@ -5,8 +5,7 @@
 
 #include "platform/Screens.h"
 
-/// Where the notch is and where the panel hangs; screen points, y growing upwards, so a rectangle's top() is its lowest
-/// y.
+/// Where the notch and the panel are. Screen points with y growing upwards, so a rectangle's top() is its lowest y.
 struct NotchGeometry {
     QRectF panelFrame;
     QRectF notch;
@@ -16,6 +15,6 @@ struct NotchGeometry {
     friend bool operator==(const NotchGeometry&, const NotchGeometry&) = default;
 };
 
-/// The first screen with a camera housing decides, else the main screen with a notch assumed at its top centre. Absent
-/// when there is no screen at all.
+/// On the first screen with a camera housing, or else on the main screen, with a notch assumed at its top centre.
+/// Absent if there is no screen at all.
 std::optional<NotchGeometry> notchGeometry(const QList<Screen>& screens);

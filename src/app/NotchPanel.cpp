@@ -42,8 +42,7 @@ void NotchPanel::setFrame(const QRectF& frame) {
     window_.setFrame(frame_);
 }
 
-// A shelf with many rows hangs lower than the panel. The window becomes longer before the shelf grows, and shorter when
-// it has shrunk.
+// A shelf with many rows is taller than the panel. The window grows before the shelf does, and shrinks only after it.
 void NotchPanel::fitOverdraw() {
     double height = std::max(RootView::kPanelHeight, std::ceil(root_.depth()));
     if (root_.growing()) height = std::max(height, height_);
@@ -64,7 +63,7 @@ void NotchPanel::contentChanged() {
     scheduleFrame(clock_.uptime());
 }
 
-// Frames come no faster than the screen shows them.
+// At most one frame per refresh of the screen.
 void NotchPanel::scheduleFrame(double when) {
     const double due = std::max(when, lastFrame_ + 1 / window_.refreshRate());
     if (frameTimer_ && frameDue_ <= due) return;
@@ -106,37 +105,37 @@ void NotchPanel::updateInputRegion() {
 void NotchPanel::pressed(PanelWindow::Button button, QPointF position, QPointF pointer) {
     if (button == PanelWindow::Button::right && onRightPress) onRightPress(pointer);
     if (button != PanelWindow::Button::left) return;
-    letGo();
+    cancelPress();
     press_ = Press{root_.hit(position), pointer};
     if (press_->hit.showPressed) press_->hit.showPressed(true);
 }
 
 void NotchPanel::dragged(QPointF pointer) {
     if (!press_) return;
-    const QPointF way = pointer - press_->pointer;
-    if (!press_->dragged && std::hypot(way.x(), way.y()) < kDragDistance) return;
+    const QPointF offset = pointer - press_->pointer;
+    if (!press_->dragged && std::hypot(offset.x(), offset.y()) < kDragDistance) return;
     if (std::holds_alternative<Hit::File>(press_->hit.drag)) {
         const auto file = std::get<Hit::File>(press_->hit.drag);
-        letGo();
+        cancelPress();
         return window_.dragOut(file.url, file.picture, QRectF({}, file.picture.deviceIndependentSize()).center());
     }
     const auto* slide = std::get_if<Hit::Slide>(&press_->hit.drag);
     if (!slide) return;
     press_->dragged = true;
-    // Measured on the screen, since the panel moves along under the pointer.
-    slide->move(way.x());
+    // Measured on the screen, since the panel moves with the pointer.
+    slide->move(offset.x());
 }
 
 void NotchPanel::released(PanelWindow::Button button, QPointF pointer) {
     if (button != PanelWindow::Button::left || !press_) return;
     const Press press = *press_;
-    letGo();
-    const QPointF way = pointer - press.pointer;
-    const bool tapped = !press.dragged && std::max(std::abs(way.x()), std::abs(way.y())) < press.hit.tapReach;
+    cancelPress();
+    const QPointF offset = pointer - press.pointer;
+    const bool tapped = !press.dragged && std::max(std::abs(offset.x()), std::abs(offset.y())) < press.hit.tapReach;
     if (tapped && press.hit.tap) press.hit.tap();
 }
 
-void NotchPanel::letGo() {
+void NotchPanel::cancelPress() {
     if (!press_) return;
     const Press press = *std::exchange(press_, std::nullopt);
     if (press.hit.showPressed) press.hit.showPressed(false);

@@ -8,9 +8,9 @@
 #include "views/DisplayList.h"
 #include "views/RootView.h"
 
-/// The panel that the creature lives in: shows the root view's pictures in the window, one frame when something changed
-/// and none else, and lets what lies under the pointer answer to presses. It takes the pointer exactly while the
-/// creature attends, is aimed at with a drop, or is off its place. Main thread only; the references must outlive it.
+/// The panel that the creature lives in: draws the root view into the window, only when something has changed, and
+/// passes presses to what lies under the pointer. It takes pointer input only while the creature is hovered, a drag is
+/// near, or it has slid aside; otherwise clicks pass through. Main thread only; the references must outlive it.
 class NotchPanel : private PanelWindow::Listener {
  public:
     NotchPanel(NotchModel& model, RootView& root, DropIntake& drops, PanelWindow& window, Clock& clock, MainLoop& loop);
@@ -18,22 +18,21 @@ class NotchPanel : private PanelWindow::Listener {
 
     void show(const QRectF& frame);
     void setFrame(const QRectF& frame);
-    /// Where the panel is; its picture hangs lower while the shelf has more rows than fit.
+    /// The panel's frame; its picture reaches lower while the shelf has more rows than fit.
     QRectF frame() const { return frame_; }
-    /// Where the desktop shows it.
+    /// The window's actual frame on the desktop.
     QRectF shownFrame() const { return window_.frame(); }
 
-    /// The pointer is here on the screen now, with no button held in the panel.
+    /// The pointer moved to this place on the screen, with no button held in the panel.
     void pointerMoved(QPointF pointer);
-    /// The menu of what is at this place of the screen; empty where nothing has one of its own.
+    /// The context menu of what is at this place on the screen; empty if it has none of its own.
     QList<MenuItem> menuAt(QPointF pointer) const;
 
-    /// The right button went down on the panel, here on the screen.
+    /// The right button was pressed on the panel, at this place on the screen.
     std::function<void(QPointF pointer)> onRightPress;
 
-    /// Ends a press that is under way, without a tap: its release will not come, because something else takes the
-    /// pointer.
-    void letGo();
+    /// Cancels the current press, without a tap, when something else takes the pointer and its release will not come.
+    void cancelPress();
 
  private:
     struct Press {
@@ -41,7 +40,7 @@ class NotchPanel : private PanelWindow::Listener {
         QPointF pointer;  // on the screen
         bool dragged = false;
     };
-    /// Where the panel takes the pointer.
+    /// Where the panel takes pointer input.
     enum class Reach { nothing, body, panel };
 
     void exposed() override { drawFrame(true); }
@@ -72,7 +71,7 @@ class NotchPanel : private PanelWindow::Listener {
     Reach inputReach_ = Reach::nothing;
     QRegion inputRegion_;
     QRectF frame_;
-    double height_ = 0;  // of the picture; 0 until it has been fitted
+    double height_ = 0;  // of the picture; 0 until fitOverdraw()
     bool visible_ = false;
     std::optional<Press> press_;
 

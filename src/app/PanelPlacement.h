@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QRectF>
-#include <functional>
 
 #include "app/NotchGeometry.h"
 #include "creature/BehaviourEngine.h"
@@ -15,13 +14,13 @@ class PanelPlacement {
  public:
     PanelPlacement(NotchModel& model, Screens& screens, MainLoop& loop);
 
-    /// Takes over the notch's place into the model; false when there is no screen.
+    /// Writes the notch's position and size to the model; false if there is no screen.
     bool measure();
-    /// Begins to move `panel` with the slide and with changes of the screens.
+    /// Starts moving `panel` with the slide and with screen changes.
     void follow(NotchPanel& panel, BehaviourEngine& behaviour);
-    /// The screens may have changed: a little later, when the desktop has settled, the panel is placed anew.
+    /// The screens may have changed: places the panel again shortly after, when the desktop has settled.
     void screensChanged();
-    /// Pretends that the panel's home was never known, so that the next change of the screens must find it.
+    /// Discards the panel's home, so that the next screen change must find it again (for the self-test).
     void forgetHome();
 
     QRectF homeFrame() const { return homeFrame_; }
@@ -29,16 +28,16 @@ class PanelPlacement {
 
  private:
     void placePanel();
-    void take(const NotchGeometry& geometry);
+    void setGeometry(const NotchGeometry& geometry);
 
-    NotchModel& m_;
+    NotchModel& model_;
     Screens& screens_;
     MainLoop& loop_;
     NotchPanel* panel_ = nullptr;
     BehaviourEngine* behaviour_ = nullptr;
     QRectF homeFrame_;
     QRectF notch_;
-    QRectF place_;  // of the screen in the desktop
+    QRectF place_;  // of the screen on the desktop
     TimerHandle settled_;
     Subscription slideSubscription_;
 };

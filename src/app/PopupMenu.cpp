@@ -11,7 +11,7 @@
 QStringList describeMenu(const QList<MenuItem>& items) {
     QStringList lines;
     for (const MenuItem& item : items) {
-        if (item.separator()) {
+        if (item.isSeparator()) {
             lines.append(QStringLiteral("—— "));
             continue;
         }
@@ -26,11 +26,11 @@ namespace {
 
 void fill(QMenu& menu, const QList<MenuItem>& items, QStyle& style, bool translucent) {
     menu.setStyle(&style);
-    // For what the style leaves to others: the arrows of a menu that is too long for the screen.
+    // Colours what the style does not draw: the scroll arrows of a menu that is taller than the screen.
     menu.setPalette(QPalette(gray(0.2)));
     menu.setAttribute(Qt::WA_TranslucentBackground, translucent);
     for (const MenuItem& item : items) {
-        if (item.separator()) {
+        if (item.isSeparator()) {
             menu.addSeparator();
             continue;
         }
@@ -56,11 +56,11 @@ void popUp(const QList<MenuItem>& items, const QPoint& position, bool translucen
     menu->setAttribute(Qt::WA_DeleteOnClose);
     auto* style = new MenuStyle(translucent);
     fill(*menu, items, *style, translucent);
-    style->setParent(menu);  // after the submenus, which go first
+    style->setParent(menu);  // after the submenus, so that it is deleted after them
     menu->popup(position);
 }
 
 void closePopUp() {
-    // A submenu first, then the menu that it belongs to.
+    // Innermost submenu first.
     while (QWidget* open = QApplication::activePopupWidget()) open->close();
 }

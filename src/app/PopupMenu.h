@@ -6,14 +6,13 @@
 
 #include "platform/MenuItem.h"
 
-/// The lines that describe the menu in a terminal, one per top-level row, without line ends.
+/// A description of the menu for the terminal: one line per top-level row, without line ends.
 QStringList describeMenu(const QList<MenuItem>& items);
 
-/// Shows `items` as a menu at `position` (Qt's global coordinates) and runs the action of the chosen row. Its corners
-/// are round where the desktop can blend a `translucent` window. Returns at once; the menu deletes itself when it
-/// closes.
+/// Shows `items` as a menu at `position` (Qt's global coordinates) and runs the action of the chosen row. `translucent`
+/// windows get round corners; the desktop must blend them. Returns at once; the menu deletes itself when it closes.
 void popUp(const QList<MenuItem>& items, const QPoint& position, bool translucent);
 
-/// Closes the menu that popUp() has opened, if it is still there. A menu that could not take the pointer, because
-/// another program's menu had it, does not hear of a press elsewhere by itself.
+/// Closes the menu that popUp() opened, if it is still open. A menu that could not grab the pointer, because another
+/// program's menu had grabbed it, does not notice presses elsewhere.
 void closePopUp();

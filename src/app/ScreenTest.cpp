@@ -6,16 +6,12 @@
 
 namespace {
 
-constexpr double kStep = 1;  // seconds; the panel is placed well within one
-
-QString word(bool value) {
-    return value ? QStringLiteral("true") : QStringLiteral("false");
-}
+constexpr double kStep = 1;  // seconds; well above the delay before the panel is placed
 
 }  // namespace
 
 ScreenTest::ScreenTest(NotchModel& model, MainLoop& loop, PanelPlacement& placement, NotchPanel& panel)
-    : m_(model), loop_(loop), placement_(placement), panel_(panel) {}
+    : model_(model), loop_(loop), placement_(placement), panel_(panel) {}
 
 void ScreenTest::start() {
     next_ = loop_.after(kStep, [this] { pretendChange(); });
@@ -30,8 +26,8 @@ void ScreenTest::pretendChange() {
 void ScreenTest::reportUnchanged() {
     Diagnostics::write(QStringLiteral("screentest: before=%1 after=%2 same=%3 panel=%4 centerX=%5 top=%6")
                            .arg(formatRect(before_), formatRect(placement_.homeFrame()),
-                                word(before_ == placement_.homeFrame()), formatRect(panel_.shownFrame()),
-                                formatNumber(m_.centerX), formatNumber(m_.screenTop)));
+                                formatBool(before_ == placement_.homeFrame()), formatRect(panel_.shownFrame()),
+                                formatNumber(model_.centerX), formatNumber(model_.screenTop)));
     placement_.forgetHome();
     placement_.screensChanged();
     next_ = loop_.after(kStep, [this] { reportRecovered(); });
@@ -39,5 +35,5 @@ void ScreenTest::reportUnchanged() {
 
 void ScreenTest::reportRecovered() {
     Diagnostics::write(QStringLiteral("screentest: recovered=%1 panel=%2")
-                           .arg(word(placement_.homeFrame() == before_), formatRect(panel_.shownFrame())));
+                           .arg(formatBool(placement_.homeFrame() == before_), formatRect(panel_.shownFrame())));
 }

@@ -4,13 +4,13 @@
 
 class NotchPanel;
 
-/// The screen self-test: shows, as two lines on standard error, that an unchanged screen leaves the panel where it is
-/// and that a panel which lost its place finds it again. Runs for as long as the object lives. Main thread.
+/// The screen self-test: reports in two lines on standard error whether the panel stays put when no screen has changed,
+/// and whether it recovers from losing its home. Stops when the object is destroyed. Main thread only.
 class ScreenTest {
  public:
     ScreenTest(NotchModel& model, MainLoop& loop, PanelPlacement& placement, NotchPanel& panel);
 
-    /// Begins one second from now.
+    /// Starts in one second.
     void start();
 
  private:
@@ -18,7 +18,7 @@ class ScreenTest {
     void reportUnchanged();
     void reportRecovered();
 
-    NotchModel& m_;
+    NotchModel& model_;
     MainLoop& loop_;
     PanelPlacement& placement_;
     NotchPanel& panel_;

@@ -9,7 +9,7 @@
 
 namespace {
 
-/// A drop of files that no other program takes part in.
+/// A drop of files without a source program.
 class DropOfFiles : public Drop {
  public:
     DropOfFiles(MainLoop& loop, const QList<QUrl>& files) : loop_(loop) {
@@ -59,7 +59,7 @@ void ShelfSelfTest::reportDrop() {
 void ShelfSelfTest::startChew(const QString& request) {
     const qsizetype comma = request.indexOf(u',');
     QStringList parts{comma < 0 ? request : request.left(comma)};
-    if (comma >= 0) parts += request.mid(comma + 1);  // with what commas it has: such a kind is an unknown one
+    if (comma >= 0) parts += request.mid(comma + 1);  // a kind with further commas is simply unknown
     parts.removeAll(QString());
     if (parts.isEmpty()) return;
     const QUrl file = fileAt(parts[0]);

@@ -1,22 +1,20 @@
 #pragma once
 
-#include <QStringList>
-
 #include "creature/NotchModel.h"
 #include "platform/MainLoop.h"
 
 class DropIntake;
 class Shelf;
 
-/// The shelf's self-tests: drop files as a program would, or chew one, and report on standard error what the shelf
-/// holds then. They run for as long as the object lives. Main thread.
+/// The shelf's self-tests: drop files as another program would, or chew one, and report what the shelf then holds on
+/// standard error. They stop when the object is destroyed. Main thread only.
 class ShelfSelfTest {
  public:
     ShelfSelfTest(const NotchModel& model, Shelf& shelf, MainLoop& loop, DropIntake& drops);
 
-    /// `paths` are separated by commas. The drop comes a second later.
+    /// Drops `paths`, separated by commas, a second later.
     void startDrop(const QString& paths);
-    /// `request` is a path, and after a comma "jpeg" (as when absent), "png", "smaller" or "read".
+    /// `request` is a path, optionally followed by a comma and "jpeg" (the default), "png", "smaller" or "read".
     void startChew(const QString& request);
 
  private:

@@ -29,12 +29,12 @@ constexpr double kSlideHomeDelay = 5;
 constexpr double kSlideHomeDuration = 0.5;
 constexpr double kSlideHomeStep = 1.0 / 60;
 
-// The hover zone never gets smaller than this, however small the shape is.
-double zoneWidth(const NotchModel& m) {
-    return std::max(185.0, m.shapeWidth());
+// The hover zone has a minimum size, however small the shape is.
+double zoneWidth(const NotchModel& model) {
+    return std::max(NotchModel::kDefaultNotchWidth, model.shapeWidth());
 }
-double zoneHeight(const NotchModel& m) {
-    return std::max(40.0, m.shapeHeight());
+double zoneHeight(const NotchModel& model) {
+    return std::max(40.0, model.shapeHeight());
 }
 
 }  // namespace
@@ -80,8 +80,8 @@ void BehaviourEngine::pointerMoved(QPointF pointer) {
 
 void BehaviourEngine::startleAt(QPointF pointer, double elapsed) {
     if (elapsed <= kMinMoveInterval || model_.toy != Toy::critter || startleCooldown_) return;
-    const QPointF way = pointer - lastCursor_;
-    if (std::hypot(way.x(), way.y()) / elapsed <= kStartleSpeed || !inHoverZone(pointer, kStartleMargin)) return;
+    const QPointF move = pointer - lastCursor_;
+    if (std::hypot(move.x(), move.y()) / elapsed <= kStartleSpeed || !inHoverZone(pointer, kStartleMargin)) return;
     ++model_.startleCount;
     startleCooldown_ = true;
     cooldownEnd_ = loop_.after(kStartleCooldown, [this] { startleCooldown_ = false; });
@@ -97,9 +97,8 @@ void BehaviourEngine::publishGaze(QPointF pointer, double now, bool hoverChanges
 }
 
 void BehaviourEngine::setHovering(bool inside, QPointF pointer) {
-    const auto word = [](bool value) { return value ? QStringLiteral("true") : QStringLiteral("false"); };
     trace_(QStringLiteral("hovering %1 → %2 at %3 zone=%4")
-               .arg(word(model_.hovering), word(inside), formatNumbers({pointer.x(), pointer.y()}),
+               .arg(formatBool(model_.hovering), formatBool(inside), formatNumbers({pointer.x(), pointer.y()}),
                     formatNumbers({zoneWidth(model_) * 0.5 + kEnterMargin, zoneHeight(model_) + kEnterMargin})));
     model_.withAnimation(commonSpring(), [&] { model_.hovering = inside; });
 }

@@ -7,15 +7,15 @@
 
 class Sounds;
 
-/// What makes the creature feel alive: turns pointer moves, other programs becoming active and the passage of time into
-/// changes of the model. Main thread only; the model and the ports must outlive it.
+/// Makes the creature feel alive: turns pointer moves, application switches and the passage of time into changes of the
+/// model. Main thread only; the model and the ports must outlive it.
 class BehaviourEngine {
  public:
     /// `random` gives uniformly distributed numbers in [0, 1). `trace` receives the trace lines, without line ends.
     BehaviourEngine(NotchModel& model, Clock& clock, MainLoop& loop, Sounds& sounds, std::function<double()> random,
                     std::function<void(const QString&)> trace);
 
-    /// Starts the handling of slides; it runs from the beginning, even in demo mode.
+    /// Starts sliding the panel home after it was pushed aside. Runs from the start, even in demo mode.
     void watchSlides();
 
     void pointerMoved(QPointF pointer);
@@ -24,19 +24,19 @@ class BehaviourEngine {
     void notchTapped();
     /// A held timer has come due.
     void timerRang();
-    /// Yawns, unless something speaks against it.
+    /// Yawns, unless the creature is asleep, attending, quiet, or showing the weather.
     void yawn();
     /// To be called every 15 s: a tired creature yawns now and then.
     void yawnTick();
     /// To be called every 4 s: long work asks for a stretch, a forgotten creature dozes off.
     void lifeTick();
 
-    /// Whether `pointer` is on the notch shape, slid as it is, or within `margin` points of it.
+    /// Whether `pointer` is on the notch shape, wherever it has slid to, or within `margin` points of it.
     bool inHoverZone(QPointF pointer, double margin) const;
-    /// Forgets the way home that is pending; the panel was put home otherwise.
+    /// Cancels a pending slide home, for when the panel was put home by other means.
     void cancelSlideHome();
 
-    /// Called by a tap while a timer has rung: takes those that have off the shelf.
+    /// Called by a tap after a timer has rung: removes the timers that have.
     std::function<void()> clearDoneTimers;
     /// Called by a tap while an agent waits for the user: brings its terminal forward.
     std::function<void()> focusBlockedTerminal;
@@ -58,7 +58,7 @@ class BehaviourEngine {
     std::function<double()> random_;
     std::function<void(const QString&)> trace_;
 
-    // Moments are Clock::uptime(): setting the time must neither hold up the eyes nor keep the creature awake.
+    // Times are Clock::uptime(): setting the wall clock must neither freeze the eyes nor keep the creature awake.
     QPointF lastCursor_;
     double lastMoveTime_;
     double lastGazePublish_;

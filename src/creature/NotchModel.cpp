@@ -14,7 +14,7 @@ bool NotchModel::timerRung() const {
 }
 
 double NotchModel::shapeWidth() const {
-    const double resting = std::max(185.0, notchSize.width());
+    const double resting = std::max(kDefaultNotchWidth, notchSize.width());
     if (hidden) return notchSize.width();
     if (toy == Toy::weather) return attending() ? 300 : resting;
     if (dropTargeted || dragNear) return 300;

@@ -7,14 +7,14 @@
 
 QString formatNumber(double value) {
     std::array<char, 32> buffer{};
-    // Screen coordinates read best without an exponent, which the plain form would choose for 100000.
+    // Without a format, to_chars would write 100000 as 1e+05, which reads badly in screen coordinates.
     const double size = std::abs(value);
     const auto format =
         size == 0 || (size >= 1e-4 && size < 1e16) ? std::chars_format::fixed : std::chars_format::scientific;
     const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, format).ptr;
     QString text = QString::fromLatin1(buffer.data(), end - buffer.data());
     if (!std::isfinite(value) || text.contains(u'.')) return text;
-    // Large and small numbers have an exponent; the point belongs before it.
+    // The decimal point goes before an exponent.
     const auto exponent = text.indexOf(u'e');
     return text.insert(exponent < 0 ? text.size() : exponent, QStringLiteral(".0"));
 }

@@ -15,14 +15,14 @@ class ObservableObject {
     ObservableObject(const ObservableObject&) = delete;
     ObservableObject& operator=(const ObservableObject&) = delete;
 
-    /// Emitted before any published member is replaced.
+    /// Emitted before any published member changes.
     Signal<> objectWillChange;
-    /// Emitted when the change, or all changes of one withAnimation block, are complete, with the animation they were
-    /// made in; none means that they show at once.
+    /// Emitted after a change, or once after all changes of a withAnimation block, with the block's animation; without
+    /// one the change shows at once.
     Signal<const std::optional<Animation>&> objectDidChange;
 
-    /// Runs `block`; what it writes is seen by the observers as one change made with `animation`. Blocks nest: the
-    /// innermost animation holds for its block.
+    /// Runs `block`; observers see what it writes as one change made with `animation`. Blocks nest: each has its own
+    /// animation.
     template <class Block>
     void withAnimation(const Animation& animation, Block&& block) {
         const Transaction outer = std::exchange(transaction_, Transaction{animation, 0, true});
@@ -31,7 +31,7 @@ class ObservableObject {
         if (inner.changes > 0) objectDidChange.emit(inner.animation);
     }
 
-    /// For members and for state outside of them that the views read: brackets one change.
+    /// Bracket one change: of a published member, or of plain state that the views read.
     void willChange() { objectWillChange.emit(); }
     void didChange() {
         if (transaction_.open)
@@ -49,14 +49,14 @@ class ObservableObject {
     Transaction transaction_;
 };
 
-/// A member of an ObservableObject that reads and writes like a plain T. A write announces the new value, replaces the
-/// old one, lets those follow who save it, say, and reports the change as complete, whether or not it differs.
+/// A member of an ObservableObject that reads and writes like a plain T. Every write, even of an equal value, emits
+/// willChange, replaces the value, emits didSet, and then reports the change to the owner.
 template <class T>
 class Published {
  public:
     Published(ObservableObject& owner, T initial) : owner_(owner), value_(std::move(initial)) {}
     Published(const Published&) = delete;
-    /// Copies the value, as a chain of assignments does; each keeps its own observers.
+    /// Copies the value only; each keeps its own observers.
     Published& operator=(const Published& other) {
         if (this != &other) *this = other.value_;
         return *this;
@@ -80,10 +80,10 @@ class Published {
 
     /// Emitted with the new value before it replaces the old one.
     Signal<const T&> willChange;
-    /// Emitted when it has been replaced, before the owner reports the change.
+    /// Emitted after the write, before the owner reports the change.
     Signal<> didSet;
 
-    /// Calls `observer` through the main loop with the present value and with every later one.
+    /// Calls `observer` through the main loop, with the current value and with every later one.
     [[nodiscard]] Subscription deliver(MainLoop& loop, std::function<void(const T&)> observer) {
         auto shared = std::make_shared<std::function<void(const T&)>>(std::move(observer));
         auto forward = [&loop, weak = std::weak_ptr(shared)](const T& value) {

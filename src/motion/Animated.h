@@ -7,20 +7,20 @@
 #include "motion/Animation.h"
 #include "motion/Animations.h"
 
-/// A value on its way: aimed at a target with an Animation, asked where it is at a time. The value at a time depends
-/// only on how it was aimed, never on how often it was asked. Times are Clock::uptime() seconds.
+/// A value that moves to a target with an Animation. Where it is at a given time depends only on how it was aimed,
+/// never on how often it was sampled. Times are Clock::uptime() seconds.
 ///
-/// T is double or QPointF. Main thread only, as the views are.
+/// T is double or QPointF. Main thread only.
 template <class T>
 class Animated {
  public:
-    /// Belongs to `group` and rests at `value`. Within `precision` of its target, in the value's own unit, it counts as
-    /// arrived.
+    /// Belongs to `group` and starts at rest at `value`. Within `precision` of its target, in the value's own unit, it
+    /// counts as arrived.
     Animated(Animations& group, T value, double precision = 0.005)
         : group_(&group), target_(value), precision_(precision) {}
 
-    /// Sends the value to `target`: with `how` from where it is and as fast as it moves at `now`, without it at once.
-    /// Aiming at the present target changes nothing, so a view may aim all its values after every change of the model.
+    /// Moves the value to `target` with `how`, from its position and velocity at `now`; without `how`, at once. Aiming
+    /// at the current target changes nothing, so a view may aim all its values after every change of the model.
     void aim(const T& target, const std::optional<Animation>& how, double now) {
         if (target == target_) return;
         if (!how) {
@@ -37,7 +37,7 @@ class Animated {
         group_->started(moving_->end);
     }
 
-    /// Puts the value at `value` at once, also when that is the present target.
+    /// Sets the value at once, even if `value` is already the target of a movement.
     void jump(const T& value) {
         target_ = value;
         moving_.reset();

@@ -6,7 +6,7 @@
 
 namespace {
 
-// Below this distance from critical damping the two other closed forms lose digits to cancellation.
+// Closer than this to critical damping, the other two closed forms lose digits to cancellation.
 constexpr double kCritical = 1e-6;
 
 double bezier(double p1, double p2, double s) {

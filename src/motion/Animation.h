@@ -2,33 +2,33 @@
 
 #include <variant>
 
-/// How a value travels from where it is to where it is sent: a timing curve with a duration, or a spring.
+/// How a value moves to its target: by a timing curve with a duration, or by a spring.
 ///
-/// Both are linear in where the value starts and how fast it moves there, so a journey is described by its Response.
-/// A plain value: copy it freely, any thread.
+/// Both are linear in the starting distance and velocity, so a Response describes the movement. A plain value type; any
+/// thread.
 class Animation {
  public:
-    /// A damped spring: `mass` 1 is the unit, `stiffness` per square second, `damping` per second. `initialVelocity` is
-    /// the fraction of the way covered per second at the start, on top of what speed the value has already.
+    /// A damped spring: `stiffness` per square second and `damping` per second for a `mass` of 1. `initialVelocity` is
+    /// the fraction of the distance covered per second at the start, in addition to the value's current velocity.
     static Animation interpolatingSpring(double mass, double stiffness, double damping, double initialVelocity = 0);
-    /// A spring that, undamped, would swing once in `response` seconds; a `dampingFraction` of 1 is critical.
+    /// A spring with an undamped period of `response` seconds; a `dampingFraction` of 1 is critical.
     static Animation spring(double response, double dampingFraction);
     static Animation easeInOut(double duration);
     static Animation easeOut(double duration);
 
-    /// What is left of the way, and of the starting speed, `t` seconds after the start: the distance to the target is
-    /// `distance * x0 + speed * v0`, for a start at distance x0 with speed v0; the rates are its derivatives in time.
+    /// `t` seconds after a start at distance x0 with speed v0, the distance to the target is
+    /// `distance * x0 + speed * v0`; the rates are the time derivatives of the two factors.
     struct Response {
         double distance = 0, speed = 0;
         double distanceRate = 0, speedRate = 0;
     };
     Response at(double t) const;
 
-    /// Seconds after which a value that starts `x0` from its target at speed `v0` (magnitudes) stays within
-    /// `precision`.
+    /// Seconds after which a value that starts at distance `x0` with speed `v0` (magnitudes) stays within `precision`
+    /// of its target.
     double settlingTime(double x0, double v0, double precision) const;
 
-    /// See interpolatingSpring; 0 for every other kind.
+    /// See interpolatingSpring(); 0 for all other kinds.
     double initialVelocity() const;
 
     friend bool operator==(const Animation&, const Animation&) = default;

@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <limits>
 
-/// Knows whether any of the values that belong to it moves. Each Animated is given one when it is made and tells it of
-/// every movement, so nobody lists them. Must outlive them. Main thread only.
+/// A group of Animated values: knows whether any of them is moving. Each value reports its movements to the group that
+/// it was constructed with. Must outlive its values. Main thread only.
 class Animations {
  public:
-    /// A movement has begun that ends at `end`, by Clock::uptime().
+    /// A movement has started that ends at `end` (Clock::uptime()).
     void started(double end) { end_ = std::max(end_, end); }
     bool moving(double now) const { return now < end_; }
 

@@ -8,8 +8,8 @@
 #include "platform/Lifetime.h"
 #include "platform/MainLoop.h"
 
-/// The jobs of one owner that run away from the main thread. Their results come back on it, unless the owner is gone by
-/// then; jobs themselves always run to their end. Main thread only.
+/// Runs jobs of one owner away from the main thread. Their results come back to it, unless the owner is gone by then;
+/// the jobs themselves always run to completion. Main thread only.
 class BackgroundJobs {
  public:
     /// Both must outlive the jobs, not only their owner.
@@ -24,7 +24,7 @@ class BackgroundJobs {
                 job();
                 loop.post(std::move(then));
             } else {
-                // Shared, since a posted function must be copyable and a result, such as a descriptor, need not be.
+                // Shared, since a std::function must be copyable and a result, such as a descriptor, may not be.
                 auto result = std::make_shared<std::invoke_result_t<Job&>>(job());
                 loop.post([result, then = std::move(then)]() mutable { then(std::move(*result)); });
             }

@@ -10,7 +10,7 @@
 #include <optional>
 #include <utility>
 
-/// A file descriptor that closes itself. Negative when there is none.
+/// Owns a file descriptor. Empty if negative.
 class Descriptor {
  public:
     explicit Descriptor(int fd = -1) : fd_(fd) {}
@@ -25,15 +25,15 @@ class Descriptor {
 
     explicit operator bool() const { return fd_ >= 0; }
     int get() const { return fd_; }
-    /// Leaves it to the caller to close it.
+    /// Gives up ownership: the caller has to close it.
     int release() { return std::exchange(fd_, -1); }
 
  private:
     int fd_;
 };
 
-/// Opens a regular file for reading; none for everything else. Never waits for the other end of a pipe, but as long as
-/// the file's disk takes.
+/// Opens a regular file for reading; empty for anything else. Does not block on a pipe's other end, but may on the
+/// disk.
 inline Descriptor openRegularFile(const QByteArray& path) {
     Descriptor file(::open(path.constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     struct stat status = {};
@@ -41,7 +41,7 @@ inline Descriptor openRegularFile(const QByteArray& path) {
     return file;
 }
 
-/// Reads what is left, up to `max` bytes; absent when that fails.
+/// Reads the rest of the file, up to `max` bytes; absent on failure.
 inline std::optional<QByteArray> readUpTo(int descriptor, qsizetype max) {
     QByteArray bytes(max, Qt::Uninitialized);
     qsizetype got = 0;
@@ -56,7 +56,7 @@ inline std::optional<QByteArray> readUpTo(int descriptor, qsizetype max) {
     return bytes;
 }
 
-/// False when not all of it could be written.
+/// False if not everything could be written.
 inline bool writeAll(int descriptor, const QByteArray& bytes) {
     for (qsizetype done = 0; done < bytes.size();) {
         const ssize_t n = ::write(descriptor, bytes.constData() + done, size_t(bytes.size() - done));
@@ -67,8 +67,8 @@ inline bool writeAll(int descriptor, const QByteArray& bytes) {
     return true;
 }
 
-/// A file without a name that holds these bytes, to be read from its beginning; none when there is no memory for it.
-/// Unlike a pipe it never makes its writer wait for a reader.
+/// An anonymous file in memory with these bytes, positioned at its start; empty if out of memory. Unlike a pipe, it
+/// never blocks the writer.
 inline Descriptor fileInMemory(const QByteArray& bytes) {
     Descriptor file(::memfd_create("bytes", MFD_CLOEXEC));
     if (file && (!writeAll(file.get(), bytes) || ::lseek(file.get(), 0, SEEK_SET) != 0)) return Descriptor();

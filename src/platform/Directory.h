@@ -7,15 +7,15 @@
 
 #include "platform/Descriptor.h"
 
-// What stands in a directory. Disks are asked: only away from the main thread.
+// Directory listings. They block on the disk: only away from the main thread.
 
-/// An entry itself, which may be a symbolic link.
+/// The status of a directory entry itself, even if it is a symbolic link.
 struct FileStatus {
     /// What stays the same when a file is renamed.
     struct Identity {
         quint64 device = 0, inode = 0;
-        /// Nanoseconds since 1970; 0 where the file system does not tell. Tells a file from a later one that was given
-        /// the inode of a deleted one.
+        /// Creation time in nanoseconds since 1970; 0 if the file system has none. Distinguishes a file from a later
+        /// one that reuses its inode.
         quint64 created = 0;
         bool operator==(const Identity&) const = default;
     };
@@ -25,7 +25,7 @@ struct FileStatus {
     uid_t owner = 0;
 };
 
-/// Absent when there is no such entry. `path` is looked up from `directory`, or from nowhere if it is absolute.
+/// Absent if there is no such entry. `path` is relative to `directory`, unless it is absolute.
 inline std::optional<FileStatus> statusOf(int directory, const char* path) {
     struct statx status = {};
     constexpr unsigned kWanted = STATX_TYPE | STATX_MODE | STATX_UID | STATX_INO | STATX_BTIME;
@@ -37,12 +37,12 @@ inline std::optional<FileStatus> statusOf(int directory, const char* path) {
                       status.stx_uid};
 }
 
-/// Calls `visit` with the name and the inode of each entry of an open directory, in no order, until it returns false or
-/// `max` were seen. However long the directory is, one buffer of names is held. A hundred thousand cached names take
-/// about 0.1 s and their statuses 0.5 s more: ask only for those whose names or inodes fit.
+/// Calls `visit` with the name and inode of each entry of an open directory, in no particular order, until it returns
+/// false or `max` entries were seen. Needs only one buffer of names, however long the directory is. Listing 100,000
+/// cached names takes about 0.1 s, and statusOf() all of them 0.5 s more: call it only for names or inodes that match.
 template <class Visit>
 void visitEntries(int directory, Visit visit, int max = 1'000'000) {
-    // Opened once more, for a place of its own in the directory.
+    // Opened again, so that the read position is our own.
     Descriptor own(::openat(directory, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     const std::unique_ptr<DIR, int (*)(DIR*)> entries(own ? ::fdopendir(own.get()) : nullptr, &::closedir);
     if (!entries) return;

@@ -3,7 +3,7 @@
 #include <QLatin1String>
 #include <array>
 
-/// The MIME types of what is taken from a drop; of each kind the best first.
+/// The MIME types that are accepted in a drop; best first within each kind.
 namespace DropTypes {
 
 inline constexpr std::array kAddresses{QLatin1StringView("text/uri-list"), QLatin1StringView("text/x-moz-url"),
@@ -18,7 +18,7 @@ inline constexpr std::array kImages{Image{QLatin1StringView("image/png"), QLatin
                                     Image{QLatin1StringView("image/heic"), QLatin1StringView("heic")}};
 
 inline constexpr QLatin1StringView kText("text/plain;charset=utf-8");
-/// The bytes of a file that is promised.
+/// The bytes of a promised file.
 inline constexpr QLatin1StringView kPromisedBytes("application/octet-stream");
 
 }  // namespace DropTypes

@@ -5,14 +5,14 @@
 
 // File names are bytes, and not always UTF-8. A file URL keeps them, percent-encoded; QUrl::toLocalFile() does not.
 
-/// The path that `file` names, byte for byte; empty for what is not a file on this machine.
+/// The path of `file`, byte for byte; empty for what is not a file on this machine.
 inline QByteArray pathOf(const QUrl& file) {
     if (!file.isLocalFile() || !file.host().isEmpty()) return {};
     return QByteArray::fromPercentEncoding(file.path(QUrl::FullyEncoded).toLatin1());
 }
 
-/// The file URL of an absolute path; equal for equal paths. Of several slashes at the beginning one is kept: in a URL
-/// the others would announce the name of a machine.
+/// The file URL of an absolute path; equal for equal paths. Several leading slashes become one, since in a URL "//"
+/// would start a host name.
 inline QUrl fileUrl(QByteArray path) {
     while (path.startsWith("//")) path.remove(0, 1);
     const QString text = QString::fromUtf8(path);

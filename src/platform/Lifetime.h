@@ -3,14 +3,15 @@
 #include <memory>
 #include <utility>
 
-/// A member that ends with its owner, for the owner's callbacks that others may call later than that. Main thread only.
+/// A member that guards its owner's callbacks against being called after the owner is gone. Main thread only.
 class Lifetime {
  public:
     Lifetime() = default;
     Lifetime(const Lifetime&) = delete;
     Lifetime& operator=(const Lifetime&) = delete;
 
-    /// `callback`, but doing nothing once the owner is gone. May be moved between threads, not called elsewhere.
+    /// `callback`, but it does nothing once the owner is gone. May be moved between threads; call it on the main
+    /// thread.
     template <class Callback>
     auto guard(Callback callback) const {
         return [alive = std::weak_ptr(token_), callback = std::move(callback)](auto&&... arguments) mutable {

@@ -3,15 +3,15 @@
 #include <functional>
 #include <memory>
 
-/// A pending call of the main loop; dropping or cancelling it means that the call does not happen (any more).
+/// A pending call of the main loop. Destroying or cancelling it cancels the call.
 class TimerHandle {
  public:
     TimerHandle() = default;
     explicit TimerHandle(std::shared_ptr<void> timer) : timer_(std::move(timer)) {}
 
     void cancel() { timer_.reset(); }
-    /// Whether a call may still come: false after cancel() and for a handle made empty. A one-shot timer that has fired
-    /// keeps its handle until it is replaced or cancelled.
+    /// Whether there is a timer: false after cancel() and for a default-constructed handle. Stays true after a one-shot
+    /// timer has fired, until it is replaced or cancelled.
     explicit operator bool() const { return timer_ != nullptr; }
 
     TimerHandle(TimerHandle&&) noexcept = default;
@@ -31,11 +31,11 @@ class MainLoop {
 
     virtual ~MainLoop() = default;
 
-    /// Runs `callback` on the main thread in the order of posting, after what runs now has returned.
+    /// Runs `callback` on the main thread later, in the order of posting.
     virtual void post(Callback callback) = 0;
-    /// Runs `callback` once, `seconds` from now, unless the handle is dropped before.
+    /// Runs `callback` once, `seconds` from now, unless the handle is destroyed before.
     [[nodiscard]] virtual TimerHandle after(double seconds, Callback callback) = 0;
-    /// Runs `callback` every `seconds`, first after `seconds`, until the handle is dropped. Periods of a quarter of a
-    /// second and more may be moved by a few per cent, so that several timers share a wake-up.
+    /// Runs `callback` every `seconds`, first after `seconds`, until the handle is destroyed. Periods of 0.25 s and
+    /// more may be off by a few per cent, so that several timers share a wake-up.
     [[nodiscard]] virtual TimerHandle every(double seconds, Callback callback) = 0;
 };

@@ -7,9 +7,9 @@
 /// One row of a menu.
 struct MenuItem {
     QString title;                 ///< empty: a separator
-    std::function<void()> action;  ///< none: opens the submenu, or cannot be chosen
+    std::function<void()> action;  ///< none: opens the submenu, or is disabled
     bool checked = false;
     QList<MenuItem> submenu;
 
-    bool separator() const { return title.isEmpty(); }
+    bool isSeparator() const { return title.isEmpty(); }
 };

@@ -7,6 +7,6 @@ class Pasteboard {
  public:
     virtual ~Pasteboard() = default;
 
-    /// Replaces what is on the clipboard by plain text.
+    /// Replaces the contents of the clipboard with plain text.
     virtual void setString(const QString& text) = 0;
 };

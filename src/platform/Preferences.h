@@ -6,21 +6,21 @@
 #include <functional>
 #include <optional>
 
-/// The user's preferences: named values of a few types, kept across restarts. Main thread only.
+/// The user's preferences: named values of a few types that persist across restarts. Main thread only.
 ///
-/// A setter takes effect in memory at once and is written through in the background, again and again if need be; each
-/// key holds its old or its new value on disk whenever the process dies. A key that was never written, holds another
-/// type or cannot be read is absent.
+/// A setter takes effect in memory at once and is written in the background, with retries; whenever the process dies,
+/// each key has its old or its new value on disk. A key that was never written, has another type or cannot be read is
+/// absent.
 class Preferences {
  public:
     virtual ~Preferences() = default;
 
-    /// Whether what is stored has been read. Until then only what was set here is known; it goes before what is stored,
-    /// and nothing is written.
+    /// Whether the stored values have been read. Until then only values set here are known, which take precedence over
+    /// stored ones, and nothing is written.
     virtual bool isRead() const = 0;
-    /// Calls `then` on the main thread once isRead(): at once if it is so already.
+    /// Calls `then` on the main thread once isRead(); immediately if it already is.
     virtual void whenRead(std::function<void()> then) = 0;
-    /// Called on the main thread when something that was set could not be written; not again until all has been.
+    /// Called on the main thread when writing fails; not again until everything has been written.
     std::function<void()> onSaveFailed;
 
     /// False when absent.

@@ -2,7 +2,7 @@
 
 #include <functional>
 
-/// Whether the user has locked the screen, or something else that nobody must look past covers it. Main thread only.
+/// Whether the screen is locked, or covered by something like a lock screen. Main thread only.
 class ScreenLock {
  public:
     virtual ~ScreenLock() = default;

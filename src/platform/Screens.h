@@ -8,12 +8,12 @@
 /// One screen. Rectangles are in points, y grows upwards, and the origin is the bottom left corner of the main screen.
 struct Screen {
     QRectF frame;  ///< QRectF::top() is the lowest y here, QRectF::bottom() the screen's top edge
-    /// The strips left and right of the camera housing; both absent on a screen without one.
+    /// The strips to the left and right of the camera housing; both absent on a screen without one.
     std::optional<QRectF> auxiliaryTopLeftArea;
     std::optional<QRectF> auxiliaryTopRightArea;
     bool main = false;
-    /// Where the desktop has it, in the desktop's own units. Only good for telling whether it moved: the frame of the
-    /// main screen does not.
+    /// Where the screen is on the desktop, in the desktop's own units. Only for detecting that it moved, which the main
+    /// screen's frame does not show.
     QRectF place{};
 
     friend bool operator==(const Screen&, const Screen&) = default;
@@ -24,9 +24,9 @@ class Screens {
  public:
     virtual ~Screens() = default;
 
-    /// In the desktop's own order; empty when there is none.
+    /// In the desktop's own order; empty if there is none.
     virtual QList<Screen> screens() const = 0;
 
-    /// Called after screens were added, removed, resized, moved or made primary; several changes may give one call.
+    /// Called after screens were added, removed, resized, moved or made primary; several changes may share one call.
     std::function<void()> onChange;
 };

@@ -5,7 +5,7 @@
 #include <memory>
 #include <vector>
 
-/// Keeps an observer connected for as long as it lives. May outlive the signal.
+/// Keeps an observer connected while it lives. May outlive the signal.
 using Subscription = std::shared_ptr<void>;
 
 /// Calls its observers, in the order in which they subscribed. Main thread only.
@@ -20,12 +20,12 @@ class Signal {
         return slot;
     }
 
-    /// Whether a call would reach anybody.
+    /// Whether emit() would call anyone.
     bool hasObservers() const {
         return std::any_of(slots_.begin(), slots_.end(), [](const auto& slot) { return !slot.expired(); });
     }
 
-    /// An observer may subscribe or unsubscribe others, or itself; a new one is first called the next time.
+    /// Observers may subscribe and unsubscribe meanwhile; a new one is first called by the next emit().
     void emit(Arguments... arguments) {
         std::erase_if(slots_, [](const auto& slot) { return slot.expired(); });
         const auto slots = slots_;

@@ -4,8 +4,8 @@
 
 namespace {
 
-constexpr double kAfterTaste = 1.1;  // seconds that the creature goes on chewing when the job is done
-constexpr double kPatience = 80;     // seconds; the worker has a minute, and the disk of a file may never answer
+constexpr double kExtraChewing = 1.1;  // seconds of chewing after the job is done
+constexpr double kTimeout = 80;        // seconds; the worker has 60, but a file's disk may never answer
 
 bool failed() {
     return false;
@@ -19,23 +19,23 @@ ChewJobs::ChewJobs(NotchModel& model, MainLoop& loop, BackgroundQueue& queue)
 void ChewJobs::start(std::function<Outcome()> job) {
     if (model_.chewing) return;
     model_.withAnimation(Animation::easeInOut(0.3), [this] { model_.chewing = true; });
-    const auto isGivenUp = std::make_shared<std::atomic_bool>(false);
-    end_ = loop_.after(kPatience, [this, isGivenUp] {
-        *isGivenUp = true;
+    const auto isAbandoned = std::make_shared<std::atomic_bool>(false);
+    end_ = loop_.after(kTimeout, [this, isAbandoned] {
+        *isAbandoned = true;
         end(failed);
     });
-    // When disks that hang hold up all threads, it may begin when nobody waits for it any more.
-    jobs_.run([isGivenUp, job = std::move(job)] { return *isGivenUp ? Outcome(failed) : job(); },
-              [this, isGivenUp](const Outcome& outcome) {
-                  if (!*isGivenUp) end_ = loop_.after(kAfterTaste, [this, outcome] { end(outcome); });
+    // If hung disks block all threads, the job may only start after we have given up on it.
+    jobs_.run([isAbandoned, job = std::move(job)] { return *isAbandoned ? Outcome(failed) : job(); },
+              [this, isAbandoned](const Outcome& outcome) {
+                  if (!*isAbandoned) end_ = loop_.after(kExtraChewing, [this, outcome] { end(outcome); });
               });
 }
 
 void ChewJobs::end(const Outcome& outcome) {
-    bool isWell = false;
+    bool succeeded = false;
     model_.withAnimation(Animation::spring(0.32, 0.8), [&] {
         model_.chewing = false;
-        isWell = outcome();
+        succeeded = outcome();
     });
-    if (!isWell) ++model_.worryCount;
+    if (!succeeded) ++model_.worryCount;
 }

@@ -12,12 +12,12 @@ ChewedName::ChewedName(const QByteArray& sourceName, Chewer::Mode mode)
     if (dot > 0 && dot + 1 < stem_.size()) stem_.truncate(dot);
 }
 
-QByteArray ChewedName::plain(qsizetype longest) const {
-    return withEnd(suffix_ + extension_, longest);
+QByteArray ChewedName::plain(qsizetype maxLength) const {
+    return withEnd(suffix_ + extension_, maxLength);
 }
 
-QByteArray ChewedName::numbered(int number, qsizetype longest) const {
-    return withEnd(suffix_ + '-' + QByteArray::number(number) + extension_, longest);
+QByteArray ChewedName::numbered(int number, qsizetype maxLength) const {
+    return withEnd(suffix_ + '-' + QByteArray::number(number) + extension_, maxLength);
 }
 
 std::vector<int> ChewedName::numbers() {
@@ -29,9 +29,9 @@ std::vector<int> ChewedName::numbers() {
     return numbers;
 }
 
-QByteArray ChewedName::withEnd(const QByteArray& end, qsizetype longest) const {
-    qsizetype size = std::min(stem_.size(), std::max<qsizetype>(longest - end.size(), 1));
-    // Not in the middle of a character: its later bytes are of the form 10xxxxxx, and there are at most three.
+QByteArray ChewedName::withEnd(const QByteArray& end, qsizetype maxLength) const {
+    qsizetype size = std::min(stem_.size(), std::max<qsizetype>(maxLength - end.size(), 1));
+    // Do not cut a UTF-8 character: its continuation bytes, at most three, have the form 10xxxxxx.
     if (size < stem_.size())
         for (int i = 0; i < 3 && size > 1 && (uchar(stem_[size]) & 0xc0) == 0x80; ++i) --size;
     return stem_.left(size) + end;

@@ -5,20 +5,20 @@
 
 #include "shelf/Chewer.h"
 
-/// What a chewed file is to be called: the source's name without its extension, what its mode adds, and a number if the
-/// name alone is taken. The source's name may hold any bytes; names become no longer than `longest` bytes.
+/// Names for a chewed file: the source's name without its extension, a suffix for the mode, and a number if that name
+/// is taken. The source's name may contain any bytes; the results are at most `maxLength` bytes long.
 class ChewedName {
  public:
     ChewedName(const QByteArray& sourceName, Chewer::Mode mode);
 
-    QByteArray plain(qsizetype longest) const;
-    QByteArray numbered(int number, qsizetype longest) const;
+    QByteArray plain(qsizetype maxLength) const;
+    QByteArray numbered(int number, qsizetype maxLength) const;
 
-    /// In the order in which they are to be tried: two digits at random, then what comes after them.
+    /// The numbers to try, in order: those of two digits shuffled, then the following ones.
     static std::vector<int> numbers();
 
  private:
-    QByteArray withEnd(const QByteArray& end, qsizetype longest) const;
+    QByteArray withEnd(const QByteArray& end, qsizetype maxLength) const;
 
     QByteArray stem_;
     QByteArray suffix_;

@@ -36,13 +36,13 @@ ChewError failure(int code, const char* description) {
     return {QStringLiteral("chew"), code, QString::fromLatin1(description)};
 }
 
-/// Where a result goes.
-struct Place {
+/// Where a result is written.
+struct Destination {
     QByteArray folder;
-    std::unique_ptr<ResultFile> file;  // null if it can go nowhere
+    std::unique_ptr<ResultFile> file;  // null if none could be created
 };
 
-Place placeFor(Worker& worker, const QByteArray& folder, QByteArray fallback) {
+Destination destinationFor(Worker& worker, const QByteArray& folder, QByteArray fallback) {
     auto own = worker.resultIn(folder);
     if (own || (errno != EACCES && errno != EPERM && errno != EROFS)) return {folder, std::move(own)};
     while (fallback.endsWith('/')) fallback.chop(1);
@@ -56,22 +56,22 @@ bool exists(const QByteArray& path) {
     return ::lstat(path.constData(), &status) == 0;
 }
 
-/// Whether the path leads to the open file.
-bool isAt(const QByteArray& path, int descriptor) {
+/// Whether `path` is the file that `descriptor` has open.
+bool isSameFile(const QByteArray& path, int descriptor) {
     struct stat there = {}, file = {};
     return ::stat(path.constData(), &there) == 0 && ::fstat(descriptor, &file) == 0 && there.st_dev == file.st_dev &&
            there.st_ino == file.st_ino;
 }
 
-/// The name that the file got; empty when it could get none. `isTaken` says that the plain one is not to be tried.
+/// Gives the file the first free name and returns it; empty on failure. `isTaken` skips the plain name.
 QByteArray giveName(ResultFile& file, const ChewedName& name, bool isTaken) {
     using Naming = ResultFile::Naming;
-    const qsizetype longest = file.longestName();
-    QByteArray tried = name.plain(longest);
+    const qsizetype maxLength = file.maxNameLength();
+    QByteArray tried = name.plain(maxLength);
     Naming naming = isTaken ? Naming::taken : file.name(tried);
     if (naming == Naming::taken) {
         for (const int number : ChewedName::numbers()) {
-            tried = name.numbered(number, longest);
+            tried = name.numbered(number, maxLength);
             naming = file.name(tried);
             if (naming != Naming::taken) break;
         }
@@ -103,19 +103,21 @@ std::variant<QUrl, ChewError> Chewer::chew(const QUrl& source, Mode mode, const 
     if (!file) return failure(1, "couldn't open the image");
     const qsizetype slash = path.lastIndexOf('/');
     const QByteArray folder = path.left(slash);
-    const Place place = placeFor(worker_, folder.isEmpty() ? "/" : folder, pathOf(fallbackFolder));
-    // Without a place for it, there may still be another reason.
-    if (const auto error = errorIn(worker_.run({QStringLiteral("chew"), nameOf(mode)}, file.get(), place.file.get())))
+    const Destination destination = destinationFor(worker_, folder.isEmpty() ? "/" : folder, pathOf(fallbackFolder));
+    // Run it even without a destination: a broken source is the better error to report.
+    if (const auto error =
+            errorIn(worker_.run({QStringLiteral("chew"), nameOf(mode)}, file.get(), destination.file.get())))
         return *error;
-    if (!place.file) return failure(2, "couldn't write the result");
+    if (!destination.file) return failure(2, "couldn't write the result");
 
     const ChewedName name(path.mid(slash + 1), mode);
-    const bool isTaken = exists(folder + '/' + name.plain(place.file->longestName()));
+    const bool isTaken = exists(folder + '/' + name.plain(destination.file->maxNameLength()));
     QByteArray given;
-    if (isWhole(place.file->descriptor(), mode) && place.file->finish()) given = giveName(*place.file, name, isTaken);
+    if (isComplete(destination.file->descriptor(), mode) && destination.file->finish())
+        given = giveName(*destination.file, name, isTaken);
     if (given.isEmpty()) return failure(3, "couldn't finish the file");
-    const QByteArray made = place.folder + '/' + given;
-    return fileUrl(isAt(made, place.file->descriptor()) ? made : place.file->folder() + '/' + given);
+    const QByteArray made = destination.folder + '/' + given;
+    return fileUrl(isSameFile(made, destination.file->descriptor()) ? made : destination.file->folder() + '/' + given);
 }
 
 std::variant<QString, ChewError> Chewer::readText(const QUrl& source) {

@@ -7,9 +7,9 @@
 
 class Worker;
 
-/// Why a job failed. Of the domain "chew": 1 the image could not be opened, 2 the result could not be made, 3 nor
-/// finished, 4 the PDF could not be opened, 5 and 6 its page could not be drawn, 7 there was no text. Of the domain
-/// "worker", code 0: the job died, took too long, or answered what makes no sense.
+/// Why a job failed. Domain "chew": 1 the image could not be opened, 2 the result could not be created, 3 it could not
+/// be completed, 4 the PDF could not be opened, 5 and 6 its page could not be rendered, 7 no text was found. Domain
+/// "worker", code 0: the job crashed, timed out, or gave an invalid answer.
 struct ChewError {
     QString domain;
     int code = 0;
@@ -18,9 +18,9 @@ struct ChewError {
     friend bool operator==(const ChewError&, const ChewError&) = default;
 };
 
-/// Turns held images into other images, and images and PDFs into text. The work is done by a process of its own, which
-/// gets to see nothing but the open file and is not believed more than it; calls wait for it, and for the file's disk,
-/// so they are made away from the main thread, where one that waits for ever holds up no other.
+/// Converts held images, and reads the text in images and PDFs. A separate process does the work; it sees only the open
+/// file, and its answers are trusted no more than that file. Calls block on the process and on the file's disk,
+/// possibly forever: never call on the main thread.
 class Chewer {
  public:
     enum class Mode { toJPEG, toPNG, smaller };
@@ -28,16 +28,16 @@ class Chewer {
     /// `worker` must outlive the chewer.
     explicit Chewer(Worker& worker) : worker_(worker) {}
 
-    /// Extensions, in lower case, of the files that can be chewed.
+    /// Lower-case extensions of the files that can be chewed.
     static const QStringList& chewableExtensions();
-    /// Whether the file's name says that it can be chewed, or that text can be read out of it.
+    /// Whether the file can be chewed, or its text read, going by its extension.
     static bool canChew(const QUrl& file);
     static bool canRead(const QUrl& file);
 
-    /// Converts `source` into a new file beside it, or in `fallbackFolder` where that cannot be, and gives the new
-    /// file's URL. The source stays as it is.
+    /// Converts `source` into a new file beside it, or in `fallbackFolder` if its own folder is not writable. Returns
+    /// the new file's URL; the source is not changed.
     std::variant<QUrl, ChewError> chew(const QUrl& source, Mode mode, const QUrl& fallbackFolder);
-    /// The text on an image or on the first page of a PDF, its lines joined by line feeds.
+    /// The text in an image or on the first page of a PDF, its lines joined with line feeds.
     std::variant<QString, ChewError> readText(const QUrl& source);
 
  private:

@@ -10,13 +10,13 @@
 class Sharing;
 class Workspace;
 
-/// What can be done with a thing on the shelf. Main thread only; the references must outlive it.
+/// The actions on a thing on the shelf. Main thread only; the references must outlive it.
 class ChipActions {
  public:
     ChipActions(NotchModel& model, Shelf& shelf, Workspace& workspace, Sharing& sharing)
         : model_(model), shelf_(shelf), workspace_(workspace), sharing_(sharing) {}
 
-    /// Shows a menu of ways to share something; called a while after the user has asked for it.
+    /// Shows a menu of ways to share something; called some time after the user asked for it.
     std::function<void(const QList<MenuItem>&)> showSharing;
 
     /// The chip's context menu.

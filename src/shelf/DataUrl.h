@@ -4,13 +4,13 @@
 #include <QString>
 #include <optional>
 
-/// An image that is its own address.
+/// An image embedded in a data: URL.
 struct DataImage {
     QString extension;  ///< of a file with these bytes, without a dot
     QByteArray bytes;
 };
 
-/// Whether `address` carries what it is the address of, and so leads nowhere.
+/// Whether `address` has the scheme "data:".
 bool isDataUrl(const QByteArray& address);
-/// The image that such an address carries; absent when it is anything else, or damaged.
+/// The image embedded in a data: URL; absent if `address` is anything else, or damaged.
 std::optional<DataImage> imageInDataUrl(const QByteArray& address);

@@ -10,10 +10,10 @@
 
 namespace {
 
-constexpr double kNearBelow = 90;    // points under the top of the screen
-constexpr double kNearBeside = 190;  // points from the notch's middle
-constexpr double kAttention = 10;    // seconds; shorter than it takes to doze off
-constexpr double kMouthOpen = 0.45;  // seconds that the mouth stays open after the button's release
+constexpr double kNearBelow = 90;          // points below the top of the screen
+constexpr double kNearBeside = 190;        // points from the centre of the notch
+constexpr double kKeepAwakeInterval = 10;  // seconds; shorter than it takes to doze off
+constexpr double kMouthOpen = 0.45;        // seconds that the mouth stays open after the button's release
 
 }  // namespace
 
@@ -39,24 +39,24 @@ void DropIntake::dragMoved(QPointF pointer) {
         dragPBCount_ = count;
         dragIsFiles_ = false;
         pasteboard_.canReadUsable([this](bool usable) {
-            // The button may have been released while the source thought about it.
+            // The button may have been released before the source answered.
             dragIsFiles_ = usable && dragging_;
-            if (dragIsFiles_) attend();
+            if (dragIsFiles_) keepAwake();
             updateNear(lastDrag_);
         });
     }
     updateNear(pointer);
 }
 
-// A drag may also hang still for long.
-void DropIntake::attend() {
+// A drag may pause for longer than it takes to doze off.
+void DropIntake::keepAwake() {
     model_.markActivity(clock_.uptime());
-    attention_ = loop_.every(kAttention, [this] { model_.markActivity(clock_.uptime()); });
+    keepAwakeTimer_ = loop_.every(kKeepAwakeInterval, [this] { model_.markActivity(clock_.uptime()); });
 }
 
 void DropIntake::updateNear(QPointF pointer) {
     const bool isNear = dragIsFiles_ && acceptsDrops() && isNearNotch(pointer);
-    if (isNear) closeMouth_.cancel();  // of the drag before
+    if (isNear) closeMouth_.cancel();  // of the previous drag
     if (isNear && model_.hidden) model_.withAnimation(commonSpring(), [this] { model_.hidden = false; });
     if (isNear != model_.dragNear) setNear(isNear);
 }
@@ -73,9 +73,9 @@ void DropIntake::refuse() {
 }
 
 void DropIntake::dragEnded() {
-    // What is dragged next need not be a drag of things: a window, a selection, the creature itself.
+    // The next drag may carry nothing: a window, a text selection or the creature itself may be dragged.
     dragIsFiles_ = dragging_ = false;
-    attention_.cancel();
+    keepAwakeTimer_.cancel();
     if (!model_.dragNear) return;
     closeMouth_ = loop_.after(
         kMouthOpen, [this] { model_.withAnimation(Animation::easeOut(0.25), [this] { model_.dragNear = false; }); });
@@ -93,8 +93,8 @@ void DropIntake::handleDrop(std::shared_ptr<Drop> drop) {
     DropReading::start(std::move(drop), shelf_.droppedFolder(), name, loop_, disk_, lifetime_.guard(take));
 }
 
-void DropIntake::takeLeft() {
-    jobs_.run([folder = shelf_.droppedFolder()] { return Inbox::bringOutLeft(folder); },
+void DropIntake::takeLeftovers() {
+    jobs_.run([folder = shelf_.droppedFolder()] { return Inbox::moveOutLeftovers(folder); },
               [this](const QList<QUrl>& files) { shelf_.addItems(files); });
 }
 

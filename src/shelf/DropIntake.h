@@ -4,7 +4,6 @@
 #include <QPointF>
 #include <QString>
 #include <QUrl>
-#include <functional>
 #include <memory>
 
 #include "creature/NotchModel.h"
@@ -14,7 +13,7 @@
 class DragPasteboard;
 class Shelf;
 
-/// Sees what other programs drag towards the notch, and takes in what is dropped on it. Main thread only; the
+/// Watches for drags from other programs near the notch, and takes in what is dropped on it. Main thread only; the
 /// references must outlive it.
 class DropIntake {
  public:
@@ -27,24 +26,24 @@ class DropIntake {
     /// The left button was released, anywhere.
     void dragEnded();
 
-    /// Whether a drop would be taken now.
+    /// Whether a drop would be accepted now.
     bool acceptsDrops() const { return model_.toy == Toy::critter && !model_.screenLocked; }
-    /// Drops are no longer taken, not even one that is near.
+    /// Stops reacting to the current drag: drops are no longer accepted.
     void refuse();
-    /// Reads what was dropped, each thing in the best of its forms, and puts it on the shelf when all of it is there.
+    /// Reads what was dropped, each thing in its best form, and puts everything on the shelf at once.
     void handleDrop(std::shared_ptr<Drop> drop);
 
-    /// Holds what other programs wrote for an earlier run that ended before it could. To be called once, at the start.
-    void takeLeft();
+    /// Holds the files that other programs finished writing after an earlier run had ended. Call once, at startup.
+    void takeLeftovers();
 
-    /// Name for a file that is dropped as data at `now`, by the user's local time; `extension` without a dot.
+    /// Name for a file dropped as data at `now`, in local time; `extension` without a dot.
     static QString droppedFileName(Date now, const QString& extension);
 
  private:
     bool isNearNotch(QPointF pointer) const;
     void updateNear(QPointF pointer);
     void setNear(bool isNear);
-    void attend();
+    void keepAwake();
     void take(const QList<QUrl>& files, const QList<Bite>& bites);
 
     NotchModel& model_;
@@ -54,12 +53,12 @@ class DropIntake {
     DragPasteboard& pasteboard_;
     BackgroundQueue& disk_;
 
-    int dragPBCount_ = 0;       // the drag that was asked about last
-    bool dragIsFiles_ = false;  // what is dragged now can be held
-    bool dragging_ = false;     // with the button held down
+    int dragPBCount_ = 0;       // change count of the last drag that was asked about
+    bool dragIsFiles_ = false;  // the current drag can be held
+    bool dragging_ = false;     // the button is down
     QPointF lastDrag_;
     TimerHandle closeMouth_;
-    TimerHandle attention_;  // keeps the creature awake while a usable drag goes on
+    TimerHandle keepAwakeTimer_;  // keeps the creature awake while a usable drag goes on
     BackgroundJobs jobs_;
     Lifetime lifetime_;
 };

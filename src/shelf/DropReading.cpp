@@ -1,6 +1,5 @@
 #include "shelf/DropReading.h"
 
-#include <QDir>
 #include <algorithm>
 #include <utility>
 
@@ -10,11 +9,12 @@
 
 namespace {
 
-constexpr double kPatience = 10;  // seconds without growth, after which a promise is not kept any more
-// Bytes that are looked at in less than a millisecond, so that most drops need no disk and wait for none that hangs.
-constexpr qsizetype kSmall = 32 << 10;
+constexpr double kTimeout = 10;  // seconds without growth, after which a promise counts as broken
+// Forms up to this many bytes parse in less than a millisecond on the main thread, so most drops do not depend on the
+// disk queue, which a hung disk may block.
+constexpr qsizetype kMaxInline = 32 << 10;
 
-/// The text of a note; empty where there is nothing to note down.
+/// The text of a note; empty for blank text and for an image's data: URL.
 QString noteText(const QByteArray& bytes) {
     const auto blank = [](char c) { return c == ' ' || (c >= '\t' && c <= '\r'); };
     const QByteArray text = bytes.mid(std::find_if_not(bytes.begin(), bytes.end(), blank) - bytes.begin());
@@ -45,7 +45,7 @@ void DropReading::readUrls(int kind) {
     if (kind == int(DropTypes::kAddresses.size())) return savePromise();
     drop_->load(DropTypes::kAddresses[kind], [self = shared_from_this(), kind](const std::optional<QByteArray>& bytes) {
         if (!bytes) return self->readUrls(kind + 1);
-        if (bytes->size() <= kSmall) return self->takeUrls(parseUrls(DropTypes::kAddresses[kind], *bytes), kind);
+        if (bytes->size() <= kMaxInline) return self->takeUrls(parseUrls(DropTypes::kAddresses[kind], *bytes), kind);
         self->disk_.run([bytes = *bytes, kind] { return parseUrls(DropTypes::kAddresses[kind], bytes); },
                         [self, kind](const UrlList& urls) { self->takeUrls(urls, kind); });
     });
@@ -71,8 +71,8 @@ void DropReading::savePromise() {
         self.promise_ = Promise::refused;
         self.readPromisedBytes();
     };
-    // The timer is the reading's own: while it lives, somebody else holds it.
-    diskLimit_ = loop_.after(kPatience, [self = this, without] { without(*self); });
+    // No shared_from_this() here: the timer is a member, so it would keep the reading alive.
+    diskLimit_ = loop_.after(kTimeout, [self = this, without] { without(*self); });
     disk_.run([folder = folder_] { return Inbox::make(folder); },
               [self = shared_from_this(), without](const std::shared_ptr<Inbox>& inbox) {
                   if (self->promise_ == Promise::refused) return;  // too late
@@ -81,7 +81,7 @@ void DropReading::savePromise() {
                   self->inbox_ = inbox;
                   self->drop_->savePromise(inbox->place(self->promisedName_), [self, inbox](bool saved) {
                       self->promise_ = saved ? Promise::written : Promise::refused;
-                      inbox->tell(saved ? Inbox::Word::written : Inbox::Word::refused);
+                      inbox->setReply(saved ? Inbox::Reply::written : Inbox::Reply::refused);
                   });
                   self->awaitPromise(true);
               });
@@ -89,28 +89,28 @@ void DropReading::savePromise() {
 
 void DropReading::awaitPromise(bool prompt) {
     disk_.run(
-        [inbox = inbox_, prompt] { return inbox->await(kPatience, prompt); },
+        [inbox = inbox_, prompt] { return inbox->await(kTimeout, prompt); },
         [self = shared_from_this(), prompt](Inbox::Contents contents) { self->promiseAwaited(contents, prompt); });
 }
 
 void DropReading::promiseAwaited(Inbox::Contents contents, bool prompt) {
-    if (contents == Inbox::Contents::things) return bringOut();
+    if (contents == Inbox::Contents::things) return moveOut();
     if (prompt) return readPromisedBytes();
-    if (image_.isEmpty() && contents == Inbox::Contents::emptyFiles) return bringOut();
+    if (image_.isEmpty() && contents == Inbox::Contents::emptyFiles) return moveOut();
     disk_.run([inbox = inbox_] { return inbox->discard(); },
-              [self = shared_from_this()](bool discarded) { discarded ? self->writeImage() : self->bringOut(); });
+              [self = shared_from_this()](bool discarded) { discarded ? self->writeImage() : self->moveOut(); });
 }
 
-void DropReading::bringOut() {
+void DropReading::moveOut() {
     drop_.reset();
-    disk_.run([inbox = inbox_, first = promisedName_] { return inbox->bringOut(first); },
+    disk_.run([inbox = inbox_, first = promisedName_] { return inbox->moveOut(first); },
               [self = shared_from_this()](const QList<QUrl>& files) {
                   if (files.isEmpty()) return self->writeImage();
                   self->finish(files, {});
               });
 }
 
-// The bytes of the promised file itself are better than a picture of it, which browsers draw anew.
+// The promised file's own bytes are better than an image form, which browsers re-encode.
 void DropReading::readPromisedBytes() {
     if (!drop_->types().contains(DropTypes::kPromisedBytes)) {
         if (promise_ != Promise::written) drop_->declinePromise();
@@ -148,7 +148,7 @@ void DropReading::readText() {
             self->formsRead();
         };
         const QByteArray whole = bytes.value_or(QByteArray());
-        if (whole.size() <= kSmall) return take(noteText(whole));
+        if (whole.size() <= kMaxInline) return take(noteText(whole));
         self->disk_.run([whole] { return noteText(whole); }, take);
     });
 }
@@ -156,14 +156,14 @@ void DropReading::readText() {
 void DropReading::formsRead() {
     drop_.reset();
     if (promise_ == Promise::written) return awaitPromise(false);
-    // What a source has left behind that then refused is nobody's; the next start finds it.
+    // Discards the inbox only if it is empty; what a source left there before refusing is picked up at the next start.
     if (inbox_) disk_.run([inbox = inbox_] { inbox->discard(); }, [] {});
     writeImage();
 }
 
 void DropReading::writeImage() {
     if (image_.isEmpty()) return finish({}, bites_);
-    // Handed over, because giving so much memory back takes long.
+    // Moved into the job, because freeing a large block of memory is slow.
     disk_.run([folder = folder_, name = imageName_,
                bytes = std::exchange(image_, {})] { return writeNewFile(folder, name, bytes); },
               [self = shared_from_this()](const std::optional<QUrl>& file) {

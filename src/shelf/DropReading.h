@@ -12,21 +12,21 @@
 #include "shelf/Inbox.h"
 #include "shelf/UrlList.h"
 
-/// The reading of one drop: asks for its forms in the order of preference until one of them gives something. Lives as
-/// long as an answer is out. Main thread only.
+/// Reads one drop: asks for its forms in order of preference until one of them gives something. Stays alive while an
+/// answer is pending. Main thread only.
 ///
-/// Files come first, then files that the source writes for us, an image, a link, and text. So an image out of a
-/// browser becomes a file, not a link to it.
+/// Files come first, then files that the source writes for us, an image, a link, and text: an image from a browser
+/// becomes a file, not a link to it.
 ///
-/// A source's word that it has written says little: some begin only afterwards, some when the drop is over. So a drop
-/// whose promise has not come true after a second is read in its other forms and let go, and what they gave is kept for
-/// the case that no file ever comes.
+/// A source that reports a promised file as written cannot be relied on: some start writing only then, some when the
+/// drop is over. So if the file is not there after a second, the drop is read in its other forms and released, and
+/// their contents are used only if no file ever appears.
 class DropReading : public std::enable_shared_from_this<DropReading> {
  public:
     using Done = std::function<void(const QList<QUrl>& files, const QList<Bite>& bites)>;
 
-    /// `done` is called once, later; with nothing if nothing could be read. Data are written into `folder`, on `disk`,
-    /// under the name that `nameFor` gives to an extension. `loop` and `disk` must outlive the reading.
+    /// `done` is called once, later; with empty lists if nothing could be read. Data are written into `folder`, on
+    /// `disk`, under the name that `nameFor` returns for an extension. `loop` and `disk` must outlive the reading.
     static void start(std::shared_ptr<Drop> drop, const QUrl& folder, std::function<QString(const QString&)> nameFor,
                       MainLoop& loop, BackgroundQueue& disk, Done done);
 
@@ -41,7 +41,7 @@ class DropReading : public std::enable_shared_from_this<DropReading> {
     void savePromise();
     void awaitPromise(bool prompt);
     void promiseAwaited(Inbox::Contents contents, bool prompt);
-    void bringOut();
+    void moveOut();
     void readPromisedBytes();
     void readImage(int kind);
     void readText();
@@ -60,7 +60,7 @@ class DropReading : public std::enable_shared_from_this<DropReading> {
     QString promisedName_;
     std::shared_ptr<Inbox> inbox_;
     TimerHandle diskLimit_;
-    // What the other forms gave: an image to be written under a name, or bites.
+    // Read from the other forms: an image to write under `imageName_`, or bites.
     QString imageName_;
     QByteArray image_;
     QList<Bite> bites_;

@@ -23,7 +23,7 @@ QJsonObject encode(const Bite& bite) {
 }
 
 std::optional<Bite> decodeBite(const QJsonObject& object) {
-    // Exactly one of the two names; others are none of our business.
+    // Exactly one of the two keys; other keys are ignored.
     if (object.contains(kLink) == object.contains(kNote)) return {};
     const bool isLink = object.contains(kLink);
     const QJsonValue payload = object[isLink ? kLink : kNote][kPayload];
@@ -56,7 +56,7 @@ template <class T>
 QByteArray encodeList(const QList<T>& values) {
     QJsonArray array;
     for (const T& value : values) array.append(encode(value));
-    // Every slash is escaped in the stored form; slashes occur only inside strings.
+    // The stored form escapes every slash; in JSON they occur only inside strings.
     return QJsonDocument(array).toJson(QJsonDocument::Compact).replace("/", "\\/");
 }
 

@@ -7,7 +7,7 @@
 #include "creature/Bite.h"
 #include "creature/HeldTimer.h"
 
-// The stored form of what is held: compact UTF-8 JSON. Lists in which any element is malformed are absent as a whole.
+// The stored form of bites and timers: compact UTF-8 JSON. A list with a malformed element is absent as a whole.
 
 QByteArray encodeBites(const QList<Bite>& bites);
 std::optional<QList<Bite>> decodeBites(const QByteArray& json);

@@ -8,12 +8,13 @@
 constexpr int kMaxItems = 12;
 constexpr int kMaxBites = 8;
 
-/// Two URLs of one file are equal in this form: "." and ".." and doubled slashes are resolved.
+/// A form in which different URLs of one file compare equal: ".", ".." and doubled slashes are resolved.
 inline QString standardized(const QUrl& file) {
     return QString::fromUtf8(file.adjusted(QUrl::NormalizePathSegments | QUrl::StripTrailingSlash).toEncoded());
 }
 
-/// `older`, then what of `newer` has a new key, without the oldest beyond `max`. Adds to `fresh` how many were new.
+/// `older` followed by the elements of `newer` whose keys are new; drops the oldest beyond `max`. Adds the number of
+/// new elements to `fresh`.
 template <class T, class Key>
 QList<T> joined(const QList<T>& older, const QList<T>& newer, int max, const Key& keyOf, int* fresh = nullptr) {
     QSet<QString> known;

@@ -22,10 +22,10 @@ using std::chrono::duration;
 using std::chrono::steady_clock;
 
 const QByteArray kPrefix = ".glimmet-inbox-";
-constexpr double kQuiet = 0.5;     // seconds without a change, after which the writer is done
-constexpr double kPrompt = 1;      // seconds in which most writers begin
-constexpr double kMaxWait = 3600;  // seconds that even a file which never ceases to grow is waited for
-constexpr int kMaxWatches = 2000;  // folders in a folder that are watched
+constexpr double kQuiet = 0.5;     // seconds without a change, after which the writer counts as done
+constexpr double kPrompt = 1;      // seconds within which most writers start
+constexpr double kMaxWait = 3600;  // seconds, even if the file never stops growing
+constexpr int kMaxWatches = 2000;  // watched folders in all
 
 struct Entry {
     QByteArray name;
@@ -37,7 +37,7 @@ Descriptor openFolderIn(int folder, const QByteArray& name) {
     return Descriptor(::openat(folder, name.constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
 }
 
-/// What is in an open folder, by name.
+/// The entries of an open folder, sorted by name.
 QList<Entry> entries(int folder) {
     QList<Entry> all;
     visitEntries(folder, [&](const char* name, quint64) {
@@ -49,8 +49,8 @@ QList<Entry> entries(int folder) {
     return all;
 }
 
-/// Whether nobody else uses the inbox; for as long as it is open nobody else will. Where there are no locks, nobody
-/// does.
+/// Locks the inbox for as long as it is open; false if another process has it. Without support for locks it counts as
+/// free.
 bool claim(int inbox) {
     return ::flock(inbox, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
 }
@@ -59,13 +59,13 @@ bool isEmptyFile(const Entry& entry) {
     return S_ISREG(entry.mode) && entry.size == 0;
 }
 
-/// A link is no thing of its own: its name could promise a picture and lead to a key.
+/// Links are not taken: one named like a picture could lead to a private key.
 bool isThing(const Entry& entry) {
     return S_ISREG(entry.mode) || S_ISDIR(entry.mode);
 }
 
-/// Moves the things out of the open folder `inbox`, `first` first, and removes it if it is empty then.
-QList<QUrl> bringOutOf(int inbox, const QByteArray& inboxName, int parent, const QUrl& folder, const QString& first) {
+/// Moves the things out of the open folder `inbox`, `first` first, and removes the folder if that leaves it empty.
+QList<QUrl> moveOutOf(int inbox, const QByteArray& inboxName, int parent, const QUrl& folder, const QString& first) {
     QList<QUrl> out;
     auto all = entries(inbox);
     std::stable_partition(all.begin(), all.end(), [&](const Entry& one) { return one.name == first.toUtf8(); });
@@ -104,13 +104,13 @@ QUrl Inbox::place(const QString& name) const {
     return fileUrl(pathOf(folder_) + name_ + '/' + name.toUtf8());
 }
 
-void Inbox::tell(Word word) {
-    word_ = word;
+void Inbox::setReply(Reply reply) {
+    reply_ = reply;
     const uint64_t one = 1;
     [[maybe_unused]] const auto written = ::write(wake_.get(), &one, sizeof one);
 }
 
-// Watching the same folder once more changes nothing, so all are gone through whenever one is new.
+// Adding a watch twice has no effect, so this walks the whole tree whenever a folder is new.
 void Inbox::watch(int folder, int& budget) {
     if (--budget < 0) return;
     const QByteArray path = "/proc/self/fd/" + QByteArray::number(folder);
@@ -130,7 +130,7 @@ bool Inbox::sleep(double seconds) {
     return readEvents() || told;
 }
 
-/// Whether something has changed.
+/// Returns whether something has changed.
 bool Inbox::readEvents() {
     alignas(inotify_event) std::array<char, 16384> buffer{};
     bool changed = false, newFolder = false;
@@ -159,14 +159,14 @@ Inbox::Contents Inbox::contents() const {
     return std::any_of(all.begin(), all.end(), isEmptyFile) ? Contents::emptyFiles : Contents::things;
 }
 
-Inbox::Contents Inbox::await(double patience, bool prompt) {
+Inbox::Contents Inbox::await(double timeout, bool prompt) {
     const auto since = [](Time time) { return duration<double>(steady_clock::now() - time).count(); };
     const Time start = steady_clock::now();
     for (Time changed = start;;) {
-        const Word word = word_;
-        if (word == Word::refused) return Contents::nothing;
-        const bool written = word == Word::written;
-        const double limit = prompt && written && beingWritten_.isEmpty() ? std::min(kPrompt, patience) : patience;
+        const Reply reply = reply_;
+        if (reply == Reply::refused) return Contents::nothing;
+        const bool written = reply == Reply::written;
+        const double limit = prompt && written && beingWritten_.isEmpty() ? std::min(kPrompt, timeout) : timeout;
         const bool whole = written && beingWritten_.isEmpty() && contents() == Contents::things;
         const double left = (whole ? std::min(kQuiet, limit) : limit) - since(changed);
         if (left <= 0 || since(start) > kMaxWait) return contents();
@@ -174,8 +174,8 @@ Inbox::Contents Inbox::await(double patience, bool prompt) {
     }
 }
 
-QList<QUrl> Inbox::bringOut(const QString& first) {
-    return bringOutOf(self_.get(), name_, parent_.get(), folder_, first);
+QList<QUrl> Inbox::moveOut(const QString& first) {
+    return moveOutOf(self_.get(), name_, parent_.get(), folder_, first);
 }
 
 bool Inbox::discard() {
@@ -186,14 +186,14 @@ bool Inbox::discard() {
     return true;
 }
 
-QList<QUrl> Inbox::bringOutLeft(const QUrl& folder) {
+QList<QUrl> Inbox::moveOutLeftovers(const QUrl& folder) {
     QList<QUrl> out;
     const Descriptor parent(::open(pathOf(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!parent) return out;
     for (const Entry& one : entries(parent.get())) {
         if (!one.name.startsWith(kPrefix) || !S_ISDIR(one.mode)) continue;
         const Descriptor inbox = openFolderIn(parent.get(), one.name);
-        if (inbox && claim(inbox.get())) out += bringOutOf(inbox.get(), one.name, parent.get(), folder, QString());
+        if (inbox && claim(inbox.get())) out += moveOutOf(inbox.get(), one.name, parent.get(), folder, QString());
     }
     return out;
 }

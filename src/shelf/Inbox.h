@@ -11,38 +11,37 @@
 
 #include "platform/Descriptor.h"
 
-/// A hidden folder inside the dropped folder, in which another program writes what it has promised: so it can neither
-/// replace a file nor leave half of one in sight. It is held open, and nothing is looked up by its path again: whatever
-/// the other program puts in its place stays untouched. What is in it is moved out or left, never deleted.
+/// A hidden folder inside the dropped folder into which another program writes the file that it promised, so that it
+/// can neither overwrite a file nor leave a partial one in sight. The folder is held open and never looked up by path
+/// again, so whatever is put in its place stays untouched. Non-empty files in it are moved out or left there, never
+/// deleted.
 ///
-/// But for tell(), these wait for the disk or for the other program, so they are called away from the main thread, one
-/// after the other.
+/// All but setReply() block on the disk or the other program: call them away from the main thread, one at a time.
 class Inbox {
  public:
-    /// What the other program says about its promise.
-    enum class Word { none, written, refused };
+    /// What the other program has answered about its promise.
+    enum class Reply { none, written, refused };
     enum class Contents { nothing, emptyFiles, things };
 
-    /// Null if it cannot be made. `folder` is the dropped folder.
+    /// Creates an inbox in the dropped folder, `folder`; null on failure.
     static std::shared_ptr<Inbox> make(const QUrl& folder);
-    /// Where the other program is to write `name`.
+    /// The URL to which the other program is to write `name`.
     QUrl place(const QString& name) const;
 
     /// Any thread.
-    void tell(Word word);
-    /// Waits until what was promised is there, not empty, and at rest; until the promise is refused; or until nothing
-    /// has grown for `patience` seconds, of which one is enough where the word is `written` and `prompt` is set. Tells
-    /// what is there.
-    Contents await(double patience, bool prompt);
+    void setReply(Reply reply);
+    /// Waits until the promised files are there, not empty, and no longer changing; until the promise is refused; or
+    /// until nothing has changed for `timeout` seconds, or for one second if the reply is `written` and `prompt` is
+    /// set. Returns what is there.
+    Contents await(double timeout, bool prompt);
 
-    /// Moves all files and folders out into the dropped folder, that of the name `first` first, under free names.
-    QList<QUrl> bringOut(const QString& first);
-    /// Removes it with the empty files in it. False, and nothing changed, if there is anything else.
+    /// Moves all files and folders into the dropped folder under free names, starting with the one called `first`.
+    QList<QUrl> moveOut(const QString& first);
+    /// Deletes the inbox and the empty files in it. Returns false and changes nothing if it contains anything else.
     bool discard();
 
-    /// Brings out what is left in the inboxes of `folder` that nobody uses: a program that ended in the middle did not
-    /// await their writers.
-    static QList<QUrl> bringOutLeft(const QUrl& folder);
+    /// Moves out the contents of the unused inboxes in `folder`: those of processes that ended before the writers did.
+    static QList<QUrl> moveOutLeftovers(const QUrl& folder);
 
  private:
     using Time = std::chrono::steady_clock::time_point;
@@ -56,6 +55,6 @@ class Inbox {
     QUrl folder_;
     QByteArray name_;
     Descriptor parent_, self_, events_, wake_;
-    std::atomic<Word> word_ = Word::none;
+    std::atomic<Reply> reply_ = Reply::none;
     QSet<QByteArray> beingWritten_;
 };

@@ -7,7 +7,7 @@
 
 namespace {
 
-// Far more than are ever held; a longer list was not written by us, and its end is what came last.
+// Far more than are ever held. We do not write a longer list; of such a one, the end is the newest.
 constexpr qsizetype kMaxStored = 64;
 
 }  // namespace
@@ -48,7 +48,7 @@ void ItemReferences::load(const QList<QByteArray>& references, std::function<voi
     }
 }
 
-void ItemReferences::dropLoad() {
+void ItemReferences::cancelLoad() {
     loading_.reset();
 }
 
@@ -70,7 +70,7 @@ void ItemReferences::refresh(const QList<QUrl>& items, std::function<void()> cha
             if (!known_.contains(file)) return;
             Known& known = known_[file];
             known.asked = false;
-            // Of a file that is not there the last good reference stays: it may only have got another name.
+            // Keep the last good reference to a file that is gone: it may only have been renamed.
             if (!reference || *reference == known.reference) return;
             known.reference = *reference;
             changed();

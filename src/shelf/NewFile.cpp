@@ -15,12 +15,11 @@ namespace {
 
 constexpr mode_t kMode = 0644;
 constexpr qsizetype kMaxExtension = 16;
-constexpr qsizetype kMaxBytes = 230;  // of the 255 that a name may have, so that a counter fits
+constexpr qsizetype kMaxBytes = 230;  // leaves room for a counter in the 255 bytes of a name
 
 enum class Naming { done, taken, failed };
 
-/// Where the part of a name begins that tells what kind of file it is: ".tar.gz", but of the time "20.07.33.png" only
-/// ".png".
+/// Where the extension of a name begins: ".tar.gz" counts as one, but "20.07.33.png" has only ".png".
 qsizetype extensionStart(const QString& name) {
     qsizetype dot = name.lastIndexOf(u'.');
     if (dot > 0 && name.left(dot).endsWith(QLatin1String(".tar"), Qt::CaseInsensitive)) dot -= 4;
@@ -34,7 +33,7 @@ QString counted(const QString& name, int counter) {
     return QStringLiteral("%1-%2").arg(name.left(end)).arg(counter) + name.mid(end);
 }
 
-/// Tries `name` and then one counter after the other: a folder is finite, so one of them is free.
+/// Tries `name`, then `name` with counters from 2. Terminates, since a folder is finite.
 template <class Attempt>
 std::optional<QByteArray> underFreeName(const QString& name, const Attempt& attempt) {
     for (int counter = 1;; ++counter) {
@@ -49,7 +48,7 @@ Naming refusal() {
     return errno == EEXIST ? Naming::taken : Naming::failed;
 }
 
-/// For a file system that always replaces: gives it something empty of ours to replace.
+/// For a file system without RENAME_NOREPLACE: reserves the name with an empty file or folder, then replaces that.
 Naming moveOverOurs(int from, const char* name, int to, const char* target) {
     struct stat info {};
     if (::fstatat(from, name, &info, AT_SYMLINK_NOFOLLOW) != 0) return Naming::failed;
@@ -74,7 +73,7 @@ bool writeAndFlush(int file, const QByteArray& contents) {
     return writeAll(file, contents) && ::fsync(file) == 0;
 }
 
-/// For a file system that has no files without names.
+/// For a file system without O_TMPFILE.
 std::optional<QByteArray> writeHidden(int folder, const QString& name, const QByteArray& contents) {
     const QByteArray draft = newHiddenName(".glimmet-draft-");
     const Descriptor file(
@@ -86,14 +85,14 @@ std::optional<QByteArray> writeHidden(int folder, const QString& name, const QBy
     return made;
 }
 
-/// Control characters, and those that turn the direction of writing around: they make "exe.jpg" out of "gpj.exe".
+/// Control characters, and those that override the text direction, which can make "gpj.exe" look like "exe.jpg".
 bool isMisleading(QChar c) {
-    const bool turns = (c >= u'\u202a' && c <= u'\u202e') || (c >= u'\u2066' && c <= u'\u2069');
-    return turns || c.category() == QChar::Other_Control;
+    const bool isBidiControl = (c >= u'\u202a' && c <= u'\u202e') || (c >= u'\u2066' && c <= u'\u2069');
+    return isBidiControl || c.category() == QChar::Other_Control;
 }
 
-/// The longest beginning of `text` that takes `max` bytes and cuts no character.
-QString beginning(const QString& text, qsizetype max) {
+/// The longest prefix of `text` that fits into `max` bytes of UTF-8 and cuts no character.
+QString prefixOf(const QString& text, qsizetype max) {
     QByteArray bytes = text.toUtf8();
     if (bytes.size() <= max) return text;
     while (max > 0 && (uchar(bytes[max]) & 0xc0) == 0x80) --max;
@@ -147,8 +146,7 @@ QString sanitizedFileName(const QByteArray& name) {
     const QString extension = clean.mid(extensionStart(clean));
     if (clean.toUtf8().size() > kMaxBytes) {
         const bool fits = extension.size() <= kMaxExtension;
-        clean =
-            fits ? beginning(clean, kMaxBytes - extension.toUtf8().size()) + extension : beginning(clean, kMaxBytes);
+        clean = fits ? prefixOf(clean, kMaxBytes - extension.toUtf8().size()) + extension : prefixOf(clean, kMaxBytes);
     }
     return clean.isEmpty() ? QStringLiteral("Dropped") : clean;
 }

@@ -5,7 +5,7 @@
 namespace {
 
 constexpr int kMaxCharacters = 400;
-// Nobody writes a character of more code units; piles of accents without end must not fill the preferences.
+// No real character has more code units; endless stacks of accents must not fill the preferences.
 constexpr qsizetype kMaxUnits = qsizetype(kMaxCharacters) * 40;
 
 }  // namespace

@@ -2,6 +2,6 @@
 
 #include <QString>
 
-/// The first 400 characters of `text`, as a person counts them: no emoji, accent or flag is cut in half. A character
-/// that is made of absurdly many parts ends the note.
+/// The first 400 grapheme clusters of `text`: no emoji, accented letter or flag is cut in half. A cluster of absurd
+/// length ends the note.
 QString firstCharacters(const QString& text);

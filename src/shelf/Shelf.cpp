@@ -18,19 +18,19 @@ const QString kBites = QStringLiteral("glimmet.bites");
 const QString kTimers = QStringLiteral("glimmet.timers");
 const QString kHidden = QStringLiteral("glimmet.hidden");
 
-// Nobody counts down so many things, and each takes a place on the shelf and a part of every tick.
+// Far more than anybody needs; each takes a place on the shelf and time in every tick.
 constexpr qsizetype kMaxStoredTimers = 200;
-// Characters. Far beyond what a drop may give: one thing that is too large must not cost the others their place.
+// Characters; far more than a drop can give. A single oversized bite must not make the whole list unstorable.
 constexpr qsizetype kMaxBite = 64 * 1024;
 
-/// Holds `stored` as older than what is held already: that came while a disk kept us waiting.
+/// Holds `stored` as older than what is held already, which came in while the disk was slow.
 template <class T, class Key>
 void holdStored(Published<QList<T>>& held, const QList<T>& stored, int max, const Key& keyOf) {
     const QList<T> all = joined(stored, held.get(), max, keyOf);
     if (!all.isEmpty()) held = all;
 }
 
-/// Holds what is not held yet. Returns how many were new, `max` at most.
+/// Adds what is not held yet. Returns the number of new elements, `max` at most.
 template <class T, class Key>
 int holdNew(Published<QList<T>>& held, const QList<T>& offered, int max, const Key& keyOf) {
     int fresh = 0;
@@ -60,7 +60,7 @@ Shelf::Shelf(NotchModel& model, const ShelfPorts& ports)
              model.timers.didSet.subscribe([this] { saveTimers(); }),
              model.hidden.didSet.subscribe([this] { saveHidden(); })} {}
 
-// Things are held as if they were given anew, so that preferences that somebody has edited keep to the limits too.
+// The limits for new items apply to stored ones too, since the preferences may have been edited by hand.
 void Shelf::loadShelf() {
     references_.load(ports_.preferences.dataList(kShelf).value_or(QList<QByteArray>()),
                      [this](const QList<QUrl>& found) { holdStored(model_.items, found, kMaxItems, standardized); });
@@ -108,7 +108,7 @@ void Shelf::saveHidden() {
 }
 
 void Shelf::replaceItems(const QList<QUrl>& files) {
-    references_.dropLoad();
+    references_.cancelLoad();
     model_.items = files;
 }
 

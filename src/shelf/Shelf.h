@@ -14,53 +14,53 @@ class FileReferences;
 class Pasteboard;
 class Preferences;
 
-/// What the shelf needs of the desktop. All of it must outlive the shelf.
+/// The ports that the shelf uses. All must outlive it.
 struct ShelfPorts {
     Clock& clock;
     MainLoop& loop;
     Preferences& preferences;
     FileReferences& files;
     Worker& worker;
-    BackgroundQueue& jobs;  ///< where the worker is waited for
+    BackgroundQueue& jobs;  ///< runs what blocks on the worker
     Pasteboard& pasteboard;
-    /// Where the user's programs keep their data; files that were dropped as data go below it.
+    /// The user's data directory; files that were dropped as data go below it.
     QString dataFolder;
 };
 
-/// What the creature holds: files, links, notes and timers. Each change of the model's lists is saved, once the
-/// preferences have been read, and so is whether the creature is hidden with them. Main thread only; the model must
-/// outlive it.
+/// What the creature holds: files, links, notes and timers. Saves every change of the model's lists, and whether the
+/// creature is hidden, once the preferences have been read. Main thread only; the model must outlive it.
 class Shelf {
  public:
     Shelf(NotchModel& model, const ShelfPorts& ports);
 
-    /// Holds the stored files that still exist, as older than what is held already, when their disks have answered.
+    /// Once their disks have answered, holds the stored files that still exist, as older than what is held already.
     void loadShelf();
     /// Holds the stored bites and timers, as older than what is held already, and hides the creature if it was hidden.
     void loadHeld();
 
-    /// Holds these files instead of all others, stored ones that are still looked for included.
+    /// Replaces all held files with these, including stored ones that are still being resolved.
     void replaceItems(const QList<QUrl>& files);
-    /// Holds what is not held yet, pushing out the oldest beyond the limit. Returns how many were new.
+    /// Adds what is not held yet, dropping the oldest beyond the limit. Returns the number of new ones.
     int addItems(const QList<QUrl>& files);
     int addBites(const QList<Bite>& bites);
-    void addTimer(double length);  ///< minutes
+    void addTimer(double length);  ///< in minutes
     void removeItem(const QUrl& file);
     void removeBite(const Bite& bite);
     void removeTimer(const HeldTimer& timer);
     void clearDoneTimers();
-    /// Marks the timers that have come due; true if one rang in this call.
+    /// Marks the timers that are due as done; returns whether there was one.
     bool tickTimers();
 
-    /// Puts text on the clipboard, which is a pleasure.
+    /// Puts text on the clipboard, and boops.
     void copy(const QString& text);
-    /// Converts a held image in the background and holds the result; nothing while another job is under way.
+    /// Converts a held image in the background and holds the result. Does nothing while another job is running.
     void chew(const QUrl& file, Chewer::Mode mode);
-    /// Reads the text out of a held image or PDF in the background, puts it on the clipboard and holds its beginning as
-    /// a note; nothing while another job is under way.
+    /// Reads the text in a held image or PDF in the background, copies it to the clipboard and holds its beginning as a
+    /// note. Does nothing while another job is running.
     void readText(const QUrl& file);
 
-    /// Where files that were dropped as data are written. Whoever writes there makes it, away from the main thread.
+    /// Where files that were dropped as data are written. May not exist yet: the writer creates it, off the main
+    /// thread.
     QUrl droppedFolder() const;
 
  private:
@@ -74,7 +74,7 @@ class Shelf {
     NotchModel& model_;
     ShelfPorts ports_;
     ItemReferences references_;
-    QList<HeldTimer> surplusTimers_;  // stored ones beyond what can be held: they stay stored
+    QList<HeldTimer> surplusTimers_;  // stored ones beyond the limit; they stay stored
     Chewer chewer_;
     ChewJobs chewJobs_;
     std::vector<Subscription> saves_;

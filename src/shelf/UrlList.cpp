@@ -11,35 +11,35 @@ namespace {
 constexpr int kMaxUrls = 2000;
 constexpr qsizetype kMaxBytes = qsizetype(kMaxUrls) * 512;
 constexpr qsizetype kMaxAddress = 8 << 10;
-// What Linux can open: PATH_MAX with its final zero, and NAME_MAX.
+// Limits of Linux: PATH_MAX without its final zero, and NAME_MAX.
 constexpr qsizetype kMaxPath = 4095, kMaxName = 255;
 
-/// The whole lines at the end of `bytes` that are read.
+/// The last `kMaxBytes` of `bytes`, without a partial first line.
 QByteArray ending(const QByteArray& bytes) {
     if (bytes.size() <= kMaxBytes) return bytes;
     const qsizetype start = bytes.indexOf('\n', bytes.size() - kMaxBytes);
     return start < 0 ? QByteArray() : bytes.mid(start + 1);
 }
 
-bool possiblePath(const QByteArray& path) {
+bool isPossiblePath(const QByteArray& path) {
     if (!path.startsWith('/') || path.contains('\0') || path.size() > kMaxPath) return false;
     const auto names = path.split('/');
     return std::all_of(names.begin(), names.end(), [](const auto& name) { return name.size() <= kMaxName; });
 }
 
 void add(const QByteArray& line, UrlList& list) {
-    // A path may be written in three times its length.
+    // Percent-encoding may triple the length of a path.
     if (line.size() > 3 * kMaxPath + kMaxName || isDataUrl(line)) return;
     QUrl url = QUrl::fromEncoded(line);
     if (!url.isValid() || url.scheme().isEmpty()) return;
     if (url.isLocalFile()) {
-        // Sources that follow the rules name the machine that the file is on.
+        // By XDND, sources name the host that the file is on.
         const QString host = url.host();
         if (host == QLatin1String("localhost") || host.compare(QSysInfo::machineHostName(), Qt::CaseInsensitive) == 0)
             url.setHost(QString());
         const QByteArray path = pathOf(url);
         if (url.host().isEmpty()) {
-            if (possiblePath(path)) list.files.append(fileUrl(path));
+            if (isPossiblePath(path)) list.files.append(fileUrl(path));
             return;
         }
     }
@@ -56,7 +56,7 @@ UrlList parseUrls(const QString& type, const QByteArray& bytes) {
     UrlList list;
     const bool utf16 = type == QLatin1String("text/x-moz-url");
     const QByteArray text = utf16 ? QString(QStringDecoder(QStringDecoder::Utf16LE)(bytes)).toUtf8() : bytes;
-    // A title follows in the next line, but not from every program.
+    // Some programs put a title on the next line.
     const QByteArray first = text.sliced(0, text.contains('\n') ? text.indexOf('\n') : text.size()).trimmed();
     list.image = imageInDataUrl(first);
     if (type != QLatin1String("text/uri-list")) {

@@ -7,17 +7,17 @@
 
 #include "shelf/DataUrl.h"
 
-/// What a dropped list of addresses leads to.
+/// The contents of a dropped list of addresses.
 struct UrlList {
-    QList<QUrl> files;  ///< of this machine, in the form of fileUrl()
+    QList<QUrl> files;  ///< on this machine, in the form of fileUrl()
     QList<QUrl> links;
-    std::optional<DataImage> image;  ///< where the first address is one itself
+    std::optional<DataImage> image;  ///< if the first address is a data: URL
 
     bool isEmpty() const { return files.isEmpty() && links.isEmpty() && !image; }
 };
 
-/// Reads a dropped form of type "text/uri-list" (one address a line, comments between), "text/x-moz-url" or
-/// "_NETSCAPE_URL" (one, with a title below it). What is no absolute URL is left out, as is an address of more than
-/// 8 KiB or a path that no file can have. Of a list of absurd length only the end is read, since the shelf keeps the
-/// newest. A large one takes long, so this is called away from the main thread.
+/// Parses a dropped form of type "text/uri-list" (one address per line, with comments), "text/x-moz-url" or
+/// "_NETSCAPE_URL" (one address, then a title). What is not an absolute URL is left out, as are addresses over 8 KiB
+/// and impossible paths. Only the end of an absurdly long list is read, since the shelf holds the newest. Slow for
+/// large lists: call away from the main thread for those.
 UrlList parseUrls(const QString& type, const QByteArray& bytes);

@@ -58,9 +58,9 @@ std::variant<QImage, ChewError> thumbnailIn(const std::optional<QJsonObject>& an
     return QImage(bytes, width, height, QImage::Format_RGBA8888).convertToFormat(QImage::Format_ARGB32_Premultiplied);
 }
 
-bool isWhole(int descriptor, Chewer::Mode mode) {
+bool isComplete(int descriptor, Chewer::Mode mode) {
     const bool isPng = mode == Chewer::Mode::toPNG;
-    // The header of a PNG is its first chunk, its last an empty one with its checksum; a JPEG ends with a marker.
+    // A PNG starts with its header chunk and ends with an empty chunk and its checksum; a JPEG ends with a marker.
     const QByteArray start = isPng ? QByteArray("\x89PNG\r\n\x1a\n\0\0\0\x0dIHDR", 16) : QByteArray("\xff\xd8\xff");
     const QByteArray end = isPng ? QByteArray("\0\0\0\0IEND\xae\x42\x60\x82", 12) : QByteArray("\xff\xd9");
     struct stat status = {};

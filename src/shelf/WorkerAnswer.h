@@ -8,19 +8,19 @@
 
 #include "shelf/Chewer.h"
 
-// What is believed of the worker, which may have been taken over by the file that it decoded.
+// Checks of the worker's answers: the file that it decoded may have taken it over.
 
-/// The error that the answer tells; absent for a job that was done.
+/// The error in the answer; absent if the job succeeded.
 std::optional<ChewError> errorIn(const std::optional<QJsonObject>& answer);
 
-/// The text in the answer to reading: neither empty nor longer than any page, and without control characters but line
-/// feeds and tabs.
+/// The text in the answer to a "read" request: not empty, not longer than any page, and without control characters
+/// other than line feeds and tabs.
 std::variant<QString, ChewError> textIn(const std::optional<QJsonObject>& answer);
 
-/// The picture in the answer to a thumbnail of this side, to be painted: its size is within the square, and it has just
-/// as many pixels as that takes.
+/// The picture in the answer to a "thumbnail" request, ready to paint: at most `side` pixels each way, and with exactly
+/// as many bytes as its size takes.
 std::variant<QImage, ChewError> thumbnailIn(const std::optional<QJsonObject>& answer, int side);
 
-/// Whether a file begins and ends like a whole one of the kind that this mode makes, and is no larger than the worker
-/// may write. Its decoder is not asked: that is what must not happen here.
-bool isWhole(int descriptor, Chewer::Mode mode);
+/// Whether a file begins and ends like a complete one of the format that `mode` produces, and is no larger than the
+/// worker may write. It is not decoded: untrusted files must not be decoded in this process.
+bool isComplete(int descriptor, Chewer::Mode mode);

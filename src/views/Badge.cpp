@@ -20,10 +20,10 @@ void Badge::show(bool shown, int count, const std::optional<Animation>& how, dou
 }
 
 void Badge::compose(DisplayList& list, double top, double now) const {
-    const QRectF frame(-width_ / 2, top, width_, kStyle.size * 1.2 + 3);
+    const QRectF frame(-width_ / 2, top, width_, kStyle.lineHeight() + 3);
     list.with(QTransform(), presence_.at(now), [&] {
         list.add(piece::badge, frame, {count_, frame}, [frame, count = count_](Canvas& canvas) {
-            // Opaque, as it is mixed over the black body: the toolkit needs no help of other threads for that.
+            // Mixed with the black body beforehand, because Qt paints translucent fills with several threads.
             const QColor ground = mixed(black(1), accentOrange(), 0.85);
             canvas.fill(continuousCapsule(frame), ground);
             canvas.text(QString::number(count), frame.center(), kStyle, mixed(ground, white(1), 0.75));

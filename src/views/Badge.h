@@ -5,12 +5,12 @@
 #include "motion/Animated.h"
 #include "views/DisplayList.h"
 
-/// The number of things held, worn where the mouth is. Main thread only.
+/// The number of held things, shown in place of the mouth. Main thread only.
 class Badge {
  public:
     explicit Badge(Animations& animations) : animations_(animations) {}
 
-    /// One that goes keeps its number.
+    /// While it fades out it keeps its last number.
     void show(bool shown, int count, const std::optional<Animation>& how, double now);
     bool shown() const { return presence_.target() == 1; }
     void compose(DisplayList& list, double top, double now) const;

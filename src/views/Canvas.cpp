@@ -6,20 +6,17 @@
 
 namespace {
 
-// A symbol's drawing is a square a little larger than the type size, as symbols stand beside text.
-constexpr double kSymbolBox = 1.25;
-constexpr double kFontPixels = 100;
-constexpr qsizetype kMaxVisible = 500;  // characters on each side of the dots
+constexpr qsizetype kMaxVisible = 500;  // characters on each side of the ellipsis
 
-/// Whether `c` may be part of an emoji, which has colours and no outline: one beyond the first 65536 characters, a
-/// symbol, or what makes an emoji of a letter or sign.
-bool mayBePicture(QChar c) {
-    constexpr QChar keycap(0x20e3), lastSymbol(0x2bff), asEmoji(0xfe0f);
-    return c.isSurrogate() || (c >= keycap && c <= lastSymbol) || c == asEmoji;
+/// Whether `c` may be part of an emoji, which has colours and no outline: a surrogate, a symbol, or a variation
+/// selector or keycap that turns a character into an emoji.
+bool mayBeEmoji(QChar c) {
+    constexpr QChar kKeycap(0x20e3), kLastSymbol(0x2bff), kEmojiSelector(0xfe0f);
+    return c.isSurrogate() || (c >= kKeycap && c <= kLastSymbol) || c == kEmojiSelector;
 }
 
-/// Where the baseline of `line` begins for a line that is aligned at the origin, and centred there between its ascent
-/// and descent as a row of text is laid out.
+/// The start of the baseline for a line that is aligned horizontally at the origin, and centred vertically there
+/// between its ascent and descent.
 QPointF startOf(const QString& line, const QFont& face, Qt::Alignment alignment) {
     const QFontMetricsF metrics(face);
     const double left = alignment & Qt::AlignLeft ? 0 : -metrics.horizontalAdvance(line) / 2;
@@ -52,7 +49,7 @@ void Canvas::clipped(const QPainterPath& clip, const std::function<void()>& draw
 void Canvas::layer(const QRectF& bounds, const QPainterPath& mask, double opacity,
                    const std::function<void(Canvas&)>& draw) {
     if (opacity <= 0) return;
-    // The sheet lies on the device's pixels, so that laying it down does not soften it.
+    // Aligned to device pixels, so that drawing the sheet does not blur it.
     const QTransform toDevice = painter_.deviceTransform();
     const QRect pixels = toDevice.mapRect(bounds).toAlignedRect();
     if (pixels.isEmpty()) return;
@@ -107,19 +104,19 @@ void Canvas::shadow(const QPainterPath& shape, const QColor& color, double radiu
     drawScaled(made.bounds.translated(offset), made.image, hole);
 }
 
-// In bands of few rows: the toolkit hands a scaled picture of more rows to several threads, whose waking costs more
-// than the drawing.
+// In bands of a few rows: Qt hands taller scaled images to several threads, and waking those costs more than the
+// drawing.
 void Canvas::drawScaled(const QRectF& bounds, const QImage& image, const QRectF& hole) {
-    constexpr int rows = 64;
+    constexpr int kRows = 64;
     const QTransform toDevice = painter_.deviceTransform();
     const QTransform drawing = painter_.transform();
     const QRect inner = hole.isEmpty() ? QRect() : toDevice.mapRect(hole).adjusted(1, 1, -1, -1).toRect();
     painter_.save();
-    // Such pictures fade out before their edges; smooth edges would triple the spans.
+    // Shadows fade out before their edges, and antialiased edges would triple the number of spans.
     painter_.setRenderHint(QPainter::Antialiasing, false);
     for (const QRect& part : QRegion(toDevice.mapRect(bounds).toAlignedRect()).subtracted(inner)) {
-        for (int top = part.top(); top <= part.bottom(); top += rows) {
-            const QRect band(part.left(), top, part.width(), std::min(rows, part.bottom() + 1 - top));
+        for (int top = part.top(); top <= part.bottom(); top += kRows) {
+            const QRect band(part.left(), top, part.width(), std::min(kRows, part.bottom() + 1 - top));
             painter_.save();
             painter_.setTransform(QTransform::fromScale(1 / ratio_, 1 / ratio_));
             painter_.setClipRect(band, Qt::IntersectClip);
@@ -152,7 +149,7 @@ void Canvas::text(const QString& line, const QPointF& place, const TextStyle& st
     painter_.save();
     painter_.translate(place);
     painter_.scale(scale, scale);
-    if (std::any_of(line.begin(), line.end(), mayBePicture)) {
+    if (std::any_of(line.begin(), line.end(), mayBeEmoji)) {
         painter_.setFont(face);
         painter_.setPen(color);
         painter_.drawText(startOf(line, face, alignment), line);
@@ -176,7 +173,7 @@ double Canvas::textWidth(const QString& line, const TextStyle& style) {
     return QFontMetricsF(font(style.face, style.weight)).horizontalAdvance(line) * style.size / kFontPixels;
 }
 
-// Of a very long line only what can be seen is measured; where it is cut, it is elided anyway.
+// Measures only the ends of a very long line: the rest would be elided anyway.
 QString Canvas::elided(const QString& line, double width, const TextStyle& style, Qt::TextElideMode where) {
     const bool cut = line.size() > 2 * kMaxVisible;
     const QString ends = cut ? line.left(kMaxVisible) + line.right(kMaxVisible) : line;

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 
+#include "creature/Numbers.h"
 #include "platform/FileIcons.h"
 #include "views/Colors.h"
 #include "views/FilePicture.h"
@@ -40,14 +41,14 @@ QString captionOf(const HeldThing& thing) {
 
 /// The middle of the remove button of a chip that fills `frame`.
 QPointF removeCorner(const QRectF& frame) {
-    return {frame.right() - RemoveX::size / 2, frame.top() + RemoveX::size / 2};
+    return {frame.right() - RemoveX::kSize / 2, frame.top() + RemoveX::kSize / 2};
 }
 
 }  // namespace
 
-/// Everything that the chip's picture depends on.
+/// What the chip shows.
 struct Chip::Look {
-    QString symbol;  ///< empty: the file's picture
+    QString symbol;  ///< empty: show the file's picture
     QColor symbolColor;
     QString text;
     TextStyle textStyle;
@@ -84,8 +85,7 @@ void Chip::setHover(bool hover) {
     if (hover == hover_) return;
     hover_ = hover;
     if (const auto* file = std::get_if<QUrl>(&thing_); file && context_.ports.trace) {
-        context_.ports.trace(QStringLiteral("chip %1 hover → %2")
-                                 .arg(file->fileName(), hover ? QStringLiteral("true") : QStringLiteral("false")));
+        context_.ports.trace(QStringLiteral("chip %1 hover → %2").arg(file->fileName(), formatBool(hover)));
     }
     const auto how = Animation::easeOut(0.14);
     glow_.aim(hover && !timer() ? 1 : 0, how, context_.now());
@@ -107,7 +107,7 @@ void Chip::updateRemove(const std::optional<Animation>& how) {
 
 QRectF Chip::inner() const {
     const QPointF middle = middle_.at(context_.now());
-    return {middle.x() - width / 2, middle.y() - height / 2, width, height};
+    return {middle.x() - kWidth / 2, middle.y() - kHeight / 2, kWidth, kHeight};
 }
 
 bool Chip::isOnRemove(const QPointF& point) const {
@@ -123,7 +123,7 @@ Hit Chip::removeHit() {
     hit.tap = lifetime_.guard([this] {
         if (shown()) context_.ports.remove(HeldThing(thing_));
     });
-    hit.tapReach = RemoveX::reach;
+    hit.tapReach = RemoveX::kReach;
     hit.showPressed = lifetime_.guard([this](bool pressed) {
         remove_.press(pressed, context_.now());
         context_.changed();
@@ -135,7 +135,7 @@ Hit Chip::removeHit() {
 Hit Chip::hit(Hit below) {
     Hit hit = std::move(below);
     hit.menu = menu();
-    // A countdown is good for nothing else: the rest is as on the creature.
+    // A countdown has only a menu; everything else falls through.
     if (timer()) return hit;
     hit.tap = lifetime_.guard([this] {
         if (shown()) context_.ports.use(HeldThing(thing_));
@@ -174,8 +174,8 @@ Chip::Look Chip::look() const {
 
 void Chip::drawGlyph(Canvas& canvas, const Look& look, const QImage& picture) {
     if (!look.symbol.isEmpty()) return canvas.symbol(look.symbol, {0, kGlyphMiddle}, kGlyphSize, look.symbolColor);
-    constexpr double reach = FilePicture::side / 2 + FilePicture::margin;
-    canvas.picture(picture, QRectF(-reach, kGlyphMiddle - reach, 2 * reach, 2 * reach));
+    constexpr double kReach = FilePicture::kSide / 2 + FilePicture::kMargin;
+    canvas.picture(picture, QRectF(-kReach, kGlyphMiddle - kReach, 2 * kReach, 2 * kReach));
 }
 
 void Chip::compose(DisplayList& list) const {
@@ -184,7 +184,7 @@ void Chip::compose(DisplayList& list) const {
     const QPointF middle = middle_.at(now);
     list.with(QTransform::fromTranslate(middle.x(), middle.y()), presence_.at(now), [&] {
         const double scale = 1 + kHoverScale * glow;
-        const QRectF frame(-width / 2, -height / 2, width, height);
+        const QRectF frame(-kWidth / 2, -kHeight / 2, kWidth, kHeight);
         const Look l = look();
         list.with(QTransform::fromScale(scale, scale), 1, [&] {
             const PictureKey key{l.symbol,         l.symbolColor, l.text, l.textStyle.size, l.textStyle.weight,

@@ -7,18 +7,18 @@
 #include "views/RemoveX.h"
 #include "views/View.h"
 
-/// One held thing in its place on the shelf: a glyph above a caption, lit up under the pointer, with a button in the
-/// corner that removes it. Coordinates are those of the shelf. Main thread only; the references must outlive it.
+/// A held thing on the shelf: a glyph above a caption, highlighted under the pointer, with a remove button in its
+/// corner. In the shelf's coordinates. Main thread only; the references must outlive it.
 class Chip {
  public:
-    static constexpr double width = 50;   ///< a 42 point caption with 4 on either side
-    static constexpr double height = 54;  ///< a 30 point glyph, 3 points, a 9 point caption, 6 above and below
+    static constexpr double kWidth = 50;   ///< a 42 point caption with 4 on either side
+    static constexpr double kHeight = 54;  ///< a 30 point glyph, 3 points, a 9 point caption, 6 above and below
 
-    /// `number` tells the chip from all others that there were; `middle` is the place of its middle.
+    /// `number` is unique among all chips ever made; `middle` is the chip's centre.
     Chip(int number, HeldThing thing, const QPointF& middle, const ViewContext& context);
 
     const HeldThing& thing() const { return thing_; }
-    /// The same thing in another state: a timer that has rung.
+    /// Updates the state of the same thing: a timer that has rung.
     void setThing(const HeldThing& thing) { thing_ = thing; }
     void moveTo(const QPointF& middle, const std::optional<Animation>& how) {
         middle_.aim(middle, how, context_.now());
@@ -26,22 +26,20 @@ class Chip {
     /// Fades it in or out.
     void show(bool shown, const std::optional<Animation>& how) { presence_.aim(shown ? 1 : 0, how, context_.now()); }
     bool shown() const { return presence_.target() == 1; }
-    /// It has faded out.
+    /// Whether it has faded out completely.
     bool gone() const { return !shown() && !presence_.moving(context_.now()); }
 
-    /// The pointer came over the chip or left it.
     void setHover(bool hover);
-    /// Where it can be hovered, pressed and clicked: a little beyond its edge, so that a lit chip, which is drawn
-    /// larger, answers wherever it is seen.
+    /// The area that reacts to the pointer: slightly larger than the chip, since a hovered chip is drawn larger.
     QRectF outer() const { return inner().adjusted(-3, -3, 3, 3); }
     QRectF inner() const;
-    /// Whether a press at `point` is for the remove button.
+    /// Whether `point` is on the remove button.
     bool isOnRemove(const QPointF& point) const;
     Hit removeHit();
-    /// What lies on the rest of the chip, which is over `below`.
+    /// The hit anywhere else on the chip; `below` is what lies under it.
     Hit hit(Hit below);
 
-    /// When it looks different next although nothing is animated: Clock::uptime(), or infinity.
+    /// See View.
     double nextFrame() const;
     void compose(DisplayList& list) const;
 
@@ -53,7 +51,7 @@ class Chip {
     bool removeShown() const { return hover_ || hold_ || context_.ports.showX; }
     void updateRemove(const std::optional<Animation>& how);
     void findPicture();
-    /// The last whole second since the chip was made: its countdown changes only then.
+    /// When the countdown last changed: it does so at whole seconds since the chip was made.
     double lastTick() const;
     QString countdown() const;
     Look look() const;
@@ -67,7 +65,7 @@ class Chip {
     QString caption_;
     QImage picture_;
     bool hover_ = false;
-    TimerHandle hold_;  // for a moment after that, so that the remove button can be reached
+    TimerHandle hold_;  // shows the remove button a little longer, so that it can be reached
     RemoveX remove_{context_.animations};
     Animated<QPointF> middle_;
     Animated<double> presence_{context_.animations, 0, 0.002};

@@ -8,7 +8,7 @@ inline QColor accentOrange(double opacity = 1) {
 inline QColor eyeWhite() {
     return QColor::fromRgbF(0.97F, 0.97F, 0.97F);
 }
-/// The desktop's usual green for "good".
+/// The usual system green.
 inline QColor systemGreen() {
     return QColor::fromRgbF(0.20F, 0.78F, 0.35F);
 }

@@ -12,22 +12,25 @@ namespace {
 
 constexpr int kSparks = 10;
 constexpr double kBurstPoint = 36;  // below the top of the panel, just under a camera housing
-constexpr double kReach = 46 + 6 + 7;
+constexpr double kMaxFlight = 46;
+constexpr double kLift = 6;  // points that the ring is above its centre
+constexpr double kMaxSpark = 7;
+constexpr double kReach = kMaxFlight + kLift + kMaxSpark;
 
 }  // namespace
 
 void Confetti::burst() {
     const std::array palette{accentOrange(), eyeWhite(), QColor::fromRgbF(1.0F, 0.5F, 0.7F),
                              QColor::fromRgbF(0.5F, 0.85F, 1.0F)};
-    const auto uniform = [this](double least, double most) { return least + random_() * (most - least); };
+    const auto uniform = [this](double min, double max) { return min + random_() * (max - min); };
     sparks_.clear();
     ++burst_;
     for (int n = 0; n < kSparks; ++n) {
         const double angle = double(n) / kSparks * 2 * std::numbers::pi + uniform(-0.3, 0.3);
-        const double distance = uniform(26, 46);
-        sparks_.push_back({{distance * std::cos(angle), distance * std::sin(angle) - 6},
+        const double distance = uniform(26, kMaxFlight);
+        sparks_.push_back({{distance * std::cos(angle), distance * std::sin(angle) - kLift},
                            palette[size_t(n) % palette.size()],
-                           uniform(4, 7)});
+                           uniform(4, kMaxSpark)});
     }
     flight_.jump(0);
     launch_ = context_.loop.after(0, [this] {

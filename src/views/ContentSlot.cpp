@@ -8,7 +8,7 @@ ContentSlot::ContentSlot(const ViewContext& context, std::function<bool(const No
 
 void ContentSlot::update(const std::optional<Animation>& how) {
     const bool wanted = isWanted_(context_.model);
-    // One that comes back while it fades out begins anew.
+    // A view that returns while it fades out is made anew.
     if (wanted && !touchable()) view_ = make_();
     if (!wanted && touchable()) view_->disappear();
     presence_.aim(wanted ? 1 : 0, how, context_.now());

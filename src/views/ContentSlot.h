@@ -5,20 +5,20 @@
 
 #include "views/View.h"
 
-/// A place for one view that comes and goes with the state of the model: it is made when it comes, fades in and out,
-/// and is dropped when it has gone. Main thread only.
+/// Holds a view that comes and goes with the state of the model: it is created when it is wanted, fades in and out, and
+/// is destroyed after it has faded out. Main thread only.
 class ContentSlot {
  public:
     ContentSlot(const ViewContext& context, std::function<bool(const NotchModel&)> isWanted,
                 std::function<std::unique_ptr<View>()> make);
 
     void update(const std::optional<Animation>& how);
-    /// Drops a view that has faded out.
+    /// Destroys a view that has faded out.
     void tidy();
     void compose(DisplayList& list, const QRectF& body) const;
     /// See View.
     double nextFrame() const;
-    /// The view if it can be touched: not while it fades out. Null for none.
+    /// The view if it reacts to the pointer; null if there is none or it is fading out.
     View* touchable() const { return presence_.target() == 1 ? view_.get() : nullptr; }
 
  private:

@@ -13,7 +13,7 @@ namespace {
 using Swallow = Reactions::Swallow;
 
 constexpr double kShelfGap = 12;    // points below the eyes
-constexpr double kGazeReach = 160;  // points at which the pupils have gone all their way
+constexpr double kGazeReach = 160;  // distance in points from which the pupils move no further
 constexpr double kStartleScale = 0.16;
 constexpr double kStartleRise = 3;
 constexpr double kGulpDip = 2.5;
@@ -50,7 +50,7 @@ void CritterView::update(const std::optional<Animation>& how) {
     shelf_.update(how, top_.target() + eyeSize_.target() + kShelfGap);
     const GlyphHints hints{.worried = state_.worried, .stretching = state_.stretching};
     glyph_.show(statusGlyph(model_, hints, context_.clock.localHour(context_.clock.now())), how, now);
-    // Last, because a reaction updates again with a curve of its own.
+    // Last, because a reaction calls update() again with its own curve.
     reactions_.follow();
 }
 
@@ -64,7 +64,7 @@ void CritterView::aimLayout(const std::optional<Animation>& how, double now) {
     sleep_.aim(model_.asleep ? 1 : 0, how, now);
     sleepingEyes_.aim(face(), model_.attending(), how, now);
 
-    // It has its place in front of the mouth, and leaves it to a wide one.
+    // The badge covers the mouth, so it gives way to an open one.
     const bool badge = model_.hasHeld() && !model_.hovering && !model_.dragNear && !model_.dropTargeted &&
                        !model_.yawning && state_.swallow == Swallow::none;
     badge_.show(badge, model_.heldCount(), how, now);
@@ -120,11 +120,11 @@ QPointF CritterView::gaze(double side) const {
 
     const QPointF eye(model_.centerX + side * (face().eye + face().spacing) / 2,
                       model_.screenTop - (face().top + face().eye / 2));
-    const QPointF way = model_.cursor.get() - eye;
-    const double distance = std::hypot(way.x(), way.y());
+    const QPointF offset = model_.cursor.get() - eye;
+    const double distance = std::hypot(offset.x(), offset.y());
     if (distance < 0.5) return {0, 0};
     const double k = std::min(distance / kGazeReach, 1.0) * face().gaze;
-    return {way.x() / distance * k, -way.y() / distance * k};
+    return {offset.x() / distance * k, -offset.y() / distance * k};
 }
 
 Mouth::State CritterView::mouthState() const {
@@ -173,7 +173,7 @@ void CritterView::compose(DisplayList& list, const QRectF& body) const {
             composeEyes(list, now);
         });
         list.with(moved(0, bottom + kShelfGap), 1, [&] { shelf_.compose(list); });
-        // In front of the shelf, which keeps behind it while it is open.
+        // In front of the shelf, which steps back behind an open mouth.
         list.with(moved(0, bottom) * face, 1, [&] { mouth_.compose(list, now, wall); });
         badge_.compose(list, bottom + kBadgeGap, now);
         glyph_.compose(list, body.right(), now);

@@ -27,13 +27,13 @@ class CritterView : public View {
     void aimEyes(const std::optional<Animation>& how, double now);
     std::optional<Animation> eyeCurve(const std::optional<Animation>& how);
     double lidClosure() const;
-    /// Where the pupil looks of the eye on that `side`, -1 or 1.
+    /// The offset of the pupil on `side`, -1 for left or 1 for right.
     QPointF gaze(double side) const;
     Mouth::State mouthState() const;
     const FaceGeometry& face() const { return model_.attending() ? FaceGeometry::open : FaceGeometry::resting; }
     QPointF onShelf(const QPointF& point) const;
 
-    /// How the whole face is moved by what happens to it.
+    /// Moves the whole face when it is startled or gulps.
     QTransform faceTransform(double now) const;
     void composeCheeks(DisplayList& list, double now) const;
     void composeEyes(DisplayList& list, double now) const;
@@ -45,7 +45,7 @@ class CritterView : public View {
     Reactions reactions_;
     const Reactions::State& state_;
     bool seenCharging_;
-    std::array<bool, 7> eyeCauses_{};  // values whose changes move the eyes with curves of their own
+    std::array<bool, 7> eyeCauses_{};  // states whose changes move the eyes with their own curves
 
     Eye leftEye_{animations_}, rightEye_{animations_};
     SleepingEyes sleepingEyes_{animations_};

@@ -7,7 +7,7 @@
 
 namespace {
 
-/// Whether `place` keeps clear of the corners of a rounded rectangle, so that it needs no clipping there.
+/// Whether `place` does not touch the corners of a rounded rectangle, so that it need not be clipped.
 bool insideOf(const QRectF& rect, double radius, const QTransform& transform, const QRectF& place) {
     // A corner reaches 1.3 radii along its sides, and 0.3 radii into the rectangle.
     const double along = std::min(1.3 * radius, rect.width() / 2), deep = 0.3 * radius;

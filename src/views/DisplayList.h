@@ -3,31 +3,29 @@
 #include <QRegion>
 #include <QTransform>
 #include <functional>
-#include <initializer_list>
 #include <vector>
 
 #include "views/Canvas.h"
 #include "views/PictureKey.h"
 
-/// What is on the panel at one moment: pieces from back to front, each with the place that it covers and the values
-/// that decide its look. Two lists tell by their pieces what changed between two frames, so that only that is painted
-/// again.
+/// The contents of the panel in one frame: pieces from back to front, each with its bounds and the values that its look
+/// depends on. Comparing two lists gives the region that changed, so that only that is repainted.
 class DisplayList {
  public:
     using Draw = std::function<void(Canvas&)>;
 
-    /// Adds a piece in the present frame of reference. `id` is unique in the list and stays with the piece from frame
-    /// to frame; `look` holds every value that `draw` depends on besides the transform, the opacity and the clip.
-    /// Inside `solid` the piece has one plain colour, whatever its look: where that stays, nothing has to be painted
-    /// again.
+    /// Adds a piece in the current coordinate system. `id` is unique in the list and stays the same from frame to
+    /// frame; `look` holds every value that `draw` depends on besides the transform, the opacity and the clip. Inside
+    /// `solid` the piece always has the same plain colour, so the parts of `solid` common to two frames are not
+    /// repainted.
     void add(int id, const QRectF& bounds, PictureKey look, Draw draw, const QRectF& solid = {});
 
-    /// What `compose` adds is transformed by `transform` (first) and faded by `opacity`.
+    /// Applies `transform` (before the current one) and `opacity` to what `compose` adds.
     void with(const QTransform& transform, double opacity, const std::function<void()>& compose);
-    /// What `compose` adds is cut off at a continuous rectangle.
+    /// Clips what `compose` adds to a continuous rectangle.
     void clipped(const QRectF& rect, double radius, const std::function<void()>& compose);
 
-    /// The pixels of the panel, in points, that look different in `other`.
+    /// The region of the panel, in points, that looks different in `other`.
     QRegion changesTo(const DisplayList& other) const;
 
     /// Paints the pieces that touch `damage`.

@@ -28,7 +28,7 @@ void drawPupil(Canvas& canvas, const QPointF& at, double p) {
 }
 
 void drawLid(Canvas& canvas, double d, double closure) {
-    // Its upper edge stays off the eye's own, whose soft pixels it would leave half uncovered.
+    // It overlaps the eye's upper edge, or antialiased pixels would shine through there.
     QPainterPath lid;
     lid.addRect(QRectF(-(d + 6) / 2, -d / 2 - 3, d + 6, d * closure + 3));
     canvas.fill(lid, Qt::black);
@@ -59,7 +59,7 @@ void Eye::compose(DisplayList& list, int id, double now) const {
     const QRectF eye = frame({}, d, d);
     list.add(id, eye.adjusted(-2, 0, 2, 0), {d, p, lid, shut, gaze.x(), gaze.y()}, [=](Canvas& canvas) {
         canvas.layer(eye, circle({}, d), 1 - shut, [&](Canvas& sheet) {
-            // Of a slit that is no longer to be seen nothing is left but its edge's soft pixels: grey dashes.
+            // An almost closed eye would show only antialiased pixels: grey dashes.
             if (d * (1 - lid) < kMinSlit) return sheet.cover(eye.adjusted(-1, -1, 1, 1), Qt::black);
             drawBall(sheet, d);
             drawPupil(sheet, gaze, p);

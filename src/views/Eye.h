@@ -7,13 +7,12 @@
 #include "views/DisplayList.h"
 #include "views/FaceGeometry.h"
 
-/// One eye: where it looks, how far its lid is down, and whether it is squeezed shut for the camera. It is drawn around
-/// the origin of its frame of reference.
+/// One eye: where it looks, how far its lid is down, and whether it is squeezed shut. Centred at the origin.
 class Eye {
  public:
     struct Pose {
         double diameter, pupil;
-        double lid;         ///< 0 uncovers the eye, 1 covers it
+        double lid;         ///< 0 open, 1 closed
         QPointF gaze;       ///< offset of the pupil
         bool shut = false;  ///< shows the closed-eye arc instead
     };

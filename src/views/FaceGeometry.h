@@ -1,15 +1,15 @@
 #pragma once
 
-/// Sizes and places of the face's parts, in points from the top of the panel and from its middle.
+/// Sizes and positions of the parts of the face, in points from the top and the centre line of the panel.
 struct FaceGeometry {
     double top;      ///< of the eyes
     double eye;      ///< diameter
     double spacing;  ///< between the eyes
     double pupil;    ///< diameter
-    double gaze;     ///< how far the pupils go after the pointer
-    double swallow;  ///< how far they look down at what is swallowed
+    double gaze;     ///< how far the pupils follow the pointer
+    double swallow;  ///< how far they look down while swallowing
     double cheek, cheekGap, cheekDrop;
-    double arcWidth, arcHeight, arcDroop;  ///< of an eye that sleeps
+    double arcWidth, arcHeight, arcDroop;  ///< of a sleeping eye
 
     static const FaceGeometry resting, open;
 };

@@ -15,13 +15,14 @@ constexpr double kPixelsPerPoint = 2;
 constexpr double kShadowRadius = 2;
 constexpr double kShadowDrop = 1;
 constexpr double kShadowOpacity = 0.4;
-constexpr int kMaxLabel = 4;
+constexpr double kFold = 6.5;  // the dog-ear of the sheet
+constexpr int kMaxLabel = 4;   // characters
 
-QPainterPath sheetOutline(const QRectF& sheet, double fold) {
+QPainterPath sheetOutline(const QRectF& sheet) {
     QPainterPath path;
     path.moveTo(sheet.left() + 2.5, sheet.top());
-    path.lineTo(sheet.right() - fold, sheet.top());
-    path.lineTo(sheet.right(), sheet.top() + fold);
+    path.lineTo(sheet.right() - kFold, sheet.top());
+    path.lineTo(sheet.right(), sheet.top() + kFold);
     path.lineTo(sheet.right(), sheet.bottom() - 2.5);
     path.quadTo(sheet.bottomRight(), {sheet.right() - 2.5, sheet.bottom()});
     path.lineTo(sheet.left() + 2.5, sheet.bottom());
@@ -33,16 +34,15 @@ QPainterPath sheetOutline(const QRectF& sheet, double fold) {
 
 void drawSheet(QPainter& painter, const QString& extension) {
     const QRectF sheet(4, 1, 22, 28);
-    constexpr double fold = 6.5;
     QLinearGradient paper(sheet.topLeft(), sheet.bottomLeft());
     paper.setColorAt(0, gray(1));
     paper.setColorAt(1, gray(0.86));
-    painter.fillPath(sheetOutline(sheet, fold), paper);
+    painter.fillPath(sheetOutline(sheet), paper);
     QPainterPath corner;
-    corner.moveTo(sheet.right() - fold, sheet.top());
-    corner.lineTo(sheet.right() - fold, sheet.top() + fold - 1);
-    corner.quadTo({sheet.right() - fold, sheet.top() + fold}, {sheet.right() - fold + 1, sheet.top() + fold});
-    corner.lineTo(sheet.right(), sheet.top() + fold);
+    corner.moveTo(sheet.right() - kFold, sheet.top());
+    corner.lineTo(sheet.right() - kFold, sheet.top() + kFold - 1);
+    corner.quadTo({sheet.right() - kFold, sheet.top() + kFold}, {sheet.right() - kFold + 1, sheet.top() + kFold});
+    corner.lineTo(sheet.right(), sheet.top() + kFold);
     painter.fillPath(corner, gray(0.72));
 
     if (extension.isEmpty() || extension.size() > kMaxLabel) {
@@ -58,8 +58,8 @@ void drawSheet(QPainter& painter, const QString& extension) {
 }
 
 void drawIcon(QPainter& painter, const QImage& icon) {
-    const QSizeF fitted = QSizeF(icon.size()).scaled(FilePicture::side, FilePicture::side, Qt::KeepAspectRatio);
-    const QPointF corner((FilePicture::side - fitted.width()) / 2, (FilePicture::side - fitted.height()) / 2);
+    const QSizeF fitted = QSizeF(icon.size()).scaled(FilePicture::kSide, FilePicture::kSide, Qt::KeepAspectRatio);
+    const QPointF corner((FilePicture::kSide - fitted.width()) / 2, (FilePicture::kSide - fitted.height()) / 2);
     const QImage right = icon.scaled((fitted * kPixelsPerPoint).toSize().expandedTo({1, 1}), Qt::IgnoreAspectRatio,
                                      Qt::SmoothTransformation);
     painter.drawImage(QRectF(corner, fitted), right);
@@ -86,14 +86,14 @@ QImage shadowOf(const QImage& picture) {
 }  // namespace
 
 QImage FilePicture::make(const QImage& icon, const QString& extension) {
-    const int pixels = int((side + 2 * margin) * kPixelsPerPoint);
+    const int pixels = int((kSide + 2 * kMargin) * kPixelsPerPoint);
     QImage picture(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
     picture.fill(Qt::transparent);
     {
         QPainter painter(&picture);
         painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
         painter.scale(kPixelsPerPoint, kPixelsPerPoint);
-        painter.translate(margin, margin);
+        painter.translate(kMargin, kMargin);
         if (icon.isNull())
             drawSheet(painter, extension);
         else

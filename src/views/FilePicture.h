@@ -3,11 +3,11 @@
 #include <QImage>
 #include <QString>
 
-/// The picture of a file on its chip: 30 points wide and high, on its shadow.
+/// The picture of a file on its chip, with a shadow.
 struct FilePicture {
-    static constexpr double side = 30;   ///< points of the picture itself
-    static constexpr double margin = 4;  ///< points around it, for the shadow
+    static constexpr double kSide = 30;   ///< width and height in points, without the shadow
+    static constexpr double kMargin = 4;  ///< points around it, for the shadow
 
-    /// `icon` as the desktop shows the file, or, where it has none, a drawn sheet with `extension` on it.
+    /// `icon`, or if that is null a drawn sheet of paper labelled with `extension`.
     static QImage make(const QImage& icon, const QString& extension);
 };

@@ -34,18 +34,18 @@ QString family(Face face) {
     return QFontDatabase::systemFont(QFontDatabase::GeneralFont).family();
 }
 
-/// How far the upright weight of `family` that is nearest to `weight` is from it.
+/// The difference between `weight` and the nearest upright weight of `family`.
 int distance(const QString& family, int weight) {
-    int least = std::numeric_limits<int>::max();
+    int nearest = std::numeric_limits<int>::max();
     for (const QString& style : QFontDatabase::styles(family)) {
         if (!QFontDatabase::italic(family, style))
-            least = std::min(least, std::abs(QFontDatabase::weight(family, style) - weight));
+            nearest = std::min(nearest, std::abs(QFontDatabase::weight(family, style) - weight));
     }
-    return least;
+    return nearest;
 }
 
-/// The family that has `weight` of what is called `family`. Weights between regular and bold are often families of
-/// their own, such as "Quicksand Medium".
+/// The family with the closest match for `weight`. Weights between regular and bold are often separate families, such
+/// as "Quicksand Medium".
 QString familyWith(const QString& family, int weight) {
     static const QStringList names{QStringLiteral("Thin"),   QStringLiteral("ExtraLight"), QStringLiteral("Light"),
                                    QStringLiteral("Medium"), QStringLiteral("SemiBold"),   QStringLiteral("DemiBold"),
@@ -61,13 +61,13 @@ QString familyWith(const QString& family, int weight) {
 }  // namespace
 
 QFont font(Face face, QFont::Weight weight) {
-    // Not destroyed at the end: what belongs to a font is gone before that.
+    // Never destroyed: Qt's font database is gone before static destructors run.
     static auto& fonts = *new QHash<std::pair<QString, int>, QFont>;
     const std::pair key(family(face), int(weight));
     const auto known = fonts.constFind(key);
     if (known != fonts.cend()) return *known;
     QFont font(familyWith(key.first, weight));
-    font.setPixelSize(100);
+    font.setPixelSize(kFontPixels);
     font.setWeight(weight);
     font.setHintingPreference(QFont::PreferNoHinting);
     return fonts[key] = font;

@@ -2,9 +2,11 @@
 
 #include <QFont>
 
-/// The faces that the creature writes in.
 enum class Face { system, rounded, monospaced };
 
-/// The desktop's face of that kind at 100 pixels; whoever draws scales it, so that text is the same at any ratio. The
-/// rounded face is the first installed of a short list, else the system face.
+/// The pixel size of all fonts. Callers scale them, so that text has the same shape at any device pixel ratio.
+constexpr int kFontPixels = 100;
+
+/// The desktop's font for `face` at kFontPixels. The rounded one is the first installed font of a short list, or else
+/// the system font.
 QFont font(Face face, QFont::Weight weight);

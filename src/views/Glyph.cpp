@@ -17,11 +17,11 @@ void Glyph::show(const StatusGlyph& glyph, const std::optional<Animation>& how, 
 }
 
 void Glyph::compose(DisplayList& list, double right, double now) const {
-    constexpr double box = kSize * 1.25;
-    const QPointF place(right - kRight, kTop + box / 2);
+    constexpr double kBox = kSize * Canvas::kSymbolBox;
+    const QPointF place(right - kRight, kTop + kBox / 2);
     list.with(QTransform(), opacity_.at(now), [&] {
-        // A narrow symbol's square reaches further to the right than its ink.
-        const QRectF bounds(place.x() - box, kTop, 1.5 * box, box);
+        // The square of a narrow symbol extends to the right of its ink.
+        const QRectF bounds(place.x() - kBox, kTop, 1.5 * kBox, kBox);
         list.add(piece::glyph, bounds, {place, glyph_.symbol, glyph_.color}, [place, glyph = glyph_](Canvas& canvas) {
             canvas.symbol(glyph.symbol, place, kSize, glyph.color, Qt::AlignRight | Qt::AlignVCenter);
         });

@@ -11,7 +11,7 @@ class Glyph {
  public:
     explicit Glyph(Animations& animations) : opacity_(animations, 0, 0.002) {}
 
-    /// One that goes keeps its symbol while it fades.
+    /// While it fades out it keeps its last symbol.
     void show(const StatusGlyph& glyph, const std::optional<Animation>& how, double now);
     /// Near the right edge of the body.
     void compose(DisplayList& list, double right, double now) const;

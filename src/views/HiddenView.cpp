@@ -12,12 +12,12 @@ void HiddenView::update(const std::optional<Animation>& how) {
 }
 
 void HiddenView::compose(DisplayList& list, const QRectF& body) const {
-    constexpr double size = 9;
+    constexpr double kSize = 9;
     const QPointF bottom(0, body.bottom() - 1);
-    const QRectF bounds(-size, bottom.y() - 2 * size, 2 * size, 3 * size);
+    const QRectF bounds(-kSize, bottom.y() - 2 * kSize, 2 * kSize, 3 * kSize);
     list.with(QTransform(), chevron_.at(context_.now()), [&] {
         list.add(piece::chevron, bounds, {bottom}, [=](Canvas& canvas) {
-            canvas.symbol(QStringLiteral("chevron.compact.down"), bottom, size, white(1),
+            canvas.symbol(QStringLiteral("chevron.compact.down"), bottom, kSize, white(1),
                           Qt::AlignHCenter | Qt::AlignBottom);
         });
     });

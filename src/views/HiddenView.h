@@ -2,7 +2,7 @@
 
 #include "views/View.h"
 
-/// What is left of a hidden creature: a chevron at the lower edge, under the pointer.
+/// What a hidden creature shows: a chevron at the lower edge while the pointer is over it.
 class HiddenView : public View {
  public:
     explicit HiddenView(const ViewContext& context) : context_(context) {}

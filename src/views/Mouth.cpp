@@ -52,7 +52,7 @@ QPainterPath tongueShape(const QRectF& frame) {
     return path;
 }
 
-/// How dark the black capsule over a munching mouth is: it comes and goes, one period each, easing at the turn.
+/// The opacity of the black capsule over a munching mouth: it eases in and out in alternating periods.
 double chewDarkness(double wallTime) {
     const double n = std::floor(wallTime / kChewPeriod);
     const bool even = std::fmod(n, 2) == 0;
@@ -69,7 +69,7 @@ struct Mouth::Look {
     QRectF frame() const { return {-width / 2, space, width, height}; }
 };
 
-const std::array<double Mouth::Look::*, 12> Mouth::kMoving{
+const std::array<double Mouth::Look::*, 12> Mouth::kAnimated{
     &Look::width, &Look::height, &Look::opacity,     &Look::space,        &Look::shadow,        &Look::gradientEnd,
     &Look::rim,   &Look::glow,   &Look::tongueWidth, &Look::tongueHeight, &Look::tongueOpacity, &Look::cheeks};
 
@@ -83,13 +83,13 @@ const std::array<Mouth::Look, 7> Mouth::kLooks{{{14, 2.4, 0.55, 7, 0, kClosedEnd
                                                 {9, 5, 1, 9, 0, kClosedEnd, 0, 0, 0, 0, 0}}};
 
 Mouth::Mouth(Animations& animations) {
-    for (const auto value : kMoving) values_.emplace_back(animations, kLooks[0].*value, 0.002);
+    for (const auto value : kAnimated) values_.emplace_back(animations, kLooks[0].*value, 0.002);
 }
 
 void Mouth::aim(State state, const std::optional<Animation>& how, double now) {
     std::optional<Animation> curve = how;
     if (state != state_ && state == State::full)
-        curve = Animation::interpolatingSpring(1, 320, 27);  // shuts without another bounce
+        curve = Animation::interpolatingSpring(1, 320, 27);  // shuts without a bounce
     else if ((state == State::eating) != (state_ == State::eating))
         curve = Animation::interpolatingSpring(1, 260, 15);
     else if ((state == State::yawning) != (state_ == State::yawning))
@@ -100,7 +100,7 @@ void Mouth::aim(State state, const std::optional<Animation>& how, double now) {
         curve = Animation::easeOut(0.1);
     state_ = state;
 
-    for (size_t i = 0; i < kMoving.size(); ++i) values_[i].aim(kLooks[size_t(state)].*kMoving[i], curve, now);
+    for (size_t i = 0; i < kAnimated.size(); ++i) values_[i].aim(kLooks[size_t(state)].*kAnimated[i], curve, now);
 }
 
 bool Mouth::chewing(double wallTime) const {
@@ -114,27 +114,27 @@ double Mouth::untilNextChew(double wallTime) const {
 
 Mouth::Look Mouth::look(double now, double wallTime) const {
     Look look{};
-    // A spring may swing below nothing.
-    for (size_t i = 0; i < kMoving.size(); ++i) look.*kMoving[i] = std::max(values_[i].at(now), 0.0);
+    // A spring may overshoot below 0.
+    for (size_t i = 0; i < kAnimated.size(); ++i) look.*kAnimated[i] = std::max(values_[i].at(now), 0.0);
     if (state_ == State::munching) look.chew = chewDarkness(wallTime);
     return look;
 }
 
 void Mouth::compose(DisplayList& list, double now, double wallTime) const {
     const Look l = look(now, wallTime);
-    // The glow is the widest: radius 13, so it fades out within 1.5 times that.
+    // Covers the widest part: the glow, of radius 13, fades out within 1.5 times that.
     const double margin = l.glow > 0 || l.shadow > 0 || l.cheeks > 0 ? 20 : 1;
     const QRectF bounds(-l.width / 2 - margin, l.space - margin, l.width + 2 * margin, l.height + 2 * margin);
     PictureKey key{l.chew};
-    for (const auto value : kMoving) key.add(l.*value);
+    for (const auto value : kAnimated) key.add(l.*value);
     list.add(piece::mouth, bounds, key, [l](Canvas& canvas) {
-        // Nothing behind it is to be seen through it.
+        // An opaque base, so that nothing behind the mouth shows through.
         if (l.opacity > 0) canvas.fill(continuousCapsule(l.frame()), Qt::black);
         canvas.with(QTransform(), l.opacity, [&] { draw(canvas, l); });
     });
 }
 
-// Stuffed with what it has just taken.
+// Cheeks stuffed with what it has just taken.
 void Mouth::drawCheeks(Canvas& canvas, const Look& l) {
     const QRectF mouth = l.frame();
     for (const double side : {-1.0, 1.0}) {
@@ -153,7 +153,7 @@ void Mouth::draw(Canvas& canvas, const Look& l) {
     canvas.shadow(capsule, warmGlow(l.glow), 13, {});
     canvas.shadow(capsule, black(l.shadow), 4, {0, 2});
     if (l.cheeks > 0) drawCheeks(canvas, l);
-    // A closed mouth is flat and dark: throat and lips show as it opens.
+    // A closed mouth is flat and dark; throat and lips appear as it opens.
     const double open = std::clamp((l.gradientEnd - kClosedEnd) / (kYawnEnd - kClosedEnd), 0.0, 1.0);
     canvas.fill(capsule,
                 radialGradient(frame, {0.5, 0.66}, 1, std::max(l.gradientEnd, kClosedEnd),

@@ -7,12 +7,12 @@
 #include "motion/Animated.h"
 #include "views/DisplayList.h"
 
-/// The creature's mouth. It is drawn below the origin of its frame of reference, the bottom centre of the eye row.
+/// The creature's mouth. The origin is the bottom centre of the eyes.
 class Mouth {
  public:
     enum class State {
         resting,
-        covered,  ///< not to be seen behind something else
+        covered,  ///< hidden behind the badge
         munching,
         yawning,
         eating,
@@ -22,18 +22,18 @@ class Mouth {
 
     explicit Mouth(Animations& animations);
 
-    /// `how` moves whatever is not bound to eating or yawning by an animation of its own.
+    /// Moves to `state` with `how`; eating, yawning and swallowing have their own curves.
     void aim(State state, const std::optional<Animation>& how, double now);
-    /// While it munches: seconds of wall time until the next bite, else infinity.
+    /// Seconds until the next bite while munching; otherwise infinity.
     double untilNextChew(double wallTime) const;
-    /// Whether a bite is going on at this wall time (seconds since the reference date).
+    /// Whether it is in the middle of a bite at this wall time (seconds, see Date).
     bool chewing(double wallTime) const;
 
     void compose(DisplayList& list, double now, double wallTime) const;
 
  private:
     struct Look;
-    static const std::array<double Look::*, 12> kMoving;  // the numbers of a look that are animated
+    static const std::array<double Look::*, 12> kAnimated;  // the numbers of a look that are animated
     static const std::array<Look, 7> kLooks;
 
     Look look(double now, double wallTime) const;
@@ -42,5 +42,5 @@ class Mouth {
     static void drawCheeks(Canvas& canvas, const Look& look);
 
     State state_ = State::resting;
-    std::vector<Animated<double>> values_;  // of kMoving
+    std::vector<Animated<double>> values_;  // of kAnimated
 };

@@ -9,11 +9,11 @@
 #include <QString>
 #include <type_traits>
 
-/// All the values that a picture depends on, each taken over bit by bit: two keys are equal exactly when all their
-/// values are, in their order. Where one place keeps several kinds of pictures, each begins with a name of its own.
+/// All values that a picture depends on, as raw bytes: two keys are equal if and only if all their values are, in
+/// order. If one cache holds several kinds of pictures, begin each key with the kind.
 class PictureKey {
  public:
-    /// Made implicitly, so that a list of values in braces is a key.
+    /// Implicit, so that a braced list of values can be passed as a key.
     template <class... Values>
     PictureKey(const Values&... values) {
         bytes_.reserve(int((sizeof(Values) + ... + 0)));
@@ -27,7 +27,7 @@ class PictureKey {
     void add(const QColor& color) { add(quint64(color.rgba64())); }
     void add(const QPointF& point) { add(point.x()), add(point.y()); }
     void add(const QRectF& rect) { add(rect.topLeft()), add(rect.width()), add(rect.height()); }
-    /// The image's content is told by its identity: a copy that was drawn into is another image.
+    /// By identity, not content: QImage::cacheKey() changes when the image is modified.
     void add(const QImage& image) { add(image.cacheKey()); }
     void add(const QString& text) {
         add(text.size());

@@ -1,6 +1,6 @@
 #pragma once
 
-/// Names of the pieces of a DisplayList, one for each thing on the panel.
+/// Ids of the pieces in a DisplayList, one for each thing on the panel.
 namespace piece {
 enum : int {
     body,
@@ -14,9 +14,9 @@ enum : int {
     badge,
     glyph,
     pill,
-    pillLabels,  ///< two: the present one and the one before it
+    pillLabels,  ///< two: the current one and the previous one
     whisper = pillLabels + 2,
     confetti,
-    chips  ///< this and all above: two for each chip
+    chips  ///< from here on, two for each chip
 };
 }

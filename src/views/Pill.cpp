@@ -10,18 +10,18 @@ void Pill::show(const std::optional<Look>& look, const std::optional<Animation>&
     const bool seen = presence_.at(now) > 0;
     presence_.aim(look ? 1 : 0, how, now);
     if (!look) return;
-    // What was not there needs no way to where it appears.
-    const auto way = seen ? how : std::nullopt;
-    middle_.aim(look->frame.center(), way, now);
-    size_.aim({look->frame.width(), look->frame.height()}, way, now);
-    fill_.aim(look->fillOpacity, way, now);
+    // A pill that was not visible appears in its place without moving there.
+    const auto curve = seen ? how : std::nullopt;
+    middle_.aim(look->frame.center(), curve, now);
+    size_.aim({look->frame.width(), look->frame.height()}, curve, now);
+    fill_.aim(look->fillOpacity, curve, now);
     if (!labels_.empty() && labels_.back().text == look->text) return;
     const int number = labels_.empty() ? 0 : labels_.back().number + 1;
     if (labels_.size() > 1) labels_.pop_front();
-    if (!labels_.empty()) labels_.back().presence.aim(0, way, now);
+    if (!labels_.empty()) labels_.back().presence.aim(0, curve, now);
     labels_.push_back(
         {look->text, look->style, look->textOpacity, look->frame.width(), number, {animations_, 0, 0.002}});
-    labels_.back().presence.aim(1, way, now);
+    labels_.back().presence.aim(1, curve, now);
 }
 
 QRectF Pill::frame(double now) const {

@@ -7,8 +7,7 @@
 #include "motion/Animated.h"
 #include "views/DisplayList.h"
 
-/// A small capsule with a word in it. When it gets another place, another size or another word, it moves, grows and
-/// changes over in the same movement. Main thread only.
+/// A small capsule with a label. Changes of its position, size and label are animated together. Main thread only.
 class Pill {
  public:
     struct Look {
@@ -20,9 +19,9 @@ class Pill {
 
     explicit Pill(Animations& animations) : animations_(animations) {}
 
-    /// Lets it look so from now on; without a look it fades out where it is.
+    /// Changes to `look`; without one, fades out in place.
     void show(const std::optional<Look>& look, const std::optional<Animation>& how, double now);
-    /// Whether `point` is on it as it is drawn now.
+    /// Whether `point` is on the pill as it is drawn now.
     bool contains(const QPointF& point, double now) const;
     void compose(DisplayList& list, double now) const;
 
@@ -40,5 +39,5 @@ class Pill {
     Animations& animations_;
     Animated<double> presence_{animations_, 0, 0.002}, fill_{animations_, 0, 0.002};
     Animated<QPointF> middle_{animations_, QPointF()}, size_{animations_, QPointF()};
-    std::list<Label> labels_;  // one that goes, and the one that stays
+    std::list<Label> labels_;  // possibly one that fades out, then the current one
 };

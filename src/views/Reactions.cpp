@@ -6,7 +6,7 @@ namespace {
 
 // All in seconds.
 constexpr double kBlinkEvery = 3.4;
-constexpr double kClosing = 0.17;  // that the mouth takes to shut over something
+constexpr double kClosing = 0.17;  // until the mouth has shut over something
 constexpr double kGulping = 0.24;
 
 }  // namespace
@@ -53,7 +53,7 @@ void Reactions::hold(bool State::*member, double seconds, const Curve& begin, co
 void Reactions::later(double seconds, std::function<void()> call) {
     const auto place = pending_.emplace(pending_.end());
     *place = loop_.after(seconds, [this, place, call = std::move(call)] {
-        // The timer owns what runs here.
+        // Keeps the timer alive, which owns this callback.
         const TimerHandle self = std::move(*place);
         pending_.erase(place);
         call();

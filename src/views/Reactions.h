@@ -7,26 +7,25 @@
 
 #include "views/View.h"
 
-/// What happens to the face for a short while: it blinks by a clock of its own, and the model's counters start the
-/// rest. Main thread only.
+/// Short reactions of the face: it blinks regularly, and the model's counters trigger the others. Main thread only.
 class Reactions {
  public:
-    /// It shuts its mouth over what it was given, and then gulps it down.
+    /// The mouth shuts over what it was given, then gulps it down.
     enum class Swallow { none, closing, gulping };
     struct State {
         bool blinking = false, startled = false, worried = false, glancingDown = false, stretching = false;
         double look = 0;  ///< -1 to the left, 1 to the right
         Swallow swallow = Swallow::none;
-        bool fed = false;  ///< the mouth stays shut until the drag that brought something is over
+        bool fed = false;  ///< something was dropped; the mouth stays shut until that drag is over
     };
 
-    /// `changed` is called after every change of the state, with the curve in which it shows.
+    /// `changed` is called after every change of the state, with the curve to show it with.
     Reactions(const ViewContext& context, std::function<void(const std::optional<Animation>&)> changed);
 
     const State& state() const { return state_; }
-    /// Starts what the model has asked for since the last call. `changed` may be called meanwhile.
+    /// Starts the reactions that the model has triggered since the last call. May call `changed`.
     void follow();
-    /// Ends all of it.
+    /// Cancels all reactions.
     void stop();
 
  private:
@@ -39,9 +38,9 @@ class Reactions {
 
     template <class T>
     void set(T State::*member, T value, const Curve& how = {});
-    /// Sets `member` for so many seconds.
+    /// Sets `member` for `seconds`.
     void hold(bool State::*member, double seconds, const Curve& begin = {}, const Curve& end = {});
-    /// Any number of such calls may be under way.
+    /// Any number of calls may be pending.
     void later(double seconds, std::function<void()> call);
     void blink();
     void startle();

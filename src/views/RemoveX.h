@@ -5,19 +5,19 @@
 #include "motion/Animated.h"
 #include "views/DisplayList.h"
 
-/// The small round button in a chip's corner that takes it off the shelf. Main thread only.
+/// The small round button in a chip's corner that removes it. Main thread only.
 class RemoveX {
  public:
-    static constexpr double size = 16;   ///< points across
-    static constexpr double reach = 14;  ///< points to each side that a press may wander and still be meant
+    static constexpr double kSize = 16;   ///< diameter in points
+    static constexpr double kReach = 14;  ///< how far a press may move, in points, and still count (see Hit::tapReach)
 
-    /// Whether a press at `point`, relative to the button's middle, is on it.
+    /// Whether `point`, relative to the button's centre, is on the button.
     static bool hit(const QPointF& point);
 
     explicit RemoveX(Animations& animations) : animations_(animations) {}
 
     void press(bool pressed, double now);
-    /// Shows it or not: with `how`, or at once.
+    /// Shows or hides it with `how`, or at once.
     void show(bool shown, const std::optional<Animation>& how, double now) { opacity_.aim(shown ? 1 : 0, how, now); }
 
     /// Adds the button around the origin.

@@ -17,7 +17,7 @@ constexpr double kTopRadius = 9;
 constexpr double kRimWidth = 0.8;
 constexpr double kShadowRadius = 12;
 constexpr double kShadowDrop = 7;
-constexpr double kWobble = 1.1;        // as tall as a boop makes the body on its way back
+constexpr double kWobble = 1.1;        // how much a boop stretches the body at most
 constexpr double kBreathPeriod = 3.4;  // seconds
 constexpr double kBreathTick = 0.25;
 constexpr double kBreathDepth = 0.008;
@@ -64,7 +64,7 @@ void RootView::modelChanged(const std::optional<Animation>& how) {
     followBoops(now);
     for (ContentSlot& content : contents_) content.update(how);
     context_.changed();
-    // Last, because it comes back here with no curve.
+    // Last, because this calls modelChanged() again.
     if (left && model_.shelfExpanded) model_.shelfExpanded = false;
 }
 
@@ -97,7 +97,7 @@ void RootView::breathe() {
         return;
     }
     breathPhase_ = 0.5 - 0.5 * std::cos(2 * std::numbers::pi * clock_.now().seconds / kBreathPeriod);
-    // Also takes in what changes with the time of day.
+    // Also picks up what depends on the time of day.
     modelChanged(std::nullopt);
 }
 
@@ -149,7 +149,7 @@ void RootView::composeBody(DisplayList& list, double now) const {
     const double radius = bottomRadius_.at(now);
     const double reach = 1.5 * kShadowRadius;
     const QRectF bounds = rect.adjusted(-kTopRadius - reach, 0, kTopRadius + reach, reach + kShadowDrop);
-    // The corners' curves keep a quarter of the radius from both sides.
+    // Corner curves come no closer to the sides than a quarter of the radius.
     const double inset = 2 + 0.25 * radius;
     const QRectF solid = rect.adjusted(inset, kTopRadius, -inset, -inset);
     const auto draw = [=](Canvas& canvas) {
@@ -181,20 +181,20 @@ void RootView::followPointer() {
 Hit RootView::hit(const QPointF& point) {
     Hit hit;
     hit.tap = ports_.notchTapped;
-    hit.drag = Hit::Slide{[this](double way) { slide(way); }, [this] { slideEnded(); }};
+    hit.drag = Hit::Slide{[this](double offset) { slide(offset); }, [this] { slideEnded(); }};
     for (const ContentSlot& content : contents_) {
         if (View* view = content.touchable()) hit = view->hit(inside(point), std::move(hit));
     }
     return hit;
 }
 
-void RootView::slide(double way) {
+void RootView::slide(double offset) {
     if (model_.hidden) return;
     if (!model_.sliding) {
         model_.sliding = true;
         slideBase_ = model_.slideX;
     }
-    model_.slideX = std::clamp(slideBase_ + way, -kSlideLimit, kSlideLimit);
+    model_.slideX = std::clamp(slideBase_ + offset, -kSlideLimit, kSlideLimit);
 }
 
 void RootView::slideEnded() {

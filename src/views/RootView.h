@@ -6,36 +6,36 @@
 #include "views/Confetti.h"
 #include "views/ContentSlot.h"
 
-/// Everything on the panel: the black body that hangs from the notch, what it shows, and the movements of the whole.
-/// Coordinates are points of the panel, y growing downwards. Main thread only; the references must outlive it.
+/// Everything on the panel: the black body that hangs from the notch, its contents, and the animations of the whole.
+/// Coordinates are points in the panel, y growing downwards. Main thread only; the references must outlive it.
 class RootView {
  public:
     static constexpr double kPanelWidth = 360;
     static constexpr double kPanelHeight = 230;
-    /// Points beside the panel that the picture may reach: the widest body with its flares and its shadow, squashed by
-    /// a boop while it bulges. A multiple of four, so that it is whole in device pixels.
+    /// How far the picture may reach beyond the panel's sides, in points: enough for the widest body with its flares
+    /// and shadow, bulging and squashed by a boop. A multiple of four, so that it is a whole number of device pixels.
     static constexpr int kOverdraw = 52;
 
     /// `random` gives uniformly distributed numbers in [0, 1).
     RootView(NotchModel& model, ViewPorts ports, Clock& clock, MainLoop& loop, std::function<double()> random);
 
-    /// Called when the picture has changed or begun to move.
+    /// Called when the picture has changed or started to move.
     std::function<void()> onChange;
     /// Called four times a second, when the creature breathes.
     std::function<void()> onBreath;
 
-    /// What is on screen now.
+    /// Adds everything that is on screen now to `list`.
     void compose(DisplayList& list);
-    /// When the picture must be drawn next if nothing else happens: Clock::uptime(), or infinity.
+    /// When to draw the next frame if nothing else happens: Clock::uptime(), or infinity.
     double nextFrame() const;
-    /// How far down the picture reaches, its shadow included, once the body has its size; also while it wobbles.
+    /// How far down the picture reaches at the body's target height, with its shadow and even while it wobbles.
     double depth() const;
-    /// Whether the body is on its way to another size.
+    /// Whether the body's height is changing.
     bool growing() const { return height_.moving(clock_.uptime()); }
     /// The body's outline as it is drawn now; the panel is transparent elsewhere.
     QPainterPath outline() const;
 
-    /// The pointer is at `point` now, or away from the panel.
+    /// The pointer moved to `point`; absent when it is outside the panel.
     void pointerMoved(const std::optional<QPointF>& point);
     /// What lies at `point`.
     Hit hit(const QPointF& point);
@@ -45,10 +45,10 @@ class RootView {
     void aimBody(const std::optional<Animation>& how, double now);
     void followBoops(double now);
     void breathe();
-    /// Lets the contents know where the pointer is on them; either may have moved.
+    /// Tells the contents where the pointer is relative to them; either may have moved.
     void followPointer();
-    /// The body has been pulled by `way` points to the right since it was pressed.
-    void slide(double way);
+    /// The body has been dragged `offset` points to the right since it was pressed.
+    void slide(double offset);
     void slideEnded();
 
     QTransform wholeTransform(double now) const;

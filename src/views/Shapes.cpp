@@ -28,11 +28,11 @@ QPainterPath lashLine(double width, double droop) {
 
 namespace {
 
-// A corner begins this many radii before the vertex where the side is long enough.
+// A corner starts this many radii before the vertex, if the side is long enough.
 constexpr double kReach = 1.3;
 
-/// Distance of a Bézier handle from the start of the curve, so that the middle of a corner that reaches `reach` along
-/// its side lies where the circle of `radius` has it.
+/// Distance of a Bézier handle from the end of its curve, such that the midpoint of a corner that starts `reach` before
+/// the vertex lies on the circle of `radius`.
 double handle(double reach, double radius) {
     return (4 * reach - 8 * radius * (1 - std::numbers::sqrt2 / 2)) / 3;
 }

@@ -11,25 +11,21 @@ namespace {
 
 constexpr double kChipGap = 6;
 constexpr double kTightGap = 2;  // between many chips
-constexpr double kMaxRow = 304;  // that a row may be inside the open body
-constexpr double kPillGap = 2;   // above the pill that folds
+constexpr double kMaxRow = 304;  // width of a row inside the open body
+constexpr double kPillGap = 2;   // above the "show less" pill
 constexpr int kFoldedFiles = 3;
 constexpr int kFoldedBites = 2;
 constexpr double kAppearScale = 0.9;
 constexpr double kWhisperRoom = 5;  // between the whisper and the rim
-constexpr double kBehindMouth = 4;  // between what has stepped back and the rim
+constexpr double kBehindMouth = 4;  // between a shelf that has stepped back and the rim
 constexpr double kFaint = 0.4;
 
 const TextStyle kMoreStyle{11, QFont::DemiBold, Face::rounded};
 const TextStyle kLessStyle{9, QFont::DemiBold, Face::rounded};
 const TextStyle kWhisperStyle{9.5, QFont::DemiBold, Face::rounded};
 
-double lineHeight(const TextStyle& style) {
-    return style.size * 1.2;
-}
-
 double rowWidth(int chips, double gap) {
-    return chips * Chip::width + std::max(chips - 1, 0) * gap;
+    return chips * Chip::kWidth + std::max(chips - 1, 0) * gap;
 }
 
 bool sameThing(const HeldThing& a, const HeldThing& b) {
@@ -39,19 +35,19 @@ bool sameThing(const HeldThing& a, const HeldThing& b) {
 
 }  // namespace
 
-/// The places of everything, relative to the shelf's top, before fading and scaling.
+/// Positions relative to the shelf's top, before fading and scaling.
 struct ShelfArea::Layout {
     QList<QPointF> chips;  ///< their middles
     std::optional<Pill::Look> pill;
     double bottom = 0;   ///< of the chips and the pill
-    double scale = 1;    ///< that makes them fit into the body
-    double drop = 0;     ///< where they begin then
-    double whisper = 0;  ///< where the whisper begins
+    double scale = 1;    ///< that makes the chips and the pill fit into the body
+    double drop = 0;     ///< their top after scaling
+    double whisper = 0;  ///< top of the whisper
 
-    /// A row of chips beginning at `left`, `row` rows down.
+    /// Adds a row of chips that starts at `left`, `row` rows down.
     void addRow(int count, double left, double gap, int row) {
         for (int i = 0; i < count; ++i)
-            chips.append({left + (Chip::width + gap) * i + Chip::width / 2, NotchModel::kChipRow * (row + 0.5)});
+            chips.append({left + (Chip::kWidth + gap) * i + Chip::kWidth / 2, NotchModel::kChipRow * (row + 0.5)});
     }
 };
 
@@ -81,7 +77,7 @@ ShelfArea::Layout ShelfArea::layout(double top) const {
         }
         l.pill = Pill::Look{QStringLiteral("show less"), kLessStyle, 0.55, 0.1, {}};
         const double width = Canvas::textWidth(l.pill->text, kLessStyle) + 16;
-        l.pill->frame = {-width / 2, rows * NotchModel::kChipRow + kPillGap, width, lineHeight(kLessStyle) + 5};
+        l.pill->frame = {-width / 2, rows * NotchModel::kChipRow + kPillGap, width, kLessStyle.lineHeight() + 5};
         l.bottom = l.pill->frame.bottom();
         fit(l, rowWidth(std::min(shown, NotchModel::kChipsPerRow), kChipGap), top);
         return l;
@@ -94,7 +90,7 @@ ShelfArea::Layout ShelfArea::layout(double top) const {
     const auto widthWith = [&](double gap) { return rowWidth(shown, gap) + (pillWidth > 0 ? gap + pillWidth : 0); };
     const double gap = widthWith(kChipGap) <= kMaxRow ? kChipGap : kTightGap;
     const double row = widthWith(gap);
-    const double height = lineHeight(kMoreStyle) + 6;
+    const double height = kMoreStyle.lineHeight() + 6;
     if (l.pill) l.pill->frame = {row / 2 - pillWidth, (NotchModel::kChipRow - height) / 2, pillWidth, height};
     l.addRow(shown, -row / 2, gap, 0);
     l.bottom = shown > 0 ? NotchModel::kChipRow : 0;
@@ -102,10 +98,11 @@ ShelfArea::Layout ShelfArea::layout(double top) const {
     return l;
 }
 
-// Into the body's width, and above its rim: with room for the whisper, or all of it behind the open mouth.
+// Fits the layout into the body's width and above its rim, leaving room for the whisper unless the shelf has stepped
+// back.
 void ShelfArea::fit(Layout& l, double row, double top) const {
     const bool whispers = model_.whisper().has_value() && !steppedBack();
-    const double below = steppedBack() ? kBehindMouth : whispers ? lineHeight(kWhisperStyle) + kWhisperRoom : 0;
+    const double below = steppedBack() ? kBehindMouth : whispers ? kWhisperStyle.lineHeight() + kWhisperRoom : 0;
     const double room = std::clamp(model_.shapeHeight() - top - below, 1.0, std::max(l.bottom, 1.0));
     l.scale = std::min({1.0, kMaxRow / std::max(row, 1.0), room / std::max(l.bottom, 1.0)});
     l.drop = (room - l.scale * l.bottom) / 2;
@@ -114,7 +111,7 @@ void ShelfArea::fit(Layout& l, double row, double top) const {
 
 void ShelfArea::update(const std::optional<Animation>& how, double top) {
     const double now = context_.now();
-    // What cannot be seen takes its place at once; what fades out stays where it is.
+    // An invisible shelf moves at once; one that fades out stays where it is.
     const auto curve = presence_.at(now) > 0 ? how : std::nullopt;
     presence_.aim(wanted() ? 1 : 0, how, now);
     const Layout l = layout(top);
@@ -139,7 +136,7 @@ void ShelfArea::whisper(const Layout& l, const std::optional<Animation>& how) {
     whisperTop_.aim(l.whisper, seen ? how : std::nullopt, now);
 }
 
-// Chips go to the places of their things; what is new fades in, what is no longer shown fades out where it is.
+// Moves the chips to their new places; new ones fade in, and those no longer shown fade out in place.
 void ShelfArea::arrange(const Layout& l, const std::optional<Animation>& how) {
     chips_.remove_if([](const Chip& chip) { return chip.gone(); });
     const QList<HeldThing> things = shownThings();
@@ -172,7 +169,7 @@ void ShelfArea::hover() {
     for (Chip& chip : chips_) chip.setHover(&chip == hovered);
 }
 
-// Neighbours share the ground between them.
+// The hit areas of neighbours overlap, so the nearest one counts.
 Chip* ShelfArea::chipNear(const QPointF& place) {
     if (!reachable()) return nullptr;
     Chip* nearest = nullptr;
@@ -225,7 +222,7 @@ void ShelfArea::compose(DisplayList& list) const {
 }
 
 void ShelfArea::composeWhisper(DisplayList& list) const {
-    const double now = context_.now(), line = lineHeight(kWhisperStyle);
+    const double now = context_.now(), line = kWhisperStyle.lineHeight();
     const double top = whisperTop_.at(now);
     list.with(QTransform(), whisperShown_.at(now), [&] {
         list.add(piece::whisper, QRectF(-160, top, 320, line), {top, whisper_}, [=, text = whisper_](Canvas& canvas) {

@@ -6,14 +6,13 @@
 #include "views/Pill.h"
 #include "views/View.h"
 
-/// The rows of chips below the open face, the pill that unfolds and folds them, and the whispered meeting. While a drag
-/// is near they step back behind the open mouth, small and faint. It is drawn below the origin of its frame of
-/// reference, its top centre. Main thread only.
+/// The rows of chips below the open face, the pill that expands and collapses them, and the whispered meeting. While a
+/// drag is near they step back behind the open mouth, small and faint. The origin is the top centre. Main thread only.
 class ShelfArea {
  public:
     explicit ShelfArea(const ViewContext& context) : context_(context), model_(context.model) {}
 
-    /// `top` is where it will begin on the panel when everything has come to rest.
+    /// `top` is where the shelf will start on the panel once all animations have ended.
     void update(const std::optional<Animation>& how, double top);
     /// See View.
     double nextFrame() const;
@@ -34,23 +33,23 @@ class ShelfArea {
     void whisper(const Layout& layout, const std::optional<Animation>& how);
     void hover();
     void composeWhisper(DisplayList& list) const;
-    /// The nearest of the chips that answer at a point of the chips' own coordinates.
+    /// The chip at `place`, in the chips' coordinates; null if there is none.
     Chip* chipNear(const QPointF& place);
-    /// What would be too large for the body is drawn smaller.
+    /// Scales chips and pill down to fit into the body.
     QTransform fitting() const;
-    /// A point of the frame of reference in the chips' own coordinates.
+    /// Maps a point into the chips' coordinates.
     QPointF fitted(const QPointF& point) const { return fitting().inverted().map(point); }
 
     const ViewContext& context_;
     NotchModel& model_;
 
-    std::list<Chip> chips_;  // those that fade out too
+    std::list<Chip> chips_;  // including those that are fading out
     int chipsMade_ = 0;
     std::optional<QPointF> pointer_;  // in the chips' coordinates
     Pill pill_{context_.animations};
     QString whisper_;
     Animated<double> presence_{context_.animations, 0, 0.002}, strength_{context_.animations, 1, 0.002};
-    // Of the chips and the pill, to fit them into the body.
+    // Fit the chips and the pill into the body.
     Animated<double> scale_{context_.animations, 1, 0.001}, drop_{context_.animations, 0};
     Animated<double> whisperShown_{context_.animations, 0, 0.002}, whisperTop_{context_.animations, 0};
 };

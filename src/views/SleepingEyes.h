@@ -6,13 +6,14 @@
 #include "views/DisplayList.h"
 #include "views/FaceGeometry.h"
 
-/// The closed eyes of a creature that sleeps, and the "z" that rises between them while it attends. Main thread only.
+/// The closed eyes of a sleeping creature, and the "z" that rises between them while it is attended to. Main thread
+/// only.
 class SleepingEyes {
  public:
     explicit SleepingEyes(Animations& animations) : animations_(animations) {}
 
     void aim(const FaceGeometry& face, bool dreaming, const std::optional<Animation>& how, double now);
-    /// Around the middle of `list`'s frame of reference, `gap` between the eyes; `wallTime` in seconds moves the "z".
+    /// Centred horizontally at the origin, with `gap` between the eyes; `wallTime`, in seconds, moves the "z".
     void compose(DisplayList& list, double top, double gap, double now, double wallTime) const;
 
  private:

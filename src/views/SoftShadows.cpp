@@ -8,8 +8,8 @@
 
 namespace {
 
-/// Odd widths of three successive box filters that together approach a Gaussian: the variance of a box of width w is
-/// (w² - 1) / 12, and variances add.
+/// Odd widths of three successive box filters that approximate a Gaussian: the variance of a box of width w is
+/// (w² - 1) / 12, and variances add up.
 std::array<int, 3> boxWidths(double sigma) {
     const double ideal = std::sqrt(4 * sigma * sigma + 1);
     int lower = int(ideal);
@@ -20,7 +20,7 @@ std::array<int, 3> boxWidths(double sigma) {
     return widths;
 }
 
-/// One box filter over a row or column of `count` bytes that lie `stride` apart.
+/// Applies a box filter to a row or column of `count` bytes that are `stride` apart.
 void boxBlur(uchar* first, int count, int stride, int width, std::vector<uchar>& line) {
     const int radius = width / 2;
     line.assign(size_t(count + 2 * radius + 1), 0);
@@ -78,7 +78,7 @@ void blurMask(std::vector<uchar>& mask, int width, int height, double sigma) {
 
 SoftShadows::Shadow SoftShadows::shadow(const QPainterPath& shape, double radius, const QColor& color,
                                         double pixelsPerPoint) {
-    // Four pixels per standard deviation are as smooth as the eye can tell once they are interpolated.
+    // With interpolation, more than four pixels per standard deviation make no visible difference.
     const double scale = std::min(pixelsPerPoint, 4 / std::max(radius / 2, 0.1));
     const PictureKey key{shape, radius, color, scale};
     if (const auto* found = cache_.object(key)) return *found;

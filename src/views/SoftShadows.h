@@ -8,23 +8,23 @@
 
 #include "views/PictureKey.h"
 
-/// Blurred fills of shapes, made once per shape, radius and colour and kept while they are in use. Main thread only.
+/// Renders and caches blurred shapes, by shape, radius and colour. Main thread only.
 class SoftShadows {
  public:
-    /// A picture to be drawn, smoothly scaled, over `bounds` (the shape's coordinates).
+    /// An image to draw, smoothly scaled, over `bounds` (in the shape's coordinates).
     struct Shadow {
         QImage image;
         QRectF bounds;
     };
 
-    /// The shadow of `shape` with this blur `radius` (points, two standard deviations of the blur), at most
-    /// `pixelsPerPoint` fine; a wide blur needs, and gets, fewer pixels.
+    /// The shadow of `shape` with a blur `radius` in points (two standard deviations), at a resolution of at most
+    /// `pixelsPerPoint`; wide blurs need, and get, fewer pixels.
     Shadow shadow(const QPainterPath& shape, double radius, const QColor& color, double pixelsPerPoint);
 
  private:
     QCache<PictureKey, Shadow> cache_{24};
 };
 
-/// Blurs an 8-bit mask of `width` x `height` pixels in place with a standard deviation of `sigma` pixels, as three box
-/// filters in each direction do; what lies outside the mask is empty.
+/// Blurs an 8-bit mask of `width` x `height` pixels in place with a standard deviation of `sigma` pixels, by three box
+/// filters in each direction; outside the mask everything is 0.
 void blurMask(std::vector<uchar>& mask, int width, int height, double sigma);

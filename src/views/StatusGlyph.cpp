@@ -5,43 +5,43 @@
 
 namespace {
 
-bool calledFor(const NotchModel& m, GlyphHints hints) {
-    return m.attending() || hints.worried || m.needsYou || m.cameraInUse || m.micInUse || m.timerRung() ||
-           m.whisper().has_value() || m.downloading || m.offline || hints.stretching;
+bool calledFor(const NotchModel& model, GlyphHints hints) {
+    return model.attending() || hints.worried || model.needsYou || model.cameraInUse || model.micInUse ||
+           model.timerRung() || model.whisper().has_value() || model.downloading || model.offline || hints.stretching;
 }
 
-QString symbolFor(const NotchModel& m, GlyphHints hints, int hour) {
-    if (m.needsYou) return QStringLiteral("exclamationmark");
-    if (m.timerRung()) return QStringLiteral("timer");
-    if (m.cameraInUse) return QStringLiteral("eye.slash.fill");
-    if (m.micInUse) return QStringLiteral("waveform");
-    if (m.musicPlaying) return QStringLiteral("music.note");
-    if (m.whisper().has_value()) return QStringLiteral("calendar");
-    if (m.downloading) return QStringLiteral("arrow.down.circle");
-    if (m.offline) return QStringLiteral("wifi.slash");
-    if (m.updateAvailable->has_value()) return QStringLiteral("gift.fill");
+QString symbolFor(const NotchModel& model, GlyphHints hints, int hour) {
+    if (model.needsYou) return QStringLiteral("exclamationmark");
+    if (model.timerRung()) return QStringLiteral("timer");
+    if (model.cameraInUse) return QStringLiteral("eye.slash.fill");
+    if (model.micInUse) return QStringLiteral("waveform");
+    if (model.musicPlaying) return QStringLiteral("music.note");
+    if (model.whisper().has_value()) return QStringLiteral("calendar");
+    if (model.downloading) return QStringLiteral("arrow.down.circle");
+    if (model.offline) return QStringLiteral("wifi.slash");
+    if (model.updateAvailable->has_value()) return QStringLiteral("gift.fill");
     if (hints.stretching) return QStringLiteral("figure.walk");
-    if (m.diskFull) return QStringLiteral("externaldrive.fill");
-    if (m.charging) return QStringLiteral("bolt.fill");
-    if (m.battery < 0.2) return QStringLiteral("battery.25");
+    if (model.diskFull) return QStringLiteral("externaldrive.fill");
+    if (model.charging) return QStringLiteral("bolt.fill");
+    if (model.battery < 0.2) return QStringLiteral("battery.25");
     if (hour >= 6 && hour <= 10) return QStringLiteral("cup.and.saucer.fill");
     if (hour >= 21 || hour <= 5) return QStringLiteral("moon.stars.fill");
     return {};
 }
 
-QColor colorFor(const NotchModel& m, GlyphHints hints) {
-    if (m.needsYou || m.timerRung() || m.whisper().has_value() || m.diskFull) return accentOrange();
-    if (m.cameraInUse || m.micInUse || m.offline || m.downloading || hints.stretching) return white(1);
-    if (m.updateAvailable->has_value()) return accentOrange();
-    if (m.charging) return systemGreen();
-    if (m.battery < 0.2) return accentOrange();
+QColor colorFor(const NotchModel& model, GlyphHints hints) {
+    if (model.needsYou || model.timerRung() || model.whisper().has_value() || model.diskFull) return accentOrange();
+    if (model.cameraInUse || model.micInUse || model.offline || model.downloading || hints.stretching) return white(1);
+    if (model.updateAvailable->has_value()) return accentOrange();
+    if (model.charging) return systemGreen();
+    if (model.battery < 0.2) return accentOrange();
     return white(1);
 }
 
 }  // namespace
 
-StatusGlyph statusGlyph(const NotchModel& m, GlyphHints hints, int localHour) {
-    if (!calledFor(m, hints)) return {};
-    const QString symbol = symbolFor(m, hints, localHour);
-    return symbol.isEmpty() ? StatusGlyph{} : StatusGlyph{symbol, colorFor(m, hints)};
+StatusGlyph statusGlyph(const NotchModel& model, GlyphHints hints, int localHour) {
+    if (!calledFor(model, hints)) return {};
+    const QString symbol = symbolFor(model, hints, localHour);
+    return symbol.isEmpty() ? StatusGlyph{} : StatusGlyph{symbol, colorFor(model, hints)};
 }

@@ -6,8 +6,8 @@
 
 namespace {
 
-constexpr double kSteps = 16;    // that a pixel is divided into
-constexpr int kInkPixels = 256;  // across the square in which a symbol's ink is measured
+constexpr double kSteps = 16;    // positions per pixel
+constexpr int kInkPixels = 256;  // resolution at which a symbol's ink is measured
 
 double stepped(double value) {
     return std::round(value * kSteps) / kSteps;

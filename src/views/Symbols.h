@@ -12,8 +12,7 @@
 
 class QSvgRenderer;
 
-/// The creature's own symbols, rendered from their SVG drawings for the very pixels on which they will lie. Main thread
-/// only.
+/// The creature's symbols, rendered from SVG for the exact device pixels that they will cover. Main thread only.
 class Symbols {
  public:
     struct Drawn {
@@ -24,12 +23,11 @@ class Symbols {
     Symbols();
     ~Symbols();
 
-    /// The symbol `name` in `color` as it fills `square` of the device, to be laid down without scaling. The square is
-    /// taken to a sixteenth of a pixel, so that the small steps of breathing find again what was rendered. A null image
-    /// for a name without a drawing.
+    /// The symbol `name` in `color`, filling `square` of the device, to draw without scaling. The square is rounded to
+    /// 1/16 pixel, so that the small steps of breathing hit the cache. A null image if there is no such symbol.
     Drawn drawn(const QString& name, const QRectF& square, const QColor& color);
 
-    /// The part of the unit square that symbol `name` leaves a trace in; all of it for a name without a drawing.
+    /// The bounding box of the symbol's ink in the unit square; the whole square if there is no such symbol.
     QRectF ink(const QString& name);
 
  private:

@@ -9,19 +9,13 @@
 
 class FileIcons;
 
-/// What the views need beyond the model, and what they ask for.
+/// What the views need besides the model, and the actions that they trigger.
 struct ViewPorts {
-    FileIcons& icons;  ///< must outlive the views
-    /// Writes a trace line.
-    std::function<void(const QString& line)> trace;
-    /// A tap on the creature.
-    std::function<void()> notchTapped;
-    /// A click on a held thing.
-    std::function<void(const HeldThing&)> use;
-    /// Its remove button.
-    std::function<void(const HeldThing&)> remove;
-    /// Its menu.
-    std::function<QList<MenuItem>(const HeldThing&)> menu;
-    /// Keeps every remove button in sight.
-    bool showX = false;
+    FileIcons& icons;                                       ///< must outlive the views
+    std::function<void(const QString& line)> trace;         ///< writes a trace line
+    std::function<void()> notchTapped;                      ///< called by a tap on the creature
+    std::function<void(const HeldThing&)> use;              ///< called by a click on a held thing
+    std::function<void(const HeldThing&)> remove;           ///< called by its remove button
+    std::function<QList<MenuItem>(const HeldThing&)> menu;  ///< its context menu
+    bool showX = false;                                     ///< always show the remove buttons
 };

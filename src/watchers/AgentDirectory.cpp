@@ -36,14 +36,14 @@ QString AgentDirectory::text(const QString& name) {
     if (left_ == 0 || !std::binary_search(entries_.begin(), entries_.end(), name)) return {};
     const Descriptor file(::openat(directory_.get(), QFile::encodeName(name).constData(),
                                    O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-    // It may be another one by now.
+    // The file may have been replaced since it was listed.
     struct stat status = {};
     if (!file || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_uid != ::geteuid())
         return {};
     const qsizetype max = std::min(kMaxOfOne, left_);
     const QByteArray bytes = readUpTo(file.get(), max).value_or(QByteArray());
     left_ -= bytes.size();
-    // A character that the limit has cut in two is not an error.
+    // A character cut in two by the limit is not an error.
     const bool whole = bytes.size() < max;
     QStringDecoder decoder(QStringDecoder::Utf8,
                            whole ? QStringDecoder::Flag::Stateless : QStringDecoder::Flag::Default);

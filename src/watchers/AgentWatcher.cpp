@@ -12,7 +12,7 @@ constexpr int kProjectLine = 3;
 constexpr int kTerminalLine = 4;
 constexpr qsizetype kShownProjects = 3;
 
-/// What follows the last full stop; empty for a name that only begins with one.
+/// What follows the last dot; empty if the only dot is the first character.
 QString extension(const QString& name) {
     const qsizetype dot = name.lastIndexOf(u'.');
     return dot > 0 ? name.mid(dot + 1) : QString();
@@ -26,7 +26,7 @@ bool isAsk(const QString& name) {
     return extension(name) == QLatin1String("ask");
 }
 
-/// One line of `text`, counted from 0; absent when there are fewer. The rest is not split: it may be long.
+/// Line `place` of `text`, counted from 0; absent if there are fewer. Does not split the rest, which may be long.
 std::optional<QString> line(const QString& text, int place) {
     qsizetype start = 0;
     for (; place > 0; --place) {

@@ -8,8 +8,8 @@
 class AgentDirectory;
 class Workspace;
 
-/// Looks every 2.5 seconds at what a companion tool says of its coding agents, and brings the terminal of one that
-/// waits for the user forward. Main thread only; the references must outlive it, and the loop the queue's jobs.
+/// Scans every 2.5 seconds what a companion tool reports about its coding agents, and can bring forward the terminal of
+/// one that is waiting for the user. Main thread only; the references must outlive it, and `loop` must outlive `disk`.
 class AgentWatcher {
  public:
     AgentWatcher(NotchModel& model, MainLoop& loop, BackgroundQueue& disk, Workspace& workspace,
@@ -17,10 +17,10 @@ class AgentWatcher {
 
     /// The first scan comes after the first interval.
     void start();
-    /// Looks now, on the queue; what was seen is in the model when the main loop has come to it. Does nothing while an
-    /// earlier look is under way.
+    /// Scans on the queue and later updates the model through the main loop. Does nothing while an earlier scan is
+    /// running.
     void scanAgents();
-    /// Brings the terminal that the model names forward, or the user's own; nothing happens if it names none.
+    /// Brings forward the terminal that the model names, or the user's default one; does nothing if it names none.
     void focusBlockedTerminal();
 
  private:
@@ -33,7 +33,7 @@ class AgentWatcher {
     Workspace& workspace_;
     QString folder_;
     bool scanning_ = false;
-    int lastAlive_ = -1;  // records in the scan before; -1: there was none
+    int lastAlive_ = -1;  // records in the previous scan; -1 before the first
     TimerHandle timer_;
     BackgroundJobs jobs_;
 };

@@ -14,15 +14,15 @@ using vips::VImage;
 
 namespace {
 
-// After the file's own header comes the picture's, which begins with its length and grew over the years.
+// The file header is followed by an info header, which begins with its length and has grown over the years.
 constexpr qint64 kFileHeader = 14;
 constexpr qint64 kOldest = 12;
 constexpr qint64 kPlain = 40;
 constexpr qint64 kWithMasks = 52;
 constexpr qint64 kWithAlphaMask = 56;
-constexpr qint64 kFourth = 108;  // begins like the two before, and goes on with what may be zero
+constexpr qint64 kFourth = 108;  // begins like the two before; its other fields may be zero
 
-/// A file with one of the two headers that Qt does not know, as if it had the next longer one.
+/// Presents a file with one of the two headers that Qt does not know as if it had the next longer one.
 class LengthenedFile : public QIODevice {
  public:
     explicit LengthenedFile(std::unique_ptr<QFile> file) : file_(std::move(file)), head_(file_->peek(kFileHeader + 4)) {
@@ -43,12 +43,12 @@ class LengthenedFile : public QIODevice {
     }
 
  protected:
-    qint64 readData(char* to, qint64 most) override {
-        qint64 got = std::min(most, head_.size() - at_);
+    qint64 readData(char* to, qint64 maxSize) override {
+        qint64 got = std::min(maxSize, head_.size() - at_);
         if (got > 0)
             std::memcpy(to, head_.constData() + at_, size_t(got));
         else
-            got = file_->seek(at_ - added_) ? file_->read(to, most) : -1;
+            got = file_->seek(at_ - added_) ? file_->read(to, maxSize) : -1;
         at_ += std::max<qint64>(got, 0);
         return got;
     }
@@ -89,8 +89,8 @@ struct Layout {
     Packing packing = Packing::none;
 };
 
-/// Whether the runs reach their end mark or the picture's last pixel.
-bool isWholeInRuns(QIODevice& file, const Layout& layout) {
+/// Whether the run-length data reach their end mark or the last pixel.
+bool isCompleteInRuns(QIODevice& file, const Layout& layout) {
     constexpr uchar kNextRow = 0, kEnd = 1, kSkip = 2;
     qint64 x = 0, row = 0;
     std::array<uchar, 2> pair;
@@ -119,10 +119,10 @@ bool isWholeInRuns(QIODevice& file, const Layout& layout) {
     return true;
 }
 
-/// The decoder does not say when it ran out of bytes. There must be a row at least.
-bool isWhole(QIODevice& file, const Layout& layout) {
+/// Needed because the decoder does not report truncated data. `layout` must have at least one row.
+bool isComplete(QIODevice& file, const Layout& layout) {
     if (layout.packing != Layout::Packing::none) {
-        const bool isThere = file.seek(layout.pixelsAt) && isWholeInRuns(file, layout);
+        const bool isThere = file.seek(layout.pixelsAt) && isCompleteInRuns(file, layout);
         return file.seek(0) && isThere;
     }
     const qint64 rowBytes = (layout.width * layout.bits + 31) / 32 * 4;
@@ -138,14 +138,14 @@ std::unique_ptr<QIODevice> openBmp(int descriptor) {
     return std::make_unique<LengthenedFile>(std::move(file));
 }
 
-/// Qt would otherwise try to tell the kind itself, with every plugin there is.
+/// Keeps Qt from detecting the format itself, with every plugin that is installed.
 void setUp(QImageReader& reader) {
     reader.setFormat("bmp");
     reader.setAutoDetectImageFormat(false);
     reader.setDecideFormatFromContent(false);
 }
 
-/// Of a file whose first row may be at the top, which Qt shows by a negative height.
+/// The size of the picture; Qt reports a negative height if the first row is at the top.
 QSize sizeIn(const QImageReader& reader) {
     const QSize size = reader.size();
     if (size.height() == std::numeric_limits<int>::min()) return {};
@@ -162,7 +162,7 @@ std::optional<QSize> bmpSize(int descriptor) {
     setUp(reader);
     const QSize size = sizeIn(reader);
     file->seek(0);
-    if (size.isEmpty() || !isWhole(*file, layout)) return {};
+    if (size.isEmpty() || !isComplete(*file, layout)) return {};
     return size;
 }
 
@@ -171,8 +171,8 @@ VImage decodeBmp(int descriptor) {
     if (!file) throw VError("cannot read the file");
     QImageReader reader(file.get(), {});
     setUp(reader);
-    QImageReader::setAllocationLimit(0);  // the size has been looked at
-    // It takes an image of the right size and format as it is, and does not fill what the file skips.
+    QImageReader::setAllocationLimit(0);  // the size has been checked
+    // The reader reuses an image of the right size and format, and leaves pixels that the file skips as they are.
     auto picture = std::make_unique<QImage>(sizeIn(reader), reader.imageFormat());
     picture->fill(0);
     if (!reader.read(picture.get())) throw VError("cannot decode the picture");
@@ -180,7 +180,7 @@ VImage decodeBmp(int descriptor) {
     picture->convertTo(hasAlpha ? QImage::Format_RGBA8888 : QImage::Format_RGBX8888);
     if (picture->isNull()) throw VError("cannot decode the picture");
 
-    // Four bytes a pixel leave no padding between rows. The pixels are not copied, they live as long as the new image.
+    // With four bytes per pixel, rows have no padding. The pixels are not copied; they live as long as the new image.
     const QImage& pixels = *picture;
     const auto image = VImage::new_from_memory(const_cast<uchar*>(pixels.constBits()), size_t(pixels.sizeInBytes()),
                                                pixels.width(), pixels.height(), 4, VIPS_FORMAT_UCHAR)

@@ -4,9 +4,9 @@
 #include <optional>
 #include <vips/vips8>
 
-/// The size in pixels of the BMP file that `descriptor` reads; absent when its header is broken, or when the file is
+/// The size in pixels of the BMP file that is open as `descriptor`; absent if its header is malformed or the file is
 /// shorter than its header says.
 std::optional<QSize> bmpSize(int descriptor);
 
-/// Decodes all of it. Throws vips::VError when that fails.
+/// Decodes the whole file. Throws vips::VError on failure.
 vips::VImage decodeBmp(int descriptor);

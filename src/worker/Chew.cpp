@@ -18,7 +18,7 @@ Failure cannotFinish() {
     return {3, QStringLiteral("couldn't finish the file")};
 }
 
-/// The image that goes into the new file, to be computed as that is written.
+/// The image for the new file, computed lazily as it is written.
 VImage pictureFor(const ImageFile& file, ChewMode mode) {
     if (mode == ChewMode::png) return anonymous(upright(plainColours(file.decode(1))));
     if (mode == ChewMode::jpeg) return anonymous(upright(opaque(plainColours(file.decode(1)))));
@@ -29,11 +29,11 @@ VImage pictureFor(const ImageFile& file, ChewMode mode) {
 
 void write(const VImage& picture, ChewMode mode, int descriptor) {
     const auto target = VTarget::new_to_descriptor(descriptor);
-    // Without a profile to keep, not even a note about the resolution needs to be there.
+    // Stripping would remove the profile too, so strip only images without one.
     const bool isBare = vips_image_get_typeof(picture.get_image(), VIPS_META_ICC_NAME) == 0;
     auto* const options = VImage::option()->set("strip", isBare);
     if (mode == ChewMode::png)
-        // Mostly photographs: smaller and, for 100 megapixels of noise, twice as fast as with the defaults.
+        // Good for photographs: smaller and, for 100 megapixels of noise, twice as fast as with the defaults.
         picture.pngsave_target(target, options->set("filter", VIPS_FOREIGN_PNG_FILTER_SUB)->set("compression", 4));
     else
         picture.jpegsave_target(target, options->set("Q", mode == ChewMode::smaller ? 65 : 85));

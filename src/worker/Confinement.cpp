@@ -20,7 +20,7 @@ constexpr rlim_t kMiB = 1 << 20;
 constexpr int kNiceness = 5;
 constexpr rlim_t kOpenFiles = 64;
 
-/// A stricter limit that is there already stays.
+/// Keeps an existing limit if it is stricter.
 bool limit(__rlimit_resource resource, rlim_t soft, rlim_t hard) {
     rlimit value{};
     if (::getrlimit(resource, &value) != 0) return false;
@@ -29,7 +29,7 @@ bool limit(__rlimit_resource resource, rlim_t soft, rlim_t hard) {
     return ::setrlimit(resource, &value) == 0;
 }
 
-/// With the answer goes the reason to work: whoever was to read it has ended if nobody can.
+/// Whether someone can still read the answer: if not, our parent has exited and there is no point in working.
 bool hasReader() {
     pollfd answer{STDOUT_FILENO, 0, 0};
     return ::poll(&answer, 1, 0) >= 0 && !(answer.revents & POLLERR);
@@ -37,16 +37,16 @@ bool hasReader() {
 
 bool limitMemory() {
 #ifdef __SANITIZE_ADDRESS__
-    return true;  // which needs terabytes of addresses
+    return true;  // AddressSanitizer reserves terabytes of address space
 #else
-    // Each of malloc's arenas takes 64 MiB of addresses, and by default every thread gets its own.
+    // Each malloc arena takes 64 MiB of address space, and by default every thread gets its own.
     ::mallopt(M_ARENA_MAX, 2);
     return limit(RLIMIT_AS, 2048 * kMiB, 2048 * kMiB);
 #endif
 }
 
-/// The limit counts all threads of the user. All in the system are no fewer, so this leaves room for ours, and for what
-/// the user starts meanwhile. It does not hold for root.
+/// The limit counts all threads of the user, so it is set above the number of threads in the system: that leaves room
+/// for ours and for those that the user starts meanwhile. It does not apply to root.
 bool limitThreads() {
     constexpr rlim_t kMore = 256;
     struct sysinfo system = {};
@@ -65,7 +65,7 @@ bool limitResources() {
     std::signal(SIGXFSZ, SIG_IGN);  // the write fails instead
     ::alarm(kSeconds);
     ::setpriority(PRIO_PROCESS, 0, kNiceness);
-    // To a program that collects cores, as many systems have one, a limit of 0 means nothing and 1 means no.
+    // If cores are piped to a collector, as on many systems, a limit of 0 has no effect, but 1 disables them.
     return ::prctl(PR_SET_PDEATHSIG, SIGKILL) == 0 && hasReader() && limit(RLIMIT_CORE, 1, 1) &&
            limit(RLIMIT_CPU, kSeconds, kSeconds + 5) && limit(RLIMIT_FSIZE, 512 * kMiB, 512 * kMiB) &&
            limit(RLIMIT_NOFILE, kOpenFiles, kOpenFiles) && limitThreads() && limitMemory();

@@ -2,19 +2,19 @@
 
 #include <span>
 
-// What a process that decodes files of unknown origin may still do. Both calls are for good, and are made once, while
-// the process has one thread.
+// The sandbox of a process that decodes untrusted files. Both calls are irrevocable; make them once, while the process
+// has one thread.
 
-/// The descriptor that a job's result is written to, if it has one. Its source is the standard input.
+/// The descriptor for a job's result, if it has one. Its source is the standard input.
 constexpr int kResult = 3;
 
-/// Ends the process with the one that started it, after a minute, or when it used a minute of CPU time; gives it 2 GiB
-/// of address space, files of 512 MiB at most, and a few hundred threads; no core is dumped, nothing inherited stays
-/// open but the standard streams and the result, and others come first for the processor. False if that is impossible.
+/// Makes the process end with its parent, after a minute, or after a minute of CPU time. Limits it to 2 GiB of address
+/// space, files of 512 MiB and a few hundred threads; disables core dumps, closes all inherited descriptors except the
+/// standard streams and the result, and lowers its priority. False on failure.
 bool limitResources();
 
-/// From here on it can do only what decoding takes: compute, start threads, use what is open, and open files to read.
-/// Where the kernel has Landlock, these are the system's libraries and what is at or below `readable`; of other files
-/// it can still learn what stat() tells. Where it has none, any file that its user may read: what it read can go
-/// nowhere but into the result and the answer. False if that is impossible, also when Landlock is there but fails.
+/// Leaves the process only what decoding needs: computing, starting threads, using open descriptors, and opening files
+/// for reading. With Landlock, only the system's libraries and what is at or below `readable` can be opened, though
+/// stat() still works on other files. Without it, any file that the user may read; what is read can still go nowhere
+/// but into the result and the answer. False on failure, including a failure of Landlock where the kernel supports it.
 bool restrictAccess(std::span<const char* const> readable);

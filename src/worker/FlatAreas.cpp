@@ -6,7 +6,7 @@
 
 namespace {
 
-/// The first pixel of each set stands for it.
+/// Disjoint sets of pixels (union-find); each is represented by its first pixel.
 class Sets {
  public:
     explicit Sets(size_t count) : parents_(count) { std::iota(parents_.begin(), parents_.end(), 0U); }
@@ -42,7 +42,7 @@ FlatAreas findFlatAreas(const GreyPicture& picture, int tolerance) {
         }
     }
 
-    // A set's first pixel comes before its others, so its area is known when they are met.
+    // A set's first pixel comes before the others, so its area exists when they are reached.
     FlatAreas result;
     result.labels = sets.take();
     for (int y = 0; y < picture.height; ++y) {
@@ -52,7 +52,7 @@ FlatAreas findFlatAreas(const GreyPicture& picture, int tolerance) {
                 label = uint32_t(result.areas.size());
                 result.areas.push_back({x, y, x, y, 0});
             } else {
-                // Its parent comes before it as well and already holds the index of the area.
+                // Its parent comes earlier as well, and already holds the index of the area.
                 label = result.labels[label];
             }
             FlatAreas::Area& area = result.areas[label];

@@ -5,7 +5,7 @@
 
 #include "worker/GreyPicture.h"
 
-/// Which pixels of a picture are connected to one another without a visible step in brightness.
+/// The connected areas of a picture without visible steps in brightness.
 struct FlatAreas {
     struct Area {
         int left, top, right, bottom;  ///< The outermost pixels.
@@ -19,5 +19,5 @@ struct FlatAreas {
     std::vector<Area> areas;
 };
 
-/// Neighbours in a row or a column belong together when their values differ by `tolerance` at most.
+/// Horizontal and vertical neighbours belong together if their values differ by `tolerance` at most.
 FlatAreas findFlatAreas(const GreyPicture& picture, int tolerance);

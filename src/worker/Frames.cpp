@@ -6,7 +6,7 @@ namespace {
 
 constexpr int kMinSide = 12;  // pixels
 
-/// How many places of a side, from `first` to `last`, the piece has a pixel at, at most `depth` pixels inside.
+/// At how many positions along a side, from `first` to `last`, the piece has a pixel within `depth` of the edge.
 template <class Has>
 int covered(int first, int last, int depth, Has has) {
     int places = 0;
@@ -63,7 +63,7 @@ bool Frames::isDrawn(uint32_t label, int letterHeight) const {
     const int height = piece.height();
     if (8 * width <= height) return height > 3 * letterHeight;
     if (height <= 1.5 * letterHeight && 2 * width <= 5 * height) return false;
-    // As wide a line as makes the piece's pixels all around it.
+    // Compares the average line width, pixels divided by perimeter, with the height.
     const bool isThin = 16L * piece.pixels < 2L * (width + height) * height;
     return isHollow(label) && (isThin || isAround(label));
 }

@@ -6,8 +6,8 @@
 #include "worker/FlatAreas.h"
 #include "worker/GreyPicture.h"
 
-/// Tells what is drawn around writing and between it from the writing: the frames of buttons and fields, a table's
-/// grid, the line between two panels.
+/// Distinguishes text from the lines drawn around and between it: frames of buttons and fields, grids of tables, lines
+/// between panels.
 class Frames {
  public:
     /// `pieces` are the connected pieces of ink on `picture`, which is as large as what they were found on; both must

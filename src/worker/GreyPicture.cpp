@@ -9,7 +9,7 @@ using vips::VImage;
 
 namespace {
 
-// What finding the ink needs for each pixel is about two dozen bytes.
+// Finding the ink takes about two dozen bytes per pixel.
 constexpr double kMaxPixels = 24e6;
 constexpr double kMaxSide = 30000;
 
@@ -20,7 +20,7 @@ VImage shrunk(const VImage& image) {
     return scale < 1 ? image.resize(scale) : image;
 }
 
-/// Whether what can be seen of an image with a last band of opacity is bright on the whole.
+/// Whether the visible part of an image, whose last band is alpha, is mostly bright.
 bool isBright(const VImage& image) {
     return image.flatten().avg() > image.extract_band(image.bands() - 1).avg() / 2;
 }

@@ -17,12 +17,11 @@ struct GreyPicture {
     [[nodiscard]] size_t at(int x, int y) const { return size_t(y) * size_t(width) + size_t(x); }
 };
 
-/// The image upright and without colour. What is transparent becomes white, or black where the rest is bright; an image
-/// that has more pixels than any screen is made smaller. Throws vips::VError when the image cannot be decoded to its
-/// end.
+/// The image, upright and in grey. Transparent pixels become white, or black if the rest is bright; an image with more
+/// pixels than any screen is scaled down. Throws vips::VError if the image cannot be decoded completely.
 GreyPicture greyPicture(const vips::VImage& image);
 
-/// The picture at another size, which is at least a pixel each way.
+/// The picture scaled by `scale`; the result must be at least one pixel in each direction.
 GreyPicture resized(const GreyPicture& picture, double scale);
 
 /// The picture turned clockwise by `quarters`, 0 to 3, of a full turn.

@@ -16,14 +16,14 @@ using vips::VSource;
 
 namespace {
 
-// JPEG can hold no longer side, and what the best cameras stitch together is smaller: 20000 x 20000 passes.
+// The maximum side of a JPEG. Even stitched panoramas are smaller: 20000 x 20000 passes.
 constexpr int kMaxSide = 65500;
 constexpr qint64 kMaxPixels = 500'000'000;
 
-// Halving by a decoder is coarse, so it leaves the proper resampling at least this factor.
+// Shrinking in the decoder is coarse, so at least this factor is left to proper resampling.
 constexpr double kLeftToResampling = 2;
 
-/// A file that breaks off is not a picture, also where the decoder could fill the rest with grey.
+/// Truncated files are rejected, even if the decoder could fill the rest with grey.
 VOption* rowByRow() {
     return VImage::option()->set("access", VIPS_ACCESS_SEQUENTIAL)->set("fail_on", VIPS_FAIL_ON_TRUNCATED);
 }
@@ -89,6 +89,6 @@ std::optional<ImageFile> ImageFile::open(int source) {
 }
 
 VImage ImageFile::decode(double shrink) const {
-    // Of a long strip, the shorter side must not become nothing.
+    // The shorter side of a long strip must not shrink to nothing.
     return decoder_(std::min(shrink, double(std::min(size_.width(), size_.height()))));
 }

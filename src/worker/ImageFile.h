@@ -5,25 +5,25 @@
 #include <optional>
 #include <vips/vips8>
 
-/// An image file that is open and whose header is sound; its pixels are not decoded yet. What it is, its contents say
-/// and never its name, and only the decoders of these kinds can run: PNG, JPEG, HEIF, TIFF, WebP, GIF and BMP.
+/// An open image file with a valid header, whose pixels are not decoded yet. Its format is determined by its contents,
+/// never by its name, and only decoders for these formats can run: PNG, JPEG, HEIF, TIFF, WebP, GIF and BMP.
 class ImageFile {
  public:
-    /// The file that `source` reads, at its beginning; it stays the caller's, and open for as long as this lives.
-    /// Absent when it is none of these kinds, when its header is broken, or when it claims to be larger than anybody's
-    /// picture.
+    /// Opens the file at descriptor `source`, positioned at its beginning; the caller keeps it, and keeps it open while
+    /// this lives. Absent if the format is none of these, the header is malformed, or the picture claims to be absurdly
+    /// large.
     static std::optional<ImageFile> open(int source);
 
-    /// In pixels, as stored: a picture that must be turned to be upright is not turned yet.
+    /// In pixels as stored, before any rotation that makes the picture upright.
     QSize size() const { return size_; }
 
-    /// The first picture in the file, with all that the file says about it. Its rows can be read once, from the top,
-    /// and are decoded as they are asked for, so reading them throws vips::VError where the file breaks off or is
-    /// damaged. A decoder that can will already make each side smaller, by up to the factor `shrink`, 1 or more.
+    /// The first picture in the file, with all its metadata. Its rows can be read once, from the top, and are decoded
+    /// on demand, so reading them throws vips::VError if the file is truncated or damaged. A decoder that supports it
+    /// already shrinks each side by up to the factor `shrink`, 1 or more.
     vips::VImage decode(double shrink) const;
 
  private:
-    /// Opens the picture, at most so many times smaller.
+    /// Opens the picture, shrunk by at most this factor.
     using Decoder = std::function<vips::VImage(double shrink)>;
 
     ImageFile(Decoder decoder, QSize size) : decoder_(std::move(decoder)), size_(size) {}

@@ -5,7 +5,7 @@
 
 namespace {
 
-/// A file of the ISO media family opens with a box that lists the brands it can be read as.
+/// An ISO base media file begins with a box that lists its compatible brands.
 bool isHeif(const QByteArray& start) {
     constexpr qsizetype kBrand = 4;
     if (start.size() < 12 || start.mid(4, 4) != "ftyp") return false;

@@ -5,8 +5,8 @@
 
 enum class ImageKind { png, jpeg, heif, tiff, webp, gif, bmp };
 
-/// As many bytes from a file's start as its kind can be told by.
+/// How many bytes from the start of a file imageKind() needs.
 constexpr qsizetype kKindBytes = 64;
 
-/// What the file is that starts with these bytes; absent when it is none of these.
+/// The format of a file that starts with these bytes; absent if it is none of these.
 std::optional<ImageKind> imageKind(const QByteArray& start);

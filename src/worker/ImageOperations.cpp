@@ -29,7 +29,7 @@ VImage converted(const VImage& image, VipsInterpretation space) {
     return withoutProfile(result.format() == VIPS_FORMAT_UCHAR ? result : result.cast(VIPS_FORMAT_UCHAR));
 }
 
-/// Bands that nobody said the meaning of: the first three as RGB, or the first as grey.
+/// Interprets bands of unknown meaning: the first three as RGB, or the first one as grey.
 VImage guessed(const VImage& image) {
     const bool isGrey = image.bands() < 3;
     const bool isDeep = image.format() == VIPS_FORMAT_USHORT;
@@ -44,7 +44,7 @@ VImage inSrgb(const VImage& image) {
         try {
             return image.icc_transform("srgb", VImage::option()->set("embedded", true));
         } catch (const vips::VError&) {
-            // The profile is broken, or not for this kind of colours.
+            // The profile is broken, or for another colour space.
         }
     }
     return converted(image, VIPS_INTERPRETATION_sRGB);
@@ -53,7 +53,7 @@ VImage inSrgb(const VImage& image) {
 /// The image with 8 bits.
 VImage narrowed(const VImage& image) {
     if (image.format() != VIPS_FORMAT_USHORT) return image;
-    // The high byte: a conversion of colours would not know the image's own profile.
+    // Keeps the high byte: a colour conversion would ignore the image's own profile.
     return taggedAs(image.cast(VIPS_FORMAT_UCHAR, VImage::option()->set("shift", true)),
                     image.bands() < 3 ? VIPS_INTERPRETATION_B_W : VIPS_INTERPRETATION_sRGB);
 }
@@ -63,7 +63,7 @@ VImage narrowed(const VImage& image) {
 VImage plainColours(const VImage& image) {
     switch (image.guess_interpretation()) {
         case VIPS_INTERPRETATION_CMYK:
-            // Few programs show CMYK right. The file's own profile says what its inks look like, or a usual one.
+            // Few programs show CMYK correctly. Uses the file's own profile, or a generic one.
             return image.icc_transform("srgb", VImage::option()->set("embedded", true)->set("input_profile", "cmyk"));
         case VIPS_INTERPRETATION_B_W:
         case VIPS_INTERPRETATION_GREY16:
@@ -98,10 +98,10 @@ VImage shownWithin(const VImage& image, int side) {
     return rgb.has_alpha() ? rgb : rgb.bandjoin(kOpaque);
 }
 
-QSize within(QSize size, int longest) {
+QSize within(QSize size, int maxSide) {
     const int longer = std::max(size.width(), size.height());
-    if (longer <= longest) return size;
-    const auto scaled = [&](int side) { return std::max(1, int(qint64(side) * longest / longer)); };
+    if (longer <= maxSide) return size;
+    const auto scaled = [&](int side) { return std::max(1, int(qint64(side) * maxSide / longer)); };
     return {scaled(size.width()), scaled(size.height())};
 }
 

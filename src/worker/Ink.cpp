@@ -10,12 +10,12 @@
 
 namespace {
 
-// Steps in brightness, of 255. Gradients and a lossy format's noise stay below the first, the palest text above the
+// Differences in brightness, of 255. Gradients and compression noise stay below the first, the palest text above the
 // second.
 constexpr int kSmoothStep = 3;
 constexpr int kMinInk = 28;
 
-/// Text is read off surfaces: the page, a panel, a button, a marked row. What is not a surface is ink.
+/// Text is written on surfaces: the page, a panel, a button, a selected row. What is not a surface is ink.
 class Surfaces {
  public:
     Surfaces(const GreyPicture& picture, const FlatAreas& flat) : picture_(picture), flat_(flat) {
@@ -28,7 +28,7 @@ class Surfaces {
     [[nodiscard]] bool contains(size_t pixel) const { return surface_[flat_.labels[pixel]]; }
 
  private:
-    /// Large, and too large for a letter or running off the picture.
+    /// Too large for a letter, or large and cut off by the edge of the picture.
     [[nodiscard]] bool isBackdrop(const FlatAreas::Area& area) const {
         const double share = double(area.pixels) / double(picture_.pixels.size());
         const bool runsOff =
@@ -36,8 +36,8 @@ class Surfaces {
         return share > 0.2 || (share > 0.01 && runsOff);
     }
 
-    /// Shaped like a rectangle, with round corners maybe, and large enough to write on. No letter fills its box like
-    /// this: all four sides and corners, even a little inside. Only "l" and "I" do; but nothing is written on them.
+    /// Rectangular, possibly with round corners, and large enough to write on. No letter fills the sides and corners of
+    /// its box like this, even slightly inset, except "l" and "I", which have nothing written on them.
     [[nodiscard]] bool isPlate(uint32_t label, const FlatAreas::Area& area) const {
         if (area.width() < area.height() / 2) {
             const bool isWrittenOn = area.pixels < 0.95 * area.width() * area.height();
@@ -72,7 +72,7 @@ class Surfaces {
     std::vector<bool> surface_;
 };
 
-/// Whether the pixel is where one surface passes into another: they are a pixel or two away, one brighter, one darker.
+/// Whether the pixel is on the border of two surfaces: within two pixels there is a brighter and a darker one.
 bool isSeam(const GreyPicture& picture, const Surfaces& surfaces, int x, int y) {
     constexpr int kReach = 2;
     const int value = picture.pixels[picture.at(x, y)];
@@ -89,7 +89,7 @@ bool isSeam(const GreyPicture& picture, const Surfaces& surfaces, int x, int y) 
     return brighter && darker;
 }
 
-/// For each pixel, how far it is from the value of the surface nearest to it: 0 on the surface itself.
+/// For each pixel, the difference from the value of the nearest surface: 0 on the surface itself.
 std::vector<uint8_t> contrasts(const GreyPicture& picture, const Surfaces& surfaces) {
     struct Nearest {
         int distance;
@@ -99,23 +99,23 @@ std::vector<uint8_t> contrasts(const GreyPicture& picture, const Surfaces& surfa
     for (size_t i = 0; i < nearest.size(); ++i) {
         if (surfaces.contains(i)) nearest[i] = {0, picture.pixels[i]};
     }
-    // Two sweeps of a chamfer distance, 3 to a side and 4 to a corner.
+    // Two passes of a chamfer distance transform, with weights 3 (straight) and 4 (diagonal).
     const auto sweep = [&](int from, int to, int step) {
         for (int row = from; row != to; row += step) {
             for (int i = 0; i < picture.width; ++i) {
                 const int x = step > 0 ? i : picture.width - 1 - i;
                 Nearest& here = nearest[picture.at(x, row)];
-                const auto from_ = [&](int dx, int dy, int cost) {
+                const auto relax = [&](int dx, int dy, int cost) {
                     const int nx = x + dx;
                     const int ny = row + dy;
                     if (nx < 0 || ny < 0 || nx >= picture.width || ny >= picture.height) return;
                     const Nearest& there = nearest[picture.at(nx, ny)];
                     if (there.distance + cost < here.distance) here = {there.distance + cost, there.value};
                 };
-                from_(-step, 0, 3);
-                from_(-1, -step, 4);
-                from_(0, -step, 3);
-                from_(1, -step, 4);
+                relax(-step, 0, 3);
+                relax(-1, -step, 4);
+                relax(0, -step, 3);
+                relax(1, -step, 4);
             }
         }
     };
@@ -133,7 +133,7 @@ std::vector<uint8_t> contrasts(const GreyPicture& picture, const Surfaces& surfa
     return result;
 }
 
-/// The strongest contrast near each place, by tiles and their neighbours.
+/// The strongest contrast around each position, in its tile and the neighbouring ones.
 class Neighbourhoods {
  public:
     explicit Neighbourhoods(const GreyPicture& contrast)
@@ -165,13 +165,13 @@ class Neighbourhoods {
     std::vector<uint8_t> strongest_;
 };
 
-/// How tall letters are: of the pieces' heights the one that half of them exceed, and the one that nine tenths do.
+/// The median and the lowest decile of the pieces' heights.
 struct Heights {
     int median = 0;
     int low = 0;
 };
 
-/// A piece counts for as much as it is wide: dots and rules do not.
+/// Pieces are weighted by their width; dots and rules are ignored.
 template <typename IsLetter>
 Heights letterHeights(const FlatAreas& pieces, IsLetter isLetter) {
     std::vector<std::pair<int, long>> widths;
@@ -193,8 +193,8 @@ Heights letterHeights(const FlatAreas& pieces, IsLetter isLetter) {
     return heights;
 }
 
-/// Of the pieces of ink, whose strongest contrasts these are, those drawn around letters lose theirs. How tall letters
-/// are.
+/// Sets the contrast of pieces that are frames rather than letters to 0, and returns the heights of the letters.
+/// `strongest` holds the strongest contrast of each piece.
 Heights dropFrames(const FlatAreas& pieces, const GreyPicture& picture, std::vector<int>& strongest) {
     const std::vector<int> ink = strongest;
     const Frames frames(pieces, picture, ink);
@@ -207,8 +207,8 @@ Heights dropFrames(const FlatAreas& pieces, const GreyPicture& picture, std::vec
     return letterHeights(pieces, isInk);
 }
 
-/// Brings each connected piece of ink to full contrast by itself, drops what is too faint, and measures the letters.
-/// Beside strong ink, what is faint is a lossy format's noise; it must not connect the letters either.
+/// Brings each connected piece of ink to full contrast, drops pieces that are too faint, and measures the letters.
+/// Faint pixels near strong ink are compression noise, which must not connect letters either.
 Ink develop(const GreyPicture& contrast) {
     const Neighbourhoods neighbourhoods(contrast);
     GreyPicture mask = contrast;
@@ -239,7 +239,7 @@ Ink develop(const GreyPicture& contrast) {
     return ink;
 }
 
-/// The value that as many of the counted ones are below as above.
+/// The median of a histogram.
 int median(const std::array<size_t, 256>& counts) {
     size_t all = 0;
     for (const size_t count : counts) all += count;
@@ -249,7 +249,7 @@ int median(const std::array<size_t, 256>& counts) {
     return value;
 }
 
-/// Whether even neighbours on one surface differ: a camera's or a scanner's picture.
+/// Whether even neighbouring pixels of a surface differ, as in photographs and scans.
 bool isGrainy(const GreyPicture& picture) {
     std::array<size_t, 256> steps{};
     for (size_t i = 1; i < picture.pixels.size(); ++i) {
@@ -261,7 +261,7 @@ bool isGrainy(const GreyPicture& picture) {
 Ink asDarkOnLight(const GreyPicture& picture) {
     std::array<size_t, 256> values{};
     for (const uint8_t value : picture.pixels) ++values[value];
-    // Cameras give more pixels than letters need; what is this small is a piece of something.
+    // Cameras give more pixels than letters need, so a small picture is probably a detail of one.
     const int height = picture.pixels.size() < 1'500'000 ? 12 : 24;
     Ink ink{picture, height, height};
     if (median(values) < 128) {

@@ -3,6 +3,6 @@
 #include <QByteArray>
 #include <QStringList>
 
-/// The names that recognition knows the languages by, joined as it wants them, the one to try first in front: the first
-/// two of the given ones, such as "de-AT" or "zh-Hant", and English. Which of them are installed is not looked at.
+/// Tesseract's names, joined with "+", for the first two of the user's languages (such as "de-AT" or "zh-Hant"),
+/// followed by English. Does not check which of them are installed.
 QByteArray recognitionLanguages(const QStringList& spoken);

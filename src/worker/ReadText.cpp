@@ -38,12 +38,12 @@ Result<GreyPicture> openPicture(int source, Document kind) {
 }  // namespace
 
 std::vector<const char*> foldersForReading() {
-    std::vector<const char*> folders{// fonts, for documents that do not bring theirs
+    std::vector<const char*> folders{// fonts, for documents that do not embed theirs
                                      "/usr/share/fonts", "/usr/local/share/fonts", "/usr/share/fontconfig",
                                      "/etc/fonts", "/var/cache/fontconfig", "/usr/share/poppler",
-                                     // what letters look like
+                                     // trained data for recognition
                                      "/usr/share/tesseract-ocr", "/usr/share/tessdata"};
-    // Where the user keeps the languages to read instead.
+    // The user's own trained data.
     if (const char* const data = std::getenv("TESSDATA_PREFIX")) folders.push_back(data);
     return folders;
 }

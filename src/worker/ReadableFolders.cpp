@@ -13,17 +13,17 @@
 
 namespace {
 
-/// Libraries, and the decoders and fonts' finders that they load.
+/// Libraries, and the modules that they load.
 constexpr const char* kLibraries[] = {"/lib", "/lib64", "/usr/lib", "/usr/lib64", "/usr/local/lib", "/etc/ld.so.cache"};
 
-/// All rights that this version knows. Those after the first thirteen are newer than the headers.
+/// All access rights that this version supports. Those after the first thirteen are newer than our headers.
 uint64_t rightsIn(long version) {
     constexpr uint64_t kFirst = (LANDLOCK_ACCESS_FS_MAKE_SYM << 1) - 1;
     constexpr uint64_t kRefer = 1 << 13, kTruncate = 1 << 14, kControlDevices = 1 << 15;
     return kFirst | (version >= 2 ? kRefer : 0) | (version >= 3 ? kTruncate : 0) | (version >= 5 ? kControlDevices : 0);
 }
 
-/// What is not there needs no rule.
+/// Ignores paths that do not exist.
 bool allowReading(const Descriptor& ruleset, const char* path) {
     const Descriptor place(::open(path, O_PATH | O_CLOEXEC));
     struct stat status = {};

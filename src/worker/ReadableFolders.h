@@ -2,6 +2,6 @@
 
 #include <span>
 
-/// Leaves the process no file to open but, to be read, the system's libraries and what is at or below these places.
-/// Does nothing where the kernel has no Landlock. False when it has, but that is impossible.
+/// Allows the process to open only the system's libraries and what is at or below `places`, and only for reading. Does
+/// nothing if the kernel has no Landlock. False if it has, but fails.
 bool allowReadingOnly(std::span<const char* const> places);

@@ -2,5 +2,5 @@
 
 #include "worker/Ink.h"
 
-/// The ink at the size that recognition was made for: small letters become larger, giant ones smaller.
+/// The ink scaled to the letter size at which recognition works best.
 GreyPicture atReadingSize(const Ink& ink);

@@ -16,15 +16,14 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// A screen that is full of small print takes ten seconds or more. When the time is up, what was read so far is the
-// answer.
-constexpr std::chrono::milliseconds kPatience = std::chrono::seconds(40);
+// A screen full of small print takes ten seconds or more. After the timeout, the answer is what has been read so far.
+constexpr std::chrono::milliseconds kTimeout = std::chrono::seconds(40);
 
-// In reading heights; below, there is no layout to find, and trying again takes little.
+// In reading heights. Smaller texts have no layout to detect, and retrying is cheap.
 constexpr int kFewLines = 6;
 
-// Percent. What stands on its head, and leaves and bricks, are taken for letters with a confidence of 60 at most; clear
-// writing has more than 90.
+// Confidence in per cent. Upside-down text, leaves and bricks are taken for letters with 60 at most; clear text has
+// more than 90.
 constexpr float kCertain = 90;
 constexpr float kLikely = 70;
 constexpr float kUnlikely = 20;
@@ -41,8 +40,8 @@ qsizetype lettersIn(const QString& text) {
     return std::count_if(text.begin(), text.end(), [](QChar c) { return c.isLetterOrNumber(); });
 }
 
-/// Whether a line of a page is text, and not what was recognised in an icon or a photograph. Addresses and program text
-/// have little confidence too, but they look like writing.
+/// Whether a line of a page is real text, rather than part of an icon or a photograph. URLs and source code have low
+/// confidence too, but consist mostly of letters.
 bool isText(const Line& line) {
     const auto letters = lettersIn(line.text);
     if (line.percent >= kCertain) return true;
@@ -52,8 +51,7 @@ bool isText(const Line& line) {
            line.height < 4 * kReadingHeight;
 }
 
-/// Whether a line is text though nothing around it is: most pictures with little on them are icons, and many look like
-/// a letter.
+/// Whether an isolated line is text: most pictures with little on them are icons, many of which look like a letter.
 bool isWord(const Line& line) {
     return line.percent >= kCertain && lettersIn(line.text) > 1;
 }
@@ -65,7 +63,7 @@ bool isCharacter(const Line& line) {
            (lettersIn(line.text) == 1 || QStringView(u"&?%@#$\u20AC\u00A3").contains(line.text[0]));
 }
 
-/// What part of all that was read the wanted lines have, in characters.
+/// The share of the wanted lines in all characters.
 template <typename IsWanted>
 double share(const Lines& lines, IsWanted isWanted) {
     qsizetype all = 0;
@@ -77,7 +75,7 @@ double share(const Lines& lines, IsWanted isWanted) {
     return all == 0 ? 0 : double(wanted) / double(all);
 }
 
-/// Whether most of a page is upright and read right.
+/// Whether most of a page is upright and was recognised well.
 bool isRight(const Lines& lines) {
     return share(lines, [](const Line& line) {
                return !line.isOnItsSide && line.percent >= kLikely && lettersIn(line.text) > 1;
@@ -88,7 +86,7 @@ bool isOnItsSide(const Lines& lines) {
     return share(lines, [](const Line& line) { return line.isOnItsSide; }) > 0.5;
 }
 
-/// Whether a page could be text that stands on its head: of that, some lines always look like words.
+/// Whether the page cannot even be upside-down text, of which some lines always look like words.
 bool isHopeless(const Lines& lines) {
     return share(lines, [](const Line& line) { return line.percent >= kUnlikely; }) < 0.3;
 }
@@ -150,13 +148,13 @@ class Reader {
  public:
     explicit Reader(tesseract::TessBaseAPI& engine) : engine_(engine) {}
 
-    /// The text on a picture that may lie on any of its sides.
+    /// The text in a picture that may be rotated by any multiple of 90 degrees.
     QStringList read(GreyPicture picture) {
         const Extent ink = inkExtent(picture);
         const bool isSmall = std::min(ink.width, ink.height) < kFewLines * kReadingHeight;
         QStringList most;
         Lines lines = attempt(picture, tesseract::PSM_AUTO);
-        // Lines on their side are found, but not as a page; it is turned, too.
+        // Vertical lines are found, but not as a page, so the picture is turned as well.
         const std::array quarters = isOnItsSide(lines) ? std::array{0, 3, 2, 1} : std::array{0, 2, 1, 2};
         for (const int turn : quarters) {
             if (turn != 0) {
@@ -164,7 +162,7 @@ class Reader {
                 lines = attempt(picture, tesseract::PSM_AUTO);
             }
             if (isRight(lines)) return textOf(lines, isText);
-            // It often does not take a word or two for a page.
+            // Tesseract often does not recognise a word or two as a page.
             if (isSmall) {
                 const QStringList words = textOf(attempt(picture, tesseract::PSM_SINGLE_BLOCK), isWord);
                 if (!words.isEmpty()) return words;
@@ -194,13 +192,13 @@ class Reader {
     }
 
     tesseract::TessBaseAPI& engine_;
-    const Clock::time_point until_ = Clock::now() + kPatience;
+    const Clock::time_point until_ = Clock::now() + kTimeout;
 };
 
 }  // namespace
 
 std::optional<QStringList> recognise(const GreyPicture& picture, const QByteArray& languages) {
-    // It would share out the work on each line, which is too little to share: threads only make it slower.
+    // Tesseract would parallelise the work on each line, which is too small: threads only slow it down.
     omp_set_max_active_levels(0);
     setMsgSeverity(L_SEVERITY_NONE);
     tesseract::TessBaseAPI engine;

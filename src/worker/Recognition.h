@@ -6,11 +6,11 @@
 
 #include "worker/GreyPicture.h"
 
-/// What letters should measure, in pixels, between a small letter and a capital. Both smaller and larger ones are read
-/// less well, or more slowly.
+/// The ideal height of letters in pixels, between that of a small letter and a capital. Smaller and larger ones are
+/// recognised less well, or more slowly.
 constexpr int kReadingHeight = 22;
 
-/// The lines of dark text on a light picture, in reading order: a column is read to its end before the next. The
-/// picture may lie on a side or on its head. Letters should be kReadingHeight tall. What is more likely an icon or a
-/// photograph than text is left out. Absent when none of the languages is installed.
+/// The lines of dark text in a light picture, in reading order, column by column. The picture may be rotated by
+/// multiples of 90 degrees. Letters should be kReadingHeight tall. What is probably an icon or a photograph is left
+/// out. Absent if none of the languages is installed.
 std::optional<QStringList> recognise(const GreyPicture& picture, const QByteArray& languages);

@@ -11,7 +11,7 @@ struct Failure {
     friend bool operator==(const Failure&, const Failure&) = default;
 };
 
-/// What a job made, or why it did not.
+/// What a job produced, or why it failed.
 template <class T>
 using Result = std::variant<T, Failure>;
 

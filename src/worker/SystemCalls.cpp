@@ -12,9 +12,9 @@
 
 namespace {
 
-constexpr scmp_datum_t kLow = 0xffffffff;  // of an int, the kernel looks at no more
+constexpr scmp_datum_t kLow = 0xffffffff;  // the kernel looks only at the lower half of an int argument
 
-/// Those that are harmless whatever their arguments are, on the descriptors that are open.
+/// Calls that are harmless with any arguments, given the open descriptors.
 constexpr int kAllowed[] = {
     // memory
     SCMP_SYS(brk), SCMP_SYS(mmap), SCMP_SYS(munmap), SCMP_SYS(mremap), SCMP_SYS(mprotect), SCMP_SYS(madvise),
@@ -40,7 +40,7 @@ constexpr int kAllowed[] = {
     SCMP_SYS(getpid), SCMP_SYS(gettid), SCMP_SYS(getuid), SCMP_SYS(geteuid), SCMP_SYS(getgid), SCMP_SYS(getegid),
     SCMP_SYS(uname), SCMP_SYS(sysinfo), SCMP_SYS(getrandom), SCMP_SYS(getrlimit)};
 
-/// Of fcntl(): nothing that locks, tells somebody, or changes what the caller's descriptors do.
+/// fcntl() commands that neither lock, nor notify others, nor change the shared state of descriptors.
 constexpr int kDescriptorCommands[] = {F_GETFD, F_SETFD, F_GETFL, F_DUPFD, F_DUPFD_CLOEXEC};
 
 scmp_arg_cmp is(unsigned argument, scmp_datum_t value) {
@@ -66,11 +66,11 @@ bool allowOnlyDecoding() {
         std::ranges::all_of(kAllowed, [&](int call) { return allow(call); }) &&
         std::ranges::all_of(kDescriptorCommands, [&](int command) { return allow(SCMP_SYS(fcntl), is(1, command)); }) &&
         allow(SCMP_SYS(open), has(1, kChanging, O_RDONLY)) && allow(SCMP_SYS(openat), has(2, kChanging, O_RDONLY)) &&
-        // The newer call's arguments cannot be seen; told that there is none, the C library takes this one.
+        // A filter cannot see the arguments of clone3(); when that fails with ENOSYS, the C library uses this one.
         allow(SCMP_SYS(clone), has(0, kLow, kThread)) && allow(SCMP_SYS(prctl), is(0, PR_SET_NAME)) &&
-        // A thread that fails ends its own process.
+        // For abort().
         allow(SCMP_SYS(tgkill), is(0, scmp_datum_t(::getpid()))) &&
-        // Asking for its limits.
+        // Reading its own limits.
         allow(SCMP_SYS(prlimit64), is(0, 0), has(2, ~scmp_datum_t(0), 0));
     return isComplete && seccomp_load(filter.get()) == 0;
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-/// Leaves the process, whose id and threads must not change otherwise, the system calls that decoding takes. All others
-/// fail as in a kernel that does not have them, so that a library which can do without takes another way. False if that
-/// is impossible.
+/// Allows only the system calls that decoding needs; call it while the process has one thread, and do not fork. All
+/// others fail with ENOSYS, so that libraries fall back on alternatives if they have any. False on failure.
 bool allowOnlyDecoding();

@@ -11,13 +11,13 @@ namespace {
 constexpr int kThreads = 2;
 
 bool start() {
-    // What it cannot decode row by row stays in memory; nothing goes to a temporary file.
+    // Keep everything that cannot be decoded row by row in memory, never in temporary files.
     qputenv("VIPS_DISC_THRESHOLD", "4g");
-    // Nor does it find its modules. Loading all of them, and the libraries of decoders that may not run, would take
-    // almost as long as everything else at a start.
+    // Hide its modules. Loading all of them, including decoders that are blocked, would take almost as long as the rest
+    // of the startup.
     qputenv("VIPSHOME", "/nonexistent");
     if (vips_init("glimmet-worker") != 0) return false;
-    // Broken files are to be expected.
+    // Broken files are expected, so do not log them.
     const auto ignore = [](const char*, GLogLevelFlags, const char*, gpointer) {};
     for (const char* domain : {"VIPS", "Poppler"})
         g_log_set_handler(domain, GLogLevelFlags(G_LOG_LEVEL_WARNING | G_LOG_LEVEL_MESSAGE | G_LOG_LEVEL_CRITICAL),

@@ -56,7 +56,7 @@ class X11DragOut : public X11Test {
     const QUrl file = fileUrl(folder.path(name));
     QImage icon{20, 20, QImage::Format_ARGB32_Premultiplied};
     TestPanel panel{connection, sampler, loop};
-    X11DragPasteboard pasteboard{connection, loop, &X11PanelWindow::ownWindow};
+    X11DragPasteboard pasteboard{connection, loop, &X11PanelWindow::isOwnWindow};
     /// As another program would see it.
     X11DragPasteboard outsider{connection, loop, [](xcb_window_t) { return false; }};
 };

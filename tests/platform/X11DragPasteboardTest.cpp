@@ -16,7 +16,7 @@ class X11DragWatch : public X11Test {
         return result;
     }
 
-    X11DragPasteboard pasteboard{connection, loop, &X11PanelWindow::ownWindow};
+    X11DragPasteboard pasteboard{connection, loop, &X11PanelWindow::isOwnWindow};
 };
 
 TEST_F(X11DragWatch, KnowsWhatQtDrags) {

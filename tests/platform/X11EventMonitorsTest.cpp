@@ -5,7 +5,7 @@ constexpr int capsLockKey = 66;
 
 class X11Monitors : public X11Test {
  protected:
-    X11Monitors() : monitors(connection, sampler, &X11PanelWindow::ownWindow) {
+    X11Monitors() : monitors(connection, sampler, &X11PanelWindow::isOwnWindow) {
         monitors.onMouseMoved = [this](QPointF pointer) { moves.append(pointer); };
         monitors.onLeftMouseDragged = [this](QPointF pointer) { drags.append(pointer); };
         monitors.onLeftMouseUp = [this](QPointF pointer) { ups.append(pointer); };

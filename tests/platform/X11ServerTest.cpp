@@ -64,7 +64,7 @@ TEST_F(X11Server, TellsWhetherADisplayCanBeReached) {
         const EnvironmentVariable platform("QT_QPA_PLATFORM", test.platform);
         const EnvironmentVariable display("DISPLAY", test.display);
         const EnvironmentVariable wayland("WAYLAND_DISPLAY", test.wayland);
-        EXPECT_EQ(displayReachable(), test.reachable)
+        EXPECT_EQ(isDisplayReachable(), test.reachable)
             << test.platform.constData() << ' ' << test.display.constData() << ' ' << test.wayland.constData();
     }
 }

@@ -292,7 +292,7 @@ struct ActionsFixture : ChewFixture {
     static QString titles(const QList<MenuItem>& menu) {
         QStringList list;
         for (const MenuItem& item : menu) {
-            list.append(item.separator() ? QStringLiteral("-") : item.title);
+            list.append(item.isSeparator() ? QStringLiteral("-") : item.title);
             if (!item.submenu.isEmpty()) list.last() += u'(' + titles(item.submenu) + u')';
         }
         return list.join(u'|');

@@ -325,11 +325,11 @@ TEST(Inbox, WhatAnEarlierRunLeftIsHeldAtTheNextStart) {
     ASSERT_TRUE(QDir(place).mkpath(QStringLiteral("folder/inner")));
     ASSERT_TRUE(QFile(place + QStringLiteral(".hidden")).open(QFile::WriteOnly));
     ASSERT_TRUE(QFile::link(QStringLiteral("/etc"), place + QStringLiteral("link")));
-    f.drops.takeLeft();
+    f.drops.takeLeftovers();
     f.loop.drain();
     EXPECT_TRUE(f.m.items->isEmpty()) << "it is still in use";
     inbox.reset();
-    f.drops.takeLeft();
+    f.drops.takeLeftovers();
     f.loop.drain();
     QStringList held;
     for (const QUrl& item : f.m.items.get()) held.append(item.fileName());

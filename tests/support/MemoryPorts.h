@@ -163,7 +163,7 @@ class MemoryWorker : public Worker {
             return Naming::done;
         }
         QByteArray folder() const override { return path; }
-        qsizetype longestName() const override { return 255; }
+        qsizetype maxNameLength() const override { return 255; }
 
         MemoryWorker& worker;
         QByteArray path;

@@ -35,7 +35,7 @@ struct ShelfFixture : PictureFixture {
     /// Where chip `i` of the folded row has its middle, on the panel.
     QPointF chip(int i) {
         for (double x = 20; x < 340; x += 0.5)
-            if (thingAt({x, kRow}) == things()[i]) return {x + Chip::width / 2, kRow};
+            if (thingAt({x, kRow}) == things()[i]) return {x + Chip::kWidth / 2, kRow};
         return {};
     }
     QPointF button(int i) { return chip(i) + QPointF(18, -20); }
@@ -122,8 +122,8 @@ TEST(Shelf, AHoveredChipGrowsAndGlows) {
     f.root.pointerMoved(f.chip(0));
     f.rest(0.5);
     const QRectF glow = f.seen(f.aroundFirst(31, 29.5), [](QColor c) { return c.red() > 60 && c.blue() < 30; });
-    EXPECT_NEAR(glow.width(), Chip::width * 1.07, 1.1);
-    EXPECT_NEAR(glow.height(), Chip::height * 1.07, 1.1);
+    EXPECT_NEAR(glow.width(), Chip::kWidth * 1.07, 1.1);
+    EXPECT_NEAR(glow.height(), Chip::kHeight * 1.07, 1.1);
     for (const QPointF& way : {QPointF(26.5, 0), QPointF(0, 28.7)})
         EXPECT_TRUE(f.thingAt(f.chip(0) + way)) << "it answers where it is lit";
 }

@@ -33,16 +33,16 @@
 
 namespace {
 
-/// How long the start waits for what is stored; it comes later where the disk takes longer.
-constexpr std::chrono::milliseconds kPatience(300);
+/// How long startup waits for the stored preferences; on a slower disk they arrive later.
+constexpr std::chrono::milliseconds kPreferencesTimeout(300);
 
-/// Ends at once: threads that wait for a disk that does not answer would hold up an end in order.
+/// Exits at once: an orderly exit would wait for threads that are blocked on a hung disk.
 [[noreturn]] void end(int status) {
     std::fflush(nullptr);
     std::_Exit(status);
 }
 
-/// Arguments in the form that C programs get them in. The toolkit refers to them for as long as it lives.
+/// Arguments as argc and argv. Must outlive the QApplication, which keeps references to them.
 struct ArgumentVector {
     explicit ArgumentVector(const QStringList& arguments) : count(int(arguments.size())) {
         for (const QString& argument : arguments) bytes.append(argument.toLocal8Bit());
@@ -55,14 +55,13 @@ struct ArgumentVector {
     std::vector<char*> pointers;
 };
 
-/// The toolkit's application, which neither a disk nor a message bus that does not answer holds up. Null without a
-/// screen.
+/// Creates the QApplication without blocking on a hung disk or message bus. Null without a display.
 std::unique_ptr<QApplication> startToolkit(const QStringList& arguments) {
     SilentFolders silentFolders;
     const bool chosen = choosePlatform();
-    if (!displayReachable()) return nullptr;
+    if (!isDisplayReachable()) return nullptr;
     SilentBusGuard busGuard;
-    // It would end the program over an option of its own that it cannot follow.
+    // Only a filtered set: QApplication exits over a malformed option of its own.
     static ArgumentVector own(toolkitArguments(arguments));
     auto application = std::make_unique<QApplication>(own.count, own.pointers.data());
     if (chosen) qunsetenv("QT_QPA_PLATFORM");
@@ -70,24 +69,24 @@ std::unique_ptr<QApplication> startToolkit(const QStringList& arguments) {
     silentFolders.reveal();
     restartWith(arguments);
     QApplication::setApplicationName(QStringLiteral("glimmet"));
-    // The panel is no window in this sense: closing a menu must not end the program.
+    // Closing a menu must not quit the program; the panel does not count as a window here.
     QApplication::setQuitOnLastWindowClosed(false);
     return application;
 }
 
-/// What the creature lives on in this desktop. Needs the application.
+/// The ports' implementations on this desktop. Needs the QApplication.
 struct Habitat {
-    /// `stored` has been read if its disk answers.
+    /// `stored` has been read by now, unless its disk is hung.
     Habitat(QtMainLoop& mainLoop, FilePreferences& stored) : loop(mainLoop), preferences(stored) {}
 
     Ports ports(const std::function<void()>& quit);
-    /// Takes the creature off the screen, and saves what it leaves behind.
+    /// Takes the creature off the screen, hands over the clipboard and saves the preferences.
     void leave(const std::function<void()>& quit);
 
     QtMainLoop& loop;
     FilePreferences& preferences;
     SystemClock clock;
-    ThreadQueue background, pictures, drops, jobs;  // a dead disk may hold up all of a queue's threads
+    ThreadQueue background, pictures, drops, jobs;  // several, since a hung disk may block all threads of one
     ThreadQueue references{DiskLanes::kMaxThreads};
     ThreadSerialQueue playing;
     PathReferences files{references, loop};
@@ -129,20 +128,20 @@ Ports Habitat::ports(const std::function<void()>& quit) {
 }
 
 void Habitat::leave(const std::function<void()>& quit) {
-    // A disk that does not answer may keep the kernel from ending the process; nobody shall see it until then.
+    // A hung disk may keep the kernel from ending the process; the windows should be gone at once.
     for (QWindow* window : QGuiApplication::topLevelWindows()) window->hide();
     desktop.leaveClipboard(quit);
     QApplication::exec();
-    // Nothing else is worth waiting for: a held file's disk that does not answer, or a chime, would hold up the end.
+    // Wait for nothing else: a hung disk or a chime that is playing would delay the exit.
     preferences.close();
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    // Threads that hardly ever meet need no heap each.
+    // Our threads rarely allocate at the same time; more arenas would only cost memory.
     ::mallopt(M_ARENA_MAX, 2);
-    // Whoever read what this program writes may end before it.
+    // The reader of our output may exit before we do.
     std::signal(SIGPIPE, SIG_IGN);
     QStringList arguments;
     for (int i = 0; i < argc; ++i) arguments.append(QString::fromLocal8Bit(argv[i]));
@@ -153,7 +152,7 @@ int main(int argc, char** argv) {
     const auto application = startToolkit(arguments);
     if (!application) stop("no screen to live on");
 
-    // Printing the menu changes nothing, and may be done beside a creature that lives.
+    // Printing the menu changes nothing, so it is allowed while another instance runs.
     const bool onlyPrints = arguments.contains(QStringLiteral("--menudump"));
     using Access = FilePreferences::Access;
     QtMainLoop loop;
@@ -161,7 +160,7 @@ int main(int argc, char** argv) {
     FilePreferences preferences(FilePreferences::defaultPath(), onlyPrints ? Access::readOnly : Access::exclusive,
                                 writing, loop);
     preferences.onTaken = [&stop] { stop("already running for this user"); };
-    preferences.waitUntilRead(kPatience);
+    preferences.waitUntilRead(kPreferencesTimeout);
 
     Habitat habitat(loop, preferences);
     const auto quit = [] { QCoreApplication::quit(); };

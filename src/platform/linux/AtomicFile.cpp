@@ -13,8 +13,8 @@
 
 namespace {
 
-constexpr int kMaxLinks = 40;    // as many as the kernel follows
-constexpr int kMaxAside = 1000;  // unreadable files beside each other
+constexpr int kMaxLinks = 40;    // the kernel's own limit
+constexpr int kMaxAside = 1000;  // unreadable files side by side
 const QByteArray kTemporary = ".new-";
 
 bool exists(const QByteArray& path) {
@@ -26,7 +26,7 @@ Descriptor openFolder(const QByteArray& folder) {
     return Descriptor(::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
 }
 
-/// Readable by its owner only where it has to be made.
+/// A folder that has to be created is accessible by its owner only.
 bool makeFolder(const QByteArray& folder) {
     const QString name = QFile::decodeName(folder);
     if (QFileInfo::exists(name)) return true;
@@ -43,14 +43,14 @@ AtomicFile::AtomicFile(const QString& path) {
 }
 
 AtomicFile::~AtomicFile() {
-    // Not left to the closing, which does not end a lock while a child that has not started its program shares it.
+    // Closing is not enough: a forked child that has not called exec yet shares the lock.
     if (lock_) ::flock(lock_.get(), LOCK_UN);
 }
 
-bool AtomicFile::keep() {
+bool AtomicFile::lock() {
     makeFolder(folder_);
     lock_ = Descriptor(::open((path_ + ".lock").constData(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600));
-    // In a folder that cannot be written the folder itself does as well.
+    // In a read-only folder, lock the folder itself.
     if (!lock_) lock_ = openFolder(folder_);
     if (lock_ && ::flock(lock_.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) return false;
     removeLeftovers();
@@ -90,15 +90,15 @@ bool AtomicFile::writeTemporary(const QByteArray& name, const QByteArray& conten
     return file && writeAll(file.get(), contents) && ::fsync(file.get()) == 0;
 }
 
-// Under a free name: what was moved aside before stays, too.
+// Under a free name, so that files moved aside earlier stay as well.
 bool AtomicFile::moveAside() const {
     for (int counter = 1; counter <= kMaxAside; ++counter) {
         const QByteArray name =
             path_ + ".unreadable" + (counter == 1 ? QByteArray() : '-' + QByteArray::number(counter));
         if (::renameat2(AT_FDCWD, path_.constData(), AT_FDCWD, name.constData(), RENAME_NOREPLACE) == 0) return true;
-        if (errno == ENOENT) return true;  // somebody has taken it away
+        if (errno == ENOENT) return true;  // removed in the meantime
         if (errno == EEXIST) continue;
-        // Some file systems cannot promise to replace nothing.
+        // Some file systems do not support RENAME_NOREPLACE.
         if (errno != EINVAL && errno != ENOSYS) return false;
         if (!exists(name)) return std::rename(path_.constData(), name.constData()) == 0;
     }
@@ -107,7 +107,7 @@ bool AtomicFile::moveAside() const {
 
 bool AtomicFile::replace(const QByteArray& contents) {
     if (!makeFolder(folder_)) return false;
-    // A name of this process's own: two programs that write at once must not rename each other's half-written file.
+    // Named after the process: concurrent writers must not rename each other's incomplete file.
     const QByteArray temporary = path_ + kTemporary + QByteArray::number(::getpid());
     const bool ready = writeTemporary(temporary, contents) && (!keepAside_ || moveAside());
     if (ready) keepAside_ = false;
@@ -115,7 +115,7 @@ bool AtomicFile::replace(const QByteArray& contents) {
         ::unlink(temporary.constData());
         return false;
     }
-    // The new name is safe only once the folder is.
+    // The rename is durable only once the folder is flushed.
     const Descriptor directory = openFolder(folder_);
     return directory && ::fsync(directory.get()) == 0;
 }

@@ -6,27 +6,26 @@
 
 #include "platform/Descriptor.h"
 
-/// A file that is read and replaced whole, by one program at a time. One thread at a time; all but the destructor may
-/// wait for the disk.
+/// A file that is read and replaced as a whole, by one program at a time. One thread at a time; everything except the
+/// destructor may block on the disk.
 class AtomicFile {
  public:
-    /// Follows `path` if it is a symbolic link, so that a link stays one.
+    /// Resolves `path` if it is a symbolic link, so that the link is preserved.
     explicit AtomicFile(const QString& path);
     ~AtomicFile();
     AtomicFile(const AtomicFile&) = delete;
     AtomicFile& operator=(const AtomicFile&) = delete;
 
-    /// Keeps the file for this object, for as long as it lives, with a lock that ends with the process, and removes
-    /// what processes left behind that died while they wrote. False if another program keeps the file. Where no lock
-    /// can be had, nobody is kept out.
-    bool keep();
+    /// Locks the file for the lifetime of this object, and removes temporary files of processes that died while
+    /// writing. False if another program has the lock; true, without a lock, if the file system does not support locks.
+    bool lock();
 
-    /// The contents; absent when there is no such regular file, or it is larger than `maxSize` bytes, or cannot be
-    /// read. A file that is there and could not be read so is moved aside by the next replace(), not lost.
+    /// The contents; absent if there is no such regular file, it is larger than `maxSize` bytes, or it cannot be read.
+    /// The next replace() moves a file that exists but could not be read aside, so that it is not lost.
     std::optional<QByteArray> read(qint64 maxSize);
 
-    /// Replaces the file by one with `contents`, readable by its owner only: whenever the machine stops, the old or the
-    /// new contents are there. Folders are made when missing. False, and nothing changed, if that is impossible.
+    /// Atomically and durably replaces the file with one that has `contents` and is readable by its owner only. Creates
+    /// missing folders. False on failure.
     bool replace(const QByteArray& contents);
 
  private:

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::chrono::seconds kMaxDuration(10);
 
-/// The names of the freedesktop sound theme that come closest, best first.
+/// The closest names in the freedesktop sound theme, best first.
 QList<QByteArray> themeSounds(const QString& name) {
     if (name == QLatin1String("Glass")) return {"complete", "bell"};
     if (name == QLatin1String("Pop")) return {"message", "dialog-information", "bell"};
@@ -30,12 +30,12 @@ struct PropertiesDeleter {
 
 using End = std::counting_semaphore<>;
 
-// Called when the sound has ended, and by some of the library's backends again when the context is destroyed.
+// Called when the sound has ended, and by some backends again when the context is destroyed.
 void finished(ca_context* /*context*/, uint32_t /*id*/, int /*code*/, void* end) {
     static_cast<End*>(end)->release();
 }
 
-/// Plays the sound to its end; false if the theme lacks it or nothing can play it.
+/// Plays the sound to its end; false if the theme does not have it or there is no output.
 bool playToEnd(const QByteArray& sound) {
     End end(0);  // outlives the context
     ca_context* made = nullptr;
@@ -50,7 +50,7 @@ bool playToEnd(const QByteArray& sound) {
     const std::unique_ptr<ca_proplist, PropertiesDeleter> properties(list);
     ca_proplist_sets(list, CA_PROP_EVENT_ID, sound.constData());
     if (ca_context_play_full(made, 1, list, finished, &end) != CA_SUCCESS) return false;
-    // What takes longer is cut off by destroying the context.
+    // Destroying the context cuts off a longer sound.
     std::ignore = end.try_acquire_for(kMaxDuration);
     return true;
 }

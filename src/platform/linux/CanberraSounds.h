@@ -3,9 +3,8 @@
 #include "platform/BackgroundQueue.h"
 #include "platform/Sounds.h"
 
-/// Plays the user's sound theme through libcanberra on a PulseAudio server, which PipeWire has too; without one there
-/// is silence. The connection is made in the queue for each sound and gone afterwards. Main thread only; the queue must
-/// outlive the object.
+/// Plays the user's sound theme through libcanberra on a PulseAudio server (or PipeWire's); silent without one. Each
+/// sound uses a new connection, on the queue. Main thread only; the queue must outlive the object.
 class CanberraSounds : public Sounds {
  public:
     explicit CanberraSounds(SerialQueue& queue) : queue_(queue) {}

@@ -5,7 +5,7 @@
 #include "platform/DropTypes.h"
 
 namespace {
-/// The toolkit's name for any text, or the source's own.
+/// Qt's type for any text, or the source's own.
 bool isText(const QString& format) {
     return format == QLatin1String("text/plain") || format == DropTypes::kText;
 }
@@ -28,7 +28,7 @@ CopiedDrop::CopiedDrop(const QMimeData& offered) {
     }
 }
 
-bool CopiedDrop::usable(const QMimeData& offered) {
+bool CopiedDrop::hasUsableForm(const QMimeData& offered) {
     return std::ranges::any_of(offered.formats(), isUsable);
 }
 

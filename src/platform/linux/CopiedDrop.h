@@ -5,12 +5,12 @@
 
 #include "platform/Drop.h"
 
-/// A drop whose forms were all read when it happened. It promises no file.
+/// A drop whose forms were all read when it happened. It has no promised file.
 class CopiedDrop : public Drop {
  public:
     explicit CopiedDrop(const QMimeData& offered);
-    /// Whether any of the forms on offer is one that drops are made of.
-    static bool usable(const QMimeData& offered);
+    /// Whether any of the forms on offer can be used.
+    static bool hasUsableForm(const QMimeData& offered);
 
     QStringList types() const override { return types_; }
     void load(const QString& type, std::function<void(std::optional<QByteArray>)> done) override;

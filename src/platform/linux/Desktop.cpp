@@ -44,7 +44,7 @@ class PlainDragPasteboard : public DragPasteboard {
     void canReadUsable(std::function<void(bool usable)> answer) override { answer(false); }
 };
 
-bool waylandReachable() {
+bool isWaylandReachable() {
     const QString name = qEnvironmentVariable("WAYLAND_DISPLAY");
     if (name.isEmpty()) return false;
     const QString path = QDir(qEnvironmentVariable("XDG_RUNTIME_DIR")).absoluteFilePath(name);
@@ -57,12 +57,12 @@ Desktop makeDesktop(MainLoop& loop, BackgroundQueue& queue) {
         if (const auto connection = X11Connection::open()) {
             const auto sampler = std::make_shared<PointerSampler>(connection, loop);
             auto panel = std::make_unique<X11PanelWindow>(connection, sampler, loop);
-            const auto blends = [panel = panel.get()] { return panel->blended(); };
+            const auto blends = [panel = panel.get()] { return panel->isBlended(); };
             auto lock = std::make_unique<X11ScreenLock>(panel->stacking(), std::make_unique<SessionLock>(loop, queue));
             return {std::move(panel),
-                    std::make_unique<X11EventMonitors>(connection, sampler, &X11PanelWindow::ownWindow),
+                    std::make_unique<X11EventMonitors>(connection, sampler, &X11PanelWindow::isOwnWindow),
                     std::make_unique<X11Workspace>(connection, loop, queue),
-                    std::make_unique<X11DragPasteboard>(connection, loop, &X11PanelWindow::ownWindow),
+                    std::make_unique<X11DragPasteboard>(connection, loop, &X11PanelWindow::isOwnWindow),
                     std::move(lock),
                     [connection, &loop](auto done) { leaveX11Clipboard(connection, loop, std::move(done)); },
                     blends};
@@ -82,14 +82,14 @@ bool choosePlatform() {
     return qputenv("QT_QPA_PLATFORM", "xcb");
 }
 
-bool displayReachable() {
+bool isDisplayReachable() {
     // The variable may hold several names, each with options: "wayland;xcb", "offscreen:enable_fonts".
     QStringList platforms = qEnvironmentVariable("QT_QPA_PLATFORM").split(u';', Qt::SkipEmptyParts);
     if (platforms.isEmpty()) platforms = {QStringLiteral("wayland"), QStringLiteral("xcb")};
     return std::any_of(platforms.begin(), platforms.end(), [](const QString& platform) {
         const QString name = platform.section(u':', 0, 0);
-        if (name.startsWith(QLatin1String("wayland"))) return waylandReachable();
-        if (name == QLatin1String("xcb")) return X11Connection::reachable();
+        if (name.startsWith(QLatin1String("wayland"))) return isWaylandReachable();
+        if (name == QLatin1String("xcb")) return X11Connection::isReachable();
         return name == QLatin1String("offscreen") || name == QLatin1String("minimal");
     });
 }

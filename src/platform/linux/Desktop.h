@@ -11,29 +11,29 @@
 #include "platform/ScreenLock.h"
 #include "platform/Workspace.h"
 
-/// The parts that depend on which kind of desktop this is.
+/// The ports that depend on the window system.
 struct Desktop {
     std::unique_ptr<PanelWindow> panelWindow;
     std::unique_ptr<EventMonitors> monitors;
     std::unique_ptr<Workspace> workspace;
     std::unique_ptr<DragPasteboard> dragPasteboard;
     std::unique_ptr<ScreenLock> screenLock;
-    /// Lets the desktop's keeper of the clipboard, where there is one, take over what this program has put there; it
-    /// would be lost with the program. Calls `done` later, once: after a second at most.
+    /// Lets the clipboard manager, if there is one, take over what this program has put on the clipboard; otherwise it
+    /// is lost when the program exits. Calls `done` later, once, after a second at most.
     std::function<void(std::function<void()> done)> leaveClipboard;
-    /// Whether translucent windows are blended with what lies below them, now.
+    /// Whether translucent windows are currently blended with what lies below them.
     std::function<bool()> blendsWindows;
 };
 
-/// On a platform other than X11 the monitors see nothing but where the pointer is, the workspace only opens and
-/// reveals, and no drag is seen from outside. Needs a QGuiApplication. `loop` must live longer than `queue`, and
-/// `queue` longer than the parts.
+/// On platforms other than X11 the monitors only know the pointer's location, the workspace can only open and reveal,
+/// and other programs' drags are not seen until they reach the panel. Needs a QGuiApplication. `loop` must outlive
+/// `queue`, and `queue` the ports.
 Desktop makeDesktop(MainLoop& loop, BackgroundQueue& queue);
 
-/// Prefers X11, through XWayland if need be, where the user has chosen nothing: elsewhere no window can be placed. To
-/// be called before there is a QGuiApplication. True when it has set QT_QPA_PLATFORM: unset that once the application
-/// exists, so that programs which this one starts make their own choice.
+/// Selects X11, possibly through XWayland, unless the user has chosen a platform: Wayland does not let windows place
+/// themselves. Call before creating the QGuiApplication. True if it has set QT_QPA_PLATFORM: unset that once the
+/// application exists, so that child processes do not inherit it.
 bool choosePlatform();
 
-/// Whether a QGuiApplication could be made now; it would abort the program where there is no display.
-bool displayReachable();
+/// Whether a QGuiApplication can be created; without a display it would abort the program.
+bool isDisplayReachable();

@@ -7,7 +7,7 @@ namespace {
 
 constexpr int kMaxPerMount = 3;
 
-/// The kernel writes white space and backslashes in octal.
+/// The kernel escapes white space and backslashes in octal.
 QByteArray unescaped(const QByteArray& field) {
     QByteArray text;
     for (qsizetype i = 0; i < field.size(); ++i) {
@@ -19,7 +19,7 @@ QByteArray unescaped(const QByteArray& field) {
     return text;
 }
 
-/// Where the file system is mounted that `path` lies on, going by its name: that asks no disk.
+/// The mount point of the file system that contains `path`, by name only, without disk access.
 QByteArray mountOf(const QByteArray& path) {
     QFile table(QStringLiteral("/proc/self/mountinfo"));
     QByteArray longest;
@@ -36,21 +36,21 @@ QByteArray mountOf(const QByteArray& path) {
 
 void DiskLanes::enqueue(const QByteArray& path, std::function<void(Place)> start) {
     waiting_.push_back({path.left(path.lastIndexOf('/')), mountOf(path), std::move(start)});
-    startWhatMay();
+    startWaiting();
 }
 
-bool DiskLanes::mayStart(const Question& question) const {
-    const auto sameFolder = [&](const Question& other) { return other.folder == question.folder; };
-    const auto sameMount = [&](const Question& other) { return other.mount == question.mount; };
+bool DiskLanes::mayStart(const Request& request) const {
+    const auto sameFolder = [&](const Request& other) { return other.folder == request.folder; };
+    const auto sameMount = [&](const Request& other) { return other.mount == request.mount; };
     return running_.size() < kMaxThreads && std::none_of(running_.begin(), running_.end(), sameFolder) &&
            std::count_if(running_.begin(), running_.end(), sameMount) < kMaxPerMount;
 }
 
-void DiskLanes::startWhatMay() {
+void DiskLanes::startWaiting() {
     for (auto next = waiting_.begin(); next != waiting_.end();) {
-        const auto question = next++;
-        if (!mayStart(*question)) continue;
-        running_.splice(running_.end(), waiting_, question);
-        question->start(question);
+        const auto request = next++;
+        if (!mayStart(*request)) continue;
+        running_.splice(running_.end(), waiting_, request);
+        request->start(request);
     }
 }

@@ -12,21 +12,21 @@
 namespace {
 
 constexpr double kFirstPause = 1, kMaxPause = 60;  // seconds
-constexpr std::chrono::seconds kPatienceAtEnd(2);
+constexpr std::chrono::seconds kCloseTimeout(2);
 
 }  // namespace
 
-/// The file on the queue's side. What is set waits in it for its turn.
+/// The part that is shared with the queue: the file, and the lines that wait to be written.
 class FilePreferences::File {
  public:
-    /// Main thread: what open() finds, once.
+    /// Main thread, once: the result of open().
     std::future<Contents> contents() { return promise_.get_future(); }
 
     /// Queue; before anything else.
     void open(const QString& path, Access access) {
         Contents found;
         file_.emplace(path);
-        found.taken = access == Access::exclusive && !file_->keep();
+        found.taken = access == Access::exclusive && !file_->lock();
         mayWrite_ = access == Access::exclusive && !found.taken;
         if (!found.taken) known_ = file_->read(kMaxPreferences).value_or(QByteArray());
         found.values = readPreferences(known_);
@@ -39,13 +39,13 @@ class FilePreferences::File {
         file_.reset();
     }
 
-    /// Main thread. Of two lines for a key the later one counts.
+    /// Main thread. A later line replaces an earlier one for the same key.
     void set(PreferenceLine line) {
         const std::lock_guard lock(mutex_);
         replaceLine(waiting_, std::move(line));
     }
 
-    /// Queue. False if something could not be written; it waits for the next call.
+    /// Queue. False on failure; the lines then wait for the next call.
     bool write() {
         std::vector<PreferenceLine> lines;
         {
@@ -53,7 +53,7 @@ class FilePreferences::File {
             lines = std::exchange(waiting_, {});
         }
         if (lines.empty() || !mayWrite_) return true;
-        // Where the file is gone or cannot be read any more, what it held is still known.
+        // If the file is gone or unreadable, fall back on what it contained before.
         known_ = file_->read(kMaxPreferences).value_or(known_);
         QByteArray contents = withLines(known_, lines);
         if (contents.size() <= kMaxPreferences && file_->replace(contents)) {
@@ -99,8 +99,8 @@ FilePreferences::~FilePreferences() {
     close();
 }
 
-void FilePreferences::waitUntilRead(std::chrono::milliseconds patience) {
-    if (contents_.valid() && contents_.wait_for(patience) == std::future_status::ready) takeWhatWasRead();
+void FilePreferences::waitUntilRead(std::chrono::milliseconds timeout) {
+    if (contents_.valid() && contents_.wait_for(timeout) == std::future_status::ready) takeWhatWasRead();
 }
 
 void FilePreferences::takeWhatWasRead() {
@@ -110,7 +110,7 @@ void FilePreferences::takeWhatWasRead() {
         if (onTaken) onTaken();
         return;
     }
-    // What was set while the disk kept us waiting is newer.
+    // Values set in the meantime take precedence.
     for (auto value = found.values.begin(); value != found.values.end(); ++value) {
         if (!values_.contains(value.key())) values_.insert(value.key(), value.value());
     }
@@ -132,7 +132,7 @@ void FilePreferences::close() {
         file->close();
         reached->set_value();
     });
-    reached->get_future().wait_for(kPatienceAtEnd);
+    reached->get_future().wait_for(kCloseTimeout);
 }
 
 QString FilePreferences::defaultPath() {

@@ -10,35 +10,34 @@
 #include "platform/BackgroundJobs.h"
 #include "platform/Preferences.h"
 
-/// Preferences in one file of text lines, "KEY = TYPE VALUE", that a person can read and mend; keys begin with
-/// "glimmet.". Main thread only, which never waits for the disk: all that touches the file is done on the queue.
+/// Preferences in one text file with lines of the form "KEY = TYPE VALUE", which a person can read and edit; keys begin
+/// with "glimmet.". Main thread only, and never blocks it: all file access happens on the queue.
 ///
-/// What was set is put into the file as it is then, which somebody else may have changed in the meantime: of their
-/// lines those stay that were not set here. The file is written whole, under a temporary name, flushed and renamed into
-/// place. What cannot be read stays in it byte for byte until its key is set; a file too large or not readable at all
-/// is kept beside the new one under a name of its own. A write that fails is tried again after pauses that grow to a
-/// minute, and with every later change.
+/// Changes are merged into the current file, so edits by others to other keys are preserved. The file is written under
+/// a temporary name, flushed and renamed into place. Lines that cannot be parsed stay untouched until their key is set;
+/// a file that is too large or unreadable is renamed, not overwritten. A failed write is retried with delays that grow
+/// to a minute, and with every later change.
 class FilePreferences : public Preferences {
  public:
-    /// `exclusive` keeps the file for this program; with `readOnly` what is set stays in memory.
+    /// `exclusive` locks the file for this program; with `readOnly`, changes stay in memory.
     enum class Access { exclusive, readOnly };
 
-    /// Begins to read the file. `queue` and `loop` must outlive the object, and `loop` the queue.
+    /// Starts reading the file. `queue` and `loop` must outlive the object, and `loop` the queue.
     FilePreferences(const QString& path, Access access, SerialQueue& queue, MainLoop& loop);
-    /// Leaves nothing unwritten that can be written within two seconds.
+    /// Calls close().
     ~FilePreferences() override;
 
-    /// Waits until the file has been read, or another program turned out to keep it, for `patience` at most. Afterwards
-    /// the answer comes through whenRead() and onTaken.
-    void waitUntilRead(std::chrono::milliseconds patience);
-    /// Tries once more to write what is not written, and lets the file go, for two seconds at most. What is set later
-    /// stays in memory.
+    /// Waits for `timeout` at most until the file has been read or found to be locked. After that, whenRead() and
+    /// onTaken report it.
+    void waitUntilRead(std::chrono::milliseconds timeout);
+    /// Tries once more to write pending changes, and unlocks the file; waits two seconds at most. Later changes stay in
+    /// memory.
     void close();
 
-    /// Called when it turns out that another program keeps the file: then it is not read, and never written.
+    /// Called if another program has locked the file; it is then neither read nor written.
     std::function<void()> onTaken;
 
-    /// Where the user's preferences belong.
+    /// The path of the user's preferences file.
     static QString defaultPath();
 
     bool isRead() const override { return read_; }
@@ -60,10 +59,10 @@ class FilePreferences : public Preferences {
 
  private:
     class File;
-    /// What is found when the file is opened.
+    /// The result of opening the file.
     struct Contents {
         QHash<QString, QVariant> values;
-        bool taken = false;  // another program keeps the file
+        bool taken = false;  // another program has locked the file
     };
 
     template <class T>

@@ -7,8 +7,8 @@
 
 #include "platform/Descriptor.h"
 
-/// A connection to the socket of this name, which begins with a zero if it is abstract. None where nobody listens.
-/// Waits for nothing: a listener that has no room for another connection counts as reached.
+/// Connects to the Unix socket of this name, which begins with a zero byte if it is abstract. Empty if nothing listens
+/// there. Never blocks: a listener whose backlog is full counts as reached.
 inline Descriptor connectToLocalSocket(const QByteArray& name) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;

@@ -5,12 +5,13 @@
 #include "platform/linux/SilentBus.h"
 
 namespace {
-constexpr double kGreetingPatience = 1;
+constexpr double kGreetingTimeout = 1;
 
-// By type: a connection to an address ends the program if the bus does not greet it. All connections of the library
-// share a thread, which a silent bus would hold up for ever. Where there is none the library would start one.
+// Connects by type: a connection by address would abort the program if the bus does not reply to it. Silent buses are
+// skipped because they would block the thread that all of Qt's connections share, and a missing address because
+// libdbus would start a new bus.
 QDBusConnection connectTo(QDBusConnection::BusType type, const QByteArray& address) {
-    if (address.isEmpty() || isSilentBus(address, kGreetingPatience)) return QDBusConnection(QString());
+    if (address.isEmpty() || isSilentBus(address, kGreetingTimeout)) return QDBusConnection(QString());
     return QDBusConnection::connectToBus(type, QUuid::createUuid().toString());
 }
 }  // namespace
@@ -34,14 +35,14 @@ QDBusMessage MessageBus::call(const Peer& peer, const QString& method, const QVa
     return connection_.call(message, QDBus::Block, int(seconds * 1000));
 }
 
-void MessageBus::hear(const QString& interface, const QString& signal, const QString& first, QObject& receiver,
-                      const char* slot) const {
+void MessageBus::subscribe(const QString& interface, const QString& signal, const QString& first, QObject& receiver,
+                           const char* slot) const {
     QDBusConnection connection = connection_;
     connection.connect({}, {}, interface, signal, first.isEmpty() ? QStringList() : QStringList(first), {}, &receiver,
                        slot);
 }
 
-bool MessageBus::owned(const QString& service, double seconds) const {
+bool MessageBus::hasOwner(const QString& service, double seconds) const {
     const QString bus = QStringLiteral("org.freedesktop.DBus");
     const auto answer =
         call({bus, QStringLiteral("/org/freedesktop/DBus"), bus}, QStringLiteral("NameHasOwner"), {service}, seconds);

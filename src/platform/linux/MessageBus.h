@@ -4,8 +4,8 @@
 #include <QDBusMessage>
 #include <QVariantList>
 
-/// A connection of its own to a D-Bus, for as long as the object lives. Everything here waits for other programs: only
-/// away from the main thread.
+/// A private D-Bus connection that lives as long as the object. Every call blocks on other programs: only away from the
+/// main thread.
 class MessageBus {
  public:
     /// An object of another program, and one of its interfaces.
@@ -19,15 +19,14 @@ class MessageBus {
     MessageBus(const MessageBus&) = delete;
     MessageBus& operator=(const MessageBus&) = delete;
 
-    /// The answer, or an error: also where there is no bus and when `seconds` have passed. Starts the service if the
-    /// bus knows how.
+    /// The reply; an error also if there is no bus or after `seconds`. Activates the service if the bus can.
     QDBusMessage call(const Peer& peer, const QString& method, const QVariantList& arguments, double seconds) const;
-    /// Calls a slot without parameters of `receiver`, in its thread, whenever anybody sends the signal; `first`, unless
-    /// empty, is what its first argument must be.
-    void hear(const QString& interface, const QString& signal, const QString& first, QObject& receiver,
-              const char* slot) const;
-    /// Whether a program runs that offers the service.
-    bool owned(const QString& service, double seconds) const;
+    /// Calls a slot of `receiver`, without parameters and in its thread, for every such signal from any sender;
+    /// `first`, unless empty, must match the first argument.
+    void subscribe(const QString& interface, const QString& signal, const QString& first, QObject& receiver,
+                   const char* slot) const;
+    /// Whether the service is running.
+    bool hasOwner(const QString& service, double seconds) const;
 
  private:
     explicit MessageBus(const QDBusConnection& connection) : connection_(connection) {}

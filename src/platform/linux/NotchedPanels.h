@@ -9,7 +9,7 @@ struct NotchedPanel {
     QSize housing;  ///< pixels
 };
 
-/// The laptops sold with such a screen so far are all of one maker, whose panels no other machine has.
+/// So far a single maker sells laptops with such screens, and no other machine has these resolutions.
 inline constexpr std::array kNotchedPanels{
     NotchedPanel{QSize(3024, 1964), QSize(370, 64)},  // 14 inch
     NotchedPanel{QSize(3456, 2234), QSize(370, 64)},  // 16 inch

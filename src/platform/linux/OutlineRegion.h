@@ -3,6 +3,6 @@
 #include <QPainterPath>
 #include <QRegion>
 
-/// The pixels inside `outline`, of which there are `ratio` to one of its units. Each row of pixels crosses it once from
-/// the left to the right; the rows' middles decide.
+/// The pixels inside `outline`, at `ratio` pixels per unit. The outline must be a single span in each row; each row of
+/// pixels is sampled at its middle.
 QRegion pixelsInside(const QPainterPath& outline, double ratio);

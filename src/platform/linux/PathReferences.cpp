@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr double kPatience = 1;  // seconds
+constexpr double kTimeout = 1;  // seconds
 
 using Identity = FileStatus::Identity;
 
@@ -45,7 +45,7 @@ bool exists(const QByteArray& path) {
     return ::stat(path.constData(), &status) == 0;
 }
 
-/// Without the slashes that the path of a directory may end in.
+/// Removes trailing slashes, as of a directory's path.
 QByteArray withoutEnd(QByteArray path) {
     while (path.size() > 1 && path.endsWith('/')) path.chop(1);
     return path;
@@ -66,7 +66,7 @@ QByteArray findIn(const QByteArray& folder, const Identity& identity) {
     return exists(path) ? path : QByteArray();
 }
 
-/// Where the file is; empty if it is nowhere to be found.
+/// The file's current path; empty if it cannot be found.
 QByteArray find(const Reference& reference) {
     if (exists(reference.path)) return reference.path;
     if (!reference.identity) return {};
@@ -95,17 +95,17 @@ void PathReferences::bookmark(const QUrl& file, std::function<void(const std::op
 void PathReferences::resolve(const QByteArray& bookmark, std::function<void(const std::optional<QUrl>&)> done) {
     const auto reference = decode(bookmark);
     if (!reference) return done({});
-    // Of the disk's answer and the end of our patience the first one counts.
+    // The disk's answer or the timeout, whichever comes first.
     struct Once {
         std::function<void(const std::optional<QUrl>&)> done;
-        TimerHandle patience;
+        TimerHandle timeout;
         void answer(const std::optional<QUrl>& file) {
-            patience.cancel();
+            timeout.cancel();
             if (const auto call = std::exchange(done, nullptr)) call(file);
         }
     };
     const auto once = std::make_shared<Once>(Once{lifetime_.guard(std::move(done)), {}});
-    once->patience = loop_.after(kPatience, [weak = std::weak_ptr(once), path = reference->path] {
+    once->timeout = loop_.after(kTimeout, [weak = std::weak_ptr(once), path = reference->path] {
         if (const auto waiting = weak.lock()) waiting->answer(fileUrl(path));
     });
     lanes_.ask(

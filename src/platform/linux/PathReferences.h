@@ -3,9 +3,9 @@
 #include "platform/FileReferences.h"
 #include "platform/linux/DiskLanes.h"
 
-/// References that are a path and the identity of what it named: "DEVICE:INODE:BIRTH:/path", in decimal, or the path
-/// alone where the identity is not known. A file is looked for by its path; if nothing is there, by its identity in the
-/// same folder. Main thread only; the queue and the loop must outlive the object, and `loop` the queue.
+/// References of the form "DEVICE:INODE:BIRTH:/path", with the file's identity in decimal, or the path alone if the
+/// identity is unknown. A file is looked up by its path and then, if there is nothing, by its identity in the same
+/// folder. Main thread only; the queue and the loop must outlive the object, and `loop` the queue.
 class PathReferences : public FileReferences {
  public:
     /// `queue` should have DiskLanes::kMaxThreads threads.

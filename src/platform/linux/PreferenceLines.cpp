@@ -13,7 +13,7 @@ constexpr qsizetype kMaxKeys = 1000;
 constexpr QByteArrayView kEquals = " = ";
 constexpr QByteArrayView kOurs = "glimmet.";
 
-/// Everything but what would break a line or a list of words stays as it is.
+/// Percent-encodes what would break a line or a list of words, and non-ASCII bytes.
 QByteArray encoded(const QByteArray& bytes) {
     return bytes.toPercentEncoding(QByteArrayLiteral("{}[]\":,\\/_=()!?'*+;@&#<>|$"));
 }
@@ -72,7 +72,7 @@ QVariant valueOf(QByteArrayView line) {
     return readValue(typeAndValue.left(length), typeAndValue.mid(length));
 }
 
-/// Calls `take` with each whole line, and gives the last one if its end is missing.
+/// Calls `take` with each complete line, and returns the rest after the last line end.
 template <class Take>
 QByteArrayView forEachLine(QByteArrayView contents, const Take& take) {
     for (;;) {
@@ -109,7 +109,7 @@ QByteArray preferenceLine(const QString& key, const QVariant& value) {
 
 QHash<QString, QVariant> readPreferences(const QByteArray& contents) {
     QHash<QString, QVariant> values;
-    // The last line has no end: it was cut off, so that its value cannot be trusted.
+    // A last line without an end is ignored: it may have been truncated.
     forEachLine(contents, [&](QByteArrayView line) {
         if (!line.startsWith(kOurs)) return;
         const QString key = QString::fromLatin1(keyOf(line));

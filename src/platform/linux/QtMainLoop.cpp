@@ -5,12 +5,12 @@
 
 namespace {
 
-// From this period on the toolkit may move a timer a little, so that timers that come close share a wake-up.
+// Timers with at least this period may be coalesced, so that they share wake-ups.
 constexpr double kCoarsePeriod = 0.25;
 
 /// A timer whose callback may drop it.
 TimerHandle start(double seconds, bool repeats, Qt::TimerType type, MainLoop::Callback callback) {
-    // Deleted later rather than at once: the handle may be dropped from inside the timer's own signal.
+    // Deleted later, because the handle may be dropped from within the timer's own callback.
     const std::shared_ptr<QTimer> timer(new QTimer, [](QTimer* dropped) {
         dropped->stop();
         dropped->disconnect();
@@ -18,12 +18,13 @@ TimerHandle start(double seconds, bool repeats, Qt::TimerType type, MainLoop::Ca
     });
     timer->setTimerType(type);
     timer->setSingleShot(!repeats);
-    QObject::connect(
-        timer.get(), &QTimer::timeout, [callback = std::make_shared<MainLoop::Callback>(std::move(callback))] {
-            // Disconnecting destroys this closure; the callback itself stays until it has returned.
-            const auto kept = callback;  // NOLINT(performance-unnecessary-copy-initialization): the copy is the point
-            (*kept)();
-        });
+    QObject::connect(timer.get(), &QTimer::timeout,
+                     [callback = std::make_shared<MainLoop::Callback>(std::move(callback))] {
+                         // Disconnecting destroys this closure, so keep the callback alive until it has returned.
+                         const auto running =
+                             callback;  // NOLINT(performance-unnecessary-copy-initialization): the copy is the point
+                         (*running)();
+                     });
     timer->start(int(std::ceil(seconds * 1000)));
     return TimerHandle(timer);
 }

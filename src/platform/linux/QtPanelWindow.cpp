@@ -64,10 +64,11 @@ QtPanelWindow::QtPanelWindow()
 QtPanelWindow::~QtPanelWindow() = default;
 
 void QtPanelWindow::setFrame(const QRectF& frame) {
-    // As far as a window system can place a window; it keeps its size wherever it goes.
-    constexpr double farthest = 30000;
+    // Within the 16-bit coordinates of window systems; the size stays the same.
+    constexpr double kFarthest = 30000;
     const QRectF wanted = toQt(frame);
-    const QPointF corner(std::clamp(wanted.left(), -farthest, farthest), std::clamp(wanted.top(), -farthest, farthest));
+    const QPointF corner(std::clamp(wanted.left(), -kFarthest, kFarthest),
+                         std::clamp(wanted.top(), -kFarthest, kFarthest));
     window_->setGeometry(QRect(corner.toPoint(), wanted.size().toSize()).marginsAdded(overdraw_));
 }
 
@@ -94,9 +95,7 @@ double QtPanelWindow::devicePixelRatio() const {
 }
 
 double QtPanelWindow::refreshRate() const {
-    const QScreen* screen = window_->screen();
-    // Servers without a monitor tell rates such as 0 or 1.
-    return screen && screen->refreshRate() >= 20 ? screen->refreshRate() : 60;
+    return refreshRateOf(window_->screen());
 }
 
 void QtPanelWindow::paint(const QRegion& damage, const std::function<void(QPainter&)>& draw) {
@@ -175,7 +174,7 @@ bool QtPanelWindow::dragged(QEvent& event) {
 
 bool QtPanelWindow::takes(const QDropEvent& drag) const {
     const bool ours = drag.source();
-    return !ours && CopiedDrop::usable(*drag.mimeData()) && listener().acceptsDrop();
+    return !ours && CopiedDrop::hasUsableForm(*drag.mimeData()) && listener().acceptsDrop();
 }
 
 void QtPanelWindow::setTargeted(bool targeted) {

@@ -8,8 +8,8 @@
 
 class QDropEvent;
 
-/// The panel as any Qt platform can show it: frameless, translucent, drawn by software. Buttons outside the input
-/// region are ignored, but only a platform's own subclass can let them reach what lies below.
+/// The panel on any Qt platform: frameless, translucent, rendered in software. Ignores clicks outside the input region;
+/// only a subclass for the platform can pass them through.
 class QtPanelWindow : public PanelWindow {
  public:
     QtPanelWindow();
@@ -26,21 +26,21 @@ class QtPanelWindow : public PanelWindow {
     void paint(const QRegion& damage, const std::function<void(QPainter&)>& draw) override;
     void dragOut(const QUrl& file, const QImage& icon, QPointF grip) override;
 
-    /// What Qt sends drag and drop events to. Belongs to this object.
+    /// The underlying window. Owned by this object.
     QWindow& window() { return *window_; }
 
  protected:
-    /// Buttons that were pressed inside and whose release has not been seen. It may never be: a menu that opens
-    /// takes it.
+    /// Buttons that were pressed inside and not yet released. Their release may never come: a menu that opens swallows
+    /// it.
     Qt::MouseButtons held() const { return held_; }
     virtual void pressed(QMouseEvent& event);
-    /// Where the window is with its overdraw, in Qt's coordinates.
+    /// The window's actual geometry, including its overdraw, in Qt's coordinates.
     virtual QRectF shownGeometry() const { return window_->geometry(); }
-    /// Where the frame begins in the window, and with it everything that is told in points of the panel.
+    /// The frame's top left in the window: the origin of the panel's coordinates.
     QPoint origin() const { return {overdraw_.left(), overdraw_.top()}; }
-    /// Clears `area` (of the window) of `device` and draws there, in points of the panel.
+    /// Clears `area` (in window coordinates) of `device` and draws there, in panel coordinates.
     void drawInto(QPaintDevice& device, const QRegion& area, const std::function<void(QPainter&)>& draw) const;
-    /// The window came to another screen, or its screen's device pixel ratio changed.
+    /// The window moved to another screen, or its screen's device pixel ratio changed.
     virtual void screenChanged() {}
 
  private:
@@ -48,7 +48,7 @@ class QtPanelWindow : public PanelWindow {
 
     void released(QMouseEvent& event);
     void moved(QMouseEvent& event);
-    /// True if the event belongs to a drag and has been dealt with.
+    /// Handles the events of drags; true if `event` was one.
     bool dragged(QEvent& event);
     bool takes(const QDropEvent& drag) const;
     void setTargeted(bool targeted);

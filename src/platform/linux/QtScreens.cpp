@@ -10,26 +10,26 @@
 #include "platform/linux/ScreenCoordinates.h"
 
 namespace {
-/// Where the name is kept of the screen that "glimmet.notch" was written for.
+/// The name of the screen that "glimmet.notch" refers to.
 const QString kHousingScreen = QStringLiteral("glimmet.notchScreen");
-// A screen's size in points is rounded, so the pixels that are computed from it may be off.
+// A screen's size in points is rounded, so the pixel size computed from it may be off by this much.
 constexpr int kRounding = 2;
 
-/// Whether it is the panel of a laptop, by the name of its connector.
-bool builtIn(const QScreen& screen) {
+/// Whether this is a laptop's built-in screen, by the name of its connector.
+bool isBuiltIn(const QScreen& screen) {
     static const QRegularExpression connectors(QStringLiteral("^(eDP|LVDS|DSI)"),
                                                QRegularExpression::CaseInsensitiveOption);
     return connectors.match(screen.name()).hasMatch();
 }
 
-/// The size in a preference of the form "WIDTHxHEIGHT"; empty in any other.
+/// Parses "WIDTHxHEIGHT"; empty for anything else.
 QSizeF sizeIn(const QString& preference) {
     static const QRegularExpression form(QStringLiteral("^([1-9]\\d{1,3})x([1-9]\\d{0,2})$"));
     const auto match = form.match(preference);
     return match.hasMatch() ? QSizeF(match.captured(1).toDouble(), match.captured(2).toDouble()) : QSizeF();
 }
 
-bool near(QSize a, QSize b) {
+bool areClose(QSize a, QSize b) {
     return std::abs(a.width() - b.width()) <= kRounding && std::abs(a.height() - b.height()) <= kRounding;
 }
 }  // namespace
@@ -49,7 +49,7 @@ void QtScreens::watch(QScreen* screen) {
     QObject::connect(screen, &QScreen::physicalDotsPerInchChanged, &context_, [this] { changed(); });
 }
 
-// One change of the desktop comes as several signals in a row.
+// Merges the several signals of one change.
 void QtScreens::changed() {
     announcement_ = loop_.after(0, [this] {
         if (onChange) onChange();
@@ -59,7 +59,7 @@ void QtScreens::changed() {
 QList<Screen> QtScreens::screens() const {
     QList<Screen> screens;
     for (const QScreen* screen : QGuiApplication::screens()) {
-        // While the last screen is unplugged Qt stands in with one that has no size.
+        // When the last screen is unplugged, Qt substitutes one without a size.
         if (screen->geometry().isEmpty()) continue;
         const bool main = screen == QGuiApplication::primaryScreen();
         Screen found{toModel(QRectF(screen->geometry())), {}, {}, main, nativeGeometry(*screen)};
@@ -75,7 +75,7 @@ QList<Screen> QtScreens::screens() const {
     return screens;
 }
 
-// Whoever wrote the preference meant a screen, not whichever is the main one later.
+// Stores the screen's name, since the preference is meant for one screen, not for whichever is the main one later.
 const QScreen* QtScreens::housingScreen() const {
     const QList<QScreen*> screens = QGuiApplication::screens();
     const auto first = [&](auto fits) -> const QScreen* {
@@ -84,7 +84,7 @@ const QScreen* QtScreens::housingScreen() const {
     };
     if (const auto name = preferences_.text(kHousingScreen))
         return first([&](const QScreen* screen) { return screen->name() == *name; });
-    const QScreen* panel = first([](const QScreen* screen) { return builtIn(*screen); });
+    const QScreen* panel = first([](const QScreen* screen) { return isBuiltIn(*screen); });
     if (!panel) panel = QGuiApplication::primaryScreen();
     if (panel && !panel->name().isEmpty()) preferences_.setText(kHousingScreen, panel->name());
     return panel;
@@ -101,7 +101,7 @@ std::optional<QSizeF> QtScreens::housing(const QScreen& screen) const {
     }
     const QSize pixels = nativeGeometry(screen).size().toSize();
     for (const NotchedPanel& panel : kNotchedPanels) {
-        if (near(panel.resolution, pixels)) return QSizeF(panel.housing) / screen.devicePixelRatio();
+        if (areClose(panel.resolution, pixels)) return QSizeF(panel.housing) / screen.devicePixelRatio();
     }
     return {};
 }

@@ -9,10 +9,10 @@
 
 class QScreen;
 
-/// The screens as Qt knows them. A camera housing is known from the panel's resolution, or from the user's preference
-/// "glimmet.notch": "WIDTHxHEIGHT" in points puts one on the built-in screen or, where there is none, on the one that
-/// was the main screen then, whose name is kept in "glimmet.notchScreen"; "none" says that there is none anywhere. Main
-/// thread only; needs a QGuiApplication; the references must outlive the object.
+/// Qt's screens. A camera housing is recognised by the panel's resolution, or set by the user's preference
+/// "glimmet.notch": "WIDTHxHEIGHT" in points puts one on the built-in screen or, without one, on the main screen at
+/// that time, whose name is stored in "glimmet.notchScreen"; "none" disables it. Main thread only; needs a
+/// QGuiApplication; the references must outlive the object.
 class QtScreens : public Screens {
  public:
     QtScreens(Preferences& preferences, MainLoop& loop);

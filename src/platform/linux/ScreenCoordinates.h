@@ -5,11 +5,11 @@
 #include <QRectF>
 #include <QScreen>
 
-/// Three kinds of screen coordinates meet here. The model's are points with y growing upwards from the bottom left
-/// corner of the main screen; Qt's are points with y growing downwards; native ones are device pixels with y growing
-/// downwards. Main thread only. Without a screen all of them coincide but for the direction of y.
+// Conversions between three kinds of screen coordinates. The model's are points with y growing upwards from the bottom
+// left corner of the main screen; Qt's are points with y growing downwards; native ones are device pixels with y
+// growing downwards. Main thread only. Without a screen they differ only in the direction of y.
 
-/// Where the model's origin is in Qt's coordinates.
+/// The model's origin in Qt's coordinates.
 inline QPointF modelOrigin() {
     const QScreen* screen = QGuiApplication::primaryScreen();
     if (!screen) return {};
@@ -27,7 +27,7 @@ inline QPointF toQt(QPointF model) {
     return {model.x() + origin.x(), origin.y() - model.y()};
 }
 
-/// A rectangle's top() is its lowest y in the model's coordinates and its highest place in Qt's.
+/// QRectF::top() is the smallest y in both: the lower edge in the model's coordinates, the upper edge in Qt's.
 inline QRectF toModel(const QRectF& qtGlobal) {
     return {toModel(qtGlobal.bottomLeft()), qtGlobal.size()};
 }
@@ -41,7 +41,12 @@ inline QRectF nativeGeometry(const QScreen& screen) {
     return {screen.geometry().topLeft(), QSizeF(screen.geometry().size()) * screen.devicePixelRatio()};
 }
 
-/// The screen that shows a native point, else the main one; null only where there is no screen.
+/// The refresh rate of a screen, or of a usual one if it is null or reports nonsense, as servers without a monitor do.
+inline double refreshRateOf(const QScreen* screen) {
+    return screen && screen->refreshRate() >= 20 ? screen->refreshRate() : 60;
+}
+
+/// The screen at a native point, or else the main one; null only without any screen.
 inline const QScreen* screenAtNative(QPointF native) {
     for (const QScreen* screen : QGuiApplication::screens()) {
         const QRectF area = nativeGeometry(*screen);

@@ -8,7 +8,7 @@
 #include "platform/linux/MessageBus.h"
 
 namespace {
-constexpr double kPatience = 2;  // seconds for an answer
+constexpr double kTimeout = 2;  // seconds for an answer
 
 const QString kLogin = QStringLiteral("org.freedesktop.login1");
 const QString kSession = QStringLiteral("org.freedesktop.login1.Session");
@@ -21,24 +21,24 @@ QVariant firstValue(const QDBusMessage& answer) {
 }
 
 bool hintsLock(const MessageBus& bus) {
-    if (!bus.owned(kLogin, kPatience)) return false;
+    if (!bus.hasOwner(kLogin, kTimeout)) return false;
     const QString id = qEnvironmentVariable("XDG_SESSION_ID", QStringLiteral("auto"));
     const MessageBus::Peer manager{kLogin, QStringLiteral("/org/freedesktop/login1"),
                                    kLogin + QStringLiteral(".Manager")};
-    const auto session = firstValue(bus.call(manager, QStringLiteral("GetSession"), {id}, kPatience));
+    const auto session = firstValue(bus.call(manager, QStringLiteral("GetSession"), {id}, kTimeout));
     const QString path = session.value<QDBusObjectPath>().path();
     if (path.isEmpty()) return false;
     const auto hint = firstValue(bus.call({kLogin, path, kProperties}, QStringLiteral("Get"),
-                                          {kSession, QStringLiteral("LockedHint")}, kPatience));
+                                          {kSession, QStringLiteral("LockedHint")}, kTimeout));
     return hint.value<QDBusVariant>().variant().toBool();
 }
 
 bool saverActive(const MessageBus& bus) {
-    if (!bus.owned(kSaver, kPatience)) return false;
-    // The second is where an older desktop has it.
+    if (!bus.hasOwner(kSaver, kTimeout)) return false;
+    // Older desktops use the second path.
     for (const auto* path : {"/org/freedesktop/ScreenSaver", "/ScreenSaver"}) {
         const auto active =
-            firstValue(bus.call({kSaver, QLatin1String(path), kSaver}, QStringLiteral("GetActive"), {}, kPatience));
+            firstValue(bus.call({kSaver, QLatin1String(path), kSaver}, QStringLiteral("GetActive"), {}, kTimeout));
         if (active.isValid()) return active.toBool();
     }
     return false;
@@ -48,18 +48,18 @@ bool saverActive(const MessageBus& bus) {
 /// Used on the queue, by one job at a time.
 struct SessionLock::Buses {
     std::unique_ptr<const MessageBus> system, session;
-    /// Runs out, on the main thread, when something may have changed.
+    /// Fires, on the main thread, when something may have changed.
     std::shared_ptr<QTimer> hint{new QTimer, [](QTimer* timer) { timer->deleteLater(); }};
 
-    // Anybody on the system bus could have sent what is heard, so it only makes us ask.
+    // Anyone on the system bus can send these signals, so they only make us ask.
     void open() {
         system.reset(new MessageBus(MessageBus::system()));
         session.reset(new MessageBus(MessageBus::session()));
         const char* slot = SLOT(start());
-        system->hear(kProperties, QStringLiteral("PropertiesChanged"), kSession, *hint, slot);
-        session->hear(kSaver, QStringLiteral("ActiveChanged"), {}, *hint, slot);
-        system->hear(kBus, QStringLiteral("NameOwnerChanged"), kLogin, *hint, slot);
-        session->hear(kBus, QStringLiteral("NameOwnerChanged"), kSaver, *hint, slot);
+        system->subscribe(kProperties, QStringLiteral("PropertiesChanged"), kSession, *hint, slot);
+        session->subscribe(kSaver, QStringLiteral("ActiveChanged"), {}, *hint, slot);
+        system->subscribe(kBus, QStringLiteral("NameOwnerChanged"), kLogin, *hint, slot);
+        session->subscribe(kBus, QStringLiteral("NameOwnerChanged"), kSaver, *hint, slot);
     }
 };
 

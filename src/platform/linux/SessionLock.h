@@ -5,9 +5,9 @@
 #include "platform/BackgroundJobs.h"
 #include "platform/ScreenLock.h"
 
-/// What the session tells of its lock: logind's hint, and the desktop's own screen saver. Neither is started by asking,
-/// and where neither answers the screen is not locked. Main thread only; the buses are waited for on `queue`, which
-/// with `loop` must outlive the object.
+/// The session's lock state: logind's hint, or the desktop's screen saver. Neither service is activated by asking, and
+/// without an answer the screen counts as unlocked. Main thread only; the bus calls block on `queue`, which like `loop`
+/// must outlive the object.
 class SessionLock : public ScreenLock {
  public:
     SessionLock(MainLoop& loop, BackgroundQueue& queue);

@@ -11,7 +11,7 @@ const QString kSession = QStringLiteral("-session");
 
 QStringList toolkitArguments(const QStringList& arguments) {
     const qsizetype session = arguments.indexOf(kSession);
-    // One without an identity would end the program.
+    // Without an id, QApplication would exit.
     if (session < 1 || session + 1 >= arguments.size())
         return arguments.first(std::min<qsizetype>(arguments.size(), 1));
     return {arguments.first(), kSession, arguments[session + 1]};

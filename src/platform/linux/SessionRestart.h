@@ -2,11 +2,11 @@
 
 #include <QStringList>
 
-// Sessions that restart their programs, by way of the X session management protocol.
+// Restarting by the session manager (X session management protocol).
 
-/// Those of the program's `arguments` that are the toolkit's: by "-session ID" a session knows a program again that it
-/// restarts. The program's name comes first.
+/// The program's name and those of its `arguments` that are for Qt: "-session ID", by which a session manager
+/// recognises a program that it restarts.
 QStringList toolkitArguments(const QStringList& arguments);
 
-/// Tells the session to restart the program with its own `arguments`. Needs the application, and lasts as long.
+/// Tells the session manager to restart the program with its own `arguments`. Needs the QApplication.
 void restartWith(const QStringList& arguments);

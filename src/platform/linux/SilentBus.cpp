@@ -10,14 +10,14 @@
 #include "platform/linux/LocalSocket.h"
 
 namespace {
-constexpr double kPatience = 2;
+constexpr double kTimeout = 2;
 constexpr const char* kSession = "DBUS_SESSION_BUS_ADDRESS";
 
 QByteArray runtimeBus() {
     return qgetenv("XDG_RUNTIME_DIR") + "/bus";
 }
 
-/// The socket's name for the system, which begins with a zero if it is abstract; empty for other kinds of addresses.
+/// The name of the Unix socket, which begins with a zero byte if it is abstract; empty for other kinds of addresses.
 QByteArray socketName(const QByteArray& address) {
     if (!address.startsWith("unix:")) return {};
     for (const QByteArray& part : address.mid(5).split(',')) {
@@ -30,7 +30,7 @@ QByteArray socketName(const QByteArray& address) {
     return {};
 }
 
-/// Adds a field of a message's header, a text, in the form that the D-Bus specification gives them.
+/// Appends a string field of a message header, as in the D-Bus specification.
 void addField(QByteArray& fields, char code, char type, const QByteArray& value) {
     while (fields.size() % 8) fields += '\0';
     const auto length = qToLittleEndian(quint32(value.size()));
@@ -42,7 +42,7 @@ void addField(QByteArray& fields, char code, char type, const QByteArray& value)
     fields += value + '\0';
 }
 
-/// The call without which a bus takes no other.
+/// The call that a bus requires before any other.
 QByteArray helloMessage() {
     QByteArray fields;
     addField(fields, 1, 'o', "/org/freedesktop/DBus");
@@ -54,9 +54,9 @@ QByteArray helloMessage() {
     return QByteArray("l\1\0\1", 4) + QByteArray(reinterpret_cast<const char*>(numbers), sizeof numbers) + fields;
 }
 
-/// What the bus answers, or nothing when the time is over; an end of the connection is an answer too.
-std::optional<QByteArray> answerTo(int descriptor, const QByteArray& words, const QDeadlineTimer& deadline) {
-    if (send(descriptor, words.constData(), size_t(words.size()), MSG_NOSIGNAL) < 0) return {};
+/// The bus's reply; absent after `deadline`. A closed connection counts as an empty reply.
+std::optional<QByteArray> answerTo(int descriptor, const QByteArray& request, const QDeadlineTimer& deadline) {
+    if (send(descriptor, request.constData(), size_t(request.size()), MSG_NOSIGNAL) < 0) return {};
     pollfd answer{descriptor, POLLIN, 0};
     int ready = 0;
     do ready = poll(&answer, 1, int(deadline.remainingTime()));
@@ -66,12 +66,12 @@ std::optional<QByteArray> answerTo(int descriptor, const QByteArray& words, cons
     return QByteArray(bytes, std::max(recv(descriptor, bytes, sizeof bytes, 0), ssize_t(0)));
 }
 
-/// Introduces this program as the library would. Some let programs in and say nothing from then on.
+/// Authenticates as libdbus would and says hello: some buses accept a connection and then never reply.
 bool greets(int descriptor, double seconds) {
     const QDeadlineTimer deadline(qint64(seconds * 1000));
     const QByteArray user = QByteArray::number(getuid()).toHex();
     const auto answer = answerTo(descriptor, '\0' + ("AUTH EXTERNAL " + user) + "\r\n", deadline);
-    // What asks for other credentials is left to the library.
+    // Other authentication mechanisms are left to libdbus.
     if (!answer || !answer->startsWith("OK")) return answer.has_value();
     return answerTo(descriptor, "BEGIN\r\n" + helloMessage(), deadline).has_value();
 }
@@ -96,7 +96,7 @@ QByteArray systemBusAddress() {
 
 SilentBusGuard::SilentBusGuard() {
     const QByteArray address = sessionBusAddress();
-    hiding_ = address.isEmpty() || isSilentBus(address, kPatience);
+    hiding_ = address.isEmpty() || isSilentBus(address, kTimeout);
     if (!hiding_) return;
     if (qEnvironmentVariableIsSet(kSession)) before_ = qgetenv(kSession);
     qputenv(kSession, "unix:path=/dev/null");
@@ -104,7 +104,7 @@ SilentBusGuard::SilentBusGuard() {
 
 void SilentBusGuard::restoreEnvironment() {
     if (!hiding_) return;
-    // The library remembers for good where it has looked first.
+    // Qt connects once and keeps that result for good.
     QDBusConnection::sessionBus();
     before_ ? qputenv(kSession, *before_) : qunsetenv(kSession);
 }

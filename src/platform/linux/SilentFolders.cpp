@@ -14,11 +14,11 @@
 
 namespace {
 
-constexpr std::chrono::milliseconds kPatience(300);
+constexpr std::chrono::milliseconds kTimeout(300);
 
 struct Folder {
     const char* variable;
-    const char* inHome;  // where it is if the variable is not set
+    const char* inHome;  // default below HOME
 };
 
 constexpr std::array<Folder, 4> kFolders{
@@ -39,7 +39,7 @@ QByteArray placeOf(const Folder& folder) {
     return set.startsWith('/') ? set : qgetenv("HOME") + folder.inHome;
 }
 
-/// Returns when the disk has answered. What is not there is in no cache, so that the disk itself has to be asked.
+/// Returns when the disk has answered. Looks for a file that does not exist, so that no cache can answer.
 void askFor(const QByteArray& folder) {
     ::access((folder + "/.glimmet-" + QByteArray::number(::getpid())).constData(), F_OK);
 }
@@ -57,18 +57,18 @@ SilentFolders::SilentFolders() {
         }).detach();
     }
     std::unique_lock lock(answers->mutex);
-    answers->changed.wait_for(lock, kPatience, [&] { return answers->all(); });
+    answers->changed.wait_for(lock, kTimeout, [&] { return answers->all(); });
     for (size_t i = 0; i < kFolders.size(); ++i) {
         if (answers->came[i]) continue;
         hidden_.append({kFolders[i].variable, qgetenv(kFolders[i].variable)});
-        // Nothing can be read below it, and nothing made.
+        // Nothing can be read or created below it.
         qputenv(kFolders[i].variable, "/dev/null");
     }
 }
 
 void SilentFolders::reveal() {
     if (hidden_.isEmpty()) return;
-    // The font library looks for fonts, settings and its cache when it is first used.
+    // Initialises fontconfig, which looks for fonts, settings and its cache on first use.
     QFontDatabase::families();
     for (const auto& [variable, value] : hidden_) {
         if (value.isNull())

@@ -4,16 +4,15 @@
 #include <QList>
 #include <utility>
 
-/// Hides those of the user's folders, home and those for configuration, data and caches, whose disk does not answer
-/// within a fraction of a second from what reads them on the main thread, where it would wait for ever: the toolkit's
-/// start and its font library's. Created before the application and while no other thread runs that reads the
-/// environment.
+/// Hides those of the user's home, configuration, data and cache folders whose disk does not answer within a fraction
+/// of a second from Qt and fontconfig, which would block on them at startup on the main thread. Create it before the
+/// application, while no other thread reads the environment.
 class SilentFolders {
  public:
     SilentFolders();
 
-    /// Once the application exists: the environment is as it was, for ourselves and for programs that we start. Waits
-    /// for no disk.
+    /// Call once the application exists: restores the environment, for ourselves and for child processes. Never blocks
+    /// on a disk.
     void reveal();
 
  private:

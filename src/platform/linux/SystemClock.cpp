@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr double kZonePatience = 60;  // seconds
+constexpr double kZoneRefreshInterval = 60;  // seconds
 
 double read(clockid_t clock) {
     timespec time{};
@@ -18,21 +18,21 @@ double read(clockid_t clock) {
 Date SystemClock::now() const {
     timespec time{};
     clock_gettime(CLOCK_REALTIME, &time);
-    // The reference goes first, which leaves more digits for the fraction.
+    // Subtracting the reference first leaves more digits for the fraction.
     return {double(time.tv_sec) - Date::kReference + double(time.tv_nsec) * 1e-9};
 }
 
 double SystemClock::uptime() const {
-    // Who comes back to a machine that slept for a night was away, and has not worked through it.
+    // Includes suspended time: after a night's sleep the user was away, not working.
     return read(CLOCK_BOOTTIME);
 }
 
 int SystemClock::localHour(Date date) const {
     const auto seconds = time_t(std::floor(date.seconds + Date::kReference));
     tm local{};
-    // localtime_r alone would keep to the time zone at the start, and tzset looks at the disk.
+    // localtime_r() alone would keep the initial time zone; tzset() accesses the disk, so call it rarely.
     if (const double up = uptime(); up >= zoneDue_) {
-        zoneDue_ = up + kZonePatience;
+        zoneDue_ = up + kZoneRefreshInterval;
         tzset();
     }
     localtime_r(&seconds, &local);

@@ -4,7 +4,7 @@
 
 #include "platform/BackgroundQueue.h"
 
-/// A few threads that live while there is work: some of them may have to wait long.
+/// Several threads, which exist only while there is work; some may block for long.
 class ThreadQueue : public BackgroundQueue {
  public:
     explicit ThreadQueue(int maxThreads = 8) { pool_.setMaxThreadCount(maxThreads); }
@@ -14,7 +14,7 @@ class ThreadQueue : public BackgroundQueue {
     QThreadPool pool_;
 };
 
-/// One thread that lives while there is work.
+/// One thread, which exists only while there is work.
 class ThreadSerialQueue : public SerialQueue {
  public:
     ThreadSerialQueue() {

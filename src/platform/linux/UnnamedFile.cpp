@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr mode_t kMode = 0666;  // less what the user's mask takes away
+constexpr mode_t kMode = 0666;  // minus the umask
 constexpr qsizetype kMaxName = 255;
 
 QByteArray newHiddenName() {
@@ -24,13 +24,13 @@ QByteArray newHiddenName() {
     return ".chewing-" + QByteArray::number(number, 36);
 }
 
-/// Runs in a process of its own: waits for the other end of `lifeline` to be closed, by whatever ends its owner, and
-/// removes the file. There are threads besides, whose locks stay locked here, so these are system calls only.
+/// Runs in a forked process: waits until the other end of `lifeline` is closed, however its owner ends, and removes the
+/// file. Uses system calls only, because locks held by other threads stay locked after a fork.
 [[noreturn]] void removeAtTheEnd(int lifeline, int folder, const char* name) {
     sigset_t all;
     ::sigfillset(&all);
     ::sigprocmask(SIG_SETMASK, &all, nullptr);
-    // Nobody is to wait for an end of standard output that only this process holds.
+    // Do not keep our standard output open: its reader would wait for this process.
     ::dup2(lifeline, STDIN_FILENO);
     ::dup2(folder, STDOUT_FILENO);
     ::close_range(STDERR_FILENO, ~0U, 0);
@@ -85,7 +85,7 @@ bool UnnamedFile::finish() {
 
 UnnamedFile::Naming UnnamedFile::name(const QByteArray& fileName) {
     const Naming naming = hiddenName_.isEmpty() ? link(fileName) : rename(fileName);
-    // The name is safe only once the folder is; some file systems cannot be asked to, and need not be.
+    // The name is durable only once the folder is flushed. Errors are ignored: some file systems do not support this.
     if (naming == Naming::done) ::fsync(folder_.get());
     return naming;
 }
@@ -102,7 +102,7 @@ UnnamedFile::Naming UnnamedFile::rename(const QByteArray& fileName) {
     if (::renameat2(folder, hiddenName_.constData(), folder, fileName.constData(), RENAME_NOREPLACE) != 0) {
         if (errno == EEXIST) return Naming::taken;
         if (errno != EINVAL && errno != ENOSYS) return Naming::failed;
-        // A file system that always replaces gets an empty file of ours to replace.
+        // Without RENAME_NOREPLACE, reserve the name with an empty file and replace that.
         const Descriptor ours(::openat(folder, fileName.constData(), O_RDONLY | O_CREAT | O_EXCL | O_CLOEXEC, kMode));
         if (!ours) return errno == EEXIST ? Naming::taken : Naming::failed;
         if (::renameat(folder, hiddenName_.constData(), folder, fileName.constData()) != 0) {
@@ -120,7 +120,7 @@ QByteArray UnnamedFile::folder() const {
     return path;
 }
 
-qsizetype UnnamedFile::longestName() const {
+qsizetype UnnamedFile::maxNameLength() const {
     const long longest = ::fpathconf(folder_.get(), _PC_NAME_MAX);
     return longest > 0 ? std::min<qsizetype>(longest, kMaxName) : kMaxName;
 }

@@ -6,11 +6,11 @@
 #include "platform/Descriptor.h"
 #include "platform/ResultFile.h"
 
-/// A file without a name, until it gets one. On a file system that has no such files it has a hidden name, which a
-/// small process removes when this one dies.
+/// A file that has no name until name() gives it one. On file systems without O_TMPFILE it has a hidden name, which a
+/// helper process removes when this one dies.
 class UnnamedFile : public ResultFile {
  public:
-    /// Null when no file can be made in `folder`; `errno` says why.
+    /// Creates a file in `folder`; null on failure, with the reason in `errno`.
     static std::unique_ptr<UnnamedFile> in(const QByteArray& folder);
 
     ~UnnamedFile() override;
@@ -21,7 +21,7 @@ class UnnamedFile : public ResultFile {
     bool finish() override;
     Naming name(const QByteArray& fileName) override;
     QByteArray folder() const override;
-    qsizetype longestName() const override;
+    qsizetype maxNameLength() const override;
 
  private:
     explicit UnnamedFile(Descriptor folder) : folder_(std::move(folder)) {}
@@ -33,7 +33,7 @@ class UnnamedFile : public ResultFile {
 
     Descriptor folder_;
     Descriptor file_;
-    QByteArray hiddenName_;  // until it gets the proper one; empty for a file without a name
-    Descriptor lifeline_;    // while it is open, the remover waits
+    QByteArray hiddenName_;  // empty for a file without a name
+    Descriptor lifeline_;    // the remover waits until it is closed
     pid_t remover_ = -1;
 };

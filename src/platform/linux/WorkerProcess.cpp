@@ -13,8 +13,8 @@
 
 namespace {
 
-constexpr qsizetype kMaxAnswer = 1 << 20;  // bytes; a page of text is some thousand
-constexpr int kDying = 1000;               // ms
+constexpr qsizetype kMaxAnswer = 1 << 20;  // bytes; a page of text has a few thousand
+constexpr int kKillTimeout = 1000;         // ms
 constexpr int kResult = 3;
 
 QProcessEnvironment environment() {
@@ -29,22 +29,22 @@ QProcessEnvironment environment() {
     return variables;
 }
 
-/// Called in the new process before its program starts. Other threads' locks stay locked here, so these are system
-/// calls only.
+/// Runs in the child process before exec. Uses system calls only, because locks held by other threads stay locked after
+/// a fork.
 void passOnly(int source, int result) {
     if (::dup2(source, STDIN_FILENO) < 0) ::_exit(EXIT_FAILURE);
     if (result >= 0 && result != kResult) ::dup2(result, kResult);
-    // Through one of them Qt hears that the program could not be started.
+    // Close-on-exec rather than closed: Qt uses one of them to report that exec failed.
     ::close_range(kResult, ~0U, CLOSE_RANGE_CLOEXEC);
     if (result >= 0) ::fcntl(kResult, F_SETFD, 0);
-    // What the caller's thread blocks or ignores is not the worker's business.
+    // Do not inherit blocked or ignored signals.
     for (int number = 1; number < NSIG; ++number) std::signal(number, SIG_DFL);
     sigset_t none;
     ::sigemptyset(&none);
     ::sigprocmask(SIG_SETMASK, &none, nullptr);
 }
 
-/// All that the process writes until its end; absent when it fails, writes too much or takes too long.
+/// Everything that the process writes; absent if it fails, writes too much or takes too long.
 std::optional<QByteArray> outputOf(QProcess& process, QDeadlineTimer deadline) {
     if (!process.waitForStarted(int(deadline.remainingTime()))) return {};
     QByteArray output;
@@ -70,10 +70,10 @@ std::optional<QJsonObject> WorkerProcess::run(const QStringList& request, int so
     process->setStandardErrorFile(QProcess::nullDevice());
     process->setChildProcessModifier([source, made = result ? result->descriptor() : -1] { passOnly(source, made); });
     process->start(program_, request, QIODevice::ReadOnly);
-    const auto output = outputOf(*process, QDeadlineTimer(patience_));
+    const auto output = outputOf(*process, QDeadlineTimer(timeout_));
     process->kill();
-    // One that waits for a dead disk does not die. Its object would wait for it, so both are left behind.
-    if (!process->waitForFinished(kDying) && process->state() != QProcess::NotRunning) (void)process.release();
+    // A process that is blocked on a hung disk cannot be killed. QProcess's destructor would wait for it, so leak both.
+    if (!process->waitForFinished(kKillTimeout) && process->state() != QProcess::NotRunning) (void)process.release();
     if (!output) return {};
     const auto answer = QJsonDocument::fromJson(*output);
     if (!answer.isObject()) return {};

@@ -5,13 +5,13 @@
 
 #include "platform/Worker.h"
 
-/// Does each job in a process of its own, which is gone when run() returns. It gets the source as its standard input,
-/// the result as descriptor 3, and of the environment only what says where libraries are and which languages to read.
+/// Runs each job in its own process, which has ended when run() returns. It receives the source as its standard input,
+/// the result as descriptor 3, and only those environment variables that affect libraries and languages.
 class WorkerProcess : public Worker {
  public:
-    /// `program` is the worker's path. It limits itself to a minute; after `patience` it is killed.
-    explicit WorkerProcess(QString program, std::chrono::milliseconds patience = std::chrono::seconds(65))
-        : program_(std::move(program)), patience_(patience) {}
+    /// `program` is the path of the worker. It limits itself to a minute, and is killed after `timeout`.
+    explicit WorkerProcess(QString program, std::chrono::milliseconds timeout = std::chrono::seconds(65))
+        : program_(std::move(program)), timeout_(timeout) {}
 
     using Worker::run;
     std::unique_ptr<ResultFile> resultIn(const QByteArray& folder) override;
@@ -19,5 +19,5 @@ class WorkerProcess : public Worker {
 
  private:
     QString program_;
-    std::chrono::milliseconds patience_;
+    std::chrono::milliseconds timeout_;
 };

@@ -77,7 +77,7 @@ std::optional<Job> jobCalled(const std::vector<QByteArray>& request) {
     return {};
 }
 
-/// Absent if there is no such job, or if it cannot be done safely.
+/// Absent if there is no such job, or the process could not be confined.
 std::optional<QJsonObject> run(const std::vector<QByteArray>& request) {
     const auto job = jobCalled(request);
     if (!job) {
@@ -99,6 +99,6 @@ int main(int argc, char** argv) {
     if (!result) return EXIT_FAILURE;
     const QByteArray line = QJsonDocument(*result).toJson(QJsonDocument::Compact) + '\n';
     const bool isTold = std::fwrite(line.constData(), 1, size_t(line.size()), stdout) == size_t(line.size());
-    // All is done; what the libraries would do at the end could only go wrong.
+    // Skip static destructors: the work is done, and the libraries' cleanup could only fail.
     std::_Exit(std::fflush(stdout) == 0 && isTold ? EXIT_SUCCESS : EXIT_FAILURE);
 }

@@ -3,8 +3,7 @@
 #include <QString>
 #include <QStringList>
 
-/// The window classes under which a program that is called `displayName` elsewhere goes here, where they differ from
-/// that name; empty for names that are not known or that no program here answers to.
+/// The window classes of a program with this display name, if they differ from the name; empty for unknown names.
 inline QStringList windowClassesOf(const QString& displayName) {
     static const struct {
         const char16_t *name, *classes;

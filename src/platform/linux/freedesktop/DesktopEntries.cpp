@@ -13,7 +13,7 @@ bool same(const QString& a, const QString& b) {
     return !a.isEmpty() && a.compare(b, Qt::CaseInsensitive) == 0;
 }
 
-/// The command without the arguments that stand for files, icons and names; "%%" is a per cent sign.
+/// The command without field codes, which stand for files, icons and names; "%%" becomes "%".
 QStringList withoutFieldCodes(const QStringList& arguments) {
     QStringList result;
     for (QString part : arguments) {
@@ -46,14 +46,14 @@ DesktopEntry entryOf(GAppInfo* application) {
     entry.arguments = wordsOf(g_app_info_get_commandline(application));
     entry.command = withoutFieldCodes(entry.arguments);
     entry.windowClass = QString::fromUtf8(g_desktop_app_info_get_startup_wm_class(info));
-    entry.terminal = textOf(info, G_KEY_FILE_DESKTOP_KEY_CATEGORIES).split(u';').contains(u"TerminalEmulator");
-    entry.inTerminal = g_desktop_app_info_get_boolean(info, G_KEY_FILE_DESKTOP_KEY_TERMINAL);
+    entry.isTerminal = textOf(info, G_KEY_FILE_DESKTOP_KEY_CATEGORIES).split(u';').contains(u"TerminalEmulator");
+    entry.needsTerminal = g_desktop_app_info_get_boolean(info, G_KEY_FILE_DESKTOP_KEY_TERMINAL);
     if (const char** types = g_app_info_get_supported_types(application))
         for (; *types; ++types) entry.mimeTypes.append(QString::fromUtf8(*types));
     return entry;
 }
 
-/// The entries that can be started. Takes the list and what is in it over.
+/// The entries that can be started. Takes ownership of the list and its elements.
 QList<DesktopEntry> entriesOf(GList* applications) {
     QList<DesktopEntry> entries;
     for (const GList* node = applications; node; node = node->next) {
@@ -64,8 +64,7 @@ QList<DesktopEntry> entriesOf(GList* applications) {
     return entries;
 }
 
-/// What the desktop has on record for the types. Where nobody has made its records, what the applications themselves
-/// say.
+/// The applications associated with the types; if there is no association cache, those whose entries claim a type.
 QList<DesktopEntry> candidatesFor(const QStringList& types) {
     QList<DesktopEntry> candidates;
     for (const QString& type : types) {
@@ -130,7 +129,7 @@ QList<DesktopEntry> applicationsFor(const QStringList& types, int max) {
     QList<DesktopEntry> applications;
     QSet<QString> seen;
     for (const DesktopEntry& entry : candidatesFor(types)) {
-        if (seen.contains(entry.id) || entry.inTerminal || applications.size() >= max) continue;
+        if (seen.contains(entry.id) || entry.needsTerminal || applications.size() >= max) continue;
         seen.insert(entry.id);
         applications.append(entry);
     }

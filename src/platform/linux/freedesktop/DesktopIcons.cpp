@@ -31,7 +31,7 @@ QStringList iconNames(const QByteArray& path) {
     if (!type.isValid()) return {};
     QStringList names{type.iconName(), type.genericIconName()};
     if (type.inherits(QStringLiteral("application/x-desktop"))) {
-        // Never the path of a picture, which anybody may have put there.
+        // IconTheme::find() ignores paths: the file is untrusted, and may name any picture.
         names.prepend(keyFileValue(path, "Desktop Entry", "Icon"));
     }
     names.append({QStringLiteral("application-x-generic"), QStringLiteral("unknown")});
@@ -64,14 +64,14 @@ DesktopIcons::~DesktopIcons() = default;
 
 void DesktopIcons::find(const QUrl& file, int pixels, std::function<void(const QImage&)> done) {
     constexpr int kMaxPixels = 512;
-    // Nobody waits for the rest once the theme is gone with this object.
+    // Once this object and its theme are gone, the remaining jobs do nothing.
     const auto look = [weak = std::weak_ptr(theme_), path = pathOf(file), size = std::clamp(pixels, 1, kMaxPixels)] {
         QImage image;
         if (const auto theme = weak.lock(); theme && path.startsWith('/')) {
             image = thumbnailOf(path, size);
             if (image.isNull()) image = ::find(theme->get(), path, size);
         }
-        // An icon theme's picture may be ten times as large as what is made of it, and this program stays for long.
+        // Decoded icons may be ten times as large as the result; return that memory, since this program runs for long.
         ::malloc_trim(0);
         return image;
     };

@@ -6,15 +6,15 @@
 #include "platform/linux/freedesktop/ShareTargets.h"
 
 namespace {
-constexpr double kPatience = 2;
+constexpr double kTimeout = 2;
 constexpr std::array kFinders{mailOffers, kdeConnectOffers, bluetoothOffers, programOffers};
 
-/// Waits on the main thread for what the finders tell.
+/// Collects the finders' results on the main thread.
 struct Gathering {
     std::array<QList<ShareOffer>, kFinders.size()> parts;
     size_t missing = kFinders.size();
     TimerHandle timeout;
-    std::function<void(const QList<ShareOffer>&)> found;  // empty once it was called
+    std::function<void(const QList<ShareOffer>&)> found;  // empty after it was called
 
     void finish(const ShareOffer& last) {
         timeout.cancel();
@@ -39,7 +39,7 @@ void DesktopSharing::offers(const QUrl& thing, std::function<void(const QList<Sh
     const auto gathering = std::make_shared<Gathering>();
     gathering->found = lifetime_.guard(std::move(found));
     const ShareOffer copy = copying(pasteboard_, thing);
-    gathering->timeout = loop_.after(kPatience, [gathering, copy] { gathering->finish(copy); });
+    gathering->timeout = loop_.after(kTimeout, [gathering, copy] { gathering->finish(copy); });
     for (size_t i = 0; i < kFinders.size(); ++i) {
         const auto take = [gathering, copy, i](const QList<ShareOffer>& part) {
             gathering->parts[i] = part;

@@ -4,15 +4,15 @@
 #include "platform/Pasteboard.h"
 #include "platform/Sharing.h"
 
-/// Offers mail, devices of KDE Connect, Bluetooth, the programs that can open the thing, and the clipboard; each only
-/// where it is. All must outlive the object, and `loop` and `pasteboard` the queue.
+/// Offers mail, KDE Connect devices, Bluetooth, programs that can open the thing, and the clipboard, as available. All
+/// parameters must outlive the object, and `loop` and `pasteboard` the queue.
 class DesktopSharing : public Sharing {
  public:
     DesktopSharing(BackgroundQueue& queue, MainLoop& loop, Pasteboard& pasteboard)
         : queue_(queue), loop_(loop), pasteboard_(pasteboard), jobs_(queue, loop) {}
 
-    /// `found` is called within two seconds; what has not answered by then is left out. After the end of this object it
-    /// is not called any more.
+    /// `found` is called within two seconds, without what has not answered by then. It is never called after this
+    /// object is destroyed.
     void offers(const QUrl& thing, std::function<void(const QList<ShareOffer>&)> found) override;
 
  private:

@@ -12,7 +12,7 @@
 #include "platform/linux/x11/XSettings.h"
 
 namespace {
-/// What an index.theme says, without the hundreds of folders' keys that do not matter here.
+/// The keys of an index.theme that matter here.
 struct Index {
     struct Folder {
         int size = 0, scale = 1, threshold = 2, smallest = 0, largest = 0;
@@ -92,7 +92,7 @@ void IconTheme::add(const QString& name, const QStringList& roots, QStringList& 
     }
     if (!theme.isEmpty()) themes_.append(theme);
     for (const QByteArray& parent : index.parents.split(',')) {
-        // Every theme's last resort: it comes after all that were chosen.
+        // hicolor is the fallback of every theme, so it comes after all chosen ones.
         if (parent.trimmed() != "hicolor") add(QString::fromUtf8(parent.trimmed()), roots, seen);
     }
 }
@@ -128,7 +128,7 @@ QStringList iconThemeNames() {
     if (plasma) {
         names.clear();
         for (const QString& folder : configs) {
-            // KDE's groups have subgroups, over which GLib's reader stumbles.
+            // GKeyFile cannot parse KDE's nested groups.
             const QSettings globals(folder + QStringLiteral("/kdeglobals"), QSettings::IniFormat);
             names.append(globals.value(QStringLiteral("Icons/Theme")).toString());
         }

@@ -4,16 +4,16 @@
 #include <QString>
 #include <QStringList>
 
-/// The icons of some themes as files. Reads many files when it is made and asks for some when it is used: only away
-/// from the main thread, from any number of threads.
+/// Finds icon files in a list of themes. Reads many files on construction and some on each call: only away from the
+/// main thread, from any number of threads.
 class IconTheme {
  public:
-    /// `names` are the themes' folders, best first; each is followed by those that it inherits from. `roots` hold the
-    /// themes, the user's first.
+    /// `names` are the themes' folders, best first; each is followed by its parents. `roots` are the folders that
+    /// contain themes, the user's first.
     IconTheme(const QStringList& names, const QStringList& roots);
 
-    /// The file, a .png or an .svg, of the first of `icons` that the first possible theme has, in the size that comes
-    /// closest to `pixels`, rather a larger one. Empty if there is none.
+    /// The .png or .svg file of the first of `icons` in the first theme that has one, in the size closest to `pixels`,
+    /// preferring larger ones. Empty if there is none.
     QString find(const QStringList& icons, int pixels) const;
 
  private:
@@ -29,8 +29,8 @@ class IconTheme {
     QList<Theme> themes_;
 };
 
-/// The icon themes that the user has chosen, as far as the desktop tells, and then some that are often installed.
+/// The icon themes in the user's settings, followed by some common ones.
 QStringList iconThemeNames();
 
-/// Where icon themes are, the user's first.
+/// The folders that contain icon themes, the user's first.
 QStringList iconRoots();

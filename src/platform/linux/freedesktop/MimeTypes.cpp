@@ -11,7 +11,7 @@ QMimeType mimeTypeOf(const QByteArray& path) {
     if (::stat(path.constData(), &status) != 0) return {};
     if (S_ISDIR(status.st_mode)) return database.mimeTypeForName(QStringLiteral("inode/directory"));
     if (!S_ISREG(status.st_mode)) return database.mimeTypeForName(QStringLiteral("application/octet-stream"));
-    // Not by its path: one that is not UTF-8 could not be opened.
+    // By descriptor, because QFile cannot open a path that is not UTF-8.
     const Descriptor descriptor = openRegularFile(path);
     QFile file;
     if (descriptor) std::ignore = file.open(descriptor.get(), QFile::ReadOnly);

@@ -3,6 +3,6 @@
 #include <QByteArray>
 #include <QMimeType>
 
-/// What kind of file is at `path`, by its name and, where that does not tell, its beginning. Invalid if there is none.
-/// Reads the disk: only away from the main thread.
+/// The MIME type of the file at `path`, by its name and, if that is ambiguous, its contents. Invalid if there is no
+/// file. Blocks on the disk: only away from the main thread.
 QMimeType mimeTypeOf(const QByteArray& path);

@@ -5,11 +5,11 @@
 #include "platform/linux/freedesktop/Programs.h"
 
 namespace {
-constexpr double kFileManagersPatience = 3;  // seconds
-constexpr double kStartsPatience = 25;       // with one that the bus starts first
+constexpr double kFileManagerTimeout = 3;  // seconds
+constexpr double kActivationTimeout = 25;  // with one that the bus starts first
 
 void open(const QUrl& url) {
-    // It begins with its scheme's letter, so no program can take it for an option.
+    // A URL starts with a letter, so it cannot be taken for an option.
     const QByteArray address = url.toEncoded();
     if (!startProgram({"xdg-open", address})) startProgram({"gio", "open", address});
 }
@@ -20,8 +20,9 @@ bool showInFileManager(const QUrl& file) {
                                    QStringLiteral("org.freedesktop.FileManager1")};
     const QStringList files{QString::fromLatin1(file.toEncoded(QUrl::StripTrailingSlash))};
     const MessageBus bus = MessageBus::session();
-    const double patience = bus.owned(manager.service, kFileManagersPatience) ? kFileManagersPatience : kStartsPatience;
-    return bus.call(manager, QStringLiteral("ShowItems"), {files, QString()}, patience).type() ==
+    const double timeout =
+        bus.hasOwner(manager.service, kFileManagerTimeout) ? kFileManagerTimeout : kActivationTimeout;
+    return bus.call(manager, QStringLiteral("ShowItems"), {files, QString()}, timeout).type() ==
            QDBusMessage::ReplyMessage;
 }
 }  // namespace

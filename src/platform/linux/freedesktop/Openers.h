@@ -4,10 +4,10 @@
 
 #include "platform/BackgroundQueue.h"
 
-/// Opens a file or a link with the user's default program for it. Nothing happens for what is not a complete URL, or
-/// where the desktop's opener is missing. Returns at once; the work is done on `queue`.
+/// Opens a file or a link with the user's default program for it. Does nothing for an incomplete URL, or if neither
+/// xdg-open nor gio is installed. Returns at once; the work is done on `queue`.
 void openUrl(BackgroundQueue& queue, const QUrl& url);
 
-/// Shows a file selected in the user's file manager; opens its folder if no manager offers that or none answers within
-/// three seconds. Returns at once; the work is done on `queue`.
+/// Shows a file selected in the user's file manager; opens its folder if none supports that or a running one does not
+/// answer within three seconds. Returns at once; the work is done on `queue`.
 void revealFile(BackgroundQueue& queue, const QUrl& file);

@@ -13,7 +13,7 @@
 
 namespace {
 
-// Both run in a copy of this process that has only one of its threads, so nothing here may allocate or lock.
+// Both run in a forked child, where locks of other threads stay locked, so nothing here may allocate or lock.
 
 [[noreturn]] void become(char* const* arguments, int failure) {
     setsid();
@@ -30,7 +30,7 @@ namespace {
     _exit(1);
 }
 
-/// The program is the child of a child that ends at once, so that nobody here has to wait for its end.
+/// Double fork: the program is the child of a process that exits at once, so we do not have to reap it.
 [[noreturn]] void becomeParentOf(char* const* arguments, int failure) {
     const pid_t child = fork();
     if (child == 0) become(arguments, failure);
@@ -48,7 +48,7 @@ bool startProgram(const QList<QByteArray>& command) {
     for (QByteArray& word : words) arguments.push_back(word.data());
     arguments.push_back(nullptr);
 
-    // Closed by a successful exec; else it tells of the failure.
+    // Closed by a successful exec, otherwise written to.
     int ends[2];
     if (pipe2(ends, O_CLOEXEC) != 0) return false;
     const Descriptor failure(ends[0]);

@@ -9,7 +9,7 @@
 namespace {
 struct Terminal {
     QStringList command;
-    /// Its entry; null where none is installed or the command only chooses a terminal.
+    /// Its entry; null if it has none or the command only selects a terminal.
     const DesktopEntry* entry = nullptr;
     QString program;
 };
@@ -33,7 +33,7 @@ bool named(const ApplicationWindow& window, const QString& displayName, const QS
 
 const DesktopEntry* entryOfProgram(const QList<DesktopEntry>& entries, const QString& program) {
     const auto found = std::find_if(entries.begin(), entries.end(), [&](const DesktopEntry& entry) {
-        return entry.terminal && entry.program() == program;
+        return entry.isTerminal && entry.program() == program;
     });
     return found == entries.end() ? nullptr : &*found;
 }
@@ -46,12 +46,12 @@ std::optional<Terminal> defaultTerminal(const QList<DesktopEntry>& entries, cons
         const QString path = command.isEmpty() ? QString() : findProgram(command.first());
         if (path.isEmpty()) continue;
         QString program = QFileInfo(path).fileName();
-        // Debian's alternative for a terminal with options of its own is a script of this name.
+        // Debian's alternatives for some terminals are wrapper scripts with this suffix.
         if (program.endsWith(QLatin1String(".wrapper"))) program.chop(8);
         return Terminal{command, entryOfProgram(entries, program), program};
     }
     const auto first = std::find_if(entries.begin(), entries.end(), [&](const DesktopEntry& entry) {
-        return entry.terminal && !findProgram(entry.command.first()).isEmpty();
+        return entry.isTerminal && !findProgram(entry.command.first()).isEmpty();
     });
     if (first == entries.end()) return {};
     return Terminal{first->command, &*first, first->program()};
@@ -72,7 +72,7 @@ ApplicationChoice chooseApplicationOrTerminal(const QString& displayName, const 
     const auto running = firstWindow(windows, [&](const ApplicationWindow& window) {
         if (anyTerminal)
             return std::any_of(entries.begin(), entries.end(), [&](const DesktopEntry& entry) {
-                return entry.terminal && entry.owns(window.instance, window.className);
+                return entry.isTerminal && entry.owns(window.instance, window.className);
             });
         const DesktopEntry bare{terminal->program, {}, {}, {}, true};
         return (terminal->entry ? *terminal->entry : bare).owns(window.instance, window.className);

@@ -3,7 +3,6 @@
 #include <QString>
 #include <QStringList>
 #include <functional>
-#include <optional>
 
 #include "platform/linux/freedesktop/DesktopEntries.h"
 
@@ -13,16 +12,16 @@ struct ApplicationWindow {
     QString instance, className;
 };
 
-/// What to do to bring an application to the front: activate `window`, or start `command` where it is 0. Both empty:
-/// nothing can be done.
+/// How to bring an application to the front: activate `window`, or if that is 0 start `command`. Both empty if neither
+/// is possible.
 struct ApplicationChoice {
     quint32 window = 0;
     QStringList command;
 };
 
-/// The first of `windows` whose application has the display name, else one of the user's default terminal, else the
-/// terminal to start. `environmentTerminal` is the user's own setting and may be empty; `findProgram` gives the path of
-/// an executable with links resolved, or an empty string.
+/// The first of `windows` whose application has the display name, or else a window of the user's default terminal, or
+/// else the command that starts it. `environmentTerminal` is the value of $TERMINAL and may be empty; `findProgram`
+/// returns the path of an executable with links resolved, or an empty string.
 ApplicationChoice chooseApplicationOrTerminal(const QString& displayName, const QList<ApplicationWindow>& windows,
                                               const QList<DesktopEntry>& entries, const QString& environmentTerminal,
                                               const std::function<QString(const QString&)>& findProgram);

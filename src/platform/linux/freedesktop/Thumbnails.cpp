@@ -20,7 +20,7 @@ struct Size {
 };
 constexpr std::array<Size, 4> kSizes{{{"normal", 128}, {"large", 256}, {"x-large", 512}, {"xx-large", 1024}}};
 
-/// From the smallest that is large enough up, and then the smaller ones.
+/// The sizes in order of preference: the smallest that is large enough, larger ones, then smaller ones.
 std::array<Size, 4> sizesFor(int pixels) {
     auto sizes = kSizes;
     const auto enough =
@@ -30,16 +30,15 @@ std::array<Size, 4> sizesFor(int pixels) {
     return sizes;
 }
 
-/// The addresses under which programs may have filed the file: toolkits differ in what they encode.
+/// The URLs by which programs may have stored the thumbnail: toolkits differ in which characters they encode.
 QByteArrayList addressesOf(const QByteArray& path) {
     QByteArrayList addresses{"file://" + path.toPercentEncoding("/!*'()&=:@+$,"), fileUrl(path).toEncoded()};
     if (addresses.first() == addresses.last()) addresses.removeLast();
     return addresses;
 }
 
-/// The PNG without all that may be far larger than it looks: other texts and profiles are compressed, and the decoder
-/// would unpack them, though nobody asks for them. The picture itself is as large as its header says. Empty if it
-/// breaks off.
+/// The PNG without compressed texts and profiles, which the decoder would expand to any size although nobody needs
+/// them. The size of the picture itself is in its header. Empty if the file is truncated.
 QByteArray pictureAndText(const QByteArray& png) {
     constexpr qsizetype kSignature = 8, kFrame = 12;  // bytes; the frame of a chunk is its length, kind and checksum
     constexpr const char* kWanted[] = {"IHDR", "PLTE", "tRNS", "tEXt", "IDAT", "IEND"};
@@ -84,7 +83,7 @@ QImage thumbnailOf(const QByteArray& path, int pixels) {
             const QByteArray name = QCryptographicHash::hash(address, QCryptographicHash::Md5).toHex();
             const QImage image =
                 readPng(cache + QLatin1String(size.folder) + u'/' + QLatin1String(name) + QLatin1String(".png"));
-            // Some programs write a fraction.
+            // Some programs write fractional seconds.
             const QString modified = image.text(QStringLiteral("Thumb::MTime")).section(u'.', 0, 0);
             if (!image.isNull() && modified == QString::number(status.st_mtim.tv_sec)) return fitted(image, pixels);
         }

@@ -29,13 +29,13 @@ void CompositorWatch::handle(const xcb_generic_event_t& event) {
     onChange_();
 }
 
-bool underXWayland(X11Connection& connection) {
+bool isXWayland(X11Connection& connection) {
     const QByteArray name = "XWAYLAND";
     const auto extension =
         connection.ask(xcb_query_extension, xcb_query_extension_reply, uint16_t(name.size()), name.constData());
     if (extension && extension->present) return true;
 
-    // Servers before the extension are known by the names of their outputs.
+    // Servers without that extension can be recognised by the names of their outputs.
     if (!connection.extension(xcb_randr_id)) return false;
     const auto resources = connection.ask(xcb_randr_get_screen_resources_current,
                                           xcb_randr_get_screen_resources_current_reply, connection.root());

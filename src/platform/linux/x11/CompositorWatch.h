@@ -5,7 +5,7 @@
 
 #include "platform/linux/x11/X11Connection.h"
 
-/// Knows whether a compositor blends the screen's windows, which is what a translucent window needs. Main thread only.
+/// Knows whether a compositor is running, without which translucent windows are not blended. Main thread only.
 class CompositorWatch {
  public:
     CompositorWatch(std::shared_ptr<X11Connection> connection, std::function<void()> onChange);
@@ -23,5 +23,5 @@ class CompositorWatch {
     Subscription events_;
 };
 
-/// Whether the X server is itself a client of a Wayland compositor. That one always blends.
-bool underXWayland(X11Connection& connection);
+/// Whether the X server is XWayland. Its compositor always blends.
+bool isXWayland(X11Connection& connection);

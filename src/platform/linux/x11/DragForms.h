@@ -4,20 +4,20 @@
 
 #include "platform/linux/x11/X11Connection.h"
 
-/// A form in which X11 programs offer what they drag, and which we can use.
+/// A form of a drag's data in X11 that we can use.
 struct DragForm {
     enum class Kind { link, promise, text, image, contents };
-    const char* target;  ///< the name that it goes by in X11
+    const char* target;  ///< its name in X11
     Kind kind;
 };
 
-/// The text in the forms that X11 programs give it, from the one whose meaning is surest to that whose is least sure.
+/// The X11 targets for text, from the best-defined encoding to the most ambiguous one.
 constexpr const char* kTextTargets[] = {"UTF8_STRING", "text/plain;charset=utf-8", "text/plain", "STRING", "TEXT"};
-/// A file that its source offers to write where we say (XDS).
+/// A file that the source offers to write where we say (XDS).
 constexpr const char* kPromiseTarget = "XdndDirectSave0";
 
-/// How many of the targets that a program offers are looked at; the longest lists of browsers have some thirty.
+/// How many of a program's targets are examined; browsers offer about thirty.
 constexpr uint32_t kMaxTargets = 256;
 
-/// Those forms among the first `kMaxTargets` of `targets` that we can use, in the order of `targets`.
+/// The usable forms among the first `kMaxTargets` of `targets`, in their order.
 std::vector<DragForm> usableForms(X11Connection& connection, const std::vector<xcb_atom_t>& targets);

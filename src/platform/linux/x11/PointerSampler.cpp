@@ -12,8 +12,7 @@ constexpr uint16_t kAnyButton =
     XCB_BUTTON_MASK_1 | XCB_BUTTON_MASK_2 | XCB_BUTTON_MASK_3 | XCB_BUTTON_MASK_4 | XCB_BUTTON_MASK_5;
 
 double refreshRateAt(QPointF pointer) {
-    const QScreen* screen = QGuiApplication::screenAt(toQt(pointer).toPoint());
-    return screen && screen->refreshRate() >= 20 ? screen->refreshRate() : 60;
+    return refreshRateOf(QGuiApplication::screenAt(toQt(pointer).toPoint()));
 }
 }  // namespace
 
@@ -77,7 +76,7 @@ void PointerSampler::tick() {
     if (++restingTicks_ < ticksToRest_) return;
     timer_.cancel();
     watchMotion();
-    // It may have moved on between the last question and the request for events.
+    // The pointer may have moved between the last sample and the request for events.
     if (reportChange()) beginSampling();
 }
 

@@ -7,8 +7,8 @@
 #include "platform/MainLoop.h"
 #include "platform/linux/x11/X11Connection.h"
 
-/// Follows the pointer at display rate while it moves. A mouse reports up to a thousand motions a second, so only the
-/// first one after a rest is listened to; then the pointer is asked for until it rests again. Main thread only.
+/// Samples the pointer at the display's refresh rate while it moves. A mouse may report a thousand motions per second,
+/// so this listens only for the first one, then polls until the pointer rests again. Main thread only.
 class PointerSampler {
  public:
     struct Sample {
@@ -19,11 +19,11 @@ class PointerSampler {
 
     PointerSampler(std::shared_ptr<X11Connection> connection, MainLoop& loop);
 
-    /// Calls `observer` for every change of place or buttons while the result lives. What rests costs nothing.
+    /// Calls `observer` for every change of position or buttons while the result lives. Costs nothing at rest.
     [[nodiscard]] Subscription observe(std::function<void(const Sample&)> observer);
-    /// Asks for the present state.
+    /// Queries the current state.
     Sample sample() const;
-    /// Notices a pointer that another program has put elsewhere, of which no event tells. Waits for nothing.
+    /// Detects a pointer that another program has warped, which no event reports. Does not block.
     void look();
 
  private:

@@ -3,8 +3,8 @@
 #include <algorithm>
 
 namespace {
-constexpr uint32_t kUnit = 4;  // bytes, in which the server counts
-// What is fetched at once keeps the loop for less than a millisecond.
+constexpr uint32_t kUnit = 4;  // bytes; the server's unit for lengths of properties
+// Fetching this much takes less than a millisecond.
 constexpr uint32_t kSliceBytes = 256 << 10;
 }  // namespace
 
@@ -30,7 +30,7 @@ void SelectionReader::read(xcb_atom_t target, const Limits& limits, Done done) {
     const xcb_atom_t property = connection_->atom("GLIMMET_SELECTION_" + QByteArray::number(++count_));
     const auto read =
         reads_.insert_or_assign(property, Read{target, limits, std::move(done), false, 0, {}, {}, {}, {}}).first;
-    read->second.end = loop_.after(limits.maxSeconds, [this, property] { finish(property, {}); });
+    read->second.end = loop_.after(limits.totalTimeout, [this, property] { finish(property, {}); });
     awaitMore(read);
     xcb_convert_selection(connection_->xcb(), window_, selection_, target, property, time_);
     connection_->flush();
@@ -38,7 +38,7 @@ void SelectionReader::read(xcb_atom_t target, const Limits& limits, Done done) {
 
 void SelectionReader::awaitMore(Reads::iterator read) {
     read->second.stall =
-        loop_.after(read->second.limits.patience, [this, property = read->first] { finish(property, {}); });
+        loop_.after(read->second.limits.stallTimeout, [this, property = read->first] { finish(property, {}); });
 }
 
 void SelectionReader::handle(const xcb_generic_event_t& event) {
@@ -54,7 +54,7 @@ void SelectionReader::handle(const xcb_generic_event_t& event) {
 }
 
 void SelectionReader::answered(const xcb_selection_notify_event_t& notify) {
-    // A refusal does not name the property.
+    // A refusal has no property.
     const auto read = std::find_if(reads_.begin(), reads_.end(), [&](const auto& one) {
         return one.second.target == notify.target && !one.second.inPieces && !one.second.next &&
                (notify.property == XCB_NONE || notify.property == one.first);
@@ -72,11 +72,11 @@ void SelectionReader::take(xcb_atom_t property) {
         connection_->ask(xcb_get_property, xcb_get_property_reply, false, window_, property,
                          xcb_atom_t(XCB_GET_PROPERTY_TYPE_ANY), read->second.offset, kSliceBytes / kUnit);
     const bool missing = !slice || slice->type == XCB_ATOM_NONE;
-    if (missing && read->second.inPieces && read->second.offset == 0) return;  // a piece that was taken already
+    if (missing && read->second.inPieces && read->second.offset == 0) return;  // this piece was taken already
     if (missing) return finish(property, {});
     if (!read->second.inPieces && slice->type == connection_->atom("INCR")) {
         read->second.inPieces = true;
-        remove(property);  // which asks for the first piece
+        remove(property);  // requests the first piece
         return awaitMore(read);
     }
     sliceTaken(read, *slice);
@@ -108,7 +108,7 @@ void SelectionReader::sliceTaken(Reads::iterator read, const xcb_get_property_re
     awaitMore(read);
 }
 
-// The owner of an answer in pieces takes this for the wish for the next.
+// In an incremental transfer this requests the next piece.
 void SelectionReader::remove(xcb_atom_t property) {
     xcb_delete_property(connection_->xcb(), window_, property);
     connection_->flush();

@@ -6,8 +6,8 @@
 #include "platform/MainLoop.h"
 #include "platform/linux/x11/X11Connection.h"
 
-/// Asks another program for what it offers as a selection, and never waits for it. The other program is not trusted:
-/// it may answer with anything, never, or without end. Main thread only.
+/// Reads a selection that another program offers, without blocking. That program is untrusted: it may answer with
+/// anything, never, or endlessly. Main thread only.
 class SelectionReader {
  public:
     struct Data {
@@ -17,22 +17,22 @@ class SelectionReader {
     };
     using Done = std::function<void(std::optional<Data>)>;
     struct Limits {
-        double patience;         ///< seconds in which the owner sends nothing
-        double maxSeconds = 60;  ///< in all
+        double stallTimeout;       ///< seconds in which the owner sends nothing
+        double totalTimeout = 60;  ///< in all
         qsizetype maxBytes = 64 << 20;
-        bool cut = false;  ///< whether the first `maxBytes` of a longer answer are wanted
+        bool cut = false;  ///< truncate a longer answer to `maxBytes` instead of failing
     };
 
-    /// `time` is when `selection` came to its owner or was dropped. `loop` must live longer than this.
+    /// `time` is when `selection` was acquired by its owner or dropped. `loop` must outlive this.
     SelectionReader(std::shared_ptr<X11Connection> connection, MainLoop& loop, const QByteArray& selection,
                     xcb_timestamp_t time);
-    /// Answers that are still out do not come.
+    /// Cancels pending reads without calling `done`.
     ~SelectionReader();
     SelectionReader(const SelectionReader&) = delete;
     SelectionReader& operator=(const SelectionReader&) = delete;
 
-    /// Asks for the form `target` and calls `done` later, once: with nothing when the owner refuses or goes beyond the
-    /// limits. A large answer is fetched in many small steps of the loop. `done` may delete this.
+    /// Requests the form `target` and calls `done` later, once; absent if the owner refuses or exceeds the limits.
+    /// Large answers are fetched in small steps, from the loop. `done` may delete this.
     void read(xcb_atom_t target, const Limits& limits, Done done);
 
  private:
@@ -41,7 +41,7 @@ class SelectionReader {
         Limits limits;
         Done done;
         bool inPieces = false;
-        uint32_t offset = 0;  // of what is still to be taken of the property, in units of four bytes
+        uint32_t offset = 0;  // of the next slice in the property, in units of four bytes
         Data data;
         TimerHandle stall, end, next;
     };
@@ -62,8 +62,8 @@ class SelectionReader {
     xcb_timestamp_t time_;
     xcb_window_t window_;
     Subscription events_;
-    /// By the property of `window_` that the answer goes to. Each read has its own, so that an answer that comes too
-    /// late is not taken for another.
+    /// Keyed by the property of `window_` that receives the answer. Each read uses a new one, so that a late answer is
+    /// not mistaken for another.
     Reads reads_;
     int count_ = 0;
 };

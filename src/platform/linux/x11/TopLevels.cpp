@@ -4,10 +4,10 @@
 #include <algorithm>
 
 namespace {
-// So many windows are asked about at once, and no more than so many in all.
+// Number of windows that are queried at once, and in all.
 constexpr std::size_t kMaxAtOnce = 16, kMaxWindows = 256;
 constexpr int kMaxFrameDepth = 8;
-// Some lockers leave the outermost pixels out.
+// Some lockers do not cover the outermost pixels.
 constexpr int kMargin = 2;
 }  // namespace
 
@@ -36,7 +36,7 @@ std::vector<TopLevels::Kind> TopLevels::kinds(const std::vector<xcb_window_t>& w
     return kinds;
 }
 
-// A manager puts windows into frames, and these are usually none that another manager would manage.
+// Window managers reparent windows into frames, which are usually override-redirect themselves.
 std::vector<xcb_window_t> TopLevels::framesOf(std::vector<xcb_window_t> clients) const {
     std::vector<xcb_window_t> frames;
     for (int depth = 0; depth < kMaxFrameDepth && !clients.empty(); ++depth) {
@@ -94,7 +94,7 @@ bool TopLevels::isDesktop(xcb_window_t window) const {
     return std::find(types.begin(), types.end(), connection_.atom("_NET_WM_WINDOW_TYPE_DESKTOP")) != types.end();
 }
 
-bool TopLevels::cover(const QRect& area, int above, const std::function<bool(xcb_window_t)>& counts) const {
+bool TopLevels::isCovered(const QRect& area, int above, const std::function<bool(xcb_window_t)>& counts) const {
     const QRect inner = area.adjusted(kMargin, kMargin, -kMargin, -kMargin);
     std::vector<xcb_window_t> higher;
     for (const auto window : candidates(inner)) {
@@ -107,8 +107,8 @@ bool TopLevels::cover(const QRect& area, int above, const std::function<bool(xcb
     return false;
 }
 
-// What hides all of an area is among the highest, or is seen at one of a few places: between it and these there may be
-// invisible windows without number, or small ones.
+// A window that covers an area is among the highest, or visible at one of a few sample points. There may be any number
+// of invisible or small windows above it.
 std::vector<xcb_window_t> TopLevels::candidates(const QRect& area) const {
     std::vector<xcb_translate_coordinates_cookie_t> cookies;
     for (const int x : {area.left(), area.center().x(), area.right()}) {
@@ -131,10 +131,10 @@ bool TopLevels::hides(xcb_window_t window, const QRect& area) const {
     if (!geometry) return false;
     const int border = 2 * geometry->border_width;
     const QRect frame(geometry->x, geometry->y, geometry->width + border, geometry->height + border);
-    // What lets clicks through lies over a desktop in use: drawings on it, or a picture of the keys pressed.
+    // A window that lets clicks through is not a locker: it may be an on-screen drawing or a display of pressed keys.
     const QRect inside = area.translated(-geometry->x - geometry->border_width, -geometry->y - geometry->border_width);
     if (!frame.contains(area)) return false;
-    // Many programs shape a window only when it is there already.
+    // Many programs shape a window only after mapping it.
     xcb_shape_select_input(connection_.xcb(), window, true);
     return fills(window, XCB_SHAPE_SK_BOUNDING, inside) && fills(window, XCB_SHAPE_SK_INPUT, inside);
 }

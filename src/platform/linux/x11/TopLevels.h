@@ -8,22 +8,22 @@
 
 #include "platform/linux/x11/X11Connection.h"
 
-/// The root window's children, from the bottom to the top, as they were when asked for; most of them may be invisible.
-/// Every question here waits for the server, but their number does not grow with the number of windows.
+/// A snapshot of the root window's children, from bottom to top; most of them may be invisible. Every call makes round
+/// trips to the server, whose number is bounded however many windows there are.
 class TopLevels {
  public:
     explicit TopLevels(X11Connection& connection);
 
-    /// How far up a window is; negative for what is not a child of the root.
+    /// A window's position in the stack, from 0 at the bottom; negative if it is not a child of the root.
     int place(xcb_window_t window) const;
-    /// The highest visible one that belongs to a window which the window manager manages; without a manager that tells,
-    /// the highest that would have been managed. 0 for none.
+    /// The highest visible window that the window manager manages; if it publishes no list, the highest without
+    /// override-redirect. 0 if there is none.
     xcb_window_t highestManaged() const;
-    /// The lowest visible one that nobody manages and that `counts`, pictures of a desktop apart. 0 for none.
+    /// The lowest visible unmanaged window that `counts`, except desktop windows. 0 if there is none.
     xcb_window_t lowestUnmanaged(const std::function<bool(xcb_window_t)>& counts) const;
-    /// Whether one that nobody manages, that `counts` and lies higher than `above` hides `area` and takes its clicks.
-    /// The connection hears of it when the shape of a window of that size changes.
-    bool cover(const QRect& area, int above, const std::function<bool(xcb_window_t)>& counts) const;
+    /// Whether an unmanaged window that `counts` and is higher than `above` covers `area` and takes its clicks. Also
+    /// subscribes to shape changes of windows of that size.
+    bool isCovered(const QRect& area, int above, const std::function<bool(xcb_window_t)>& counts) const;
 
  private:
     enum class Kind { invisible, managed, unmanaged };

@@ -21,7 +21,7 @@ std::shared_ptr<X11Connection> X11Connection::open() {
     return std::shared_ptr<X11Connection>(new X11Connection(connection, screenNumber));
 }
 
-bool X11Connection::reachable() {
+bool X11Connection::isReachable() {
     xcb_connection_t* connection = xcb_connect(nullptr, nullptr);
     const bool reached = !xcb_connection_has_error(connection);
     xcb_disconnect(connection);
@@ -32,7 +32,7 @@ X11Connection::X11Connection(xcb_connection_t* connection, int screenNumber)
     : connection_(connection), screenNumber_(screenNumber), screen_(screenAt(connection, screenNumber)) {
     notifier_ = std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(connection), QSocketNotifier::Read);
     QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [this] { pump(); });
-    // A timer, because posted calls that post again would keep the loop from its timers.
+    // A timer, because posting from posted calls would starve the loop's timers.
     more_.setSingleShot(true);
     QObject::connect(&more_, &QTimer::timeout, &more_, [this] { pump(); });
     if (extension(xcb_input_id)) {
@@ -104,7 +104,7 @@ void X11Connection::selectInputOnRoot(uint32_t events, bool on) {
     flush();
 }
 
-// Other programs can cause events faster than they are dealt with, so the rest of the program gets its turn in between.
+// Other programs can cause events faster than we handle them, so let the rest of the program run in between.
 void X11Connection::pump() {
     constexpr int kMaxAtOnce = 256;
     for (int handled = 0; handled < kMaxAtOnce; ++handled) {
@@ -140,12 +140,12 @@ void X11Connection::deliverAnswers() {
 
 void X11Connection::flush() {
     xcb_flush(connection_);
-    // While it waits to write, the library reads what has come in.
+    // While waiting to write, xcb may have read events.
     collectQueued();
 }
 
 void X11Connection::collectQueued() {
     while (auto* event = xcb_poll_for_queued_event(connection_)) queued_.emplace_back(event);
-    // The socket is empty now, so nothing else would wake the loop for these.
+    // They have been read from the socket, so nothing else would wake the loop for them.
     if (!queued_.empty() || !awaited_.empty()) more_.start();
 }

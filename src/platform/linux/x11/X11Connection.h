@@ -15,14 +15,14 @@
 #include "platform/Signal.h"
 #include "platform/linux/x11/XcbReply.h"
 
-/// A connection to the X server beside Qt's: what the whole desktop does arrives here and so costs Qt nothing. Main
-/// thread only. A connection that breaks goes silent; Qt ends the program in that case.
+/// A connection to the X server besides Qt's, so that Qt does not have to process events of the whole desktop. Main
+/// thread only. A broken connection goes silent; Qt then ends the program.
 class X11Connection {
  public:
     /// Null when the server cannot be reached.
     static std::shared_ptr<X11Connection> open();
     /// Whether the server can be reached; needs no Qt application.
-    static bool reachable();
+    static bool isReachable();
     ~X11Connection();
     X11Connection(const X11Connection&) = delete;
     X11Connection& operator=(const X11Connection&) = delete;
@@ -30,7 +30,7 @@ class X11Connection {
     xcb_connection_t* xcb() const { return connection_; }
     xcb_window_t root() const { return screen_->root; }
     int screenNumber() const { return screenNumber_; }
-    /// The atom's number; asked for once.
+    /// The atom with this name; cached.
     xcb_atom_t atom(const QByteArray& name);
     /// The first event code and major opcode of an extension; null where the server lacks it.
     const xcb_query_extension_reply_t* extension(xcb_extension_t& extension) const;
@@ -50,10 +50,10 @@ class X11Connection {
         collectQueued();
         return result;
     }
-    /// Sends what has been asked for.
+    /// Sends all buffered requests.
     void flush();
-    /// Calls `done` from the loop with the answer to a request that was sent before, null when that is an error. Waits
-    /// for nothing.
+    /// Calls `done` from the loop with the answer to a request that was sent before; null if that is an error. Does not
+    /// block.
     template <class Answer, class Cookie>
     void answerLater(Cookie cookie, std::function<void(XcbPtr<Answer>)> done) {
         awaited_.push_back({cookie.sequence, [done = std::move(done)](void* answer) {
@@ -65,14 +65,14 @@ class X11Connection {
     /// The 32-bit values of a window's property, the first `max` of them; empty where it has none.
     std::vector<uint32_t> values(xcb_window_t window, const QByteArray& name, xcb_atom_t type,
                                  uint32_t max = kMaxUnits);
-    /// A property as bytes, the first four times `max`; empty where the window has none.
+    /// A window's property as bytes, up to 4 * `max` of them; empty if the window has none.
     QByteArray bytes(xcb_window_t window, const QByteArray& name, xcb_atom_t type, uint32_t max = kMaxUnits);
 
     /// Calls `handler` for every event while the result lives.
     [[nodiscard]] Subscription handle(std::function<void(const xcb_generic_event_t&)> handler) {
         return handlers_.subscribe(std::move(handler));
     }
-    /// Adds to or takes from the core events that we get for the root window. An event comes while it has a user.
+    /// Subscribes to core events on the root window, or unsubscribes; subscriptions to each event are counted.
     void selectOnRoot(uint32_t events, bool on);
     /// The same for XInput 2 events of all master devices.
     void selectInputOnRoot(uint32_t events, bool on);
@@ -99,11 +99,11 @@ class X11Connection {
     std::deque<XcbPtr<xcb_generic_event_t>> queued_;
     struct Awaited {
         unsigned int sequence;
-        std::function<void(void*)> done;  ///< takes the answer over
+        std::function<void(void*)> done;  ///< takes ownership of the answer
     };
     std::deque<Awaited> awaited_;
     std::unique_ptr<QSocketNotifier> notifier_;
-    QTimer more_;  // events have been read, so that nothing else would wake the loop for them
+    QTimer more_;  // wakes the loop for events that have already been read from the socket
 };
 
 /// The event of type `T` that `event` is known to be.
@@ -112,7 +112,7 @@ const T& as(const xcb_generic_event_t& event) {
     return reinterpret_cast<const T&>(event);
 }
 
-/// The event's code without the mark of an event that another client sent.
+/// The event's code, without the flag for events that another client sent.
 inline int code(const xcb_generic_event_t& event) {
     return event.response_type & 0x7f;
 }

@@ -8,11 +8,11 @@
 
 namespace {
 using Limits = SelectionReader::Limits;
-constexpr Limits kWholeForm{.patience = 5};
-// Far more than a note can hold.
-constexpr Limits kBeginningOfText{.patience = 5, .maxBytes = 1 << 20, .cut = true};
-// Who awaits the file sees whether it grows, and knows better when to give up.
-constexpr Limits kOneWord{.patience = 3600, .maxSeconds = 3600, .maxBytes = 16};
+constexpr Limits kWholeForm{.stallTimeout = 5};
+// Far more text than a note can hold.
+constexpr Limits kBeginningOfText{.stallTimeout = 5, .maxBytes = 1 << 20, .cut = true};
+// Inbox::await() watches whether the file grows, and decides when to give up.
+constexpr Limits kPromiseReply{.stallTimeout = 3600, .totalTimeout = 3600, .maxBytes = 16};
 constexpr uint32_t kNameUnits = 1024;  // of four bytes
 }  // namespace
 
@@ -92,22 +92,22 @@ std::optional<QByteArray> X11Drop::utf8(const QByteArray& target, const Selectio
     while (bytes.endsWith('\0')) bytes.chop(1);
     if (data.format != 8 || bytes.isEmpty()) return {};
     if (data.type == connection_->atom("COMPOUND_TEXT")) return {};
-    const bool unnamed = target == "text/plain" || target == "TEXT";  // an encoding of the source's choice
+    const bool unnamed = target == "text/plain" || target == "TEXT";  // the source chooses the encoding
     if (data.type == XCB_ATOM_STRING || (unnamed && !bytes.isValidUtf8())) return QString::fromLatin1(bytes).toUtf8();
-    // Bytes that are no UTF-8 become replacement characters.
+    // Invalid UTF-8 becomes replacement characters.
     return QString::fromUtf8(bytes).toUtf8();
 }
 
 void X11Drop::savePromise(const QUrl& target, std::function<void(bool saved)> done) {
     setPromisedFile("file://" + QSysInfo::machineHostName().toUtf8() + pathOf(target).toPercentEncoding("/"));
-    reader_.read(connection_->atom(kPromiseTarget), kOneWord, [this, done = std::move(done)](const auto& data) {
+    reader_.read(connection_->atom(kPromiseTarget), kPromiseReply, [this, done = std::move(done)](const auto& data) {
         const bool saved = data && data->format == 8 && data->bytes == "S";
         taken_ |= saved;
         done(saved);
     });
 }
 
-// An empty one tells the source that its file is nowhere.
+// An empty URI tells the source that its file was not taken.
 void X11Drop::setPromisedFile(const QByteArray& uri) {
     xcb_change_property(connection_->xcb(), XCB_PROP_MODE_REPLACE, peers_.source, connection_->atom(kPromiseTarget),
                         connection_->atom("text/plain"), 8, uint32_t(uri.size()), uri.constData());

@@ -7,8 +7,8 @@
 #include <utility>
 
 namespace {
-// A source has this long to tell whether letting go of the button was a drop; afterwards the panel no longer expects
-// one, though it would still take it.
+// How long after the button's release a source may take to report a drop. After that the panel stops looking targeted,
+// though it would still accept the drop.
 constexpr double kSecondsToEnd = 3;
 }  // namespace
 
@@ -47,12 +47,12 @@ bool X11DropTarget::nativeEventFilter(const QByteArray& type, void* message, qin
 void X11DropTarget::entered(const xcb_client_message_data_t& message) {
     forgetSource();
     source_ = message.data32[0];
-    // What is watched on the root window is not to be replaced.
+    // Watching the root window would replace our event mask there.
     if (source_ == connection_->root() || !watchSource(true)) {
         source_ = XCB_NONE;
         return;
     }
-    // Three types fit into the message; where there are more, all are in the property.
+    // The message holds up to three types; if there are more, all are in the property.
     const bool more = message.data32[1] & 1;
     std::vector<xcb_atom_t> types;
     if (more) types = connection_->values(source_, "XdndTypeList", XCB_ATOM_ATOM, kMaxTargets);
@@ -97,7 +97,7 @@ bool X11DropTarget::watchSource(bool on) {
     xcb_change_window_attributes(connection_->xcb(), source_, XCB_CW_EVENT_MASK, &events);
     connection_->flush();
     if (!on) return true;
-    // A window that is gone already sends no notice.
+    // A window that is already gone sends no DestroyNotify.
     return connection_->ask(xcb_get_window_attributes, xcb_get_window_attributes_reply, source_) != nullptr;
 }
 
@@ -128,7 +128,7 @@ void X11DropTarget::sendStatus(xcb_window_t source, bool accepted) {
     message.window = source;
     message.type = connection_->atom("XdndStatus");
     message.data.data32[0] = window_;
-    // No rectangle in which the answer stays the same: it may change with what the panel shows.
+    // No rectangle within which the answer stays the same, since it depends on what the panel shows.
     message.data.data32[1] = accepted;
     message.data.data32[4] = accepted ? connection_->atom("XdndActionCopy") : xcb_atom_t(XCB_ATOM_NONE);
     xcb_send_event(connection_->xcb(), false, source, XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char*>(&message));

@@ -5,14 +5,14 @@
 #include "platform/PanelWindow.h"
 #include "platform/linux/x11/X11Drop.h"
 
-/// The panel's end of drags from other programs, by the XDND protocol, version 5. Qt's own end would wait for the other
-/// program whenever something is read, so this takes the messages before Qt sees them. Main thread only.
+/// The panel as a target of the XDND protocol, version 5. Handles the messages before Qt, which would block on the
+/// other program whenever it reads data. Main thread only.
 ///
-/// Drops are taken as copies only, so that no source deletes what it dragged.
+/// Accepts drops as copies only, so that no source deletes what it dragged.
 class X11DropTarget : private QAbstractNativeEventFilter {
  public:
-    /// `window` is the window of `panel`, whose listener is told. Both and `loop` must live longer than this, and
-    /// `loop` longer than the drops.
+    /// `window` is the window of `panel`, whose listener is called. Both, and `loop`, must outlive this; `loop` must
+    /// also outlive the drops.
     X11DropTarget(std::shared_ptr<X11Connection> connection, MainLoop& loop, xcb_window_t window, PanelWindow& panel);
     ~X11DropTarget() override;
 
@@ -22,7 +22,7 @@ class X11DropTarget : private QAbstractNativeEventFilter {
     void moved(const xcb_client_message_data_t& message);
     void dropped(const xcb_client_message_data_t& message);
 
-    /// What other clients and the hardware do while a drag is over the panel.
+    /// Watches the source's window and button releases while a drag is over the panel.
     void watch(const xcb_generic_event_t& event);
     bool watchSource(bool on);
     void forgetSource();
@@ -39,6 +39,6 @@ class X11DropTarget : private QAbstractNativeEventFilter {
     xcb_window_t source_ = XCB_NONE;
     std::vector<DragForm> forms_;
     bool targeted_ = false;
-    /// Runs from a button's release to the message about how the drag ended.
+    /// Runs from the button's release until the source reports how the drag ended.
     TimerHandle end_;
 };

@@ -29,8 +29,8 @@ QPointF wheelStep(int button) {
 }  // namespace
 
 X11EventMonitors::X11EventMonitors(std::shared_ptr<X11Connection> connection, std::shared_ptr<PointerSampler> sampler,
-                                   std::function<bool(xcb_window_t)> ownWindow)
-    : connection_(std::move(connection)), sampler_(std::move(sampler)), ownWindow_(std::move(ownWindow)) {
+                                   std::function<bool(xcb_window_t)> isOwnWindow)
+    : connection_(std::move(connection)), sampler_(std::move(sampler)), isOwnWindow_(std::move(isOwnWindow)) {
     if (const auto* input = connection_->extension(xcb_input_id)) inputOpcode_ = input->major_opcode;
     if (const auto* keyboard = connection_->extension(xcb_xkb_id)) {
         const auto use = connection_->ask(xcb_xkb_use_extension, xcb_xkb_use_extension_reply, 1, 0);
@@ -41,7 +41,7 @@ X11EventMonitors::X11EventMonitors(std::shared_ptr<X11Connection> connection, st
 void X11EventMonitors::start() {
     readButtonMap();
     events_ = connection_->handle([this](const xcb_generic_event_t& event) { handle(event); });
-    // Motion that a wheel with fine steps reports comes with button events for whole steps, so buttons tell all.
+    // High-resolution wheels also send button events for whole steps, so buttons are enough.
     connection_->selectInputOnRoot(
         XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_RELEASE, true);
     lastMoved_ = lastTold_ = pointerLocation();
@@ -95,7 +95,7 @@ void X11EventMonitors::pressed(int button) {
         return;
     }
     const auto sample = sampler_->sample();
-    const bool elsewhere = !ownWindow_(sample.window);
+    const bool elsewhere = !isOwnWindow_(sample.window);
     if (elsewhere && onPressElsewhere) onPressElsewhere();
     if (button != kRightButton) return;
     rightPressElsewhere_ = elsewhere ? std::optional(sample.pointer) : std::nullopt;
@@ -103,8 +103,8 @@ void X11EventMonitors::pressed(int button) {
 
 void X11EventMonitors::released(int button) {
     if (button == kLeftButton && onLeftMouseUp) onLeftMouseUp(pointerLocation());
-    // What moved with a button held was no move of the mouse alone; where that has led is told now, since a pointer
-    // that rests from here on is not heard of again.
+    // Motion with a button held is not reported as onMouseMoved, so report the final position now: if the pointer rests
+    // from here on, there will be no other event.
     if (const auto sample = sampler_->sample(); !sample.buttons) pointerAt(sample.pointer);
     if (button != kRightButton) return;
     const auto press = std::exchange(rightPressElsewhere_, std::nullopt);

@@ -7,12 +7,12 @@
 #include "platform/EventMonitors.h"
 #include "platform/linux/x11/PointerSampler.h"
 
-/// Watches raw input events on the root window, which tell of all input without holding any of it back.
+/// Listens to raw input events on the root window, which report all input without intercepting it.
 class X11EventMonitors : public EventMonitors {
  public:
-    /// `ownWindow` tells whether a top-level window is one of this program's.
+    /// `isOwnWindow` returns whether a top-level window belongs to this program.
     X11EventMonitors(std::shared_ptr<X11Connection> connection, std::shared_ptr<PointerSampler> sampler,
-                     std::function<bool(xcb_window_t)> ownWindow);
+                     std::function<bool(xcb_window_t)> isOwnWindow);
 
     void start() override;
     QPointF pointerLocation() const override { return sampler_->sample().pointer; }
@@ -30,7 +30,7 @@ class X11EventMonitors : public EventMonitors {
 
     std::shared_ptr<X11Connection> connection_;
     std::shared_ptr<PointerSampler> sampler_;
-    std::function<bool(xcb_window_t)> ownWindow_;
+    std::function<bool(xcb_window_t)> isOwnWindow_;
     Subscription events_;
     Subscription samples_;
     int inputOpcode_ = -1;
@@ -40,6 +40,6 @@ class X11EventMonitors : public EventMonitors {
     bool capsLock_ = false;
     /// Where the right button went down in another program's window, while it is held.
     std::optional<QPointF> rightPressElsewhere_;
-    /// The logical button of each physical one, which is what raw events name; both count from 1.
+    /// The logical button of each physical one, which raw events report; both count from 1.
     std::array<uint8_t, 256> buttonMap_{};
 };

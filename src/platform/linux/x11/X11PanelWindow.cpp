@@ -10,7 +10,7 @@
 #include "platform/linux/ScreenCoordinates.h"
 
 namespace {
-/// Requests about the panel go through Qt's connection, in one order with Qt's own.
+/// Requests about the panel go through Qt's connection, to keep them in order with Qt's own.
 xcb_connection_t* qtConnection() {
     return qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
 }
@@ -39,14 +39,14 @@ X11PanelWindow::X11PanelWindow(const std::shared_ptr<X11Connection>& connection,
     : connection_(connection),
       sampler_(std::move(sampler)),
       id_(xcb_window_t(window().winId())),
-      neverShaped_(underXWayland(*connection)),
+      neverShaped_(isXWayland(*connection)),
       compositor_(connection, [this] { applyOutline(); }) {
     ignoreMotion();
     prepareDrawing();
     applyInputRegion();
     applyOutline();
     xcb_flush(qtConnection());
-    stacking_ = std::make_unique<StackingGuard>(connection, loop, id(), &X11PanelWindow::ownWindow,
+    stacking_ = std::make_unique<StackingGuard>(connection, loop, id(), &X11PanelWindow::isOwnWindow,
                                                 [this] { return nativeGeometry(*window().screen()).toRect(); });
     drops_ = std::make_unique<X11DropTarget>(connection, loop, id(), *this);
     qGuiApp->installNativeEventFilter(this);
@@ -57,8 +57,8 @@ X11PanelWindow::~X11PanelWindow() {
     xcb_free_gc(qtConnection(), context_);
 }
 
-// A window manager's wish that a window be closed: the toolkit would, and the creature would be gone but not the
-// program.
+// Ignores requests by the window manager to close the window: Qt would close it, and the program would run on without
+// its creature.
 bool X11PanelWindow::nativeEventFilter(const QByteArray& type, void* message, qintptr*) {
     if (type != "xcb_generic_event_t") return false;
     const auto& event = *static_cast<const xcb_generic_event_t*>(message);
@@ -84,10 +84,10 @@ void X11PanelWindow::prepareDrawing() {
     xcb_create_gc(qtConnection(), context_, id(), 0, nullptr);
 }
 
-// Not through Qt's backing store: that shares memory with the server and asks it, before each frame, whether it has
-// done with the last one, which costs two wake-ups. The few pixels that change are sent instead.
+// Bypasses Qt's backing store, which shares memory with the server and waits before each frame until the server is done
+// with the last one; that costs two wake-ups. Sending the few changed pixels is cheaper.
 void X11PanelWindow::paint(const QRegion& damage, const std::function<void(QPainter&)>& draw) {
-    // Pixels of other sizes are the toolkit's business.
+    // Leave other pixel formats to Qt.
     if (depth_ != 32 && depth_ != 24) {
         reshape();
         return QtPanelWindow::paint(damage, draw);
@@ -102,7 +102,7 @@ void X11PanelWindow::paint(const QRegion& damage, const std::function<void(QPain
     }
     picture_.setDevicePixelRatio(ratio);
     drawInto(picture_, area, draw);
-    // What the window grows by takes no pixels before, and should not stay without them.
+    // Before sending pixels, since the window does not show any outside its shape.
     reshape();
     for (const QRect& points : area)
         put(QRectF(QPointF(points.topLeft()) * ratio, QSizeF(points.size()) * ratio).toAlignedRect() & picture_.rect());
@@ -117,18 +117,18 @@ void X11PanelWindow::put(const QRect& pixels) {
                   uint32_t(part.sizeInBytes()), part.constBits());
 }
 
-bool X11PanelWindow::ownWindow(xcb_window_t window) {
+bool X11PanelWindow::isOwnWindow(xcb_window_t window) {
     const xcb_setup_t* setup = xcb_get_setup(qtConnection());
     return (window & ~setup->resource_id_mask) == setup->resource_id_base;
 }
 
 void X11PanelWindow::ignoreMotion() {
-    // Qt asks for motions in both ways, and the core ones come back when the others are off. Without touch events the
-    // server turns touches into presses and releases.
+    // Qt selects both XInput and core motion events, and the core ones arrive when the others are off. Without touch
+    // events the server converts touches to presses and releases.
     const struct {
         xcb_input_event_mask_t header;
         uint32_t events;
-    } mask{{XCB_INPUT_DEVICE_ALL, 1},  // the choice of devices that Qt makes, so that this replaces Qt's
+    } mask{{XCB_INPUT_DEVICE_ALL, 1},  // the same devices as Qt, so that this replaces Qt's mask
 
            XCB_INPUT_XI_EVENT_MASK_BUTTON_PRESS | XCB_INPUT_XI_EVENT_MASK_BUTTON_RELEASE |
                XCB_INPUT_XI_EVENT_MASK_ENTER | XCB_INPUT_XI_EVENT_MASK_LEAVE};
@@ -150,7 +150,7 @@ void X11PanelWindow::setOverdraw(const QMargins& points) {
 void X11PanelWindow::orderFrontRegardless() {
     reshape();  // a window without any shape would never be told to paint
     QtPanelWindow::orderFrontRegardless();
-    // Our connection's requests are to come after Qt's.
+    // A round trip on Qt's connection, so that our connection's requests come after Qt's.
     awaitReply(qtConnection(), xcb_get_input_focus, xcb_get_input_focus_reply);
     stacking_->settle();
 }

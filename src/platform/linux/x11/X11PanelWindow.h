@@ -12,11 +12,11 @@
 #include "platform/linux/x11/StackingGuard.h"
 #include "platform/linux/x11/X11DropTarget.h"
 
-/// The panel on X11: a window that no window manager touches, on every desktop and over full-screen windows, but below
-/// what other programs show in the same way. Clicks
-/// outside its input region go to what lies below. Without a compositor it has the shape of its outline.
+/// The panel on X11: an unmanaged (override-redirect) window, on every desktop and above full-screen windows, but below
+/// other unmanaged windows. Clicks outside its input region pass through. Without a compositor it is shaped to its
+/// outline.
 ///
-/// Hardware motion does not wake the program: drags are sampled.
+/// It does not receive motion events; drags are sampled.
 class X11PanelWindow : public QtPanelWindow, private QAbstractNativeEventFilter {
  public:
     X11PanelWindow(const std::shared_ptr<X11Connection>& connection, std::shared_ptr<PointerSampler> sampler,
@@ -29,13 +29,13 @@ class X11PanelWindow : public QtPanelWindow, private QAbstractNativeEventFilter 
     void setOutline(const QPainterPath& outline) override;
     void paint(const QRegion& damage, const std::function<void(QPainter&)>& draw) override;
 
-    /// Whether the desktop blends translucent windows now.
-    bool blended() const { return neverShaped_ || compositor_.running(); }
+    /// Whether the desktop currently blends translucent windows.
+    bool isBlended() const { return neverShaped_ || compositor_.running(); }
     /// Knows what lies over the panel.
     StackingGuard& stacking() { return *stacking_; }
 
-    /// Whether an X window belongs to this program, told by the range that its number is from.
-    static bool ownWindow(xcb_window_t window);
+    /// Whether an X window belongs to this program, by the id range of Qt's connection.
+    static bool isOwnWindow(xcb_window_t window);
 
  protected:
     QRectF shownGeometry() const override;
@@ -49,7 +49,7 @@ class X11PanelWindow : public QtPanelWindow, private QAbstractNativeEventFilter 
     void put(const QRect& pixels);
     void applyInputRegion();
     void applyOutline();
-    /// The same, where the window has a shape at all.
+    /// Calls applyOutline() if the window is shaped.
     void reshape();
     void dragSampled(const PointerSampler::Sample& sample);
     xcb_window_t id() const { return id_; }
@@ -61,7 +61,7 @@ class X11PanelWindow : public QtPanelWindow, private QAbstractNativeEventFilter 
     CompositorWatch compositor_;
     QRegion inputRegion_;
     QPainterPath outline_;
-    std::optional<QRegion> shape_;  // the window's own, in pixels; none while it has none
+    std::optional<QRegion> shape_;  // the window's current shape in pixels, if it is shaped
     QImage picture_;                // what the window shows
     uint8_t depth_ = 0;
     xcb_gcontext_t context_ = XCB_NONE;

@@ -5,8 +5,8 @@
 #include "platform/ScreenLock.h"
 #include "platform/linux/x11/StackingGuard.h"
 
-/// The screen counts as locked while the session says so and while a window that nobody manages hides the panel's whole
-/// screen: most lockers are nothing else.
+/// The screen counts as locked while the session says so, or while an unmanaged window covers the panel's whole screen,
+/// which is how most X11 lockers work.
 class X11ScreenLock : public ScreenLock {
  public:
     /// `guard` must outlive this.

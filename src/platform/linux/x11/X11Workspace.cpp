@@ -8,7 +8,8 @@
 #include "platform/linux/freedesktop/Programs.h"
 
 namespace {
-// The focus may wander through several windows before it rests, and some programs never let it rest.
+// The focus may pass through several windows before it settles. Not restarted by further changes, since some programs
+// never let it settle.
 constexpr double kSettleSeconds = 0.1;
 }  // namespace
 
@@ -36,9 +37,9 @@ void X11Workspace::windowsChanged() {
     pending_.cancel();
     const auto windows = connection_->values(connection_->root(), "_NET_CLIENT_LIST", XCB_ATOM_WINDOW);
     const auto active = connection_->values(connection_->root(), "_NET_ACTIVE_WINDOW", XCB_ATOM_WINDOW);
-    // Not every manager takes the property back when the window is closed.
+    // Not every window manager clears the property when the window is closed.
     if (active.empty() || std::find(windows.begin(), windows.end(), active.front()) == windows.end()) {
-        // Either the focus is on its way, or the last window of the application is gone.
+        // Either the focus is in transit, or the last window of the application is gone.
         const bool open = std::any_of(windows.begin(), windows.end(), [this](xcb_window_t window) {
             return applicationOf(window) == activeApplication_;
         });
@@ -89,13 +90,13 @@ void X11Workspace::activateOrOpenTerminal(const QString& displayName) {
 }
 
 void X11Workspace::activate(xcb_window_t window) {
-    constexpr uint32_t fromPager = 2;
+    constexpr uint32_t kFromPager = 2;
     xcb_client_message_event_t message{};
     message.response_type = XCB_CLIENT_MESSAGE;
     message.format = 32;
     message.window = window;
     message.type = connection_->atom("_NET_ACTIVE_WINDOW");
-    message.data.data32[0] = fromPager;
+    message.data.data32[0] = kFromPager;
     xcb_send_event(connection_->xcb(), false, connection_->root(),
                    XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
                    reinterpret_cast<const char*>(&message));

@@ -7,8 +7,8 @@
 #include "platform/linux/freedesktop/TerminalChoice.h"
 #include "platform/linux/x11/X11Connection.h"
 
-/// The other programs as their windows and the window manager tell of them. Without a window manager that keeps the
-/// list of windows nothing is reported or brought forward, but a terminal can still be started.
+/// Other programs, as known from their windows and the window manager. Without a window manager that publishes its list
+/// of windows nothing is reported or brought forward, but a terminal can still be started.
 class X11Workspace : public Workspace {
  public:
     X11Workspace(std::shared_ptr<X11Connection> connection, MainLoop& loop, BackgroundQueue& queue);
@@ -30,7 +30,7 @@ class X11Workspace : public Workspace {
     BackgroundQueue& queue_;
     Subscription events_;
     TimerHandle pending_;
-    /// What tells the active application from others; empty before any was active and when it was closed.
+    /// Identifies the active application; empty if none was active yet, or it was closed.
     QByteArray activeApplication_;
     BackgroundJobs jobs_;
 };

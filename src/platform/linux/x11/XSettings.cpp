@@ -16,7 +16,7 @@ xcb_atom_t atom(xcb_connection_t* connection, const QByteArray& name) {
     return reply ? reply->atom : xcb_atom_t(XCB_ATOM_NONE);
 }
 
-/// All settings, in the form in which their owner keeps them.
+/// All settings, in the binary format of the XSETTINGS specification.
 QByteArray settings() {
     int screen = 0;
     const Connection connection(xcb_connect(nullptr, &screen), &xcb_disconnect);
@@ -33,7 +33,7 @@ QByteArray settings() {
             xcb_get_property_value_length(property.get())};
 }
 
-// The kinds of values; the third is a colour.
+// Types of values; the third one is a colour.
 constexpr quint8 kInteger = 0, kText = 1;
 
 QByteArray readPadded(QDataStream& stream, quint32 length) {

@@ -1,6 +1,6 @@
 #pragma once
 
-// The header names a field as a C++ keyword.
+// The header has a field named `explicit`, which is a C++ keyword.
 #define explicit explicit_
 #include <xcb/xkb.h>
 #undef explicit
