@@ -153,7 +153,10 @@ TEST(Screens, AChangeLeadsTheEyesThereAndEndsTheWayHome) {
     f.m().sliding = true;
     f.m().slideX = 100.0;
     f.m().sliding = false;
+    f.screens.list.append({QRectF(1512, 0, 1512, 982), {}, {}, false});
+    f.screens.onChange();
     f.loop.advance(4.8);
+    EXPECT_EQ(f.window.place.x(), 676) << "a screen beside its own is no reason to move";
     f.screens.list[0].frame = QRectF(0, 0, 1920, 1080);
     f.screens.onChange();
     f.loop.advance(0.2);

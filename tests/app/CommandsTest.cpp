@@ -32,7 +32,11 @@ TEST(Menu, FollowsTheState) {
     CommandsFixture f;
     for (const char* unborn : {"Unborn", "Check for updates…"}) EXPECT_FALSE(f.item(unborn).action) << unborn;
     EXPECT_TRUE(f.item("Critter").checked);
+    f.m.asleep = true;
+    f.commands.pick(QStringLiteral("weather"));  // not a toy's name
+    EXPECT_TRUE(f.m.asleep && f.m.toy == Toy::critter);
     f.item("Weather").action();
+    EXPECT_FALSE(f.m.asleep);
     EXPECT_TRUE(f.item("Weather").checked);
     EXPECT_FALSE(f.item("Critter").checked);
     f.m.updateAvailable = QStringLiteral("9.9");
@@ -75,17 +79,6 @@ TEST(Menu, CountsTheMinutesOfQuiet) {
     f.item("left").action();
     EXPECT_EQ(f.m.glanceCount, 1);
     f.item("Shh for an hour");
-}
-
-TEST(Commands, PickingAnUnknownToyChangesNothing) {
-    CommandsFixture f;
-    f.m.asleep = true;
-    f.commands.pick(QStringLiteral("weather"));
-    f.commands.pick(QString());
-    EXPECT_EQ(f.m.toy, Toy::critter);
-    EXPECT_TRUE(f.m.asleep);
-    f.commands.pick(QStringLiteral("Weather"));
-    EXPECT_FALSE(f.m.asleep);
 }
 
 }  // namespace

@@ -260,6 +260,7 @@ TEST(Chew, AShelfThatIsGoneIsNotTouched) {
     }
     f.loop.advance(100);
     EXPECT_EQ(f.worker.requests.size(), 1);
+    EXPECT_EQ(f.preferences.writes, 0) << "nothing was held";
 }
 
 struct ActionsFixture : ChewFixture {

@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFile>
 #include <QRegularExpression>
+#include <cmath>
 #include <thread>
 
 #include "platform/FileUrls.h"
@@ -47,23 +48,9 @@ struct DropFixture : TestFolder, CreatureFixture {
     }
 };
 
-TEST(DragWatch, TheZoneIsOpenAtItsEdges) {
+TEST(DragWatch, AsksOncePerDragAndLooksWhetherItIsNear) {
     DropFixture f;
-    f.beginUsableDrag();
-    const struct {
-        double x, down;
-        bool isNear;
-    } cases[] = {{0, 89.9, true},  {0, 90, false},    {189.9, 10, true},
-                 {190, 10, false}, {-190, 10, false}, {-189, 0, true}};
-    for (const auto& [x, down, isNear] : cases) {
-        f.drag(x, down);
-        EXPECT_EQ(f.m.dragNear, isNear) << x << ' ' << down;
-    }
-}
-
-TEST(DragWatch, AsksOncePerDragAndNoticesALateAnswer) {
-    DropFixture f;
-    for (const bool isUsable : {true, false}) {
+    for (const bool isUsable : {false, true}) {
         ++f.dragPasteboard.count;
         const int questions = f.dragPasteboard.questions;
         for (int i = 0; i < 5; ++i) f.drag(0, 10 + i);
@@ -71,6 +58,14 @@ TEST(DragWatch, AsksOncePerDragAndNoticesALateAnswer) {
         EXPECT_FALSE(f.m.dragNear);
         f.dragPasteboard.answer(isUsable);
         EXPECT_EQ(f.m.dragNear, isUsable);
+    }
+    for (const QPointF near : {QPointF(0, 89.9), QPointF(189.9, 10), QPointF(-189, 0)}) {
+        f.drag(near.x(), near.y());
+        EXPECT_TRUE(f.m.dragNear) << near.x() << ' ' << near.y();
+        f.drag(0, 90);
+        EXPECT_FALSE(f.m.dragNear);
+        f.drag(std::copysign(190, near.x()), 10);
+        EXPECT_FALSE(f.m.dragNear) << near.x();
     }
 }
 
