@@ -16,69 +16,49 @@ struct FlagsFixture : BehaviourFixture {
 };
 
 TEST(Flags, ToyIsPickedByItsBeginning) {
-    for (const auto& [argument, toy] : std::vector<std::pair<const char*, Toy>>{{"--toy=Weather", Toy::weather},
-                                                                                {"--toy=wea", Toy::weather},
-                                                                                {"--toy=", Toy::critter},
-                                                                                {"--toy=C", Toy::critter}}) {
+    for (const char* argument : {"--toy=Weather", "--toy=wea", "--toy=", "--toy=C"}) {
         FlagsFixture f;
         f.m.hidden = true;
-        EXPECT_TRUE(f.apply({argument}).demo) << argument;
-        EXPECT_EQ(f.m.toy, toy) << argument;
-        EXPECT_FALSE(f.m.hidden);
-        EXPECT_TRUE(f.m.hovering);
+        EXPECT_TRUE(f.apply({argument}).demo && f.m.hovering && !f.m.hidden) << argument;
+        EXPECT_EQ(f.m.toy, QByteArray(argument).toLower().contains('w') ? Toy::weather : Toy::critter) << argument;
         EXPECT_EQ(f.m.cursor.get(), QPointF(796, 752));
     }
     FlagsFixture f;
-    EXPECT_FALSE(f.apply({"--toy=x", "--toy=weather", "--TOY=weather", "-toy=w"}).demo);
-    EXPECT_FALSE(f.m.hovering);
+    EXPECT_FALSE(f.apply({"--toy=x", "--toy=weather", "--TOY=weather", "-toy=w"}).demo || f.m.hovering);
 }
 
-TEST(Flags, CursorNeedsExactlyTwoNumbers) {
-    for (const auto& [argument, cursor] :
-         std::vector<std::pair<const char*, QPointF>>{{"--cursor=10,20,30", {756, 762}},
-                                                      {"--cursor=10", {756, 762}},
-                                                      {"--cursor=", {756, 762}},
-                                                      {"--cursor=nan,inf", {756, 762}},
-                                                      {"--cursor=,10,,20", {766, 962}},
-                                                      {"--cursor=10,x,20", {766, 962}}}) {
-        FlagsFixture f;
-        f.apply({argument});
-        EXPECT_EQ(f.m.cursor.get(), cursor) << argument;
-    }
-}
-
-TEST(Flags, SkyHasNamesAndADefault) {
-    for (const auto& [argument, sky] : std::vector<std::pair<const char*, Sky>>{{"--sky=Rain", Sky::rain},
-                                                                                {"--sky=cloud", Sky::cloudy},
-                                                                                {"--sky=NIGHT", Sky::clearNight},
-                                                                                {"--sky=sunny", Sky::clearDay},
-                                                                                {"--sky=storm", Sky::storm}}) {
+TEST(Flags, CursorNeedsExactlyTwoNumbersAndSkyHasADefault) {
+    const auto after = [](const char* argument) {
         FlagsFixture f;
         f.m.sky = Sky::fog;
         f.apply({argument});
-        EXPECT_EQ(f.m.sky, sky) << argument;
-        EXPECT_EQ(f.m.tempC.get(), 21.0);
-    }
+        return std::tuple(f.m.cursor.get(), f.m.sky.get(), f.m.tempC.get());
+    };
+    const QPointF middle(756, 762), moved(766, 962);
+    for (const char* bad : {"--cursor=10,20,30", "--cursor=10", "--cursor=", "--cursor=nan,inf"})
+        EXPECT_EQ(std::get<QPointF>(after(bad)), middle) << bad;
+    for (const char* good : {"--cursor=,10,,20", "--cursor=10,x,20"})
+        EXPECT_EQ(std::get<QPointF>(after(good)), moved) << good;
+    for (const auto& [argument, sky] : {std::pair("--sky=Rain", Sky::rain),
+                                        {"--sky=cloud", Sky::cloudy},
+                                        {"--sky=NIGHT", Sky::clearNight},
+                                        {"--sky=sunny", Sky::clearDay},
+                                        {"--sky=storm", Sky::storm}})
+        EXPECT_EQ(after(argument), std::tuple(middle, sky, std::optional(21.0))) << argument;
 }
 
 TEST(Flags, TakeEffectInAFixedOrder) {
     FlagsFixture f;
     const FlagEffects effects =
-        f.apply({"--idle", "--low", "--charging", "--seed", "--bigseed", "--hidden", "--toy=c", "--mic", "--nonsense"});
+        f.apply({"--idle", "--low", "--charging", "--seed", "--bigseed", "--hidden", "--toy=c", "--mic", "--nonsense",
+                 "--timer=soon", "--slide=", "--timer=5", "--slide=nan"});
+    EXPECT_TRUE(f.m.timers->isEmpty() && f.m.slideX == 0.0) << "malformed numbers are ignored";
     EXPECT_EQ(f.m.battery, 0.12);
     EXPECT_FALSE(f.m.charging);
     EXPECT_EQ(f.m.items->size(), 2);
     EXPECT_EQ(f.m.items->first().toLocalFile(), QStringLiteral("/System/Applications/Notes.app"));
-    EXPECT_TRUE(f.m.hidden);
-    EXPECT_FALSE(f.m.hovering);
+    EXPECT_TRUE(f.m.hidden && !f.m.hovering);
     EXPECT_TRUE(f.m.batteryPinned && f.m.privacyPinned && !effects.screenTest);
-}
-
-TEST(Flags, MalformedNumbersAreIgnored) {
-    FlagsFixture f;
-    f.apply({"--timer=soon", "--slide=", "--timer=5", "--slide=nan"});
-    EXPECT_TRUE(f.m.timers->isEmpty());
-    EXPECT_EQ(f.m.slideX, 0.0);
 }
 
 TEST(Flags, ReactionsFollowALittleLater) {
@@ -87,28 +67,18 @@ TEST(Flags, ReactionsFollowALittleLater) {
     f.loop.advance(1.49);
     EXPECT_EQ(f.m.worryCount + f.m.spawnCount, 0);
     f.loop.advance(0.02);
-    EXPECT_EQ(f.m.worryCount, 1);
-    EXPECT_EQ(f.m.spawnCount, 2);
-    EXPECT_TRUE(f.m.yawning);
+    EXPECT_TRUE(f.m.worryCount == 1 && f.m.spawnCount == 2 && f.m.yawning);
 }
 
 TEST(Flags, GiveTheBodyItsSize) {
-    const struct {
-        const char* flags[3];
-        QSizeF shape;
-    } cases[] = {
-        {{"--toy=wea", "", ""}, {300, 94}},
-        {{"--toy=c", "--targeted", ""}, {300, 120}},
-        {{"--toy=c", "--music", ""}, {300, 138}},
-        {{"--toy=c", "--bites", ""}, {320, 152}},
-        {{"--toy=c", "--bigseed", "--expand"}, {320, 228}},
-        {{"--toy=c", "--timer=60", "--idle"}, {236, 74}},
-        {{"--toy=c", "--hidden", "--idle"}, {185, 37}},
-    };
-    for (const auto& c : cases) {
+    const std::tuple<const char*, const char*, QSizeF> cases[] = {
+        {"--toy=wea", "", {300, 94}},     {"--targeted", "", {300, 120}},        {"--music", "", {300, 138}},
+        {"--bites", "", {320, 152}},      {"--bigseed", "--expand", {320, 228}}, {"--timer=60", "--idle", {236, 74}},
+        {"--hidden", "--idle", {185, 37}}};
+    for (const auto& [flag, other, shape] : cases) {
         FlagsFixture f;
-        f.apply({c.flags[0], c.flags[1], c.flags[2]});
-        EXPECT_EQ(QSizeF(f.m.shapeWidth(), f.m.shapeHeight()), c.shape) << c.flags[0] << c.flags[1] << c.flags[2];
+        f.apply({flag, other, "--toy=c"});
+        EXPECT_EQ(QSizeF(f.m.shapeWidth(), f.m.shapeHeight()), shape) << flag << other;
     }
 }
 

@@ -21,64 +21,71 @@ TEST(Hovering, ZoneReachesFourPointsAboveTheScreenAndMovesWithTheSlide) {
     EXPECT_FALSE(f.engine.inHoverZone({756, 982 - 54.5}, 14));
 }
 
+// The shape at rest is 185 x 58, open 214 x 108.
+TEST(Hovering, BeginsAtTheInnerMarginAndEndsBeyondTheOuterOne) {
+    const struct {
+        QPointF stillOut, in, stillIn, out;
+        const char *entering, *leaving;
+    } ways[] = {{{0, 73}, {0, 72}, {0, 132}, {0, 133}, "(756.0, 910.0)", "(756.0, 849.0)"},
+                {{107, 20}, {106, 20}, {131, 20}, {132, 20}, "(862.0, 962.0)", "(888.0, 962.0)"},
+                {{-107, 0}, {-106, 0}, {-131, 0}, {-132, 0}, "(650.0, 982.0)", "(624.0, 982.0)"}};
+    for (const auto& way : ways) {
+        BehaviourFixture f;
+        for (const QPointF place : {way.stillOut, way.in, way.stillIn, way.out}) {
+            f.moveTo(place.x(), place.y());
+            EXPECT_EQ(f.m.hovering, place == way.in || place == way.stillIn) << place.x() << ' ' << place.y();
+        }
+        EXPECT_EQ(f.traces.join(u'\n'), QStringLiteral("hovering false → true at %1 zone=(106.5, 72.0)\n"
+                                                       "hovering true → false at %2 zone=(121.0, 122.0)")
+                                            .arg(QLatin1String(way.entering), QLatin1String(way.leaving)));
+    }
+}
+
 TEST(Gaze, IsPublishedOnlyForMovesThatShow) {
     BehaviourFixture f;
-    const auto cursor = [&] { return f.m.cursor.get() - QPointF(756, 982); };
-    f.moveTo(300, 400);
-    EXPECT_EQ(cursor(), QPointF(300, -400));
-    f.moveTo(301, 402);  // 3 points
-    EXPECT_EQ(cursor(), QPointF(300, -400));
-    f.clock.setNow({0});  // somebody sets the time
-    f.moveTo(302, 402);   // 4 points
-    EXPECT_EQ(cursor(), QPointF(302, -402));
-    f.moveTo(340, 402, 0.03);  // too soon
-    EXPECT_EQ(cursor(), QPointF(302, -402));
-    f.moveTo(340, 402, 0.03);
-    EXPECT_EQ(cursor(), QPointF(340, -402));
-    f.moveTo(0, 60, 0.01);  // a change of hovering is always published
-    EXPECT_EQ(cursor(), QPointF(0, -60));
+    const struct {
+        QPointF to;
+        double elapsed;
+        QPointF seen;
+    } moves[] = {{{300, 400}, 0.1, {300, 400}},  {{301, 402}, 0.1, {300, 400}},  // 3 points
+                 {{302, 402}, 0.1, {302, 402}},                                  // 4 points
+                 {{340, 402}, 0.03, {302, 402}},                                 // too soon
+                 {{340, 402}, 0.03, {340, 402}}, {{0, 60}, 0.01, {0, 60}}};  // a change of hovering is always published
+    for (const auto& [to, elapsed, seen] : moves) {
+        f.moveTo(to.x(), to.y(), elapsed);
+        f.clock.setNow({0});  // somebody sets the time
+        EXPECT_EQ(f.m.cursor.get(), QPointF(756 + seen.x(), 982 - seen.y())) << to.x() << ' ' << to.y();
+    }
 }
 
 TEST(Startle, NeedsSpeedNearnessAndTheCritter) {
-    struct Case {
-        const char* name;
+    const struct {
         double x, elapsed;
         Toy toy;
         int startles;
-    };
-    for (const Case& c : std::vector<Case>{{"fast and near", 100, 0.05, Toy::critter, 1},
-                                           {"slow", 100, 0.5, Toy::critter, 0},
-                                           {"fast but far", 170, 0.05, Toy::critter, 0},
-                                           {"weather", 100, 0.05, Toy::weather, 0}}) {
+    } cases[] = {{100, 0.05, Toy::critter, 1},
+                 {100, 0.5, Toy::critter, 0},
+                 {170, 0.05, Toy::critter, 0},
+                 {100, 0.05, Toy::weather, 0}};
+    for (const auto& c : cases) {
         BehaviourFixture f;
         f.m.toy = c.toy;
         f.moveTo(c.x + 300, 30, 1);
         f.moveTo(c.x, 30, c.elapsed);
-        EXPECT_EQ(f.m.startleCount, c.startles) << c.name;
+        EXPECT_EQ(f.m.startleCount, c.startles) << "row " << &c - cases;
     }
 }
 
 TEST(Startle, WakesASleeperAndCoolsDown) {
     BehaviourFixture f;
     f.m.asleep = true;
-    const auto flick = [&] {
+    for (const auto& [pause, startles] : {std::pair(0.0, 1), {0.0, 1}, {0.5, 2}}) {  // a flick takes 0.35 s
+        f.loop.advance(pause);
         f.moveTo(500, 30, 0.3);
         f.moveTo(0, 30, 0.05);
-    };
-    flick();
-    EXPECT_FALSE(f.m.asleep);
-    flick();  // 0.35 s later
-    EXPECT_EQ(f.m.startleCount, 1);
-    f.loop.advance(0.5);
-    flick();
-    EXPECT_EQ(f.m.startleCount, 2);
-}
-
-/// Lets `seconds` pass with the ticks at their times.
-void live(BehaviourFixture& f, double seconds) {
-    const auto vitals = f.loop.every(15, [&f] { f.engine.yawnTick(); });
-    const auto life = f.loop.every(4, [&f] { f.engine.lifeTick(); });
-    f.loop.advance(seconds);
+        EXPECT_EQ(f.m.startleCount, startles);
+        EXPECT_FALSE(f.m.asleep);
+    }
 }
 
 TEST(Dozing, FallsAsleepAfter22SecondsWithoutTheUserUnlessWatchedHiddenOrWeather) {
@@ -87,21 +94,19 @@ TEST(Dozing, FallsAsleepAfter22SecondsWithoutTheUserUnlessWatchedHiddenOrWeather
     f.loop.advance(22);
     f.engine.lifeTick();
     EXPECT_FALSE(f.m.asleep);
+    const auto life = f.loop.every(4, [&f] { f.engine.lifeTick(); });
+    const auto staysAwake = [&] { return f.loop.advance(60), !f.m.asleep; };
     for (Published<bool>* reason : {&f.m.hovering, &f.m.hidden}) {
         *reason = true;
-        live(f, 60);
-        EXPECT_FALSE(f.m.asleep);
+        EXPECT_TRUE(staysAwake());
         *reason = false;
     }
     f.m.toy = Toy::weather;
-    live(f, 60);
-    EXPECT_FALSE(f.m.asleep);
+    EXPECT_TRUE(staysAwake());
     f.m.toy = Toy::critter;
-    f.engine.lifeTick();
-    EXPECT_TRUE(f.m.asleep);
+    EXPECT_FALSE(staysAwake());
     f.engine.applicationActivated();
-    EXPECT_FALSE(f.m.asleep);
-    EXPECT_EQ(f.m.glanceCount, 1);
+    EXPECT_TRUE(!f.m.asleep && f.m.glanceCount == 1);
 }
 
 TEST(Stretch, ComesAfterFiftyMinutesOfWorkAndNotAgainSoon) {
@@ -112,14 +117,10 @@ TEST(Stretch, ComesAfterFiftyMinutesOfWorkAndNotAgainSoon) {
     };
     work(7200, 60);
     EXPECT_EQ(f.m.stretchCount, 0) << "it dozes off in every minute";
-    work(2990);
-    EXPECT_EQ(f.m.stretchCount, 0);
-    work(30);
-    EXPECT_EQ(f.m.stretchCount, 1);
-    work(3270);
-    EXPECT_EQ(f.m.stretchCount, 1);
-    work(60);
-    EXPECT_EQ(f.m.stretchCount, 2);
+    for (const auto& [seconds, stretches] : {std::pair(2990, 0), {30, 1}, {3270, 1}, {60, 2}}) {
+        work(seconds);
+        EXPECT_EQ(f.m.stretchCount, stretches);
+    }
 }
 
 TEST(Yawns, TakeASecondAndAHalfUnlessSomethingSpeaksAgainstIt) {
@@ -155,16 +156,13 @@ TEST(Yawns, ComeEveryFewMinutesWhileTired) {
     f.m.hidden = true;  // stays awake
     const auto ticks = f.loop.every(15, [&f] { f.engine.yawnTick(); });
     int yawns = 0;
-    const auto seen = f.m.yawning.willChange.subscribe([&](bool yawning) { yawns += yawning ? 1 : 0; });
+    const auto watch = f.m.yawning.willChange.subscribe([&](bool yawning) { yawns += yawning ? 1 : 0; });
     f.nextRandom = 0;
-    f.loop.advance(45);
-    EXPECT_EQ(yawns, 0);
-    f.loop.advance(16);  // the tick at 60 s
-    EXPECT_EQ(yawns, 1);
-    f.loop.advance(180);
-    EXPECT_EQ(yawns, 1);  // due just after 240 s, ticks come every 15 s
-    f.loop.advance(15);
-    EXPECT_EQ(yawns, 2);
+    // The first tick at 60 s yawns; the next yawn is due just after 240 s, and ticks come every 15 s.
+    for (const auto& [seconds, seen] : {std::pair(45, 0), {16, 1}, {180, 1}, {15, 2}}) {
+        f.loop.advance(seconds);
+        EXPECT_EQ(yawns, seen);
+    }
     f.m.battery = 1.0;
     f.loop.advance(1000);
     EXPECT_EQ(yawns, 2);
@@ -172,31 +170,26 @@ TEST(Yawns, ComeEveryFewMinutesWhileTired) {
 
 TEST(Tap, TakesTheFirstThingToDo) {
     BehaviourFixture f;
-    QStringList done;
+    std::string done;
     f.engine.clearDoneTimers = [&] {
-        done.append(QStringLiteral("cleared"));
+        done += "cleared ";
         f.shelf.clearDoneTimers();
     };
-    f.engine.focusBlockedTerminal = [&] { done.append(QStringLiteral("focused")); };
+    f.engine.focusBlockedTerminal = [&] { done += "focused "; };
     f.shelf.addTimer(1);
     f.loop.advance(61);
     f.shelf.tickTimers();
-    f.m.needsYou = true;
+    f.m.needsYou = f.m.hidden = f.m.asleep = true;
     f.m.blockedTerminal = QStringLiteral("Terminal");
-    f.m.hidden = true;
-    f.m.asleep = true;
-    f.engine.notchTapped();
-    EXPECT_FALSE(f.m.hidden || f.m.asleep);
-    EXPECT_TRUE(done.isEmpty());
-    f.engine.notchTapped();
-    EXPECT_EQ(f.m.boopCount, 2);
-    f.engine.notchTapped();
-    EXPECT_EQ(f.m.boopCount, 2);
-    EXPECT_EQ(done, (QStringList{QStringLiteral("cleared"), QStringLiteral("focused")}));
-    f.m.blockedTerminal = QString();
-    f.engine.notchTapped();
-    EXPECT_EQ(f.m.boopCount, 3);
-    EXPECT_EQ(done.size(), 2);
+    const std::pair<int, const char*> taps[] = {
+        {1, ""}, {2, "cleared "}, {2, "cleared focused "}, {3, "cleared focused "}};
+    for (const auto& [boops, wanted] : taps) {
+        if (boops == 3) f.m.blockedTerminal = QString();
+        f.engine.notchTapped();
+        EXPECT_FALSE(f.m.hidden || f.m.asleep);
+        EXPECT_EQ(f.m.boopCount, boops);
+        EXPECT_EQ(done, wanted);
+    }
 }
 
 TEST(Slide, StaysFiveSecondsAndComesHomeUnlessItIsGrabbedOrForgotten) {
@@ -236,16 +229,11 @@ TEST(Slide, StaysFiveSecondsAndComesHomeUnlessItIsGrabbedOrForgotten) {
 }
 
 TEST(Numbers, PrintShortestWithAPoint) {
-    for (const auto& [value, text] : std::vector<std::pair<double, const char*>>{{1512, "1512.0"},
-                                                                                 {0, "0.0"},
-                                                                                 {-0.5, "-0.5"},
-                                                                                 {0.1, "0.1"},
-                                                                                 {100000, "100000.0"},
-                                                                                 {1.0 / 3, "0.3333333333333333"},
-                                                                                 {1e300, "1.0e+300"},
-                                                                                 {2.5e-7, "2.5e-07"}}) {
-        EXPECT_EQ(formatNumber(value), QLatin1String(text));
-    }
+    const std::pair<double, const char*> cases[] = {{1512, "1512.0"},     {0, "0.0"},
+                                                    {-0.5, "-0.5"},       {0.1, "0.1"},
+                                                    {100000, "100000.0"}, {1.0 / 3, "0.3333333333333333"},
+                                                    {1e300, "1.0e+300"},  {2.5e-7, "2.5e-07"}};
+    for (const auto& [value, text] : cases) EXPECT_EQ(formatNumber(value), QLatin1String(text));
     EXPECT_EQ(formatNumbers({1, 2.5}), QStringLiteral("(1.0, 2.5)"));
 }
 

@@ -5,18 +5,6 @@
 
 namespace {
 
-QList<Bite> notes(int count) {
-    QList<Bite> bites;
-    for (int i = 0; i < count; ++i) bites.append(Bite::note(QString::number(i)));
-    return bites;
-}
-
-void holdFiles(NotchModel& m, int count) {
-    QList<QUrl> files;
-    for (int i = 0; i < count; ++i) files.append(QUrl::fromLocalFile(QStringLiteral("/f%1").arg(i)));
-    m.items = files;
-}
-
 TEST(NotchModel, ShapeTakesTheFirstRowThatMatches) {
     using Switch = Published<bool> NotchModel::*;
     constexpr Switch hidden = &NotchModel::hidden, drag = &NotchModel::dragNear, drop = &NotchModel::dropTargeted,
@@ -55,8 +43,8 @@ TEST(NotchModel, ShapeTakesTheFirstRowThatMatches) {
         f.m.notchSize = c.notch;
         f.m.toy = c.toy;
         for (const Switch one : c.on) f.m.*one = true;
-        holdFiles(f.m, c.files);
-        f.m.bites = notes(c.notes);
+        f.m.items = QList<QUrl>(c.files);
+        f.m.bites = QList<Bite>(c.notes, Bite::note({}));
         EXPECT_EQ(QSizeF(f.m.shapeWidth(), f.m.shapeHeight()), c.shape) << "row " << &c - cases;
     }
 }
@@ -78,33 +66,27 @@ TEST(NotchModel, IsSleepyAtNightOrOnALowBattery) {
     }
 }
 
-TEST(NotchModel, AnnouncesBeforeTheChangeAndReportsItWithItsAnimation) {
+TEST(NotchModel, AnnouncesBeforeTheChangeAndReportsItWithTheInnermostAnimation) {
     CreatureFixture f;
-    std::vector<std::string> log;
-    const auto will =
-        f.m.objectWillChange.subscribe([&] { log.push_back(f.m.asleep ? "will: asleep" : "will: awake"); });
-    const auto did = f.m.objectDidChange.subscribe([&](const auto& how) {
-        log.push_back(std::string(how ? "animated" : "jumped") + (f.m.asleep ? ": asleep" : ": awake"));
+    std::string log;
+    const auto state = [&] { return f.m.asleep ? "asleep, " : "awake, "; };
+    const auto will = f.m.objectWillChange.subscribe([&] { log += std::string("will: ") + state(); });
+    const auto did = f.m.objectDidChange.subscribe([&](const std::optional<Animation>& how) {
+        log += how == Animation::easeOut(1)   ? "outer: "
+               : how == Animation::easeOut(2) ? "inner: "
+               : how                          ? "?"
+                                              : "jumped: ";
+        log += state();
     });
     f.m.asleep = true;
     f.m.withAnimation(Animation::easeOut(1), [&] {
+        f.m.withAnimation(Animation::easeOut(2), [&] { ++f.m.boopCount; });
         f.m.asleep = false;
         f.m.boopCount = 7;
     });
-    EXPECT_EQ(log, (std::vector<std::string>{"will: awake", "jumped: asleep", "will: asleep", "will: awake",
-                                             "animated: awake"}));
-}
-
-TEST(NotchModel, AnInnerAnimationHoldsForItsBlockOnly) {
-    CreatureFixture f;
-    std::vector<std::optional<Animation>> seen;
-    const auto did = f.m.objectDidChange.subscribe([&](const auto& how) { seen.push_back(how); });
-    f.m.withAnimation(Animation::easeOut(1), [&] {
-        f.m.withAnimation(Animation::easeOut(2), [&] { ++f.m.boopCount; });
-        ++f.m.boopCount;
-    });
     f.m.withAnimation(Animation::easeOut(3), [] {});
-    EXPECT_EQ(seen, (std::vector<std::optional<Animation>>{Animation::easeOut(2), Animation::easeOut(1)}));
+    EXPECT_EQ(log,
+              "will: awake, jumped: asleep, will: asleep, inner: asleep, will: asleep, will: awake, outer: awake, ");
 }
 
 TEST(NotchModel, DeliversThroughTheLoopUntilDropped) {

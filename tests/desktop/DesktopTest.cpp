@@ -1,10 +1,10 @@
 #include "desktop/DesktopTest.h"
 
-DesktopTest::DesktopTest(Compositor compositor) {
+DesktopTest::DesktopTest() {
     // Sets the property from which compositors take the wallpaper, too.
     session.run(QStringLiteral("hsetroot -solid #d8d8d8"));
     session.startWindowManager();
-    if (compositor == Compositor::running) session.startCompositor();
+    session.startCompositor();
     session.moveTo(kFar);
 }
 

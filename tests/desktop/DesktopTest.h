@@ -7,9 +7,7 @@
 /// the creature.
 class DesktopTest : public testing::Test {
  protected:
-    enum class Compositor { running, none };
-
-    explicit DesktopTest(Compositor compositor = Compositor::running);
+    DesktopTest();
 
     /// Starts the program in `home`, instead of the one that may run, and waits until it is up.
     void start(const QStringList& flags = {}, const Variables& variables = {});

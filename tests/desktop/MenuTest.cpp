@@ -2,9 +2,8 @@
 
 namespace {
 
-/// The menu's lines that can be chosen, and the separators, which are lower.
-constexpr double kLines = 10, kSeparators = 3;
-constexpr double kMenuHeight = kLines + kSeparators * 0.3;
+/// In lines: those that can be chosen, and the separators, which are lower.
+constexpr double kMenuHeight = 10 + 3 * 0.3;
 
 class Menu : public DesktopTest {
  protected:

@@ -22,17 +22,14 @@ int darkest(QRgb c) {
 bool black(QRgb c) {
     return brightest(c) < 60;
 }
-bool white(QRgb c) {
-    return darkest(c) > 150;
-}
-
-QPointF middleOfPupil(const QImage& picture, const QRectF& eyeWhite) {
-    const double radius = eyeWhite.width() / 2;
-    const QPointF middle(eyeWhite.center().x(), eyeWhite.bottom() - radius);
+/// From the middle of an open eye to that of its pupil.
+QPointF gazeIn(const QImage& picture, const QRect& eyeWhite) {
+    const double radius = eyeWhite.width() / 2.0;
+    const QPointF middle(eyeWhite.left() + radius, eyeWhite.top() + eyeWhite.height() - radius);
     QPointF sum;
     int count = 0;
-    for (int y = int(eyeWhite.top()) + 1; y < int(eyeWhite.bottom()); ++y) {
-        for (int x = int(eyeWhite.left()); x < int(eyeWhite.right()); ++x) {
+    for (int y = eyeWhite.top() + 1; y <= eyeWhite.bottom(); ++y) {
+        for (int x = eyeWhite.left(); x <= eyeWhite.right(); ++x) {
             const QPointF way = QPointF(x + 0.5, y + 0.5) - middle;
             if (brightest(picture.pixel(x, y)) > 110 || std::hypot(way.x(), way.y()) > radius - 1.5) continue;
             sum += way;
@@ -46,11 +43,11 @@ std::optional<SeenEye> eyeBetween(const QImage& picture, int from, int to, int b
     QRect found;
     for (int y = kProbeRow; y < bottom; ++y) {
         for (int x = from; x < to; ++x) {
-            if (white(picture.pixel(x, y))) found |= QRect(x, y, 1, 1);
+            if (darkest(picture.pixel(x, y)) > 150) found |= QRect(x, y, 1, 1);
         }
     }
     if (found.width() < 8) return {};
-    return SeenEye{QRectF(found), middleOfPupil(picture, QRectF(found))};
+    return SeenEye{QRectF(found), gazeIn(picture, found)};
 }
 
 }  // namespace

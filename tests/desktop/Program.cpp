@@ -5,7 +5,6 @@
 #include <xcb/shape.h>
 
 #include <QDateTime>
-#include <QDir>
 
 namespace {
 
@@ -19,19 +18,9 @@ bool isPanel(const QRect& frame) {
 }  // namespace
 
 Home::Home() {
-    for (const char* name : {"config/glimmet", "data", "cache", "bin"}) QDir().mkpath(filePath(QLatin1String(name)));
-    QDir().mkdir(filePath(QStringLiteral("runtime")), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-}
-
-QByteArray Home::read(const QString& name) const {
-    QFile file(filePath(name));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-QByteArray Home::write(const QString& name, const QByteArray& contents) const {
-    QFile file(filePath(name));
-    EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(contents) == contents.size()) << name.toStdString();
-    return file.fileName().toUtf8();
+    for (const char* name : {"config/glimmet", "data", "cache", "bin", "runtime"})
+        std::filesystem::create_directories(path(name).toStdString());
+    std::filesystem::permissions(path("runtime").toStdString(), std::filesystem::perms::owner_all);
 }
 
 QByteArray Home::stored(const char* key) const {
@@ -50,12 +39,13 @@ QProcessEnvironment Home::environment() const {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM", "DBUS_SESSION_BUS_ADDRESS"})
         environment.remove(QLatin1String(name));
-    const Variables ours{{"HOME", folder_.path()},
-                         {"XDG_CONFIG_HOME", filePath(QStringLiteral("config"))},
-                         {"XDG_DATA_HOME", filePath(QStringLiteral("data"))},
-                         {"XDG_CACHE_HOME", filePath(QStringLiteral("cache"))},
-                         {"XDG_RUNTIME_DIR", filePath(QStringLiteral("runtime"))},
-                         {"PATH", filePath(QStringLiteral("bin")) + u':' + qEnvironmentVariable("PATH")},
+    const auto at = [this](const char* name) { return QString::fromUtf8(path(name)); };
+    const Variables ours{{"HOME", at("")},
+                         {"XDG_CONFIG_HOME", at("config")},
+                         {"XDG_DATA_HOME", at("data")},
+                         {"XDG_CACHE_HOME", at("cache")},
+                         {"XDG_RUNTIME_DIR", at("runtime")},
+                         {"PATH", at("bin") + u':' + qEnvironmentVariable("PATH")},
                          {"TZ", QStringLiteral("TST%1").arg(QDateTime::currentDateTimeUtc().time().hour() - 13)}};
     for (const auto& [name, value] : ours) environment.insert(QLatin1String(name), value);
     return environment;
@@ -68,8 +58,8 @@ Glimmet::Glimmet(const XSession* session, const Home& home, const QStringList& f
     if (session) environment.insert(QStringLiteral("DISPLAY"), QString::fromLatin1(session->display()));
     for (const auto& [name, value] : variables) environment.insert(QLatin1String(name), value);
     process_.setProcessEnvironment(environment);
-    process_.setStandardErrorFile(lines_.filePath(QStringLiteral("errors")));
-    process_.setStandardOutputFile(lines_.filePath(QStringLiteral("output")));
+    process_.setStandardErrorFile(QString::fromUtf8(lines_.path("errors")));
+    process_.setStandardOutputFile(QString::fromUtf8(lines_.path("output")));
     process_.setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGKILL); });
     process_.start(besideTheTest("glimmet"), flags);
     EXPECT_TRUE(process_.waitForStarted());
@@ -97,14 +87,14 @@ testing::AssertionResult Glimmet::ends(int code) {
     return testing::AssertionFailure() << "it ended with " << process_.exitCode();
 }
 
-QStringList Glimmet::lines(const QString& stream) const {
+QStringList Glimmet::lines(const char* stream) const {
     QStringList lines = QString::fromUtf8(lines_.read(stream)).split(u'\n');
     lines.removeLast();  // empty, or not whole yet
     return lines;
 }
 
 QStringList Glimmet::errors(const char* prefix) const {
-    QStringList found = lines(QStringLiteral("errors"));
+    QStringList found = lines("errors");
     found.removeIf([&](const QString& line) { return !line.startsWith(QString::fromUtf8(prefix)); });
     return found;
 }

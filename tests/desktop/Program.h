@@ -1,22 +1,16 @@
 #pragma once
 
 #include <QRegion>
-#include <QTemporaryDir>
 #include <optional>
 
+#include "support/TestFolder.h"
 #include "support/XSession.h"
 
 /// The folders in which one user's programs keep what they know, all of them temporary. It outlives the programs that
 /// are started in it, so that a second one finds what the first one left.
-class Home {
+class Home : public TestFolder {
  public:
     Home();
-    QString filePath(const QString& name) const { return folder_.filePath(name); }
-    /// What the file contains; empty where there is none.
-    QByteArray read(const QString& name) const;
-    /// Writes a file and gives its path.
-    QByteArray write(const QString& name, const QByteArray& contents) const;
-
     QByteArray preferences() const { return read(kPreferences); }
     /// The line that stores `key`.
     QByteArray stored(const char* key) const;
@@ -29,8 +23,7 @@ class Home {
     QProcessEnvironment environment() const;
 
  private:
-    const QString kPreferences = QStringLiteral("config/glimmet/preferences");
-    QTemporaryDir folder_;
+    static constexpr char kPreferences[] = "config/glimmet/preferences";
 };
 
 using Variables = QList<QPair<const char*, QString>>;
@@ -50,7 +43,7 @@ class Glimmet {
     [[nodiscard]] testing::AssertionResult ends(int code = 0);
     /// The whole lines so far on standard error, which begin with `prefix`, and on standard output.
     QStringList errors(const char* prefix = "") const;
-    QStringList output() const { return lines(QStringLiteral("output")); }
+    QStringList output() const { return lines("output"); }
 
     bool running();
     qint64 pid() const { return process_.processId(); }
@@ -68,7 +61,7 @@ class Glimmet {
     QList<QRect> menus() const;
 
  private:
-    QStringList lines(const QString& stream) const;
+    QStringList lines(const char* stream) const;
     QList<xcb_window_t> windows() const;
 
     const XSession* session_;

@@ -1,5 +1,3 @@
-#include <QFile>
-
 #include "desktop/DesktopTest.h"
 
 namespace {
@@ -23,19 +21,10 @@ class Rest : public DesktopTest {
         session.release(1);
         ASSERT_TRUE(waitFor([&] { return !confettiFlies(); }));
     }
-
-    /// How often the program's main thread went to sleep so far.
-    int timesAsleep() {
-        QFile status(QStringLiteral("/proc/%1/status").arg(glimmet->pid()));
-        if (!status.open(QIODevice::ReadOnly)) return -1;
-        const QByteArray all = status.readAll(), name = "\nvoluntary_ctxt_switches:";
-        return all.mid(all.indexOf(name) + name.size()).split('\n').first().trimmed().toInt();
-    }
 };
 
-// Only what changes is painted again, so whatever is forgotten stays on the screen. Breathing takes four pictures a
-// second and blinking a few more; anything that keeps moving unseen takes sixty.
-TEST_F(Rest, LeavesNothingOnTheScreenAndTheMachineAsleep) {
+// Only what changes is painted again, so whatever is forgotten stays on the screen.
+TEST_F(Rest, LeavesNothingOnTheScreen) {
     const auto at = [&](QPoint pointer, double width, double height) {
         session.moveTo(pointer);
         EXPECT_TRUE(waitForBody(width, height));
@@ -50,13 +39,6 @@ TEST_F(Rest, LeavesNothingOnTheScreenAndTheMachineAsleep) {
     at(kFar, 185, 58);
     EXPECT_TRUE(waitForSurroundings(185, 58, closed));
     EXPECT_TRUE(waitForEyes());
-
-    constexpr int kSeconds = 4;
-    const int before = timesAsleep();
-    letPass(kSeconds);
-    const int wakeUps = timesAsleep() - before;
-    EXPECT_GT(wakeUps, 0) << "it does not breathe";
-    EXPECT_LT(wakeUps, 30 * kSeconds);
 }
 
 }  // namespace

@@ -39,17 +39,4 @@ TEST_F(ScreenChanges, TheCreatureMovesToTheNewTop) {
     EXPECT_TRUE(waitForPanelAt(576));
 }
 
-TEST_F(ScreenChanges, AScreenBesideItsOwnIsNoReasonToMove) {
-    xrandr("--setmonitor *own 756/200x600/150+0+0 screen");
-    ASSERT_NO_FATAL_FAILURE(start({QStringLiteral("--slide=100")}));
-    ASSERT_TRUE(waitForPanelAt(198 + 100));
-    xrandr("--setmonitor other 756/200x600/150+756+0 none");
-    letPass(1);
-    EXPECT_TRUE(waitForPanelAt(198 + 100));
-    xrandr("--delmonitor own");
-    EXPECT_TRUE(waitForPanelAt(954)) << "an equal screen elsewhere is a new home, which ends a slide";
-    xrandr("--setmonitor *own 756/200x600/150+0+0 screen");
-    EXPECT_TRUE(waitForPanelAt(198)) << "the main screen is back";
-}
-
 }  // namespace

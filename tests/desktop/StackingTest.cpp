@@ -71,19 +71,4 @@ TEST_F(Stacking, NothingHeldIsSeenOnALockedScreen) {
     EXPECT_TRUE(opensTo(152));
 }
 
-class WithoutCompositor : public DesktopTest {
- protected:
-    WithoutCompositor() : DesktopTest(Compositor::none) {}
-};
-
-TEST_F(WithoutCompositor, NothingButTheOutlineIsSeen) {
-    const QImage bare = panelPicture();
-    ASSERT_NO_FATAL_FAILURE(start());
-    ASSERT_TRUE(waitForBody(185, 58));
-    EXPECT_TRUE(waitForSurroundings(185, 58, bare));
-    session.moveTo(kOnNotch);
-    ASSERT_TRUE(waitForBody(214, 108));
-    EXPECT_TRUE(waitForSurroundings(214, 108, bare));
-}
-
 }  // namespace

@@ -2,15 +2,12 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-#include <atomic>
+#include <QSocketNotifier>
 #include <cstring>
-#include <thread>
 
 #include "desktop/DesktopTest.h"
 
 namespace {
-
-const Variables kOffscreen{{"QT_QPA_PLATFORM", QStringLiteral("offscreen")}};
 
 TEST(Start, EndsInOrderWithoutADisplay) {
     const Home home;
@@ -24,7 +21,7 @@ TEST(Start, EndsInOrderWithoutADisplay) {
 
 TEST(Start, RunsOnAPlatformWithoutAWindowSystem) {
     const Home home;
-    Glimmet glimmet(nullptr, home, {}, kOffscreen);
+    Glimmet glimmet(nullptr, home, {}, {{"QT_QPA_PLATFORM", QStringLiteral("offscreen")}});
     ASSERT_TRUE(glimmet.started());
     EXPECT_EQ(glimmet.errors().last(),
               QStringLiteral("glimmet: notch=(307.5, 768.0, 185.0, 32.0) top=800.0 toy=Critter"));
@@ -32,35 +29,32 @@ TEST(Start, RunsOnAPlatformWithoutAWindowSystem) {
 
 TEST(Start, OutlivesWhoeverReadsWhatItWrites) {
     const Home home;
-    auto environment = home.environment();
-    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-    int ends[2];
-    ASSERT_EQ(pipe(ends), 0);
-    close(ends[0]);
     QProcess program;
-    program.setProcessEnvironment(environment);
-    program.setChildProcessModifier([&] { dup2(ends[1], STDOUT_FILENO); });
-    program.start(besideTheTest("glimmet"), {QStringLiteral("--menudump")});
+    program.setProcessEnvironment(home.environment());
+    program.setChildProcessModifier([] {
+        int ends[2];
+        if (pipe(ends) == 0 && close(ends[0]) == 0) dup2(ends[1], STDOUT_FILENO);
+    });
+    program.start(besideTheTest("glimmet"),
+                  {QStringLiteral("-platform"), QStringLiteral("offscreen"), QStringLiteral("--menudump")});
     EXPECT_TRUE(program.waitForFinished(10000));
     EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
-    close(ends[1]);
 }
 
 class Startup : public DesktopTest {};
 
 TEST_F(Startup, DoesWithoutABusThatSaysNothing) {
-    const QByteArray path = home.filePath(QStringLiteral("bus")).toUtf8();
+    const QByteArray path = home.path("bus");
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     std::copy(path.begin(), path.end(), address.sun_path);
     const int listener = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
     ASSERT_EQ(bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
     ASSERT_EQ(listen(listener, 10), 0);
-    std::atomic<const char*> greeting = "";
-    std::thread bus([&] {
-        for (int program; (program = accept(listener, nullptr, nullptr)) >= 0;)
-            send(program, greeting, std::strlen(greeting), MSG_NOSIGNAL);
-    });
+    const char* greeting = "";
+    QSocketNotifier arrivals(listener, QSocketNotifier::Read);
+    QObject::connect(&arrivals, &QSocketNotifier::activated,
+                     [&] { send(accept(listener, nullptr, nullptr), greeting, std::strlen(greeting), MSG_NOSIGNAL); });
     const QString place = QString::fromUtf8("unix:path=" + path);
     // The second lets programs in and answers no call.
     for (const char* words : {"", "OK 0123456789abcdef0123456789abcdef\r\n"}) {
@@ -74,8 +68,6 @@ TEST_F(Startup, DoesWithoutABusThatSaysNothing) {
         glimmet->terminate();
         EXPECT_TRUE(glimmet->ends());
     }
-    shutdown(listener, SHUT_RDWR);
-    bus.join();
     close(listener);
 }
 
@@ -92,6 +84,23 @@ TEST_F(Startup, SaysWhereItLivesAndHangsThereFromTheTop) {
     EXPECT_TRUE(window.active()) << "it takes the focus from nobody";
     glimmet->terminate();
     EXPECT_TRUE(glimmet->ends());
+}
+
+TEST_F(Startup, IsOnlyOnceForAUserAndFindsWhatItHeldBeforeItsSuddenEnd) {
+    ASSERT_NO_FATAL_FAILURE(start({QStringLiteral("--bites"), QStringLiteral("--timer=600")}));
+    ASSERT_TRUE(home.holds("glimmet.bites", "note") && home.holds("glimmet.timers", "minutes"));
+    const QByteArray held = home.preferences();
+    for (const auto& [flag, error] :
+         {std::pair{"--seed", "glimmet: already running for this user"}, {"--menudump", ""}}) {
+        const Home elsewhere;
+        Glimmet second(&session, home, {QLatin1String(flag)}, {}, &elsewhere);
+        EXPECT_TRUE(second.ends()) << flag;
+        EXPECT_EQ(second.errors().join(u'\n'), QLatin1String(error));
+    }
+    glimmet->kill();
+    EXPECT_EQ(home.preferences(), held);
+    ASSERT_NO_FATAL_FAILURE(start());
+    EXPECT_TRUE(waitForBody(236, 74));
 }
 
 TEST_F(Startup, PrintsItsMenuAndEnds) {

@@ -1,13 +1,14 @@
 #include <gtest/gtest.h>
 
+#include <QJsonArray>
 #include <QJsonDocument>
-#include <QTemporaryDir>
 
 #include "platform/FileUrls.h"
 #include "shelf/ChewedName.h"
 #include "shelf/ChipActions.h"
 #include "shelf/WorkerAnswer.h"
 #include "support/Creature.h"
+#include "support/TestFolder.h"
 
 using namespace Qt::StringLiterals;
 
@@ -17,19 +18,16 @@ const QByteArray kJpeg("\xff\xd8\xff...\xff\xd9");
 const QByteArray kPng("\x89PNG\r\n\x1a\n\0\0\0\x0dIHDR...\0\0\0\0IEND\xae\x42\x60\x82", 31);
 
 /// With files to chew.
-struct ChewFixture : CreatureFixture {
+struct ChewFixture : CreatureFixture, TestFolder {
     QUrl file(const QByteArray& name) const {
-        QFile made(QFile::decodeName(path(name)));
-        EXPECT_TRUE(made.open(QIODevice::WriteOnly));
+        write(name, "");
         return fileUrl(path(name));
     }
-    QByteArray path(const QByteArray& name) const { return QFile::encodeName(folder.path()) + '/' + name; }
     void runJob() {
         jobs.runAll();
         loop.advance(1.2);
     }
 
-    QTemporaryDir folder;
     Chewer chewer{worker};
 };
 
@@ -37,13 +35,19 @@ QUrl file(const char* path) {
     return QUrl::fromLocalFile(QString::fromUtf8(path));
 }
 
-QJsonObject failed(int code, const QString& description = {}) {
-    return {{QStringLiteral("error"),
-             QJsonObject{{QStringLiteral("code"), code}, {QStringLiteral("description"), description}}}};
+QJsonObject answered(const QByteArray& json) {
+    return QJsonDocument::fromJson(json).object();
 }
 
-QJsonObject text(const QString& said) {
-    return {{QStringLiteral("text"), said}};
+QJsonObject failed(int code) {
+    return answered(R"({"error": {"description": "", "code": )" + QByteArray::number(code) + "}}");
+}
+
+/// Such as "chew 3"; empty where there is none.
+template <class Result>
+std::string errorOf(const Result& result) {
+    const auto* error = std::get_if<ChewError>(&result);
+    return error ? error->domain.toStdString() + ' ' + std::to_string(error->code) : std::string();
 }
 
 TEST(Chew, HoldsTheResultAfterAMomentOfChewing) {
@@ -56,15 +60,12 @@ TEST(Chew, HoldsTheResultAfterAMomentOfChewing) {
     f.shelf.readText(photo);
     f.jobs.runAll();
     f.loop.advance(1.09);
-    EXPECT_TRUE(f.m.chewing);
-    EXPECT_EQ(f.m.items->size(), 1);
+    EXPECT_TRUE(f.m.chewing && f.m.items->size() == 1);
     f.loop.advance(0.02);
     EXPECT_FALSE(f.m.chewing);
     EXPECT_EQ(f.m.items->value(1), fileUrl(f.path("photo -small.jpg")));
-    EXPECT_EQ(f.m.swallowCount, 1);
-    EXPECT_EQ(f.m.worryCount, 0);
-    EXPECT_EQ(f.worker.requests, (QList<QStringList>{{QStringLiteral("chew"), QStringLiteral("smaller")}}))
-        << "what came meanwhile is dropped";
+    EXPECT_TRUE(f.m.swallowCount == 1 && f.m.worryCount == 0);
+    EXPECT_EQ(f.worker.requests, (QList<QStringList>{{u"chew"_s, u"smaller"_s}})) << "what came meanwhile is dropped";
 }
 
 TEST(Chew, EveryFailureOnlyWorries) {
@@ -75,10 +76,8 @@ TEST(Chew, EveryFailureOnlyWorries) {
         f.runJob();
         f.shelf.readText(f.file("a.png"));
         f.runJob();
-        EXPECT_FALSE(f.m.chewing);
-        EXPECT_EQ(f.m.worryCount, 2);
+        EXPECT_TRUE(!f.m.chewing && f.m.worryCount == 2 && f.m.swallowCount + f.m.boopCount == 0);
         EXPECT_TRUE(f.m.items->isEmpty() && f.m.bites->isEmpty() && f.pasteboard.texts.isEmpty());
-        EXPECT_EQ(f.m.swallowCount + f.m.boopCount, 0);
     }
 }
 
@@ -86,8 +85,7 @@ TEST(Chew, DoesNotWaitForADeadDiskForEver) {
     ChewFixture f;
     f.shelf.chew(f.file("a.png"), Chewer::Mode::toJPEG);
     f.loop.advance(100);
-    EXPECT_FALSE(f.m.chewing);
-    EXPECT_EQ(f.m.worryCount, 1);
+    EXPECT_TRUE(!f.m.chewing && f.m.worryCount == 1);
     f.runJob();
     EXPECT_TRUE(f.worker.requests.isEmpty()) << "too late";
     f.shelf.chew(f.file("a.png"), Chewer::Mode::toJPEG);
@@ -96,94 +94,80 @@ TEST(Chew, DoesNotWaitForADeadDiskForEver) {
 }
 
 TEST(Chewer, BelievesOnlyWhatItSees) {
-    const auto answered = [](const char* json) { return QJsonDocument::fromJson(json).object(); };
+    using enum Chewer::Mode;
+    const QByteArray told = R"({"error": {"code": 1, "description": ")" + QByteArray(999, 'x') + R"("}})";
     const struct {
         std::optional<QJsonObject> answer;
         QByteArray written;
         Chewer::Mode mode;
-        QString domain;
-        int code;
+        const char* error;
     } cases[] = {
-        {QJsonObject(), kPng, Chewer::Mode::toPNG, {}, 0},
-        {QJsonObject(), kJpeg, Chewer::Mode::toJPEG, {}, 0},
-        {answered(R"({"file": "https://a.example/?secret"})"), kJpeg, Chewer::Mode::toJPEG, {}, 0},
-        {answered(R"({"file": "file:///etc/passwd"})"), "", Chewer::Mode::toJPEG, u"chew"_s, 3},
-        {QJsonObject(), kJpeg, Chewer::Mode::toPNG, u"chew"_s, 3},
-        {QJsonObject(), kPng, Chewer::Mode::smaller, u"chew"_s, 3},
-        {QJsonObject(), kPng.chopped(1), Chewer::Mode::toPNG, u"chew"_s, 3},
-        {QJsonObject(), kJpeg + '<', Chewer::Mode::toJPEG, u"chew"_s, 3},
-        {QJsonObject(), "#!/bin/sh", Chewer::Mode::toJPEG, u"chew"_s, 3},
-        {failed(3), kJpeg, Chewer::Mode::toJPEG, u"chew"_s, 3},
-        {failed(8), kJpeg, Chewer::Mode::toJPEG, u"worker"_s, 0},
-        {answered(R"({"error": "yes"})"), kJpeg, Chewer::Mode::toJPEG, u"worker"_s, 0},
-        {failed(1, QString(999, u'x')), kJpeg, Chewer::Mode::toJPEG, u"worker"_s, 0},
-        {{}, kJpeg, Chewer::Mode::toJPEG, u"worker"_s, 0},
+        {QJsonObject(), kPng, toPNG, ""},
+        {QJsonObject(), kJpeg, toJPEG, ""},
+        {answered(R"({"file": "https://a.example/?secret"})"), kJpeg, toJPEG, ""},
+        {answered(R"({"file": "file:///etc/passwd"})"), "", toJPEG, "chew 3"},
+        {QJsonObject(), kJpeg, toPNG, "chew 3"},
+        {QJsonObject(), kPng, smaller, "chew 3"},
+        {QJsonObject(), kPng.chopped(1), toPNG, "chew 3"},
+        {QJsonObject(), kJpeg + '<', toJPEG, "chew 3"},
+        {QJsonObject(), "#!/bin/sh", toJPEG, "chew 3"},
+        {failed(3), kJpeg, toJPEG, "chew 3"},
+        {failed(8), kJpeg, toJPEG, "worker 0"},
+        {answered(R"({"error": "yes"})"), kJpeg, toJPEG, "worker 0"},
+        {answered(told), kJpeg, toJPEG, "worker 0"},
+        {{}, kJpeg, toJPEG, "worker 0"},
     };
-    for (const auto& [answer, written, mode, domain, code] : cases) {
+    for (const auto& c : cases) {
         ChewFixture f;
-        f.worker.answer = answer;
-        f.worker.written = written;
-        const auto result = f.chewer.chew(f.file("a.gif"), mode, {});
-        const auto* error = std::get_if<ChewError>(&result);
-        EXPECT_EQ(error ? error->domain : QString(), domain) << written.toStdString();
-        EXPECT_EQ(error ? error->code : 0, code) << written.toStdString();
-        const QByteArrayList made{f.path(mode == Chewer::Mode::toPNG ? "a.png" : "a.jpg")};
-        EXPECT_EQ(f.worker.taken, error ? QByteArrayList() : made);
+        f.worker.answer = c.answer;
+        f.worker.written = c.written;
+        const auto result = f.chewer.chew(f.file("a.gif"), c.mode, {});
+        EXPECT_EQ(errorOf(result), c.error) << "row " << &c - cases;
+        const QByteArrayList made{f.path(c.mode == toPNG ? "a.png" : "a.jpg")};
+        EXPECT_EQ(f.worker.taken, *c.error ? QByteArrayList() : made) << "row " << &c - cases;
     }
 
     const QString page(5000, u'x');
     ChewFixture f;
     for (const QString& good : {u"a\n\tb \u00fc \U0001f600"_s, page}) {
-        f.worker.answer = text(good);
+        f.worker.answer = {{u"text"_s, good}};
         EXPECT_EQ(std::get<QString>(f.chewer.readText(f.file("a.png"))), good);
     }
     for (const QString& bad : {QString(), u"\u001b[2J"_s, QString(u'\0'), QString(QChar(0xd800)), page.repeated(100)}) {
-        f.worker.answer = text(bad);
-        EXPECT_EQ(std::get<ChewError>(f.chewer.readText(f.file("a.png"))).domain, u"worker"_s);
+        f.worker.answer = {{u"text"_s, bad}};
+        EXPECT_EQ(errorOf(f.chewer.readText(f.file("a.png"))), "worker 0");
     }
 }
 
 TEST(Chewer, BelievesOnlyThumbnailsThatFit) {
-    const QByteArray pixels("\xff\0\0\x80\0\xff\0\xff", 8);  // a red that is half there, a green
-    const QString base64 = QString::fromLatin1(pixels.toBase64()),
-                  four = QString::fromLatin1(QByteArray(16, 'x').toBase64());
-    const struct {
-        QJsonValue width, height, pixels;
-        bool isBelieved = false;
-    } cases[] = {
-        {2, 1, base64, true},
-        {1, 2, base64, true},
-        {2, 2, base64},
-        {1, 1, base64},
-        {3, 1, base64},
-        {4, 1, four},
-        {1, 4, four},
-        {0, 0, u""_s},
-        {-2, -1, base64},
-        {1.5, 2, base64},
-        {1 << 16, 1 << 16, u""_s},
-        {u"2"_s, 1, base64},
-        {{}, 1, base64},
-        {2, 1, {}},
-        {2, 1, base64.chopped(2)},
-        {2, 1, u"!"_s + base64},
-        {2, 1, base64 + QChar(0x100)},
-    };
-    const auto answered = [](const auto& c) {
-        return QJsonObject{{u"width"_s, c.width}, {u"height"_s, c.height}, {u"pixels"_s, c.pixels}};
-    };
-    for (const auto& c : cases) {
-        const auto made = thumbnailIn(answered(c), 2);
+    // Width, height and pixels (P: a red that is half there, a green); only the first two are right.
+    const char* const cases[] = {R"([2, 1, "P"])",
+                                 R"([1, 2, "P"])",
+                                 R"([2, 2, "P"])",
+                                 R"([1, 1, "P"])",
+                                 R"([3, 1, "P"])",
+                                 R"([0, 0, ""])",
+                                 R"([4, 1, "xxxxxxxxxxxxxxxxxxxxxxxx"])",
+                                 R"([1, 4, "xxxxxxxxxxxxxxxxxxxxxxxx"])",
+                                 R"([-2, -1, "P"])",
+                                 R"([1.5, 2, "P"])",
+                                 R"([65536, 65536, ""])",
+                                 R"(["2", 1, "P"])",
+                                 R"([null, 1, "P"])",
+                                 "[2, 1]",
+                                 R"([2, 1, "/wAAgAD/AP"])",
+                                 R"([2, 1, "!P"])",
+                                 R"([2, 1, "PĀ"])"};
+    for (const char* const& row : cases) {
+        const QByteArray json = QByteArray(row).replace('P', "/wAAgAD/AP8=");
+        const QJsonArray c = QJsonDocument::fromJson(json).array();
+        const auto made = thumbnailIn(QJsonObject{{u"width"_s, c[0]}, {u"height"_s, c[1]}, {u"pixels"_s, c[2]}}, 2);
+        EXPECT_EQ(errorOf(made), &row < cases + 2 ? "" : "worker 0") << row;
         const auto* image = std::get_if<QImage>(&made);
-        EXPECT_EQ(bool(image), c.isBelieved) << QJsonDocument(answered(c)).toJson().toStdString();
-        if (image) {
-            EXPECT_EQ(image->pixelColor(0, 0), QColor(255, 0, 0, 128));
-        } else {
-            EXPECT_EQ(std::get<ChewError>(made).domain, u"worker"_s);
-        }
+        EXPECT_TRUE(!image || image->pixelColor(0, 0) == QColor(255, 0, 0, 128));
     }
-    EXPECT_EQ(std::get<ChewError>(thumbnailIn(failed(1), 2)).code, 1);
-    EXPECT_EQ(std::get<ChewError>(thumbnailIn({}, 2)).domain, u"worker"_s);
+    EXPECT_EQ(errorOf(thumbnailIn(failed(1), 2)), "chew 1");
+    EXPECT_EQ(errorOf(thumbnailIn({}, 2)), "worker 0");
 }
 
 TEST(Chewer, OpensRegularFilesOnly) {
@@ -191,14 +175,11 @@ TEST(Chewer, OpensRegularFilesOnly) {
     ASSERT_EQ(::mkfifo(f.path("pipe.png").constData(), 0666), 0);
     ASSERT_EQ(::symlink("loop.png", f.path("loop.png").constData()), 0);
     ASSERT_EQ(::symlink("page.png", f.path("link.png").constData()), 0);
-    for (const auto& [path, code] : {std::pair(f.path("missing.png"), 1),
-                                     {f.path("missing.PDF"), 4},
-                                     {f.path(""), 1},
-                                     {f.path("pipe.png"), 1},
-                                     {f.path("loop.png"), 1},
-                                     {"/dev/zero", 1}})
-        EXPECT_EQ(std::get<ChewError>(f.chewer.readText(fileUrl(path))).code, code) << path.toStdString();
-    EXPECT_EQ(std::get<ChewError>(f.chewer.chew(QUrl(u"https://a.example/a.png"_s), {}, {})).code, 1);
+    EXPECT_EQ(errorOf(f.chewer.readText(fileUrl(f.path("missing.PDF")))), "chew 4");
+    for (const QByteArray& path :
+         {f.path("missing.png"), f.path(""), f.path("pipe.png"), f.path("loop.png"), QByteArray("/dev/zero")})
+        EXPECT_EQ(errorOf(f.chewer.readText(fileUrl(path))), "chew 1") << path.toStdString();
+    EXPECT_EQ(errorOf(f.chewer.chew(QUrl(u"https://a.example/a.png"_s), {}, {})), "chew 1");
     EXPECT_TRUE(f.worker.requests.isEmpty());
     for (const char* name : {"page.Pdf", "page.png"}) f.chewer.readText(f.file(name));
     f.chewer.readText(fileUrl(f.path("link.png")));
@@ -225,45 +206,46 @@ TEST(Chewer, NeverTakesANameThatIsTaken) {
     EXPECT_TRUE(chewed("c.png").startsWith(f.path("dropped/c-")))
         << "the number that it would have had beside its source";
     f.worker.readOnly.append(f.path("dropped"));
-    EXPECT_EQ(std::get<ChewError>(f.chewer.chew(f.file("d.png"), {}, fileUrl(f.path("dropped")))).code, 2);
+    EXPECT_EQ(errorOf(f.chewer.chew(f.file("d.png"), {}, fileUrl(f.path("dropped")))), "chew 2");
     f.worker.answer = failed(1);
-    EXPECT_EQ(std::get<ChewError>(f.chewer.chew(f.file("d.png"), {}, fileUrl(f.path("dropped")))).code, 1);
+    EXPECT_EQ(errorOf(f.chewer.chew(f.file("d.png"), {}, fileUrl(f.path("dropped")))), "chew 1");
 }
 
 TEST(ChewedName, IsMadeOfAnyName) {
+    using enum Chewer::Mode;
     constexpr qsizetype kLongest = 255;
+    const auto letters = [](int count) { return QByteArray(count, 'x'); };
     const QByteArray umlauts = QByteArray("\u00fc").repeated(126);
     const struct {
         QByteArray source, result;
-        Chewer::Mode mode = Chewer::Mode::toJPEG;
+        Chewer::Mode mode = toJPEG;
     } cases[] = {
-        {"a.tar.gif", "a.tar.png", Chewer::Mode::toPNG},
+        {"a.tar.gif", "a.tar.png", toPNG},
         {".png", ".png.jpg"},
         {"none", "none.jpg"},
         {"end.", "end..jpg"},
         {"a\nb \"%20\xff\xfe.png", "a\nb \"%20\xff\xfe.jpg"},
-        {QByteArray(250, 'x') + ".heic", QByteArray(250, 'x') + ".jpg"},
-        {QByteArray(252, 'x') + ".b", QByteArray(251, 'x') + ".jpg"},
-        {QByteArray(251, 'x') + ".png", QByteArray(245, 'x') + "-small.jpg", Chewer::Mode::smaller},
+        {letters(250) + ".heic", letters(250) + ".jpg"},
+        {letters(252) + ".b", letters(251) + ".jpg"},
+        {letters(251) + ".png", letters(245) + "-small.jpg", smaller},
         // 126 two-byte letters; 251 bytes would end in the middle of the last.
         {umlauts + ".b", umlauts.left(250) + ".jpg"},
         {QByteArray(255, '\x80'), QByteArray(248, '\x80') + ".jpg"},
     };
     for (const auto& [source, result, mode] : cases) EXPECT_EQ(ChewedName(source, mode).plain(kLongest), result);
-    EXPECT_EQ(ChewedName(QByteArray(250, 'x'), Chewer::Mode::toPNG).numbered(10, kLongest).size(), kLongest);
+    EXPECT_EQ(ChewedName(letters(250), toPNG).numbered(10, kLongest).size(), kLongest);
 }
 
 TEST(ReadText, GoesWholeToTheClipboardAndItsBeginningToTheShelf) {
     ChewFixture f;
     const QString page(1000, u'x');
-    f.worker.answer = text(page);
+    f.worker.answer = {{u"text"_s, page}};
     for (int i = 1; i <= 2; ++i) {
         f.m.asleep = true;
         f.shelf.readText(f.file("page.pdf"));
         f.runJob();
         EXPECT_EQ(f.pasteboard.texts.size(), i) << "also when the note is held already";
-        EXPECT_EQ(f.m.boopCount, i);
-        EXPECT_FALSE(f.m.asleep);
+        EXPECT_TRUE(f.m.boopCount == i && !f.m.asleep);
     }
     EXPECT_EQ(f.pasteboard.texts.last(), page);
     EXPECT_EQ(f.m.bites.get(), QList{Bite::note(page.left(400))});
@@ -278,21 +260,18 @@ TEST(Chew, AShelfThatIsGoneIsNotTouched) {
     }
     f.loop.advance(100);
     EXPECT_EQ(f.worker.requests.size(), 1);
+    EXPECT_EQ(f.preferences.writes, 0) << "nothing was held";
 }
 
 struct ActionsFixture : ChewFixture {
     MemoryWorkspace workspace;
     MemorySharing sharing;
     ChipActions actions{m, shelf, workspace, sharing};
-    QList<MenuItem> shared;
 
-    ActionsFixture() {
-        actions.showSharing = [this](const QList<MenuItem>& items) { shared = items; };
-    }
     static QString titles(const QList<MenuItem>& menu) {
         QStringList list;
         for (const MenuItem& item : menu) {
-            list.append(item.isSeparator() ? QStringLiteral("-") : item.title);
+            list.append(item.isSeparator() ? u"-"_s : item.title);
             if (!item.submenu.isEmpty()) list.last() += u'(' + titles(item.submenu) + u')';
         }
         return list.join(u'|');
@@ -307,46 +286,47 @@ struct ActionsFixture : ChewFixture {
 
 TEST(ChipMenu, ListsWhatTheThingAllows) {
     ActionsFixture f;
-    const QString chew = QStringLiteral("-|Chew(Into a JPEG|Into a PNG|Smaller)|");
-    const QString head = QStringLiteral("Open|Reveal in Finder|Share…|"), read = QStringLiteral("Read the text|");
-    const QString tail = QStringLiteral("-|Remove");
-    for (const char* name :
-         {"a.png", "a.JPG", "a.jpeg", "a.heic", "a.HEIF", "a.tiff", "a.tif", "a.webp", "a.gif", "x.y.bmp"})
-        EXPECT_EQ(f.titles(f.actions.menu(QUrl::fromLocalFile(QStringLiteral("/") + QLatin1String(name)))),
-                  head + chew + read + tail)
-            << name;
-    EXPECT_EQ(f.titles(f.actions.menu(file("/a.pdf"))), head + read + tail);
-    for (const char* name : {"/notes.txt", "/png", "/a.png.txt"})
-        EXPECT_EQ(f.titles(f.actions.menu(file(name))), head + tail);
-    EXPECT_EQ(f.titles(f.actions.menu(Bite::note(QStringLiteral("x")))), QStringLiteral("Copy|-|Remove"));
-    EXPECT_EQ(f.titles(f.actions.menu(Bite::link(QUrl(QStringLiteral("https://a.example"))))),
-              QStringLiteral("Open|Share…|-|Remove"));
-    EXPECT_EQ(f.titles(f.actions.menu(HeldTimer{})), QStringLiteral("Remove"));
+    const QString chew = u"-|Chew(Into a JPEG|Into a PNG|Smaller)|"_s, head = u"Open|Reveal in Finder|Share…|"_s,
+                  read = u"Read the text|"_s, tail = u"-|Remove"_s;
+    const std::pair<QString, QStringList> cases[] = {
+        {chew + read, u"a.png a.JPG a.jpeg a.heic a.HEIF a.tiff a.tif a.webp a.gif x.y.bmp"_s.split(u' ')},
+        {read, {u"a.pdf"_s}},
+        {{}, {u"notes.txt"_s, u"png"_s, u"a.png.txt"_s}}};
+    for (const auto& [own, names] : cases) {
+        for (const QString& name : names)
+            EXPECT_EQ(f.titles(f.actions.menu(QUrl::fromLocalFile(u'/' + name))), head + own + tail)
+                << name.toStdString();
+    }
+    EXPECT_EQ(f.titles(f.actions.menu(Bite::note(u"x"_s))), u"Copy|-|Remove"_s);
+    EXPECT_EQ(f.titles(f.actions.menu(Bite::link(QUrl(u"https://a.example"_s)))), u"Open|Share…|-|Remove"_s);
+    EXPECT_EQ(f.titles(f.actions.menu(HeldTimer{})), u"Remove"_s);
 }
 
 TEST(ChipMenu, DoesWhatItSays) {
     ActionsFixture f;
     const QUrl image = f.file("a.png");
-    const Bite link = Bite::link(QUrl(QStringLiteral("https://a.example"))), note = Bite::note(QStringLiteral("soup"));
+    const Bite link = Bite::link(QUrl(u"https://a.example"_s)), note = Bite::note(u"soup"_s);
     f.m.items = QList{image, file("/p/b.txt")};
     f.m.bites = QList{link, note};
     f.shelf.addTimer(5);
     const auto menu = f.actions.menu(image);
     f.choose(menu, "Open");
-    f.choose(menu, "Reveal in Finder");
     f.choose(f.actions.menu(link), "Open");
+    f.choose(menu, "Reveal in Finder");
     EXPECT_EQ(f.workspace.opened, (QList{image, *link.url()}));
     EXPECT_EQ(f.workspace.revealed, QList{image});
     f.choose(f.actions.menu(note), "Copy");
-    EXPECT_EQ(f.pasteboard.texts, QStringList{QStringLiteral("soup")});
+    EXPECT_EQ(f.pasteboard.texts, QStringList{u"soup"_s});
     EXPECT_EQ(f.m.boopCount, 1);
     f.choose(menu, "Into a PNG");
     f.jobs.runAll();
-    EXPECT_EQ(f.worker.requests.value(0).value(1), QStringLiteral("png"));
+    EXPECT_EQ(f.worker.requests.value(0).value(1), u"png"_s);
 
-    f.sharing.list = {{QStringLiteral("Send by mail…"), {}, {}}};
+    QString offered;
+    f.actions.showSharing = [&](const QList<MenuItem>& items) { offered = f.titles(items); };
+    f.sharing.list = {{u"Send by mail…"_s, {}, {}}};
     f.choose(menu, "Share…");
-    EXPECT_EQ(f.titles(f.shared), QStringLiteral("Send by mail…"));
+    EXPECT_EQ(offered, u"Send by mail…"_s);
 
     f.choose(menu, "Remove");
     f.choose(f.actions.menu(note), "Remove");

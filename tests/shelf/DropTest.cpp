@@ -3,7 +3,8 @@
 #include <QDir>
 #include <QFile>
 #include <QRegularExpression>
-#include <QTemporaryDir>
+#include <cmath>
+#include <thread>
 
 #include "platform/FileUrls.h"
 #include "shelf/DropIntake.h"
@@ -12,18 +13,13 @@
 #include "shelf/NoteText.h"
 #include "shelf/UrlList.h"
 #include "support/Creature.h"
+#include "support/TestFolder.h"
 
 namespace {
 
 /// With an intake, and a dropped folder that is a real one.
-struct DropFixture : CreatureFixture {
-    DropFixture() : CreatureFixture(newFolder()) {}
-    ~DropFixture() { QDir(dataFolder).removeRecursively(); }
-    static QString newFolder() {
-        QTemporaryDir made;
-        made.setAutoRemove(false);
-        return made.path();
-    }
+struct DropFixture : TestFolder, CreatureFixture {
+    DropFixture() : CreatureFixture(QString::fromUtf8(path())) {}
 
     MemoryDragPasteboard dragPasteboard;
     InlineQueue disk;
@@ -43,7 +39,7 @@ struct DropFixture : CreatureFixture {
         drop = std::make_shared<MemoryDrop>();
     }
     QStringList folder() const {
-        return QDir(dataFolder + QStringLiteral("/Glimmet/Dropped"))
+        return QDir(dataFolder + QStringLiteral("Glimmet/Dropped"))
             .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
     }
     static QByteArray contents(const QUrl& file) {
@@ -52,23 +48,9 @@ struct DropFixture : CreatureFixture {
     }
 };
 
-TEST(DragWatch, TheZoneIsOpenAtItsEdges) {
+TEST(DragWatch, AsksOncePerDragAndLooksWhetherItIsNear) {
     DropFixture f;
-    f.beginUsableDrag();
-    for (const auto& [x, down, isNear] : std::initializer_list<std::tuple<double, double, bool>>{{0, 89.9, true},
-                                                                                                 {0, 90, false},
-                                                                                                 {189.9, 10, true},
-                                                                                                 {190, 10, false},
-                                                                                                 {-190, 10, false},
-                                                                                                 {-189, 0, true}}) {
-        f.drag(x, down);
-        EXPECT_EQ(f.m.dragNear, isNear) << x << ' ' << down;
-    }
-}
-
-TEST(DragWatch, AsksOncePerDragAndNoticesALateAnswer) {
-    DropFixture f;
-    for (const bool isUsable : {true, false}) {
+    for (const bool isUsable : {false, true}) {
         ++f.dragPasteboard.count;
         const int questions = f.dragPasteboard.questions;
         for (int i = 0; i < 5; ++i) f.drag(0, 10 + i);
@@ -76,6 +58,14 @@ TEST(DragWatch, AsksOncePerDragAndNoticesALateAnswer) {
         EXPECT_FALSE(f.m.dragNear);
         f.dragPasteboard.answer(isUsable);
         EXPECT_EQ(f.m.dragNear, isUsable);
+    }
+    for (const QPointF near : {QPointF(0, 89.9), QPointF(189.9, 10), QPointF(-189, 0)}) {
+        f.drag(near.x(), near.y());
+        EXPECT_TRUE(f.m.dragNear) << near.x() << ' ' << near.y();
+        f.drag(0, 90);
+        EXPECT_FALSE(f.m.dragNear);
+        f.drag(std::copysign(190, near.x()), 10);
+        EXPECT_FALSE(f.m.dragNear) << near.x();
     }
 }
 
@@ -138,101 +128,54 @@ TEST(DragWatch, ANearDragBringsAHiddenCreatureBackButNotTheWeather) {
 
 TEST(Drop, TheBestFormIsTaken) {
     const QByteArray image = "http://example.org/x";
+    constexpr char url[] = "_NETSCAPE_URL", plain[] = "text/plain;charset=utf-8", list[] = "text/uri-list";
     const struct {
         const char* why;
         std::vector<std::pair<const char*, QByteArray>> forms;
-        QStringList files;  // held ones; those in the dropped folder by their extension
-        QStringList bites;
-        QByteArray contents;  // of the last file
+        QByteArray held;           // in lines: files, those in the dropped folder by their extension; bites
+        QByteArray contents = {};  // of the last file
     } cases[] = {
         {"files before all else, links beside them",
          {{"image/png", "png"},
-          {"text/plain;charset=utf-8", "/a b"},
-          {"text/uri-list", "# two files\r\nfile:///a%20b\r\n" + image + "\r\nfile:///c\r\nfile:///a%20b\r\n"}},
-         {QStringLiteral("/a b"), QStringLiteral("/c")},
-         {QStringLiteral("l:http://example.org/x")},
+          {plain, "/a b"},
+          {list, "# two files\r\nfile:///a%20b\r\n" + image + "\r\nfile:///c\r\nfile:///a%20b\r\n"}},
+         "/a b\n/c\nl:http://example.org/x\n",
          "unreadable"},
         {"an image before the link to it",
-         {{"text/uri-list", image}, {"text/html", "<img>"}, {"image/tiff", ""}, {"image/jpeg", "jpeg"}},
-         {QStringLiteral(".jpg")},
-         {},
+         {{list, image}, {"text/html", "<img>"}, {"image/tiff", ""}, {"image/jpeg", "jpeg"}},
+         ".jpg\n",
          "jpeg"},
         {"an image that is its own address",
-         {{"_NETSCAPE_URL", "data:image/png;base64,AAEC/w==\ntitle"}},
-         {QStringLiteral(".png")},
-         {},
+         {{url, "data:image/png;base64,AAEC/w==\ntitle"}},
+         ".png\n",
          QByteArray("\0\1\2\xff", 4)},
-        {"the same in its other spelling",
-         {{"_NETSCAPE_URL", "Data:image/svg+xml;charset=utf-8,%3Csvg/%3E"}},
-         {QStringLiteral(".svg")},
-         {},
-         "<svg/>"},
-        {"and in base64 for addresses",
-         {{"_NETSCAPE_URL", "data:image/jpeg;base64,_-8%3D"}},
-         {QStringLiteral(".jpg")},
-         {},
-         "\xff\xef"},
-        {"an empty one", {{"_NETSCAPE_URL", "data:image/png;base64,"}}, {}, {}, {}},
-        {"not an image", {{"_NETSCAPE_URL", "data:text/html,<b>"}}, {}, {}, {}},
+        {"the same in its other spelling", {{url, "Data:image/svg+xml;charset=utf-8,%3Csvg/%3E"}}, ".svg\n", "<svg/>"},
+        {"and in base64 for addresses", {{url, "data:image/jpeg;base64,_-8%3D"}}, ".jpg\n", "\xff\xef"},
+        {"an empty one", {{url, "data:image/png;base64,"}}, ""},
+        {"not an image", {{url, "data:text/html,<b>"}}, ""},
         {"text, trimmed and cut",
-         {{"text/plain;charset=utf-8", "  \n" + QByteArray("x").repeated(1000) + "\n "}},
-         {},
-         {QStringLiteral("n:") + QString(400, u'x')},
-         {}},
-        {"text that comes late",
-         {{"text/plain;charset=utf-8", QByteArray(3 << 20, ' ') + "late"}},
-         {},
-         {QStringLiteral("n:late")},
-         {}},
-        {"nothing but blanks", {{"text/plain;charset=utf-8", " \n\t\r\n"}}, {}, {}, {}},
-        {"a colour", {{"application/x-color", "1"}}, {}, {}, {}},
+         {{plain, "  \n" + QByteArray("x").repeated(1000) + "\n "}},
+         "n:" + QByteArray("x").repeated(400) + '\n'},
+        {"text that comes late", {{plain, QByteArray(3 << 20, ' ') + "late"}}, "n:late\n"},
+        {"nothing but blanks", {{plain, " \n\t\r\n"}}, ""},
+        {"a colour", {{"application/x-color", "1"}}, ""},
     };
     for (const auto& c : cases) {
         DropFixture f;
         for (const auto& [type, data] : c.forms) f.drop->offer(type, data);
         f.handle();
-        ASSERT_EQ(f.m.items->size(), c.files.size()) << c.why;
-        for (qsizetype i = 0; i < c.files.size(); ++i)
-            EXPECT_TRUE(f.m.items->at(i).toLocalFile().endsWith(c.files[i])) << c.why;
-        QStringList bites;
-        for (const Bite& bite : f.m.bites.get()) bites.append(biteKey(bite));
-        EXPECT_EQ(bites, c.bites) << c.why;
-        EXPECT_EQ(c.files.isEmpty() ? QByteArray() : f.contents(f.m.items->last()), c.contents) << c.why;
-        EXPECT_EQ(f.m.swallowCount, c.files.isEmpty() && c.bites.isEmpty() ? 0 : 1) << c.why;
-        for (const auto& [type, data] : c.forms) f.drop->offer(type, data);
+        const QString made = f.shelf.droppedFolder().toLocalFile() + DropIntake::droppedFileName(f.clock.now(), {});
+        QString held;
+        for (const QUrl& item : f.m.items.get()) held += item.toLocalFile().remove(made.chopped(1)) + u'\n';
+        for (const Bite& bite : f.m.bites.get()) held += biteKey(bite) + u'\n';
+        EXPECT_EQ(held.toUtf8(), c.held) << c.why;
+        EXPECT_EQ(f.m.items->isEmpty() ? QByteArray() : f.contents(f.m.items->last()), c.contents) << c.why;
+        EXPECT_EQ(f.m.swallowCount, c.held.isEmpty() ? 0 : 1) << c.why;
         const bool makesNew = f.folder().size() > 0;
+        for (const auto& [type, data] : c.forms) f.drop->offer(type, data);
         f.handle();
         EXPECT_EQ(f.m.swallowCount > 1, makesNew) << c.why << ": what is held already is not swallowed again";
     }
-}
-
-TEST(Drop, FilesOfOneSecondGetCounters) {
-    DropFixture f;
-    for (const char* bytes : {"first", "second"}) {
-        f.drop->offer("image/jpeg", bytes);
-        f.handle();
-    }
-    ASSERT_EQ(f.m.items->size(), 2);
-    const QString name = f.m.items->first().fileName();
-    EXPECT_EQ(name, DropIntake::droppedFileName(f.clock.now(), QStringLiteral("jpg")));
-    EXPECT_TRUE(QRegularExpression(QStringLiteral("^Dropped [\\d-]{10} at [\\d.]{8}\\.jpg$")).match(name).hasMatch());
-    EXPECT_EQ(f.contents(f.m.items->first()), "first");
-    EXPECT_EQ(f.m.items->last().fileName(), QString(name).replace(QStringLiteral(".jpg"), QStringLiteral("-2.jpg")));
-    EXPECT_EQ(f.folder().size(), 2) << "drafts are not left behind";
-}
-
-TEST(Drop, APromisedFileIsTakenWholeUnderAHarmlessName) {
-    DropFixture f;
-    for (const char* name : {"passwd.txt", "passwd-2.txt"}) {
-        f.drop->promise = "../../etc/pass\nwd.txt";
-        f.drop->saved = name;
-        f.drop->offer("text/plain;charset=utf-8", "no");
-        f.handle();
-        const QUrl wanted = fileUrl((f.dataFolder + QStringLiteral("/Glimmet/Dropped/")).toUtf8() + name);
-        EXPECT_EQ(f.m.items->value(f.m.items->size() - 1), wanted);
-        EXPECT_EQ(f.contents(wanted), name);
-    }
-    EXPECT_EQ(f.folder().size(), 2);
 }
 
 TEST(Drop, WithoutADiskNothingIsLostButTheImage) {
@@ -240,7 +183,7 @@ TEST(Drop, WithoutADiskNothingIsLostButTheImage) {
         DropFixture f;
         HeldQueue hanging;
         DropIntake drops{f.m, f.shelf, f.clock, f.loop, f.dragPasteboard, hanging};
-        QFile blocked(f.dataFolder + QStringLiteral("/Glimmet"));
+        QFile blocked(QString::fromUtf8(f.path("Glimmet")));
         ASSERT_TRUE(blocked.open(QFile::WriteOnly));
         f.drop->promise = "a.txt";
         f.drop->saved = "x";
@@ -308,13 +251,34 @@ TEST(NoteText, CountsCharactersAsAPersonDoes) {
 }
 
 TEST(NewFile, CountersStandBeforeTheExtension) {
-    const QTemporaryDir dir;
-    const QUrl folder = QUrl::fromLocalFile(dir.path() + u'/');
+    const TestFolder dir;
+    const QUrl folder = fileUrl(dir.path());
     for (const auto& [name, second] : std::vector<std::pair<const char*, const char*>>{
              {"a.tar.gz", "a-2.tar.gz"}, {"v1.2 at 20.07.33.png", "v1.2 at 20.07.33-2.png"}, {"plain", "plain-2"}}) {
         ASSERT_TRUE(writeNewFile(folder, QLatin1String(name), "1"));
         EXPECT_EQ(writeNewFile(folder, QLatin1String(name), "2")->fileName(), QLatin1String(second));
     }
+    const QRegularExpression dropped(QStringLiteral("^Dropped [\\d-]{10} at [\\d.]{8}\\.jpg$"));
+    EXPECT_TRUE(dropped.match(DropIntake::droppedFileName({7e8}, QStringLiteral("jpg"))).hasMatch());
+}
+
+TEST(Inbox, WhatIsWrittenInSpurtsIsTakenWhole) {
+    DropFixture f;
+    const auto inbox = Inbox::make(f.shelf.droppedFolder());
+    ASSERT_TRUE(inbox);
+    QFile promised(inbox->place(QStringLiteral("a.txt")).toLocalFile());
+    ASSERT_TRUE(promised.open(QFile::WriteOnly | QFile::Unbuffered));
+    promised.write("half ");
+    inbox->tell(Inbox::Word::written);
+    std::thread source([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(700));
+        promised.write("and half");
+        promised.close();
+    });
+    EXPECT_EQ(inbox->await(5, true), Inbox::Contents::things);
+    const auto taken = inbox->bringOut({});
+    EXPECT_EQ(f.contents(taken.value(0)), "half and half");
+    source.join();
 }
 
 TEST(Inbox, WhatAnEarlierRunLeftIsHeldAtTheNextStart) {
@@ -340,15 +304,15 @@ TEST(Inbox, WhatAnEarlierRunLeftIsHeldAtTheNextStart) {
 
 TEST(NewFile, NamesAreMadeHarmless) {
     const QByteArray longName = QByteArray("é").repeated(200);
-    const std::vector<std::pair<QByteArray, const char*>> cases{{"a.txt", "a.txt"},
-                                                                {"/x/../b", "b"},
-                                                                {"..", "Dropped"},
-                                                                {"", "Dropped"},
-                                                                {"x/", "Dropped"},
-                                                                {".bashrc", "bashrc"},
-                                                                {"gpj\xe2\x80\xae.exe", "gpj.exe"},
-                                                                {"..\x06 ..x ", "x"},
-                                                                {QByteArray("n\0u\x1bl", 5), "nul"}};
+    const std::pair<QByteArray, const char*> cases[] = {{"a.txt", "a.txt"},
+                                                        {"/x/../b", "b"},
+                                                        {"..", "Dropped"},
+                                                        {"", "Dropped"},
+                                                        {"x/", "Dropped"},
+                                                        {".bashrc", "bashrc"},
+                                                        {"gpj\xe2\x80\xae.exe", "gpj.exe"},
+                                                        {"..\x06 ..x ", "x"},
+                                                        {QByteArray("n\0u\x1bl", 5), "nul"}};
     for (const auto& [given, wanted] : cases)
         EXPECT_EQ(sanitizedFileName(given), QLatin1String(wanted)) << given.toStdString();
     const QString cut = sanitizedFileName(longName + ".png");

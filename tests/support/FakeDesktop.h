@@ -27,17 +27,14 @@ class FakePanelWindow : public PanelWindow {
     double refreshRate() const override { return 60; }
     void paint(const QRegion& damage, const std::function<void(QPainter&)>& draw) override {
         ++paints;
-        painted = damage;
         QPainter painter(&picture);
         painter.setClipRegion(damage);
         draw(painter);
     }
+    void dragOut(const QUrl&, const QImage&, QPointF) override {}
 
-    void dragOut(const QUrl& file, const QImage&, QPointF) override { draggedOut.append(file); }
-
-    QList<QUrl> draggedOut;
     QRectF place;
-    QRegion input, painted;
+    QRegion input;
     QPainterPath outline;
     int raised = 0, paints = 0;
     QImage picture{360, 230, QImage::Format_ARGB32_Premultiplied};

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <deque>
+#include <limits>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -44,7 +45,9 @@ class ManualLoop : public MainLoop {
         const std::lock_guard lock(mutex_);
         posted_.push_back(std::move(callback));
     }
-    TimerHandle after(double seconds, Callback callback) override { return start(seconds, 0, std::move(callback)); }
+    TimerHandle after(double seconds, Callback callback) override {
+        return start(seconds, kNever, std::move(callback));
+    }
     TimerHandle every(double seconds, Callback callback) override {
         return start(seconds, seconds, std::move(callback));
     }
@@ -68,10 +71,7 @@ class ManualLoop : public MainLoop {
         const double end = clock_.uptime() + seconds;
         while (auto next = earliest(end)) {
             clock_.step(std::max(next->due - clock_.uptime(), 0.0));
-            if (next->period > 0)
-                next->due += next->period;
-            else
-                next->fired = true;
+            next->due += next->period;
             next->callback();
             drain();
         }
@@ -82,7 +82,7 @@ class ManualLoop : public MainLoop {
     int pending() const {
         return int(std::count_if(timers_.begin(), timers_.end(), [](const auto& weak) {
             const auto timer = weak.lock();
-            return timer && !timer->fired;
+            return timer && timer->due < kNever;
         }));
     }
 
@@ -90,8 +90,8 @@ class ManualLoop : public MainLoop {
     struct Timer {
         double due, period;
         Callback callback;
-        bool fired = false;
     };
+    static constexpr double kNever = std::numeric_limits<double>::infinity();
 
     TimerHandle start(double seconds, double period, Callback callback) {
         auto timer = std::make_shared<Timer>(Timer{clock_.uptime() + seconds, period, std::move(callback)});
@@ -105,7 +105,7 @@ class ManualLoop : public MainLoop {
         for (const auto& weak : timers_) {
             const auto timer = weak.lock();
             // A hair of slack: periods such as 0.1 add up to a little more than the end.
-            if (!timer->fired && timer->due <= end + 1e-9 && (!best || timer->due < best->due)) best = timer;
+            if (timer->due <= end + 1e-9 && (!best || timer->due < best->due)) best = timer;
         }
         return best;
     }

@@ -1,8 +1,6 @@
 #include "support/SoundServer.h"
 
 #include <QFileInfo>
-#include <cstdlib>
-#include <cstring>
 
 SoundServer::SoundServer(const QString& path)
     : path_(path),
@@ -21,21 +19,7 @@ QByteArray SoundServer::pactl(const QStringList& arguments) const {
     return process.waitForFinished(5000) && process.exitCode() == 0 ? process.readAllStandardOutput() : QByteArray();
 }
 
-testing::AssertionResult SoundServer::record() {
-    recorder_.emplace(QStringLiteral("parec --device=nobody.monitor --raw --format=s16le --rate=8000 --channels=1 "
-                                     "--latency-msec=50 --server %1")
-                          .arg(address())
-                          .split(u' '));
-    return waitFor([this] { return loudest(), !samples_.isEmpty(); }, 10);
-}
-
-int SoundServer::loudest() {
-    samples_ += recorder_->readAllStandardOutput();
-    int loudest = 0;
-    for (qsizetype i = 0; i + 1 < samples_.size(); i += 2) {
-        qint16 sample = 0;
-        std::memcpy(&sample, samples_.constData() + i, sizeof sample);
-        loudest = std::max(loudest, std::abs(int(sample)));
-    }
-    return loudest;
+bool SoundServer::plays(qint64 pid) const {
+    const QByteArray inputs = pactl({QStringLiteral("list"), QStringLiteral("sink-inputs")});
+    return inputs.contains("application.process.id = \"" + QByteArray::number(pid) + '"');
 }

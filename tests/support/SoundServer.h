@@ -1,7 +1,5 @@
 #pragma once
 
-#include <optional>
-
 #include "support/XSession.h"
 
 /// A PulseAudio server of our own with one sink that nobody hears.
@@ -17,14 +15,10 @@ class SoundServer {
     /// What pactl prints; empty if it fails.
     QByteArray pactl(const QStringList& arguments) const;
 
-    /// Begins to record what is heard from the sink; returns once something, be it silence, has come.
-    [[nodiscard]] testing::AssertionResult record();
-    /// The largest sample recorded so far, of at most 32768.
-    int loudest();
+    /// Whether it plays something for this process now.
+    bool plays(qint64 pid) const;
 
  private:
     QString path_;
     Child server_;
-    std::optional<Child> recorder_;
-    QByteArray samples_;
 };

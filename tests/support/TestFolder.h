@@ -14,11 +14,12 @@ class TestFolder {
 
     /// The path of what is called `name` in it.
     QByteArray path(const QByteArray& name = {}) const { return folder_.path().toUtf8() + '/' + name; }
-    /// Writes a file, and the folders that it needs.
-    void write(const QByteArray& name, const QByteArray& text) const {
+    /// Writes a file, and the folders that it needs. Its path.
+    QByteArray write(const QByteArray& name, const QByteArray& text) const {
         const std::filesystem::path file(path(name).toStdString());
         std::filesystem::create_directories(file.parent_path());
         if (!(std::ofstream(file, std::ios::binary) << text.toStdString())) throw std::runtime_error("no file");
+        return path(name);
     }
     /// Empty where there is none.
     QByteArray read(const QByteArray& name) const {

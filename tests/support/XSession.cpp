@@ -74,10 +74,6 @@ xcb_atom_t XClient::atom(const char* name) const {
     return owned(xcb_intern_atom_reply(connection_, cookie, nullptr))->atom;
 }
 
-void XClient::sync() const {
-    owned(xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
-}
-
 uint32_t XClient::value(xcb_window_t window, const char* property) const {
     const auto cookie = xcb_get_property(connection_, false, window, atom(property), XCB_ATOM_ANY, 0, 1);
     const auto reply = owned(xcb_get_property_reply(connection_, cookie, nullptr));
@@ -166,25 +162,6 @@ void XSession::fake(int type, int detail, QPoint place) {
     sync();
 }
 
-void XSession::moveTo(QPoint place) {
-    fake(XCB_MOTION_NOTIFY, 0, place);
-}
-void XSession::press(int button) {
-    fake(XCB_BUTTON_PRESS, button);
-}
-void XSession::release(int button) {
-    fake(XCB_BUTTON_RELEASE, button);
-}
-void XSession::key(int keycode, bool down) {
-    fake(down ? XCB_KEY_PRESS : XCB_KEY_RELEASE, keycode);
-}
-
-void XSession::click(QPoint place, int button) {
-    moveTo(place);
-    press(button);
-    release(button);
-}
-
 void XSession::glide(QPoint from, QPoint to, int steps, double stepMilliseconds) {
     QElapsedTimer timer;
     timer.start();
@@ -224,10 +201,6 @@ void OtherWindow::raise() {
     const uint32_t above = XCB_STACK_MODE_ABOVE;
     xcb_configure_window(client_.xcb(), window_, XCB_CONFIG_WINDOW_STACK_MODE, &above);
     xcb_flush(client_.xcb());
-}
-
-void OtherWindow::activate() {
-    client_.send("_NET_ACTIVE_WINDOW", window_, 2, client_.root());
 }
 
 const QList<int>& OtherWindow::presses() {

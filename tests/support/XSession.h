@@ -44,7 +44,7 @@ class XClient {
     xcb_window_t root() const { return root_; }
     xcb_atom_t atom(const char* name) const;
     /// Waits until the server has carried out what came before on this connection.
-    void sync() const;
+    void sync() const { owned(xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr)); }
     /// The first of a property's 32-bit values; 0 if there is none.
     uint32_t value(xcb_window_t window, const char* property) const;
     /// Sends a client message about `window`, to it unless told otherwise.
@@ -87,11 +87,11 @@ class XSession {
     QList<xcb_window_t> stacking() const;
 
     // XTEST input.
-    void moveTo(QPoint place);
-    void press(int button);
-    void release(int button);
-    void click(QPoint place, int button = 1);
-    void key(int keycode, bool down);
+    void moveTo(QPoint place) { fake(XCB_MOTION_NOTIFY, 0, place); }
+    void press(int button) { fake(XCB_BUTTON_PRESS, button); }
+    void release(int button) { fake(XCB_BUTTON_RELEASE, button); }
+    void click(QPoint place, int button = 1) { moveTo(place), press(button), release(button); }
+    void key(int keycode, bool down) { fake(down ? XCB_KEY_PRESS : XCB_KEY_RELEASE, keycode); }
     /// Moves the pointer in a straight line, one motion every `stepMilliseconds`; Qt works meanwhile.
     void glide(QPoint from, QPoint to, int steps, double stepMilliseconds);
 
@@ -124,7 +124,7 @@ class OtherWindow {
     xcb_window_t openSecond() { return create(); }
     void raise();
     /// Asks the window manager for the focus, as a pager does.
-    void activate();
+    void activate() { client_.send("_NET_ACTIVE_WINDOW", window_, 2, client_.root()); }
     /// The buttons that were pressed in the window so far.
     const QList<int>& presses();
 

@@ -24,6 +24,8 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -37,22 +39,10 @@ struct Offer {
     std::vector<std::pair<std::string, std::string>> forms;
 };
 
-template <class... Arguments>
-void say(const char* format, Arguments... arguments) {
-    std::printf(format, arguments...);
-    std::fflush(stdout);
-}
-
 std::string contentsOf(const char* file) {
-    char* bytes = nullptr;
-    gsize length = 0;
-    if (!g_file_get_contents(file, &bytes, &length, nullptr)) {
-        std::fprintf(stderr, "cannot read %s\n", file);
-        std::exit(2);
-    }
-    std::string result(bytes, length);
-    g_free(bytes);
-    return result;
+    std::ifstream bytes(file, std::ios::binary);
+    if (!bytes) std::exit(2);
+    return {std::istreambuf_iterator<char>(bytes), {}};
 }
 
 Offer offerOf(char** argument) {
@@ -99,14 +89,11 @@ void setPromise(GdkDragContext* context, const std::string& name) {
 
 void began(GtkWidget*, GdkDragContext* context, Offer* offer) {
     if (!offer->promise.empty()) setPromise(context, offer->promisedName);
-    say("drag-begin\n");
+    std::printf("drag-begin\n");
 }
 
 void append(const std::string& path, const std::string& contents) {
-    if (FILE* file = std::fopen(path.c_str(), "a")) {
-        std::fwrite(contents.data(), 1, contents.size(), file);
-        std::fclose(file);
-    }
+    std::ofstream(path, std::ios::binary | std::ios::app) << contents;
 }
 
 std::string folderOf(const std::string& path) {
@@ -154,7 +141,7 @@ void answerPromise(GdkDragContext* context, GtkSelectionData* answer, Offer& off
 
 void asked(GtkWidget*, GdkDragContext* context, GtkSelectionData* answer, guint number, guint, Offer* offer) {
     char* target = gdk_atom_name(gtk_selection_data_get_target(answer));
-    say("data %s\n", target);
+    std::printf("data %s\n", target);
     g_free(target);
     if (offer->hang) raise(SIGSTOP);
     if (number == offer->forms.size()) return answerPromise(context, answer, *offer);
@@ -168,13 +155,13 @@ void ended(GtkWidget*, GdkDragContext* context, Offer* offer) {
     const GdkDragAction action = gdk_drag_context_get_selected_action(context);
     const char* name = action == GDK_ACTION_COPY ? "copy" : action == GDK_ACTION_MOVE ? "move" : "none";
     if (offer->promise.empty())
-        say("drag-end %s\n", name);
+        std::printf("drag-end %s\n", name);
     else
-        say("drag-end %s %s\n", name, promisedUri(context).empty() ? "void" : "kept");
+        std::printf("drag-end %s %s\n", name, promisedUri(context).empty() ? "void" : "kept");
 }
 
 gboolean failed(GtkWidget*, GdkDragContext*, GtkDragResult result) {
-    say("drag-failed %d\n", int(result));
+    std::printf("drag-failed %d\n", int(result));
     return true;  // no picture that flies back
 }
 
@@ -187,7 +174,7 @@ void makeSource(GtkWidget* window, Offer& offer) {
                         GdkDragAction(GDK_ACTION_COPY | GDK_ACTION_MOVE));
     g_signal_connect(window, "drag-begin", G_CALLBACK(began), &offer);
     g_signal_connect(window, "drag-data-get", G_CALLBACK(asked), &offer);
-    g_signal_connect(window, "drag-data-delete", G_CALLBACK(+[] { say("delete\n"); }), nullptr);
+    g_signal_connect(window, "drag-data-delete", G_CALLBACK(+[] { std::printf("delete\n"); }), nullptr);
     g_signal_connect(window, "drag-failed", G_CALLBACK(failed), nullptr);
     g_signal_connect(window, "drag-end", G_CALLBACK(ended), &offer);
 }
@@ -196,7 +183,7 @@ void received(GtkWidget*, GdkDragContext*, gint, gint, GtkSelectionData* data) {
     char** uris = gtk_selection_data_get_uris(data);
     for (char** uri = uris; uri && *uri; ++uri) {
         char* path = g_filename_from_uri(*uri, nullptr, nullptr);
-        say("uri %s\nbytes %s\n", *uri, path ? contentsOf(path).c_str() : "");
+        std::printf("uri %s\nbytes %s\n", *uri, path ? contentsOf(path).c_str() : "");
         g_free(path);
     }
     g_strfreev(uris);
@@ -211,6 +198,7 @@ void makeTarget(GtkWidget* window) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    std::setvbuf(stdout, nullptr, _IOLBF, 0);
     gdk_set_allowed_backends("x11");
     gtk_init(&argc, &argv);
     if (argc < 4) return 2;
@@ -223,7 +211,7 @@ int main(int argc, char** argv) {
     else
         makeTarget(window);
     g_signal_connect(window, "map-event", G_CALLBACK(+[](GtkWidget*) -> gboolean {
-                         say("ready\n");
+                         std::printf("ready\n");
                          return false;
                      }),
                      nullptr);

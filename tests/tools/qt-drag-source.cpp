@@ -13,15 +13,10 @@
 #include <cstdio>
 
 namespace {
-void say(const char* line) {
-    std::puts(line);
-    std::fflush(stdout);
-}
-
 class Source : public QWindow {
  protected:
     void exposeEvent(QExposeEvent*) override {
-        if (isExposed()) say("ready");
+        if (isExposed()) std::puts("ready");
     }
     void mouseMoveEvent(QMouseEvent* event) override {
         if (!event->buttons() || dragging_) return;
@@ -31,9 +26,11 @@ class Source : public QWindow {
             offer->setData(argument.section(u'=', 0, 0), argument.section(u'=', 1).toUtf8());
         auto* drag = new QDrag(this);
         drag->setMimeData(offer);
-        say("drag-begin");
+        std::puts("drag-begin");
         const Qt::DropAction action = drag->exec(Qt::CopyAction | Qt::MoveAction);
-        say(action == Qt::CopyAction ? "drag-end copy" : action == Qt::MoveAction ? "drag-end move" : "drag-end none");
+        std::puts(action == Qt::CopyAction   ? "drag-end copy"
+                  : action == Qt::MoveAction ? "drag-end move"
+                                             : "drag-end none");
         dragging_ = false;
     }
 
@@ -43,6 +40,7 @@ class Source : public QWindow {
 }  // namespace
 
 int main(int argc, char** argv) {
+    std::setvbuf(stdout, nullptr, _IOLBF, 0);
     QGuiApplication application(argc, argv);
     const QStringList arguments = QGuiApplication::arguments();
     Source window;
