@@ -19,14 +19,14 @@ class RawDragSource : public XClient {
     explicit RawDragSource(const XSession& session) : XClient(session.display()) {
         xcb_create_window(xcb(), XCB_COPY_FROM_PARENT, window, root(), -10, -10, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY,
                           XCB_COPY_FROM_PARENT, 0, nullptr);
-        own();
+        own(window);
         timer_.callOnTimeout([this] { work(); });
         timer_.start(1);
     }
 
-    /// Takes the selection, as a drag that begins does.
-    void own() {
-        xcb_set_selection_owner(xcb(), window, atom("XdndSelection"), XCB_CURRENT_TIME);
+    /// Gives the selection to a window, as a drag that begins from it does.
+    void own(xcb_window_t owner) {
+        xcb_set_selection_owner(xcb(), owner, atom("XdndSelection"), XCB_CURRENT_TIME);
         sync();
     }
     void setTypeList(const QList<const char*>& types) {

@@ -81,52 +81,48 @@ DesktopEntry entry(const char* id, const char* name, const char* command, const 
     return {QString::fromLatin1(id), words(name), words(command), QString::fromLatin1(windowClass), terminal};
 }
 
-TEST(TerminalChoice, EntriesKnowTheirWindows) {
-    const auto plain = entry("org.gnome.Console", "C", "/usr/bin/kgx");
-    const auto classed = entry("foo", "F", "foo", "Bar");
-    const struct {
-        const DesktopEntry& entry;
-        const char *instance, *className;
-        bool owned;
-    } cases[] = {
-        {plain, "kgx", "Kgx", true},    {plain, "x", "org.gnome.Console", true}, {plain, "console", "", true},
-        {plain, "", "", false},         {plain, "gnome", "org.gnome", false},    {classed, "bar", "Other", true},
-        {classed, "foo", "Foo", false},
-    };
-    for (const auto& [which, instance, className, owned] : cases)
-        EXPECT_EQ(which.owns(QString::fromLatin1(instance), QString::fromLatin1(className)), owned)
-            << instance << ' ' << className;
-}
-
-TEST(TerminalChoice, PrefersTheDefaultTerminal) {
-    const QList<DesktopEntry> entries{entry("editor", "Write", "writer"), entry("absent", "No", "absent", "", true),
-                                      entry("foot", "Foot", "foot -x", "", true),
-                                      entry("gt", "GT", "gt", "GtServer", true)};
-    QList<ApplicationWindow> windows;
-    for (const auto& name : {u"writer"_s, u"foot"_s, u"gtserver"_s, u"foot"_s, u"code"_s})
-        windows.append({quint32(windows.size() + 1), name, name});
+TEST(TerminalChoice, PrefersWhatIsNamedThenTheDefaultTerminal) {
+    const QList<DesktopEntry> entries{
+        entry("org.x.Edit", "Edit", "/usr/bin/writer"), entry("gt", "GT", "gt", "GtServer", true),
+        entry("absent", "No", "absent", "", true), entry("foot", "Foot", "foot -x", "", true)};
     const struct {
         const char *name, *displayName, *environment;
         QHash<QString, const char*> installed;  // and what it links to
-        bool open;
+        QStringList open;                       // the windows' instances; their classes are "c"
         quint32 window;
         const char* command = "";
     } cases[] = {
-        {"case matters", "WRITE", "", {}, true, 0},
-        {"default with its own class", "X", "", {{u"x-terminal-emulator"_s, "gt.wrapper"}}, true, 3},
-        {"default without entry", "X", "code", {{u"code"_s, "code"}}, true, 5},
-        {"any terminal", "X", "", {{u"xdg-terminal-exec"_s, "xdg-terminal-exec"}}, true, 2},
-        {"no such setting", "X", "no", {{u"x-terminal-emulator"_s, "gt"}}, false, 0, "x-terminal-emulator"},
-        {"first installed entry", "X", "", {{u"foot"_s, "foot"}, {u"gt"_s, "gt"}}, false, 0, "foot -x"},
-        {"nothing", "X", "", {}, false, 0},
+        {"by its program", "Edit", "", {}, {u"c"_s, u"Writer"_s}, 2},
+        {"by its id", "Edit", "", {}, {u"x"_s, u"org.x.edit"_s}, 2},
+        {"by the end of its id", "Edit", "", {}, {u"x.Edit"_s, u"EDIT"_s}, 2},
+        {"by nothing else", "Edit", "", {}, {QString(), u"x"_s, u"org.x"_s}, 0},
+        {"has a class of its own", "GT", "", {}, {u"gt"_s, u"gtserver"_s}, 2},
+        {"case matters", "EDIT", "", {}, {u"writer"_s}, 0},
+        {"default with its own class",
+         "X",
+         "",
+         {{u"x-terminal-emulator"_s, "gt.wrapper"}},
+         {u"gt"_s, u"GtServer"_s},
+         2},
+        {"default without entry", "X", "code", {{u"code"_s, "code"}}, {u"foot"_s, u"code"_s}, 2},
+        {"any terminal",
+         "X",
+         "",
+         {{u"xdg-terminal-exec"_s, "xdg-terminal-exec"}},
+         {u"writer"_s, u"foot"_s, u"gtserver"_s},
+         2},
+        {"no such setting", "X", "no", {{u"x-terminal-emulator"_s, "gt"}}, {}, 0, "x-terminal-emulator"},
+        {"first installed entry", "X", "", {{u"foot"_s, "foot"}}, {}, 0, "foot -x"},
+        {"nothing", "X", "", {}, {}, 0},
     };
     for (const auto& test : cases) {
+        QList<ApplicationWindow> windows;
+        for (const QString& name : test.open) windows.append({quint32(windows.size() + 1), name, u"c"_s});
         const auto find = [&](const QString& program) {
             const char* found = test.installed.value(program);
             return found ? u"/usr/bin/"_s + QLatin1String(found) : QString();
         };
-        const auto choice = chooseApplicationOrTerminal(QString::fromLatin1(test.displayName),
-                                                        test.open ? windows : QList<ApplicationWindow>(), entries,
+        const auto choice = chooseApplicationOrTerminal(QString::fromLatin1(test.displayName), windows, entries,
                                                         QString::fromLatin1(test.environment), find);
         EXPECT_EQ(choice.window, test.window) << test.name;
         EXPECT_EQ(choice.command.join(u' '), QString::fromLatin1(test.command)) << test.name;
