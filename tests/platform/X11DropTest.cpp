@@ -21,15 +21,11 @@ class X11Drop : public X11Test {
         letGo();
         ASSERT_TRUE(waitFor([&] { return panel.drop != nullptr; }));
     }
-    std::optional<QByteArray> loads(const QString& type, double seconds = 7) {
-        std::optional<QByteArray> result;
-        bool answered = false;
-        panel.drop->load(type, [&](auto bytes) {
-            result = std::move(bytes);
-            answered = true;
-        });
-        EXPECT_TRUE(waitFor([&] { return answered; }, seconds));
-        return result;
+    std::optional<QByteArray> loads(const QString& type) {
+        std::optional<std::optional<QByteArray>> result;
+        panel.drop->load(type, [&](const auto& bytes) { result = bytes; });
+        EXPECT_TRUE(waitFor([&] { return result.has_value(); }, 20));
+        return result.value_or(std::nullopt);
     }
     uint32_t copy() { return session().atom("XdndActionCopy"); }
 
@@ -53,8 +49,7 @@ TEST_F(X11Drop, AnswersEveryPositionAndTakesCopiesOnly) {
     letGo();
     ASSERT_TRUE(waitFor([&] { return panel.drop != nullptr; }));
     panel.drop.reset();
-    ASSERT_TRUE(waitFor([&] { return !source.finishes.empty(); }));
-    EXPECT_EQ(source.finishes.last(), (QList<uint32_t>{target(), 0, 0, 0, 0})) << "nothing was taken";
+    ASSERT_TRUE(waitFor([&] { return source.finishes.size() == 1; }));
 
     // One that nothing led up to, one that is of no use, and one that is not accepted.
     letGo();
@@ -65,7 +60,8 @@ TEST_F(X11Drop, AnswersEveryPositionAndTakesCopiesOnly) {
     hover({"text/uri-list"});
     letGo();
     ASSERT_TRUE(waitFor([&] { return source.finishes.size() == 4; }));
-    for (const auto& finish : source.finishes.mid(1)) EXPECT_EQ(finish, (QList<uint32_t>{target(), 0, 0, 0, 0}));
+    for (const auto& finish : source.finishes)
+        EXPECT_EQ(finish, (QList<uint32_t>{target(), 0, 0, 0, 0})) << "nothing was taken";
     EXPECT_EQ(source.statuses.last()[1], 0u);
     EXPECT_EQ(panel.targeted, (QList{true, false}));
     EXPECT_EQ(panel.drop, nullptr);
@@ -149,7 +145,7 @@ TEST_F(X11Drop, ReadsEveryFormAndSurvivesAnyAnswer) {
         drop(row.offered);
         if (HasFatalFailure()) return;
         EXPECT_EQ(panel.drop->types(), row.types);
-        EXPECT_TRUE(loads(row.types.first(), 20) == row.bytes);
+        EXPECT_TRUE(loads(row.types.first()) == row.bytes);
     }
 }
 
@@ -183,13 +179,11 @@ TEST_F(X11Drop, FindsTheTextThatASourceDoesGive) {
 TEST_F(X11Drop, AnswersNothingOnceTheDropIsGone) {
     drop({"text/uri-list"});
     source.answers["text/uri-list"] = {Kind::nothing, {}};
-    bool answered = false;
-    panel.drop->load(kUris, [&](const auto&) { answered = true; });
+    panel.drop->load(kUris, [](const auto&) { ADD_FAILURE() << "an answer"; });
     ASSERT_TRUE(waitFor([&] { return !source.requested.empty(); }));
     panel.drop.reset();
     ASSERT_TRUE(waitFor([&] { return !source.finishes.empty(); }));
     letPass(0.1);
-    EXPECT_FALSE(answered);
 
     // A receiver may let go of the drop in the very answer.
     drop({"text/uri-list"});
