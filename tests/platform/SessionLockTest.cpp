@@ -47,11 +47,25 @@ TEST(SessionLock, FollowsTheHintAndTheScreenSaver) {
             TestService service(test.service);
             service.answer = [&](const QDBusMessage& call) { return test.answer(call, locked); };
             ASSERT_TRUE(waitFor([&] { return !service.calls.isEmpty(); })) << "one that comes later";
-            for (const bool now : {true, false, true}) {
+            const auto changed = [&] { service.signal(u"/seven"_s, test.interface, test.signal, test.news); };
+            for (const bool now : {true, false}) {
                 locked = now;
-                service.send(u"/seven"_s, test.interface, test.signal, test.news);
+                changed();
                 EXPECT_TRUE(waitFor([&] { return seen == now; })) << test.service.toStdString();
             }
+            // The screen is locked while the answer is awaited that it is not.
+            std::optional<QDBusMessage> awaited;
+            service.answer = [&](const QDBusMessage& call) {
+                if (call.member() == QLatin1String("GetSession")) return test.answer(call, locked);
+                return awaited = call, QDBusMessage();
+            };
+            changed();
+            ASSERT_TRUE(waitFor([&] { return awaited.has_value(); }));
+            changed();
+            letPass(0.1);  // for the news to be heard
+            service.answer = [&](const QDBusMessage& call) { return test.answer(call, true); };
+            service.send(test.answer(*awaited, false));
+            EXPECT_TRUE(waitFor([&] { return seen; })) << test.service.toStdString();
         }
         EXPECT_TRUE(waitFor([&] { return !seen; })) << "and goes";
     }

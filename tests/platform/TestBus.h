@@ -3,28 +3,23 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusVirtualObject>
-#include <QFile>
 #include <QProcess>
-#include <QTemporaryDir>
 #include <QUuid>
 #include <functional>
 
 #include "support/Environment.h"
+#include "support/TestFolder.h"
 
 /// A session and system bus of our own, on which no program can be started.
 class TestBus {
  public:
     TestBus() {
-        QFile config(folder().filePath(QStringLiteral("config")));
-        if (!config.open(QFile::WriteOnly)) throw std::runtime_error("no configuration");
-        config.write("<busconfig><type>session</type><listen>" + address() +
-                     "</listen><policy context=\"default\"><allow send_destination=\"*\"/><allow "
-                     "receive_sender=\"*\"/><allow own=\"*\"/>"
-                     "</policy></busconfig>");
-        config.close();
+        folder().write("config", "<busconfig><type>session</type><listen>" + address() +
+                                     R"(</listen><policy context="default"><allow send_destination="*"/>
+                                     <allow receive_sender="*"/><allow own="*"/></policy></busconfig>)");
         daemon_.start(QStringLiteral("/usr/bin/dbus-daemon"),
                       {QStringLiteral("--nofork"), QStringLiteral("--print-address"),
-                       QStringLiteral("--config-file=") + config.fileName()});
+                       QStringLiteral("--config-file=") + QString::fromUtf8(folder().path("config"))});
         if (!daemon_.waitForReadyRead()) throw std::runtime_error("no bus");
     }
     ~TestBus() {
@@ -34,11 +29,11 @@ class TestBus {
 
     /// Where it listens; nobody does while there is none. The bus library remembers the addresses that it was told
     /// first, so it is the same for all of this process.
-    static QByteArray address() { return "unix:path=" + folder().path().toUtf8() + "/bus"; }
+    static QByteArray address() { return "unix:path=" + folder().path("bus"); }
 
  private:
-    static const QTemporaryDir& folder() {
-        static const QTemporaryDir folder;
+    static const TestFolder& folder() {
+        static const TestFolder folder;
         return folder;
     }
 
@@ -47,9 +42,8 @@ class TestBus {
     QProcess daemon_;
 };
 
-/// A program on the bus, which answers every call to it with what `answer` gives, or leaves it without an answer for an
-/// invalid one. There must be
-/// a TestBus; needs the event loop.
+/// A program on the bus, which answers every call to it with what `answer` gives, or does not for an invalid message.
+/// There must be a TestBus; needs the event loop.
 class TestService : public QDBusVirtualObject {
  public:
     explicit TestService(const QString& name)
@@ -65,10 +59,11 @@ class TestService : public QDBusVirtualObject {
         if (reply.type() != QDBusMessage::InvalidMessage) connection.send(reply);
         return true;
     }
-    void send(const QString& path, const QString& interface, const QString& signal, const QVariantList& arguments) {
-        QDBusMessage message = QDBusMessage::createSignal(path, interface, signal);
+    void send(const QDBusMessage& message) const { connection_.send(message); }
+    void signal(const QString& path, const QString& interface, const QString& name, const QVariantList& arguments) {
+        QDBusMessage message = QDBusMessage::createSignal(path, interface, name);
         message.setArguments(arguments);
-        connection_.send(message);
+        send(message);
     }
     QString introspect(const QString&) const override { return {}; }
 

@@ -1,8 +1,6 @@
 #include "X11Test.h"
 
 namespace {
-constexpr int capsLockKey = 66;
-
 class X11Monitors : public X11Test {
  protected:
     X11Monitors() : monitors(connection, sampler, &X11PanelWindow::isOwnWindow) {
@@ -14,6 +12,14 @@ class X11Monitors : public X11Test {
         monitors.onCapsLockChanged = [this](bool on) { locks.append(on); };
         monitors.start();
     }
+    static void click(int button) {
+        session().press(button);
+        session().release(button);
+    }
+    testing::AssertionResult movesTo(QPoint place, double seconds = 5) {
+        session().moveTo(place);
+        return waitFor([&] { return moves.endsWith(modelAt(place)); }, seconds);
+    }
 
     /// Takes what would otherwise open the window manager's menus and change desktops.
     OtherWindow floor{session(), {.geometry = {0, 0, 1280, 800}, .fullScreen = true}};
@@ -23,9 +29,9 @@ class X11Monitors : public X11Test {
 };
 
 TEST_F(X11Monitors, SampleMotionAtDisplayRateAndTheRestNotAtAll) {
-    session().moveTo({300, 300});
-    ASSERT_TRUE(waitFor([&] { return moves == QList{modelAt({300, 300})}; }));
-    EXPECT_EQ(monitors.pointerLocation(), modelAt({300, 300}));
+    ASSERT_TRUE(movesTo({300, 300}));
+    EXPECT_EQ(moves.size(), 1);
+    EXPECT_EQ(monitors.pointerLocation(), moves.last());
     letPass(0.3);
     moves.clear();
 
@@ -45,9 +51,7 @@ TEST_F(X11Monitors, SampleMotionAtDisplayRateAndTheRestNotAtAll) {
     letPass(0.5);
     EXPECT_EQ(moves.size(), count);
     EXPECT_EQ(xcb_no_operation(connection->xcb()).sequence, questions + 1) << "the pointer is asked for while it rests";
-
-    session().moveTo({1101, 500});
-    EXPECT_TRUE(waitFor([&] { return moves.endsWith(modelAt({1101, 500})); }, 1));
+    EXPECT_TRUE(movesTo({1101, 500}, 1));
     EXPECT_TRUE(drags.empty());
 }
 
@@ -63,8 +67,7 @@ TEST_F(X11Monitors, TellDragsFromMovesAndRightPressesWhenAMenuCanOpen) {
         return ups == QList{modelAt({500, 500})} && moves.endsWith(ups.last());
     })) << "where the mouse is then, though it rests";
     const auto count = drags.size();
-    session().moveTo({200, 200});
-    ASSERT_TRUE(waitFor([&] { return moves.endsWith(modelAt({200, 200})); }));
+    ASSERT_TRUE(movesTo({200, 200}));
     session().press(3);
     ASSERT_TRUE(waitFor([&] { return floor.presses() == (QList{1, 3}); }));
     letPass(0.1);
@@ -75,37 +78,28 @@ TEST_F(X11Monitors, TellDragsFromMovesAndRightPressesWhenAMenuCanOpen) {
     EXPECT_EQ(drags.size(), count);
 }
 
-TEST_F(X11Monitors, CountWheelStepsOnceAndFollowALeftHandersButtons) {
-    const auto press = [](int button) {
-        session().press(button);
-        session().release(button);
-    };
-    for (int button : {4, 5, 5, 6, 7}) press(button);
+TEST_F(X11Monitors, HearTheWheelALeftHandersButtonsAndCapsLock) {
+    for (int button : {4, 5, 5, 6, 7}) click(button);
     const QList<QPointF> steps{{0, 1}, {0, -1}, {0, -1}, {-1, 0}, {1, 0}};
     EXPECT_TRUE(waitFor([&] { return scrolls == steps; }));
-    const auto map = [](const QByteArray& buttons) {
-        const auto cookie = xcb_set_pointer_mapping(session().xcb(), uint8_t(buttons.size()),
-                                                    reinterpret_cast<const uint8_t*>(buttons.constData()));
-        std::free(xcb_set_pointer_mapping_reply(session().xcb(), cookie, nullptr));
+    const auto map = [](const char* buttons) {
+        const auto cookie = xcb_set_pointer_mapping(session().xcb(), 10, reinterpret_cast<const uint8_t*>(buttons));
+        owned(xcb_set_pointer_mapping_reply(session().xcb(), cookie, nullptr));
     };
     map("\3\2\1\4\5\6\7\10\11\12");
-    press(3);
+    click(3);
     EXPECT_TRUE(waitFor([&] { return ups.size() == 1; }));
     EXPECT_TRUE(rights.empty());
-    press(1);
+    click(1);
     EXPECT_TRUE(waitFor([&] { return rights.size() == 1; }));
     EXPECT_EQ(ups.size(), 1);
     EXPECT_EQ(scrolls, steps);
     map("\1\2\3\4\5\6\7\10\11\12");
-}
 
-TEST_F(X11Monitors, HearCapsLock) {
     ASSERT_FALSE(monitors.capsLock());
     for (const bool on : {true, false}) {
-        session().key(capsLockKey, true);
-        session().key(capsLockKey, false);
-        EXPECT_TRUE(waitFor([&] { return locks.endsWith(on); }));
-        EXPECT_EQ(monitors.capsLock(), on);
+        for (const bool down : {true, false}) session().key(66, down);
+        EXPECT_TRUE(waitFor([&] { return locks.endsWith(on) && monitors.capsLock() == on; }));
     }
     EXPECT_EQ(locks, (QList{true, false}));
 }

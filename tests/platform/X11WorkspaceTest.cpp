@@ -1,8 +1,10 @@
+#include "TestPrograms.h"
 #include "X11Test.h"
+#include "platform/linux/freedesktop/TerminalChoice.h"
 #include "platform/linux/x11/X11Workspace.h"
-#include "support/Environment.h"
 #include "support/MemoryPorts.h"
-#include "support/TestFolder.h"
+
+using namespace Qt::StringLiterals;
 
 namespace {
 class X11Applications : public X11Test {
@@ -10,58 +12,56 @@ class X11Applications : public X11Test {
     X11Applications() : workspace(connection, loop, queue) {
         workspace.onApplicationActivated = [this] { ++activations; };
     }
-    TestFolder folder;
+    TestPrograms programs;
     InlineQueue queue;
     X11Workspace workspace;
     int activations = 0;
 };
 
 TEST_F(X11Applications, ReportsAnotherApplicationButNotAnotherWindow) {
-    OtherWindow mail(session(), {.instance = "mail", .className = "Mail"});
-    ASSERT_TRUE(waitFor([&] { return mail.active(); }));
-    workspace.start();
-    letPass(0.2);
-    EXPECT_EQ(activations, 0) << "what is active at the start is no news";
-
-    const xcb_window_t second = mail.openSecond();
-    ASSERT_TRUE(waitFor([&] { return session().activeWindow() == second; }));
-    letPass(0.2);
-    EXPECT_EQ(activations, 0);
     {
-        OtherWindow editor(session(), {.instance = "editor", .className = "Editor"});
-        ASSERT_TRUE(waitFor([&] { return editor.active() && activations == 1; }));
-    }
-    // The manager hands the focus back to a mail window, perhaps by way of none.
-    EXPECT_TRUE(waitFor([&] { return activations == 2; }));
-    mail.activate();
-    ASSERT_TRUE(waitFor([&] { return mail.active(); }));
-    letPass(0.2);
-    EXPECT_EQ(activations, 2);
-}
-
-TEST_F(X11Applications, ReportsOneThatWasClosedAndOpenedAgain) {
-    workspace.start();
-    for (int i = 1; i <= 2; ++i) {
+        OtherWindow mail(session(), {.instance = "mail", .className = "Mail"});
+        ASSERT_TRUE(waitFor([&] { return mail.active(); }));
+        workspace.start();
+        letPass(0.2);
+        EXPECT_EQ(activations, 0) << "what is active at the start is no news";
+        const xcb_window_t second = mail.openSecond();
+        ASSERT_TRUE(waitFor([&] { return session().activeWindow() == second; }));
+        letPass(0.2);
+        EXPECT_EQ(activations, 0);
         {
-            const OtherWindow mail(session(), {.instance = "mail", .className = "Mail"});
-            ASSERT_TRUE(waitFor([&] { return activations == i; }));
+            OtherWindow editor(session(), {.instance = "editor", .className = "Editor"});
+            ASSERT_TRUE(waitFor([&] { return editor.active() && activations == 1; }));
         }
-        letPass(0.4);  // nobody is faster
+        // The manager hands the focus back to a mail window, perhaps by way of none.
+        EXPECT_TRUE(waitFor([&] { return activations == 2; }));
+        mail.activate();
+        ASSERT_TRUE(waitFor([&] { return mail.active(); }));
+        letPass(0.2);
+        EXPECT_EQ(activations, 2);
     }
+    letPass(0.4);  // nobody is faster
+    const OtherWindow again(session(), {.instance = "mail", .className = "Mail"});
+    EXPECT_TRUE(waitFor([&] { return activations == 3; })) << "one that was closed and opened again";
 }
 
-TEST_F(X11Applications, BringsTheNamedApplicationForward) {
-    const EnvironmentVariable data("XDG_DATA_HOME", folder.path()), language("LC_ALL", "de_DE.UTF-8");
-    folder.write("applications/org.example.Console.desktop",
-                 "[Desktop Entry]\nType=Application\nName=Console\nName[de]=Konsole zwei\nExec=true %U\n"
-                 "StartupWMClass=consoled-window\n");
+TEST_F(X11Applications, BringsTheNamedOneForwardElseTheTerminalThatItStartsUnlessItRuns) {
+    const EnvironmentVariable data("XDG_DATA_HOME", programs.path()), language("LC_ALL", "de_DE.UTF-8"),
+        setting("TERMINAL", "myterm --new");
+    programs.install("myterm");
+    programs.write("applications/org.example.Console.desktop", R"([Desktop Entry]
+Type=Application
+Name=Console
+Name[de]=Konsole zwei
+Exec=/bin/true %U
+StartupWMClass=consoled-window
+)");
     const struct {
         const char *instance, *className, *displayName;
     } cases[] = {
-        {"kitty", "kitty", "kitty"},
-        {"wez", "org.wezfurlong.wezterm", "WezTerm"},
-        {"consoled-window", "Any", "Console"},
-        {"consoled-window", "Any", "Konsole zwei"},
+        {"kitty", "kitty", "kitty"},           {"wez", "org.wezfurlong.wezterm", "WezTerm"},
+        {"consoled-window", "Any", "Console"}, {"consoled-window", "Any", "Konsole zwei"},
+        {"myterm", "Myterm", "Absent"},
     };
     for (const auto& [instance, className, displayName] : cases) {
         OtherWindow wanted(session(), {.instance = instance, .className = className});
@@ -70,21 +70,62 @@ TEST_F(X11Applications, BringsTheNamedApplicationForward) {
         workspace.activateOrOpenTerminal(QString::fromLatin1(displayName));
         EXPECT_TRUE(waitFor([&] { return wanted.active(); })) << displayName;
     }
+    EXPECT_FALSE(programs.has("myterm.told"));
+    workspace.activateOrOpenTerminal(QStringLiteral("Absent"));
+    EXPECT_TRUE(programs.tells("myterm", {"--new"}));
 }
 
-TEST_F(X11Applications, StartsTheUsersTerminalUnlessItRuns) {
-    folder.write("myterm", "#!/bin/sh\necho \"$1\" > " + folder.path("started") + "\n");
-    std::filesystem::permissions(folder.path("myterm").toStdString(), std::filesystem::perms::owner_all);
-    const EnvironmentVariable setting("TERMINAL", folder.path("myterm") + " --new");
-    {
-        OtherWindow running(session(), {.instance = "myterm", .className = "Myterm"});
-        OtherWindow other(session(), {});
-        ASSERT_TRUE(waitFor([&] { return other.active(); }));
-        workspace.activateOrOpenTerminal(QStringLiteral("Absent"));
-        EXPECT_TRUE(waitFor([&] { return running.active(); }));
-        EXPECT_FALSE(folder.has("started"));
+DesktopEntry entry(const char* id, const char* name, const char* command, const char* windowClass = "",
+                   bool terminal = false) {
+    const auto words = [](const char* text) { return QString::fromLatin1(text).split(u' ', Qt::SkipEmptyParts); };
+    return {QString::fromLatin1(id), words(name), words(command), QString::fromLatin1(windowClass), terminal};
+}
+
+TEST(TerminalChoice, PrefersWhatIsNamedThenTheDefaultTerminal) {
+    const QList<DesktopEntry> entries{
+        entry("org.x.Edit", "Edit", "/usr/bin/writer"), entry("gt", "GT", "gt", "GtServer", true),
+        entry("absent", "No", "absent", "", true), entry("foot", "Foot", "foot -x", "", true)};
+    const struct {
+        const char *name, *displayName, *environment;
+        QHash<QString, const char*> installed;  // and what it links to
+        QStringList open;                       // the windows' instances; their classes are "c"
+        quint32 window;
+        const char* command = "";
+    } cases[] = {
+        {"by its program", "Edit", "", {}, {u"c"_s, u"Writer"_s}, 2},
+        {"by its id", "Edit", "", {}, {u"x"_s, u"org.x.edit"_s}, 2},
+        {"by the end of its id", "Edit", "", {}, {u"x.Edit"_s, u"EDIT"_s}, 2},
+        {"by nothing else", "Edit", "", {}, {QString(), u"x"_s, u"org.x"_s}, 0},
+        {"has a class of its own", "GT", "", {}, {u"gt"_s, u"gtserver"_s}, 2},
+        {"case matters", "EDIT", "", {}, {u"writer"_s}, 0},
+        {"default with its own class",
+         "X",
+         "",
+         {{u"x-terminal-emulator"_s, "gt.wrapper"}},
+         {u"gt"_s, u"GtServer"_s},
+         2},
+        {"default without entry", "X", "code", {{u"code"_s, "code"}}, {u"foot"_s, u"code"_s}, 2},
+        {"any terminal",
+         "X",
+         "",
+         {{u"xdg-terminal-exec"_s, "xdg-terminal-exec"}},
+         {u"writer"_s, u"foot"_s, u"gtserver"_s},
+         2},
+        {"no such setting", "X", "no", {{u"x-terminal-emulator"_s, "gt"}}, {}, 0, "x-terminal-emulator"},
+        {"first installed entry", "X", "", {{u"foot"_s, "foot"}}, {}, 0, "foot -x"},
+        {"nothing", "X", "", {}, {}, 0},
+    };
+    for (const auto& test : cases) {
+        QList<ApplicationWindow> windows;
+        for (const QString& name : test.open) windows.append({quint32(windows.size() + 1), name, u"c"_s});
+        const auto find = [&](const QString& program) {
+            const char* found = test.installed.value(program);
+            return found ? u"/usr/bin/"_s + QLatin1String(found) : QString();
+        };
+        const auto choice = chooseApplicationOrTerminal(QString::fromLatin1(test.displayName), windows, entries,
+                                                        QString::fromLatin1(test.environment), find);
+        EXPECT_EQ(choice.window, test.window) << test.name;
+        EXPECT_EQ(choice.command.join(u' '), QString::fromLatin1(test.command)) << test.name;
     }
-    workspace.activateOrOpenTerminal(QStringLiteral("Absent"));
-    EXPECT_TRUE(waitFor([&] { return folder.read("started") == "--new\n"; }));
 }
 }  // namespace

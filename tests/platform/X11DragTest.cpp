@@ -16,27 +16,37 @@ class X11DragWatch : public X11Test {
         return result;
     }
 
+    TestPanel panel{connection, sampler, loop};
     X11DragPasteboard pasteboard{connection, loop, &X11PanelWindow::isOwnWindow};
 };
 
-TEST_F(X11DragWatch, KnowsWhatQtDrags) {
+TEST_F(X11DragWatch, KnowsWhatQtDragsAndThePanelTakesACopyOfIt) {
     EXPECT_EQ(usable(), false) << "nothing is being dragged";
-    const std::pair<QList<QByteArray>, bool> cases[] = {{{"text/uri-list=file:///a"}, true},
-                                                        {{"a/a=1", "b/b=2", "c/c=3", "d/d=4"}, false}};
+    const std::pair<QList<QByteArray>, bool> cases[] = {{{"a/a=1", "b/b=2", "c/c=3", "d/d=4"}, false},
+                                                        {{"text/uri-list=file:///a%20b"}, true}};
     for (const auto& [offered, expected] : cases) {
         DragTool source(session(), DragTool::Kind::qtSource, {100, 500}, offered);
         const int before = pasteboard.changeCount();
-        ASSERT_TRUE(source.drag(session(), {600, 600}));
+        ASSERT_TRUE(source.drag(session(), pixel({320, 60})));
         EXPECT_TRUE(waitFor([&] { return pasteboard.changeCount() == before + 1; }));
         EXPECT_EQ(usable(), expected) << offered.first().constData();
+        EXPECT_TRUE(waitFor([&] { return panel.targeted.empty() != expected; }));
         session().release(1);
+        if (expected) {
+            ASSERT_TRUE(waitFor([&] { return panel.drop != nullptr; }));
+            std::optional<QByteArray> bytes;
+            panel.drop->load(QStringLiteral("text/uri-list"), [&](const auto& answer) { bytes = answer; });
+            EXPECT_TRUE(waitFor([&] { return bytes == "file:///a%20b\r\n"; }));
+            panel.drop.reset();
+            EXPECT_TRUE(waitFor([&] { return source.said(QStringLiteral("drag-end copy")); }));
+        }
         session().click(source.middle());
         EXPECT_TRUE(waitFor([&] { return pasteboard.changeCount() > before + 1; }));
         EXPECT_EQ(usable(), false) << "the drag was over at the next press";
     }
 }
 
-TEST_F(X11DragWatch, AsksSourcesThatDoNotListTheirTargets) {
+TEST_F(X11DragWatch, AsksSourcesThatDoNotListTheirTargetsAndNotForLong) {
     RawDragSource source(session());
     ASSERT_TRUE(waitFor([&] { return pasteboard.changeCount() == 1; }));
     const auto listed = [&](const QList<const char*>& names) {
@@ -44,44 +54,37 @@ TEST_F(X11DragWatch, AsksSourcesThatDoNotListTheirTargets) {
     };
     const struct {
         const char* what;
-        std::map<QByteArray, Answer> answers;
+        Answer targets;
         QList<const char*> typeList;
         bool usable;
     } cases[] = {
         {"lists nothing", {}, {}, true},
         {"a list of types", {}, {"a/a", "text/x-moz-url"}, true},
         {"a useless list of types", {}, {"a/a", "image/png"}, false},
-        {"no targets", {{"TARGETS", listed({})}}, {"STRING"}, true},
-        {"targets that are bytes", {{"TARGETS", {Kind::data, "text"}}}, {"STRING"}, true},
-        {"useless targets",
-         {{"TARGETS", listed({"TARGETS", "image/png", "application/octet-stream"})}},
-         {"STRING"},
-         false},
-        {"a link", {{"TARGETS", listed({"TARGETS", "image/png", "_NETSCAPE_URL"})}}, {}, true},
-        {"a text", {{"TARGETS", listed({"TARGETS", "text/plain"})}}, {}, true},
-        {"a promise", {{"TARGETS", listed({"TARGETS", "XdndDirectSave0"})}}, {}, true},
+        {"no targets", listed({}), {"STRING"}, true},
+        {"targets that are bytes", {Kind::data, "text"}, {"STRING"}, true},
+        {"useless targets", listed({"TARGETS", "image/png", "application/octet-stream"}), {"STRING"}, false},
+        {"a link", listed({"TARGETS", "image/png", "_NETSCAPE_URL"}), {}, true},
+        {"a text", listed({"TARGETS", "text/plain"}), {}, true},
+        {"a promise", listed({"TARGETS", "XdndDirectSave0"}), {}, true},
+        {"silence", {Kind::nothing, {}}, {}, true},
+        {"silence and a useless list", {Kind::nothing, {}}, {"image/png"}, false},
     };
-    for (const auto& [what, answers, typeList, expected] : cases) {
-        source.answers = answers;
+    for (const auto& [what, targets, typeList, expected] : cases) {
+        source.answers["TARGETS"] = targets;
         source.setTypeList(typeList);
         EXPECT_EQ(usable(), expected) << what;
     }
-}
-
-TEST_F(X11DragWatch, DoesNotWaitForASilentSourceForLong) {
-    RawDragSource source(session());
-    ASSERT_TRUE(waitFor([&] { return pasteboard.changeCount() == 1; }));
-    source.answers["TARGETS"] = {Kind::nothing, {}};
-    EXPECT_EQ(usable(), true);
-    source.setTypeList({"image/png"});
-    EXPECT_EQ(usable(), false);
 
     int overtaken = 0;
     pasteboard.canReadUsable([&](bool) { ++overtaken; });
     source.setTypeList({"TEXT"});
-    source.own();
+    source.own(source.window);
     EXPECT_EQ(usable(), true);
     EXPECT_EQ(overtaken, 0);
     EXPECT_TRUE(waitFor([&] { return pasteboard.changeCount() == 2; })) << "the same window begins another drag";
+    source.own(panel.id());
+    EXPECT_TRUE(waitFor([&] { return pasteboard.changeCount() == 3; }));
+    EXPECT_EQ(usable(), false) << "our own drag carries nothing for us";
 }
 }  // namespace
