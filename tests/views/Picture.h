@@ -19,12 +19,22 @@ inline int difference(const QImage& a, const QImage& b) {
     return most;
 }
 
+/// What `draw` draws on `ground`, of this size in points.
+inline QImage drawn(QSizeF size, double ratio, const QColor& ground, PictureCaches& caches,
+                    const std::function<void(Canvas&, QPainter&)>& draw) {
+    QImage image((size * ratio).toSize(), QImage::Format_ARGB32_Premultiplied);
+    image.setDevicePixelRatio(ratio);
+    image.fill(ground);
+    QPainter painter(&image);
+    Canvas canvas(painter, caches, ratio);
+    draw(canvas, painter);
+    return image;
+}
+
 /// A creature whose panel can be looked at: drawn over mid grey at two pixels per point, so that black body, light eyes
 /// and the ground can all be told apart. Places are points from the top centre of the panel.
 struct PictureFixture : CreatureFixture {
     static constexpr int kRatio = 2;
-
-    PictureFixture() { clock.setNow({86400.0 * 7000 + 12 * 3600 + 0.0}); }
 
     MemoryIcons icons;
     QStringList traces;
@@ -36,28 +46,17 @@ struct PictureFixture : CreatureFixture {
                    .notchTapped = [this] { ++taps; },
                    .use = [this](const HeldThing& thing) { used.append(thing); },
                    .remove = [this](const HeldThing& thing) { removed.append(thing); },
-                   .menu =
-                       [this](const HeldThing& thing) {
-                           menus.append(thing);
-                           return QList<MenuItem>();
-                       },
-                   .showX = false},
+                   .menu = [this](const HeldThing& thing) { return menus.append(thing), QList<MenuItem>(); }},
                   clock,
                   loop,
                   [] { return 0.5; }};
     PictureCaches caches;
 
     QImage picture() {
-        QImage image(int(RootView::kPanelWidth) * kRatio, int(RootView::kPanelHeight) * kRatio,
-                     QImage::Format_ARGB32_Premultiplied);
-        image.setDevicePixelRatio(kRatio);
-        image.fill(QColor(128, 128, 128));
-        QPainter painter(&image);
-        Canvas canvas(painter, caches, kRatio);
         DisplayList list;
         root.compose(list);
-        list.paint(canvas, QRegion(0, 0, int(RootView::kPanelWidth), int(RootView::kPanelHeight)));
-        return image;
+        return drawn({RootView::kPanelWidth, RootView::kPanelHeight}, kRatio, QColor(128, 128, 128), caches,
+                     [&](Canvas& canvas, QPainter&) { list.paint(canvas, QRegion(0, 0, 360, 230)); });
     }
 
     static QColor at(const QImage& image, double x, double y) {
@@ -68,11 +67,9 @@ struct PictureFixture : CreatureFixture {
     static QRectF bounds(const QImage& image, const QRectF& area, const std::function<bool(QColor)>& test) {
         QRectF found;
         constexpr double step = 1.0 / kRatio;
-        for (double y = area.top(); y < area.bottom(); y += step) {
-            for (double x = area.left(); x < area.right(); x += step) {
+        for (double y = area.top(); y < area.bottom(); y += step)
+            for (double x = area.left(); x < area.right(); x += step)
                 if (test(at(image, x, y))) found |= QRectF(x, y, step, step);
-            }
-        }
         return found;
     }
     /// The same in the present picture.
@@ -83,8 +80,7 @@ struct PictureFixture : CreatureFixture {
         loop.advance(seconds);
         // The breathing ticks every quarter of a second; one tick falls on such a moment.
         const double period = 3.4;
-        const double ticks = std::fmod(clock.uptime() - 1000, 0.25);
-        loop.advance(0.25 - ticks);
+        loop.advance(0.25 - std::fmod(clock.uptime() - 1000, 0.25));
         clock.setNow({period * std::ceil(clock.now().seconds / period) - 0.25});
         loop.advance(0.25);
     }
