@@ -269,14 +269,14 @@ TEST(Inbox, WhatIsWrittenInSpurtsIsTakenWhole) {
     QFile promised(inbox->place(QStringLiteral("a.txt")).toLocalFile());
     ASSERT_TRUE(promised.open(QFile::WriteOnly | QFile::Unbuffered));
     promised.write("half ");
-    inbox->tell(Inbox::Word::written);
+    inbox->setReply(Inbox::Reply::written);
     std::thread source([&] {
         std::this_thread::sleep_for(std::chrono::milliseconds(700));
         promised.write("and half");
         promised.close();
     });
     EXPECT_EQ(inbox->await(5, true), Inbox::Contents::things);
-    const auto taken = inbox->bringOut({});
+    const auto taken = inbox->moveOut({});
     EXPECT_EQ(f.contents(taken.value(0)), "half and half");
     source.join();
 }
