@@ -156,7 +156,7 @@ TEST_F(X11Drop, WaitsAsLongAsPiecesKeepComing) {
     SelectionReader reader(connection, loop, "XdndSelection", XCB_CURRENT_TIME);
     QList<QByteArray> ends;
     const auto read = [&](const QByteArray& target) {
-        reader.read(connection->atom(target), {.patience = 1},
+        reader.read(connection->atom(target), {.stallTimeout = 1},
                     [&, target](const auto& data) { ends.append(target + '=' + (data ? data->bytes : "nothing")); });
     };
     read("a/slow");
