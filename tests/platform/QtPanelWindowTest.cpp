@@ -46,21 +46,15 @@ class PlainPanel : public testing::Test, public PanelEvents {
 };
 
 TEST_F(PlainPanel, FollowsAPressThatBeganInsideTheInputRegion) {
-    const struct {
-        QEvent::Type type;
-        QPointF place;
-        Qt::MouseButton button;
-        Qt::MouseButtons held;
-    } steps[] = {{QEvent::MouseButtonPress, outside, Qt::LeftButton, Qt::LeftButton},
-                 {QEvent::MouseMove, inside, Qt::NoButton, Qt::LeftButton},
-                 {QEvent::MouseButtonRelease, inside, Qt::LeftButton, Qt::NoButton},
-                 {QEvent::MouseButtonPress, inside, Qt::LeftButton, Qt::LeftButton},
-                 {QEvent::MouseMove, outside, Qt::NoButton, Qt::LeftButton},
-                 {QEvent::MouseButtonPress, outside, Qt::RightButton, Qt::LeftButton | Qt::RightButton},
-                 {QEvent::MouseButtonRelease, outside, Qt::LeftButton, Qt::RightButton},
-                 {QEvent::MouseButtonRelease, outside, Qt::RightButton, Qt::NoButton},
-                 {QEvent::MouseMove, inside, Qt::NoButton, Qt::NoButton}};
-    for (const auto& [type, place, button, held] : steps) send(type, place, button, held);
+    send(QEvent::MouseButtonPress, outside, Qt::LeftButton, Qt::LeftButton);
+    send(QEvent::MouseMove, inside, Qt::NoButton, Qt::LeftButton);
+    send(QEvent::MouseButtonRelease, inside, Qt::LeftButton, Qt::NoButton);
+    send(QEvent::MouseButtonPress, inside, Qt::LeftButton, Qt::LeftButton);
+    send(QEvent::MouseMove, outside, Qt::NoButton, Qt::LeftButton);
+    send(QEvent::MouseButtonPress, outside, Qt::RightButton, Qt::LeftButton | Qt::RightButton);
+    send(QEvent::MouseButtonRelease, outside, Qt::LeftButton, Qt::RightButton);
+    send(QEvent::MouseButtonRelease, outside, Qt::RightButton, Qt::NoButton);
+    send(QEvent::MouseMove, inside, Qt::NoButton, Qt::NoButton);
     EXPECT_EQ(events, QStringLiteral("press0 drag press1 release0 "))
         << "the first was outside, and the release of the right button is the menu's";
 }
