@@ -31,7 +31,6 @@ std::vector<Screenshot> allScreenshots() {
     add(u"window 26"_s, window(family, 26));
     add(u"headline 13 light"_s, headline(family, 13, kDarkOnLight));
     add(u"headline 14 dark"_s, headline(other, 14, kLightOnDark));
-    add(u"gallery 15"_s, gallery(family, 15));
     const auto addPage = [&](const QString& name, const QStringList& lines, const QFont& font, TextColours colours) {
         all.push_back({name, drawPage(lines, font, colours), lines.join(u'\n')});
     };

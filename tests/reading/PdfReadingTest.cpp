@@ -29,23 +29,21 @@ void writePdf(const QString& path, QSizeF points) {
 using PdfReading = Reading;
 
 TEST_F(PdfReading, ReadsTheFirstPageOnly) {
-    writePdf(path("Two Pages.PDF"), {595.276, 841.89});
-    EXPECT_EQ(reading("Two Pages.PDF"), kText);
+    writePdf(path("two.pdf"), {595.276, 841.89});
+    EXPECT_EQ(reading("two.pdf"), kText);
 }
 
 TEST_F(PdfReading, FailsWhereThereIsNoPageToRead) {
-    const QByteArray head("%PDF-1.4\n1 0 obj<</Type/Catalog/Pages 2 0 R>>endobj\n2 0 obj<</Type/Pages/Kids"),
-        key(32, 'k');
+    const QByteArray head("%PDF-1.4\n1 0 obj<</Type/Catalog/Pages 2 0 R>>endobj\n2 0 obj<</Type/Pages/Kids");
     write("empty.pdf", {});
     write("text.pdf", "Not a document, though it is called one.");
     write("pageless.pdf", head + "[]/Count 0>>endobj\ntrailer<</Root 1 0 R>>\n%%EOF\n");
-    write("locked.pdf",
-          head +
-              "[3 0 R]/Count 1>>endobj\n3 0 obj<</Type/Page/Parent 2 0 R/MediaBox[0 0 200 100]>>endobj\n4 0 obj"
-              "<</Filter/Standard/V 1/R 2/P -4/O(" +
-              key + ")/U(" + key +
-              ")>>endobj\n"
-              "trailer<</Root 1 0 R/Encrypt 4 0 R/ID[(a)(a)]>>\n%%EOF\n");
+    write("locked.pdf", head + R"([3 0 R]/Count 1>>endobj
+3 0 obj<</Type/Page/Parent 2 0 R/MediaBox[0 0 200 100]>>endobj
+4 0 obj<</Filter/Standard/V 1/R 2/P -4/O(kkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkk)/U(kkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkk)>>endobj
+trailer<</Root 1 0 R/Encrypt 4 0 R/ID[(a)(a)]>>
+%%EOF
+)");
     for (const char* name : {"empty.pdf", "text.pdf", "pageless.pdf", "locked.pdf"})
         EXPECT_EQ(reading(name), "4 couldn't open the PDF") << name;
     writePdf(path("wall.pdf"), {14400, 14400});

@@ -12,13 +12,11 @@
 class Reading : public testing::Test {
  protected:
     QString path(const char* name) const { return folder_.filePath(QLatin1String(name)); }
-    Result<QString> read(const char* name) const {
-        const bool isPdf = path(name).endsWith(QLatin1String(".pdf"), Qt::CaseInsensitive);
-        return readText(openRegularFile(QFile::encodeName(path(name))).get(), isPdf ? Document::pdf : Document::image);
-    }
     /// The text, or the failure's code and description.
     std::string reading(const char* name) const {
-        const Result<QString> result = read(name);
+        const bool isPdf = path(name).endsWith(QLatin1String(".pdf"));
+        const Result<QString> result =
+            readText(openRegularFile(QFile::encodeName(path(name))).get(), isPdf ? Document::pdf : Document::image);
         const auto* why = std::get_if<Failure>(&result);
         return why ? std::to_string(why->code) + ' ' + why->description.toStdString()
                    : std::get<QString>(result).toStdString();

@@ -125,17 +125,28 @@ Screenshot window(const QString& family, int pixels) {
                  {sentences()[1]},
                  {u"Delete everything"_s, kWhite}};
     const QFontMetrics metrics(face(family, pixels));
-    const int row = metrics.height() * 2, width = metrics.averageCharWidth() * 60;
+    const int row = metrics.height() * 2, width = metrics.averageCharWidth() * 70;
     QStringList texts;
     const auto draw = [&](QPainter& painter) {
         painter.fillRect(0, 0, width, row, QColor(0x2d, 0x2f, 0x36));
         painter.fillRect(0, 3 * row, width, row, QColor(0x35, 0x84, 0xe4));
         painter.setBrush(QColor(0xc0, 0x1c, 0x28));
         painter.setPen(Qt::NoPen);
-        painter.drawRoundedRect(8, 7 * row + 4, metrics.horizontalAdvance(lines[7].text) + 24, row - 8, 6, 6);
+        painter.drawRoundedRect(48, 7 * row + 4, metrics.horizontalAdvance(lines[7].text) + 24, row - 8, 6, 6);
+        QRadialGradient gradient(width - 90, 7 * row, 90, width - 120, 6 * row);
+        gradient.setColorAt(0, QColor::fromHsv(70, 200, 250));
+        gradient.setColorAt(1, QColor::fromHsv(110, 220, 60));
+        painter.setBrush(gradient);
+        painter.drawEllipse(width - 130, 6 * row, 110, 80);
+        painter.setBrush(Qt::NoBrush);
         for (const auto& [text, colour] : lines) {
-            painter.setPen(QColor::fromRgb(colour));
-            painter.drawText(20, int(texts.size()) * row + (row + metrics.ascent() - metrics.descent()) / 2, text);
+            const int top = int(texts.size()) * row, middle = top + row / 2;
+            painter.setPen(QPen(QColor::fromRgb(colour), 2));
+            if (colour == kText) {  // an icon
+                painter.drawEllipse(20, middle - 12, 24, 24);
+                painter.drawPolyline(QPolygon({{26, middle}, {31, middle + 6}, {38, middle - 6}}));
+            }
+            painter.drawText(60, top + (row + metrics.ascent() - metrics.descent()) / 2, text);
             texts += text;
         }
     };
@@ -153,29 +164,6 @@ Screenshot headline(const QString& family, int pixels, TextColours colours) {
         drawLines(painter, below, 20, end);
     };
     return {u"headline"_s, drawn({760, 330}, colours, large, draw), (above + below).join(u'\n')};
-}
-
-Screenshot gallery(const QString& family, int pixels) {
-    const auto draw = [&](QPainter& painter) {
-        for (int i = 0; i < 5; ++i) {
-            QRadialGradient gradient(90 + 130 * i, 80, 90, 60 + 130 * i, 50);
-            gradient.setColorAt(0, QColor::fromHsv(70 * i, 200, 250));
-            gradient.setColorAt(1, QColor::fromHsv(70 * i + 40, 220, 60));
-            painter.setPen(Qt::NoPen);
-            painter.setBrush(gradient);
-            painter.drawEllipse(30 + 130 * i, 20, 110, 110);
-            const int top = 160 + 50 * i;
-            painter.setPen(QPen(QColor(0x8a, 0xad, 0xf4), 2));
-            painter.setBrush(Qt::NoBrush);
-            painter.drawEllipse(30, top, 28, 28);
-            painter.drawLine(37, top + 14, 42, top + 20);
-            painter.drawLine(42, top + 20, 51, top + 8);
-            painter.setPen(QColor(0xca, 0xd3, 0xf5));
-            painter.drawText(80, top + 14 + pixels / 3, sentences()[i]);
-        }
-    };
-    return {u"gallery"_s, drawn({700, 420}, {0, 0xff24273a}, face(family, pixels), draw),
-            sentences().mid(0, 5).join(u'\n')};
 }
 
 std::vector<Screenshot> oddScreenshots() {

@@ -35,12 +35,11 @@ QImage jpegged(const QImage& picture);
 
 Screenshot page(const QString& family, int pixels, bool dark);
 Screenshot columns(const QString& family, int pixels, bool dark);
-/// A window with a dark bar, a marked row and a coloured button around an ordinary page.
+/// A window with a dark bar, a marked row, a coloured button, and beside the text a picture and icons: shapes that must
+/// not be taken for letters.
 Screenshot window(const QString& family, int pixels);
 /// Several times as tall as the text below it.
 Screenshot headline(const QString& family, int pixels, TextColours colours);
-/// Text below a picture and beside icons: shapes that must not be taken for letters.
-Screenshot gallery(const QString& family, int pixels);
 /// What is framed, or large, or one character, or lies on a side or on its head: all of it is read without a fault.
 std::vector<Screenshot> oddScreenshots();
 

@@ -1,16 +1,13 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <linux/fs.h>
 #include <linux/landlock.h>
 #include <netinet/in.h>
 #include <pthread.h>
 #include <seccomp.h>
 #include <signal.h>
 #include <sys/ioctl.h>
-#include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
-#include <sys/shm.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -44,35 +41,18 @@ int confined(F f, uid_t user = ::getuid()) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
 }
 
-constexpr int kTooMany = 4000;
-
-/// The number of threads that can be started, or kTooMany.
-int startThreads() {
-    const auto wait = [](void*) -> void* { return ::sleep(60), nullptr; };
-    pthread_attr_t small;
-    ::pthread_attr_init(&small);
-    ::pthread_attr_setstacksize(&small, 16384);
-    pthread_t thread;
-    int count = 0;
-    while (count < kTooMany && ::pthread_create(&thread, &small, wait, nullptr) == 0) ++count;
-    return count;
-}
-
 TEST(Confinement, RefusesWhatIsNotDecoding) {
     const Folder folder;
     save(folder / "mine", QByteArray("mine"));
-    const QByteArray mineName = folder / "mine", newName = folder / "new";
-    const char *const mine = mineName.constData(), *const made = newName.constData();
-    const Descriptor source(::open(mine, O_RDONLY)), unnamed(::open(folder.path.constData(), O_TMPFILE | O_RDWR, 0666));
+    const QByteArray mine = folder / "mine", made = folder / "new";
+    const Descriptor source(::open(mine.constData(), O_RDONLY)),
+        unnamed(::open(folder.path.constData(), O_TMPFILE | O_RDWR, 0666));
     ASSERT_EQ(::dup2(unnamed.get(), kResult), kResult);
     const bool hasLandlock = ::syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION) >= 1;
-    const auto open = [](const char* path, int flags) { return long(::open(path, flags, 0666)); };
+    const auto open = [](const QByteArray& path, int flags) { return long(::open(path.constData(), flags, 0666)); };
     char program[] = "/bin/true";
     char* const arguments[] = {program, nullptr};
-    cpu_set_t processors{};
     rlimit more{RLIM_INFINITY, RLIM_INFINITY};
-    int flags = FS_NODUMP_FL;
-    struct flock lock {};
     const struct {
         const char* what;
         std::function<long()> attempt;
@@ -83,34 +63,20 @@ TEST(Confinement, RefusesWhatIsNotDecoding) {
         {"processes", [] { return ::fork(); }},
         {"signals", [] { return ::kill(::getppid(), 0); }},
         {"an owner for signals", [] { return ::fcntl(kResult, F_SETOWN, ::getppid()); }},
-        {"another signal", [] { return ::fcntl(kResult, F_SETSIG, SIGKILL); }},
         {"signals when it can be read", [] { return ::fcntl(STDOUT_FILENO, F_SETFL, O_ASYNC); }},
-        {"signals when it is opened", [] { return ::fcntl(kResult, F_SETLEASE, F_WRLCK); }},
-        {"locks", [&] { return ::fcntl(kResult, F_SETLK, &lock); }},
-        {"memory that is a file", [] { return ::memfd_create("x", 0); }},
-        {"shared memory", [] { return ::shmget(IPC_PRIVATE, 4096, IPC_CREAT | 0600); }},
-        {"processors", [&] { return ::sched_setaffinity(0, sizeof processors, &processors); }},
-        {"more time", [] { return ::alarm(0) == 0 && ::alarm(0) == 0 ? 0L : -1L; }},
         {"other limits", [&] { return ::setrlimit(RLIMIT_FSIZE, &more); }},
         {"living on", [] { return ::prctl(PR_SET_PDEATHSIG, 0); }},
         {"typing", [] { return ::ioctl(STDIN_FILENO, TIOCSTI, "x"); }},
-        {"attributes", [&] { return ::ioctl(kResult, FS_IOC_SETFLAGS, &flags); }},
-        {"modes", [&] { return ::chmod(mine, 0); }},
         {"a link of the result",
-         [&] { return ::linkat(AT_FDCWD, "/proc/self/fd/3", AT_FDCWD, made, AT_SYMLINK_FOLLOW); }},
-        {"folders", [&] { return ::mkdir(made, 0777); }},
-        {"renaming", [&] { return ::rename(mine, made); }},
-        {"removing", [&] { return ::unlink(mine); }},
-        {"truncating", [&] { return ::truncate(mine, 0); }},
+         [&] { return ::linkat(AT_FDCWD, "/proc/self/fd/3", AT_FDCWD, made.constData(), AT_SYMLINK_FOLLOW); }},
+        {"removing", [&] { return ::unlink(mine.constData()); }},
         {"writing", [&] { return open(mine, O_WRONLY); }},
         {"emptying", [&] { return open(mine, O_RDONLY | O_TRUNC); }},
         {"making", [&] { return open(made, O_RDONLY | O_CREAT); }},
-        {"making without a name", [&] { return open(folder.path.constData(), O_RDWR | O_TMPFILE); }},
+        {"making without a name", [&] { return open(folder.path, O_RDWR | O_TMPFILE); }},
         {"the source anew", [&] { return open("/proc/self/fd/0", O_RDWR); }},
         {"reading files", [&] { return open(mine, O_RDONLY); }, true},
-        {"reading folders", [&] { return open(folder.path.constData(), O_RDONLY | O_DIRECTORY); }, true},
-        {"reading fonts", [&] { return open("/usr/share/fonts", O_RDONLY | O_DIRECTORY); }, true},
-        {"reading settings", [&] { return open("/etc/passwd", O_RDONLY); }, true},
+        {"reading folders", [&] { return open(folder.path, O_RDONLY | O_DIRECTORY); }, true},
         {"reading about processes", [&] { return open("/proc/self/environ", O_RDONLY); }, true},
     };
     for (const auto& [what, attempt, needsLandlock] : attempts) {
@@ -125,11 +91,9 @@ TEST(Confinement, RefusesWhatIsNotDecoding) {
 }
 
 TEST(Confinement, DoesWithoutLandlockButNotWithABrokenOne) {
-    using Case = std::tuple<long, int, int>;
-    const Case cases[] = {{SYS_landlock_create_ruleset, ENOSYS, 0},
-                          {SYS_landlock_create_ruleset, EMFILE, 102},
-                          {SYS_landlock_restrict_self, E2BIG, 102}};
-    for (const auto& [call, error, outcome] : cases) {
+    for (const auto& [call, error, outcome] : {std::tuple(SYS_landlock_create_ruleset, ENOSYS, 0),
+                                               {SYS_landlock_create_ruleset, EMFILE, 102},
+                                               {SYS_landlock_restrict_self, E2BIG, 102}}) {
         std::thread([&] {
             const auto filter = seccomp_init(SCMP_ACT_ALLOW);
             seccomp_rule_add(filter, SCMP_ACT_ERRNO(uint16_t(error)), int(call), 0);
@@ -152,8 +116,15 @@ TEST(Confinement, HasLimits) {
     EXPECT_EQ(confined(areSet), 1);
     // The number of threads is not limited for root.
     constexpr uid_t kNobody = 65534;
+    constexpr int kTooMany = 4000;
     const auto threads = [] {
-        const int count = startThreads();
+        const auto wait = [](void*) -> void* { return ::sleep(60), nullptr; };
+        pthread_attr_t small;
+        ::pthread_attr_init(&small);
+        ::pthread_attr_setstacksize(&small, 16384);
+        pthread_t thread;
+        int count = 0;
+        while (count < kTooMany && ::pthread_create(&thread, &small, wait, nullptr) == 0) ++count;
         return count >= 8 && count < kTooMany;
     };
     EXPECT_EQ(confined(threads, ::getuid() == 0 ? kNobody : ::getuid()), 1);

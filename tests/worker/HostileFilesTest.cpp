@@ -40,25 +40,16 @@ QByteArray bmpOfSize(quint32 width, quint32 height) {
 TEST(HostileFiles, AreNotPictures) {
     const std::pair<const char*, QByteArray> cases[] = {
         {"nothing", ""},
-        {"text", "hello"},
         {"svg", "<?xml version=\"1.0\"?><svg xmlns=\"http://www.w3.org/2000/svg\" width=\"9\" height=\"9\"/>"},
-        {"pdf", "%PDF-1.4\n1 0 obj<</Type/Catalog>>endobj\n"},
-        {"mvg", "push graphic-context\nviewbox 0 0 9 9\nimage over 0,0 0,0 '/etc/passwd'\npop graphic-context\n"},
         {"ppm", "P6 1 1 255 abc"},
-        {"vips", QByteArray("\xb6\xa6\xf2\x08") + QByteArray(100, '\0')},
-        {"huge png", pngOfSize(0x7fffffff, 0x7fffffff)},
         {"png bomb", pngOfSize(60000, 60000)},
         {"wide png", pngOfSize(70000, 1)},
-        {"huge jpeg",
-         QByteArray("\xff\xd8\xff\xc0\0\x11\x08\xff\xdc\xff\xdc\x03\x01\x22\0\x02\x11\x01\x03\x11\x01", 21) +
-             QByteArray(100, '\0')},
         {"huge gif", QByteArray("GIF89a\xff\xff\xff\xff\0\0\0,\0\0\0\0\xff\xff\xff\xff\0\x02\x02\x4c\x01\0;", 29)},
         {"huge bmp", bmpOfSize(0x7fffffff, 0x7fffffff)},
         {"bmp bomb", bmpOfSize(65000, 7000)},
         {"bmp that breaks off", bmpOfSize(100, 100)},
         {"bmp of the lowest height", bmpOfSize(100, 0x80000000)},
         {"bmp with the top first that breaks off", bmpOfSize(100, quint32(-100))},
-        {"oldest bmp that breaks off", bmp(12, 100, 100, 24, 0, QByteArray(2000, '\0'))},
         {"bmp whose runs break off", bmp(40, 4, 4, 8, 1, QByteArray(8, '\0') + QByteArray("\x04\x01\0\0\x04", 5), 2)},
         {"bmp with half a mask", bmp(56, 4, 4, 32, 3, QByteArray(6, '\0'))},
     };
@@ -94,17 +85,15 @@ TEST(HostileFiles, ThatBreakOffFail) {
 
 TEST(HostileFiles, WithBrokenProfilesAreStillPictures) {
     const VImage rgb = quarters(30, 30);
-    const VImage grey = rgb.colourspace(VIPS_INTERPRETATION_B_W);
     const VImage cmyk = rgb.icc_transform("cmyk", VImage::option()->set("input_profile", "srgb"));
     const QByteArray whole = iccProfile();
     QByteArray damaged = whole;
-    const Folder folder;
     std::fill(damaged.begin() + 132, damaged.begin() + 200, '\xee');
+    const Folder folder;
     for (const QByteArray& profile : {QByteArray("no profile at all"), whole.left(whole.size() / 2), damaged, whole}) {
-        for (const VImage& colours : {rgb, grey, cmyk}) {
+        for (const VImage& colours : {rgb, rgb.colourspace(VIPS_INTERPRETATION_B_W), cmyk}) {
             const VImage image = colours.copy();
-            vips_image_set_blob_copy(image.get_image(), VIPS_META_ICC_NAME, profile.constData(),
-                                     size_t(profile.size()));
+            setBlob(image, VIPS_META_ICC_NAME, profile);
             image.jpegsave((folder / "a.jpg").constData());
             EXPECT_EQ(code(folder, "a.jpg"), kDone) << profile.size() << " " << image.interpretation();
         }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <stdlib.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -10,11 +9,11 @@
 #include <QFile>
 #include <QImage>
 #include <QtEndian>
-#include <filesystem>
 #include <vector>
 #include <vips/vips8>
 
 #include "platform/Descriptor.h"
+#include "support/TestFolder.h"
 #include "worker/Chew.h"
 #include "worker/Thumbnail.h"
 
@@ -35,9 +34,10 @@ inline const Colour kBlue{30, 30, 220};
 inline const Colour kGrey{128, 128, 128};
 
 using Quarters = std::vector<Colour>;
+inline const Quarters kPlain{kRed, kGreen, kBlue, kGrey};
 
 /// Four colours, row by row: every way of turning it looks different.
-inline VImage quarters(int width, int height, const Quarters& colours = {kRed, kGreen, kBlue, kGrey}) {
+inline VImage quarters(int width, int height, const Quarters& colours = kPlain) {
     EXPECT_TRUE(kVipsIsReady);
     const auto flat = [&](const Colour& colour, int w, int h) {
         return (VImage::black(w, h) + colour).cast(VIPS_FORMAT_UCHAR);
@@ -49,6 +49,10 @@ inline VImage quarters(int width, int height, const Quarters& colours = {kRed, k
                   .join(flat(colours[3], width - left, height - top), VIPS_DIRECTION_HORIZONTAL),
               VIPS_DIRECTION_VERTICAL)
         .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB));
+}
+
+inline void setBlob(const VImage& image, const char* field, const QByteArray& bytes) {
+    vips_image_set_blob_copy(image.get_image(), field, bytes.constData(), size_t(bytes.size()));
 }
 
 /// The colours of a wide screen.
@@ -99,22 +103,13 @@ inline QByteArray bmp(quint32 headerLength, quint32 width, quint32 height, quint
     return "BM" + littleEndian(0) + littleEndian(0) + littleEndian(14 + headerLength + 4 * colours) + header + pixels;
 }
 
-inline QByteArray newFolder() {
-    QByteArray path = QFile::encodeName(QDir::tempPath()) + "/chew-XXXXXX";
-    EXPECT_NE(::mkdtemp(path.data()), nullptr);
-    return path;
-}
-
 /// A folder for pictures, with another beside it to fall back to, that is not made yet.
 struct Folder {
-    const QByteArray parent = newFolder(), path = parent + "/in", fallback = parent + "/out/dropped";
+    const TestFolder owner;
+    const QByteArray parent = owner.path().chopped(1), path = parent + "/in", fallback = parent + "/out/dropped";
     const QByteArray result = parent + "/result";  // of chew()
 
     Folder() { EXPECT_EQ(::mkdir(path.constData(), 0777), 0); }
-    // QTemporaryDir cannot remove names that are not UTF-8.
-    ~Folder() { std::filesystem::remove_all(parent.toStdString()); }
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
 
     QByteArray operator/(const QByteArray& name) const { return path + '/' + name; }
     /// Chews the file of this name in this process.
@@ -130,10 +125,5 @@ struct Folder {
     QStringList names() const {
         return QDir(QFile::decodeName(path))
             .entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
-    }
-    /// Whether these are the names in it, or will be within some seconds.
-    bool isSoon(const QStringList& expected) const {
-        for (int i = 0; i < 500 && names() != expected; ++i) ::usleep(10'000);
-        return names() == expected;
     }
 };

@@ -1,9 +1,15 @@
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <seccomp.h>
 #include <sys/syscall.h>
+#include <sys/wait.h>
 
-#include "FileSystems.h"
+#include <csignal>
+#include <thread>
+
 #include "Images.h"
 #include "platform/FileUrls.h"
+#include "platform/linux/UnnamedFile.h"
 #include "platform/linux/WorkerProcess.h"
 #include "shelf/WorkerAnswer.h"
 
@@ -17,6 +23,30 @@ constexpr std::chrono::milliseconds kLong(30'000);
 constexpr std::chrono::milliseconds kShort(700);
 
 const QString kWorker = QStringLiteral(GLIMMET_WORKER);
+
+/// What a file system can do.
+constexpr struct FileSystem {
+    const char* name;
+    bool hasUnnamedFiles;
+    bool keepsWhatIsThere;  // when asked to rename without replacing
+} kFileSystems[] = {{"most", true, true}, {"some", false, true}, {"few", false, false}};
+
+/// Runs it where the kernel answers as on such a file system.
+template <class F>
+void on(const FileSystem& system, F f) {
+    std::thread([&] {
+        const auto filter = seccomp_init(SCMP_ACT_ALLOW);
+        const auto refuse = [&](int error, int call, scmp_arg_cmp when) {
+            seccomp_rule_add(filter, SCMP_ACT_ERRNO(uint16_t(error)), call, 1, when);
+        };
+        if (!system.hasUnnamedFiles)
+            refuse(EOPNOTSUPP, SCMP_SYS(openat), SCMP_A2(SCMP_CMP_MASKED_EQ, O_TMPFILE, O_TMPFILE));
+        if (!system.keepsWhatIsThere) refuse(EINVAL, SCMP_SYS(renameat2), SCMP_A4(SCMP_CMP_NE, 0, 0));
+        EXPECT_EQ(seccomp_load(filter), 0);
+        seccomp_release(filter);
+        f();
+    }).join();
+}
 
 using Made = std::variant<QUrl, ChewError>;
 Made chew(const QString& program, const Folder& folder, const QByteArray& source, Mode mode,
@@ -52,34 +82,52 @@ void asNobody(F f) {
     }).join();
 }
 
-TEST(GlimmetWorker, ChewsAnyNameAndFallsBackWhereItCannotWrite) {
+TEST(GlimmetWorker, ChewsAnyNameReplacesNothingAndFallsBackWhereItCannotWrite) {
     for (const FileSystem& system : kFileSystems) {
         SCOPED_TRACE(system.name);
         const Folder folder;
         const QByteArray name = "a\nb #?%20 \xff";
         save(folder / "x.png", quarters(30, 20));
         ASSERT_EQ(::rename((folder / "x.png").constData(), (folder / (name + ".png")).constData()), 0);
+        folder.owner.write("in/" + name + ".jpg", "mine");
         ASSERT_EQ(::chmod(folder.parent.constData(), 0777), 0);
         for (const bool isReadOnly : {false, true}) {
             ASSERT_EQ(::chmod(folder.path.constData(), isReadOnly ? 0555 : 0777), 0);
             asNobody([&] {
                 on(system, [&] {
-                    for (const auto& [mode, end] : {std::pair(Mode::smaller, "-small.jpg"), {Mode::toJPEG, ".jpg"}}) {
+                    for (const auto& [mode, end] : {std::pair(Mode::smaller, "-small.jpg"), {Mode::toJPEG, "-"}}) {
                         const QByteArray result = chewed(kWorker, folder, folder / (name + ".png"), mode);
-                        if (isReadOnly)
-                            EXPECT_THAT(result.toStdString(),
-                                        testing::StartsWith((folder.fallback + '/' + name).toStdString()));
-                        else
-                            EXPECT_EQ(result, folder / (name + end));
+                        const QByteArray start = isReadOnly ? folder.fallback + '/' + name : folder / (name + end);
+                        EXPECT_THAT(result.toStdString(), testing::StartsWith(start.toStdString()));
                         EXPECT_EQ(VImage::jpegload(result.constData()).width(), 30);
                     }
                 });
             });
         }
         ASSERT_EQ(::chmod(folder.path.constData(), 0755), 0);
+        EXPECT_EQ(folder.owner.read("in/" + name + ".jpg"), "mine");
         // QDir would not list these names.
         const auto files = std::filesystem::directory_iterator(folder.path.toStdString());
-        EXPECT_EQ(std::distance(begin(files), end(files)), 3);
+        EXPECT_EQ(std::distance(begin(files), end(files)), 4);
+    }
+}
+
+TEST(GlimmetWorker, LeavesNothingOfAResultWhoseOwnerIsKilled) {
+    for (const FileSystem& system : kFileSystems) {
+        const Folder folder;
+        on(system, [&] {
+            const pid_t owner = ::fork();
+            if (owner == 0) {
+                auto file = UnnamedFile::in(folder.path);
+                if (file && ::write(file->descriptor(), "half", 4) == 4 && file->finish()) ::raise(SIGKILL);
+                ::_exit(1);
+            }
+            int status = 0;
+            ASSERT_EQ(::waitpid(owner, &status, 0), owner);
+            EXPECT_TRUE(WIFSIGNALED(status));
+        });
+        for (int i = 0; i < 500 && !folder.names().isEmpty(); ++i) ::usleep(10'000);
+        EXPECT_EQ(folder.names(), QStringList()) << system.name;
     }
 }
 
@@ -124,12 +172,16 @@ TEST(GlimmetWorker, DoesInItsConfinementWhatItDoesWithout) {
     }
     EXPECT_EQ(std::get<ChewError>(thumbnailIn(worker.run({u"thumbnail"_s, u"96"_s}, "text"), 96)).code, 1);
     // Its font is not in it.
-    save(folder / "a.pdf",
-         "%PDF-1.4\n1 0 obj<</Type/Catalog/Pages 2 0 R>>endobj\n2 0 obj<</Type/Pages/Kids[3 0 R]/Count 1>>endobj\n"
-         "3 0 obj<</Type/Page/Parent 2 0 R/MediaBox[0 0 300 99]/Resources<</Font<</F 4 0 R>>>>/Contents 5 0 R>>endobj\n"
-         "4 0 obj<</Type/Font/Subtype/Type1/BaseFont/Helvetica>>endobj\n"
-         "5 0 obj<</Length 47>>stream\nBT /F 18 Tf 40 40 Td (Minutes of the club) Tj ET\nendstream endobj\n"
-         "trailer<</Root 1 0 R>>\n%%EOF\n");
+    save(folder / "a.pdf", R"(%PDF-1.4
+1 0 obj<</Type/Catalog/Pages 2 0 R>>endobj 2 0 obj<</Type/Pages/Kids[3 0 R]/Count 1>>endobj
+3 0 obj<</Type/Page/Parent 2 0 R/MediaBox[0 0 300 99]/Resources<</Font<</F 4 0 R>>>>/Contents 5 0 R>>endobj
+4 0 obj<</Type/Font/Subtype/Type1/BaseFont/Helvetica>>endobj
+5 0 obj<</Length 47>>stream
+BT /F 18 Tf 40 40 Td (Minutes of the club) Tj ET
+endstream endobj
+trailer<</Root 1 0 R>>
+%%EOF
+)");
     EXPECT_EQ(Chewer(worker).readText(fileUrl(folder / "a.pdf")),
               (std::variant<QString, ChewError>(u"Minutes of the club"_s)));
 }
