@@ -109,6 +109,8 @@ void Glimmet::kill() {
 }
 
 QList<xcb_window_t> Glimmet::windows() const {
+    // One that has ended has no process id, as windows of programs that tell none.
+    if (pid() == 0) return {};
     QList<xcb_window_t> found = session_->stacking();
     found.removeIf([&](xcb_window_t window) {
         return session_->client().value(window, "_NET_WM_PID") != pid() || !session_->client().visible(window);
