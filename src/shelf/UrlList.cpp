@@ -57,7 +57,8 @@ UrlList parseUrls(const QString& type, const QByteArray& bytes) {
     const bool utf16 = type == QLatin1String("text/x-moz-url");
     const QByteArray text = utf16 ? QString(QStringDecoder(QStringDecoder::Utf16LE)(bytes)).toUtf8() : bytes;
     // Some programs put a title on the next line.
-    const QByteArray first = text.sliced(0, text.contains('\n') ? text.indexOf('\n') : text.size()).trimmed();
+    const qsizetype end = text.indexOf('\n');
+    const QByteArray first = (end < 0 ? text : text.first(end)).trimmed();
     list.image = imageInDataUrl(first);
     if (type != QLatin1String("text/uri-list")) {
         add(first, list);
