@@ -4,6 +4,9 @@
 
 #include "creature/Numbers.h"
 #include "platform/EventMonitors.h"
+#include "platform/Http.h"
+#include "platform/MediaKeys.h"
+#include "platform/Players.h"
 #include "platform/Preferences.h"
 #include "platform/ScreenLock.h"
 #include "platform/Workspace.h"
@@ -33,6 +36,9 @@ AppDelegate::AppDelegate(const Ports& ports, const QStringList& arguments)
       commands_(model_, shelf_, ports.clock, ports.preferences, ports.workspace, switches()),
       capsLock_(model_),
       agents_(model_, ports.loop, ports.disk, ports.workspace),
+      artwork_(ports.loop, ports.players, ports.http, ports.preferences, ports.worker, ports.covers),
+      nowPlaying_(model_, ports.loop, ports.players, artwork_),
+      musicCommands_(model_, ports.clock, ports.loop, nowPlaying_, ports.players, ports.mediaKeys),
       flags_(model_, shelf_, behaviour_, ports.loop, arguments),
       screenTest_(model_, ports.loop, placement_, panel_),
       shelfTest_(model_, shelf_, ports.loop, drops_) {
@@ -52,6 +58,8 @@ void AppDelegate::connect() {
     };
     ports_.preferences.onSaveFailed = [this] { ++model_.worryCount; };
     behaviour_.clearDoneTimers = [this] { shelf_.clearDoneTimers(); };
+    musicCommands_.alert = ports_.alert;
+    musicCommands_.openSettings = [this] { ports_.workspace.openAccessibilitySettings(); };
     behaviour_.focusBlockedTerminal = [this] { agents_.focusBlockedTerminal(); };
 }
 
@@ -62,6 +70,7 @@ ViewPorts AppDelegate::viewPorts() {
             .use = [this](const HeldThing& thing) { chipActions_.use(thing); },
             .remove = [this](const HeldThing& thing) { chipActions_.remove(thing); },
             .menu = [this](const HeldThing& thing) { return chipActions_.menu(thing); },
+            .onMusicCommand = [this](const QString& word) { musicCommands_.runMusicCommand(word); },
             .showX = arguments_.contains(QStringLiteral("--showx"))};
 }
 
@@ -111,11 +120,21 @@ void AppDelegate::startSensors() {
     ports_.workspace.onApplicationActivated = [this] { behaviour_.applicationActivated(); };
     ports_.monitors.onCapsLockChanged = [this](bool on) { capsLock_.capsChanged(on); };
     model_.capsOn = ports_.monitors.capsLock();
+    watchScrolling();
     ports_.workspace.start();
     startTicks();
     drops_.takeLeftovers();
     agents_.start();
     commands_.startSwitches();
+}
+
+// Only while there is something to seek in.
+void AppDelegate::watchScrolling() {
+    ports_.monitors.onScroll = [this](QPointF pointer, double points) {
+        musicCommands_.scrollSeek(points, behaviour_.inHoverZone(pointer, 0));
+    };
+    scrolling_ = model_.objectDidChange.subscribe(
+        [this](const auto&) { ports_.monitors.wantScroll(model_.hovering && model_.musicPlaying); });
 }
 
 void AppDelegate::startTicks() {
@@ -133,11 +152,12 @@ void AppDelegate::lifeTick() {
     behaviour_.lifeTick();
 }
 
-// The parts that these switch do not exist yet.
+// The parts that the first two switch do not exist yet.
 QList<Switch> AppDelegate::switches() {
     return {{QStringLiteral("Watch Downloads"), QStringLiteral("glimmet.watchDownloads"), {}, {}},
             {QStringLiteral("Meeting whispers"), QStringLiteral("glimmet.whispers"), {}, {}},
-            {QStringLiteral("Music in the notch"), QStringLiteral("glimmet.music"), {}, {}}};
+            {QStringLiteral("Music in the notch"), QStringLiteral("glimmet.music"),
+             [this] { nowPlaying_.startMusicWatch(); }, [this] { nowPlaying_.stopMusicWatch(); }}};
 }
 
 void AppDelegate::lockChanged() {

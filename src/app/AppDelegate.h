@@ -12,6 +12,10 @@
 #include "app/ShelfSelfTest.h"
 #include "creature/BehaviourEngine.h"
 #include "creature/NotchModel.h"
+#include "music/Artwork.h"
+#include "music/MusicCommands.h"
+#include "music/NowPlaying.h"
+#include "platform/Alert.h"
 #include "shelf/ChipActions.h"
 #include "shelf/DropIntake.h"
 #include "shelf/Shelf.h"
@@ -23,8 +27,11 @@ class BackgroundQueue;
 class DragPasteboard;
 class EventMonitors;
 class FileIcons;
+class Http;
+class MediaKeys;
 class PanelWindow;
 class Pasteboard;
+class Players;
 class Preferences;
 class ScreenLock;
 class Screens;
@@ -48,15 +55,21 @@ struct Ports {
     Pasteboard& pasteboard;
     Sharing& sharing;
     FileIcons& icons;
+    Players& players;
+    MediaKeys& mediaKeys;
+    Http& http;
     Worker& worker;
     BackgroundQueue& disk;  ///< writes files
     BackgroundQueue& jobs;  ///< waits for the worker, which may take a minute
+    BackgroundQueue& covers;  ///< reads and decodes the covers of tracks
     /// Uniformly distributed in [0, 1).
     std::function<double()> random;
     /// Shows a menu at a point of the screen (y growing upwards) and returns at once.
     std::function<void(const QList<MenuItem>&, QPointF)> popUp;
     /// Closes that menu if it is still open.
     std::function<void()> closePopUp;
+    /// Shows an alert and returns at once.
+    std::function<void(Alert)> alert;
     /// Requests an orderly exit.
     std::function<void()> quit;
     /// The user's data directory.
@@ -79,8 +92,9 @@ class AppDelegate {
     void connect();
     void watchPointer();
     ViewPorts viewPorts();
-    static QList<Switch> switches();
+    QList<Switch> switches();
     void startSensors();
+    void watchScrolling();
     void startTicks();
     void vitalsTick();
     void lifeTick();
@@ -104,9 +118,13 @@ class AppDelegate {
     Commands commands_;
     CapsLock capsLock_;
     AgentWatcher agents_;
+    Artwork artwork_;
+    NowPlaying nowPlaying_;
+    MusicCommands musicCommands_;
     CommandLineFlags flags_;
     ScreenTest screenTest_;
     ShelfSelfTest shelfTest_;
     TimerHandle vitalsTimer_, lifeTimer_;
+    Subscription scrolling_;
     bool demo_ = false;  // flags set the creature's state; the sensors stay off
 };

@@ -60,6 +60,7 @@ class NotchModel : public ObservableObject {
     Published<std::optional<QString>> updateAvailable{*this, std::nullopt};  ///< the newer version
     Published<bool> chewing{*this, false};
     Published<bool> musicPlaying{*this, false};
+    Published<bool> musicPaused{*this, false};  ///< the track that is shown has paused, and can be resumed
     Published<std::optional<QString>> musicTrack{*this, std::nullopt};
     Published<Sky> sky{*this, Sky::clearDay};
     Published<std::optional<double>> tempC{*this, std::nullopt};  ///< degrees Celsius

@@ -19,6 +19,8 @@ class EventMonitors {
     /// Detects, a moment later, a pointer that a program has warped, which no input event reports. Costs one sample:
     /// call it when the program is awake anyway.
     virtual void lookForPointer() {}
+    /// Whether onScroll is to be called: off at first, when scrolling costs next to nothing.
+    virtual void wantScroll(bool /*wanted*/) {}
     /// Whether Caps Lock is on now.
     virtual bool capsLock() const = 0;
 
@@ -30,7 +32,8 @@ class EventMonitors {
     std::function<void(QPointF pointer)> onRightMouseDown;
     /// Any button was pressed on another program's window or on the desktop.
     std::function<void()> onPressElsewhere;
-    /// Wheel steps; positive is up (away from the user) or to the right.
-    std::function<void(QPointF pointer, QPointF steps)> onScroll;
+    /// Scrolling in points, positive up (away from the user): ten for a step of a wheel, what the fingers travel on a
+    /// touchpad. Only while it is wanted.
+    std::function<void(QPointF pointer, double points)> onScroll;
     std::function<void(bool capsLock)> onCapsLockChanged;
 };

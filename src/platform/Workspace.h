@@ -19,6 +19,8 @@ class Workspace {
     virtual void open(const QUrl& url) = 0;
     /// Shows `file` selected in the user's file manager; if that is not possible, opens its folder.
     virtual void reveal(const QUrl& file) = 0;
+    /// Opens the desktop's accessibility settings; does nothing if it has none.
+    virtual void openAccessibilitySettings() = 0;
 
     /// Another application became active. Not called for a change of window within one application.
     std::function<void()> onApplicationActivated;

@@ -5,7 +5,7 @@
 #include <QString>
 #include <QUrl>
 
-#include "shelf/DataUrl.h"
+#include "platform/DataUrl.h"
 
 /// The contents of a dropped list of addresses.
 struct UrlList {

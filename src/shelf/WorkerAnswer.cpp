@@ -46,18 +46,6 @@ std::variant<QString, ChewError> textIn(const std::optional<QJsonObject>& answer
     return text;
 }
 
-std::variant<QImage, ChewError> thumbnailIn(const std::optional<QJsonObject>& answer, int side) {
-    if (const auto error = errorIn(answer)) return *error;
-    const int width = answer->value(QStringLiteral("width")).toInt();
-    const int height = answer->value(QStringLiteral("height")).toInt();
-    if (width < 1 || height < 1 || width > side || height > side) return unfinished();
-    const QByteArray base64 = answer->value(QStringLiteral("pixels")).toString().toLatin1();
-    const auto pixels = QByteArray::fromBase64Encoding(base64, QByteArray::AbortOnBase64DecodingErrors);
-    if (!pixels || pixels.decoded.size() != 4 * qsizetype(width) * height) return unfinished();
-    const auto* bytes = reinterpret_cast<const uchar*>(pixels.decoded.constData());
-    return QImage(bytes, width, height, QImage::Format_RGBA8888).convertToFormat(QImage::Format_ARGB32_Premultiplied);
-}
-
 bool isComplete(int descriptor, Chewer::Mode mode) {
     const bool isPng = mode == Chewer::Mode::toPNG;
     // A PNG starts with its header chunk and ends with an empty chunk and its checksum; a JPEG ends with a marker.

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QImage>
 #include <QJsonObject>
 #include <QString>
 #include <optional>
@@ -16,10 +15,6 @@ std::optional<ChewError> errorIn(const std::optional<QJsonObject>& answer);
 /// The text in the answer to a "read" request: not empty, not longer than any page, and without control characters
 /// other than line feeds and tabs.
 std::variant<QString, ChewError> textIn(const std::optional<QJsonObject>& answer);
-
-/// The picture in the answer to a "thumbnail" request, ready to paint: at most `side` pixels each way, and with exactly
-/// as many bytes as its size takes.
-std::variant<QImage, ChewError> thumbnailIn(const std::optional<QJsonObject>& answer, int side);
 
 /// Whether a file begins and ends like a complete one of the format that `mode` produces, and is no larger than the
 /// worker may write. It is not decoded: untrusted files must not be decoded in this process.

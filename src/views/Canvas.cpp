@@ -128,6 +128,18 @@ void Canvas::drawScaled(const QRectF& bounds, const QImage& image, const QRectF&
     painter_.restore();
 }
 
+// Scaled to device pixels first: the painter would skip pixels of an image that is much larger than its place.
+void Canvas::picture(const QImage& image, const QRectF& frame, const QPainterPath& shape) {
+    if (image.isNull()) return;
+    const QSize pixels = (frame.size() * ratio_).toSize();
+    const QImage scaled = image.scaled(pixels, Qt::KeepAspectRatioByExpanding, Qt::SmoothTransformation);
+    const QPointF corner = QRectF(scaled.rect()).center() - QRectF({}, QSizeF(pixels)).center();
+    QBrush brush(scaled.copy(QRect(corner.toPoint(), pixels)));
+    brush.setTransform(QTransform::fromScale(1 / ratio_, 1 / ratio_) *
+                       QTransform::fromTranslate(frame.left(), frame.top()));
+    painter_.fillPath(shape, brush);
+}
+
 void Canvas::symbol(const QString& name, const QPointF& place, double size, const QColor& color,
                     Qt::Alignment alignment) {
     const double box = size * kSymbolBox;

@@ -66,6 +66,8 @@ class Canvas {
 
     /// Draws `image` scaled to `frame`.
     void picture(const QImage& image, const QRectF& frame) { painter_.drawImage(frame, image); }
+    /// Fills `frame` with the middle of `image`, inside `shape`.
+    void picture(const QImage& image, const QRectF& frame, const QPainterPath& shape);
 
     /// The width of `line` in points.
     static double textWidth(const QString& line, const TextStyle& style);

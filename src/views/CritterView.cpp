@@ -12,7 +12,8 @@ namespace {
 
 using Swallow = Reactions::Swallow;
 
-constexpr double kShelfGap = 12;    // points below the eyes
+constexpr double kShelfGap = 12;  // points below the eyes
+constexpr double kMusicGap = 10;
 constexpr double kGazeReach = 160;  // distance in points from which the pupils move no further
 constexpr double kStartleScale = 0.16;
 constexpr double kStartleRise = 3;
@@ -37,7 +38,8 @@ CritterView::CritterView(const ViewContext& context)
                  }),
       state_(reactions_.state()),
       seenCharging_(model_.charging),
-      shelf_(context) {
+      shelf_(context),
+      music_(context) {
     CritterView::update(std::nullopt);
 }
 
@@ -48,6 +50,7 @@ void CritterView::update(const std::optional<Animation>& how) {
     aimEyes(how, now);
     mouth_.aim(mouthState(), how, now);
     shelf_.update(how, top_.target() + eyeSize_.target() + kShelfGap);
+    music_.update(how);
     const GlyphHints hints{.worried = state_.worried, .stretching = state_.stretching};
     glyph_.show(statusGlyph(model_, hints, context_.clock.localHour(context_.clock.now())), how, now);
     // Last, because a reaction calls update() again with its own curve.
@@ -143,17 +146,19 @@ double CritterView::nextFrame() const {
     return next;
 }
 
-QPointF CritterView::onShelf(const QPointF& point) const {
+QPointF CritterView::belowEyes(const QPointF& point, double gap) const {
     const double now = context_.now();
-    return point - QPointF(0, top_.at(now) + eyeSize_.at(now) + kShelfGap);
+    return point - QPointF(0, top_.at(now) + eyeSize_.at(now) + gap);
 }
 
 Hit CritterView::hit(const QPointF& point, Hit below) {
-    return shelf_.hit(onShelf(point), std::move(below));
+    below = music_.hit(belowEyes(point, kMusicGap), std::move(below));
+    return shelf_.hit(belowEyes(point, kShelfGap), std::move(below));
 }
 
 void CritterView::pointerMoved(const std::optional<QPointF>& point) {
-    shelf_.pointerMoved(point ? std::optional(onShelf(*point)) : std::nullopt);
+    shelf_.pointerMoved(point ? std::optional(belowEyes(*point, kShelfGap)) : std::nullopt);
+    music_.pointerMoved(point ? std::optional(belowEyes(*point, kMusicGap)) : std::nullopt);
 }
 
 QTransform CritterView::faceTransform(double now) const {
@@ -173,6 +178,7 @@ void CritterView::compose(DisplayList& list, const QRectF& body) const {
             composeEyes(list, now);
         });
         list.with(moved(0, bottom + kShelfGap), 1, [&] { shelf_.compose(list); });
+        list.with(moved(0, bottom + kMusicGap), 1, [&] { music_.compose(list); });
         // In front of the shelf, which steps back behind an open mouth.
         list.with(moved(0, bottom) * face, 1, [&] { mouth_.compose(list, now, wall); });
         badge_.compose(list, bottom + kBadgeGap, now);

@@ -4,6 +4,7 @@
 #include "views/Eye.h"
 #include "views/Glyph.h"
 #include "views/Mouth.h"
+#include "views/MusicRow.h"
 #include "views/Reactions.h"
 #include "views/ShelfArea.h"
 #include "views/SleepingEyes.h"
@@ -31,7 +32,8 @@ class CritterView : public View {
     QPointF gaze(double side) const;
     Mouth::State mouthState() const;
     const FaceGeometry& face() const { return model_.attending() ? FaceGeometry::open : FaceGeometry::resting; }
-    QPointF onShelf(const QPointF& point) const;
+    /// `point` relative to what hangs `gap` points below the eyes.
+    QPointF belowEyes(const QPointF& point, double gap) const;
 
     /// Moves the whole face when it is startled or gulps.
     QTransform faceTransform(double now) const;
@@ -53,6 +55,7 @@ class CritterView : public View {
     Badge badge_{animations_};
     Glyph glyph_{animations_};
     ShelfArea shelf_;
+    MusicRow music_;
     Animated<double> top_{animations_, 0}, eyeSize_{animations_, 0}, spacing_{animations_, 0};
     Animated<double> startle_{animations_, 0, 0.001};  // 0 at ease, 1 startled
     Animated<double> dip_{animations_, 0, 0.002};      // 1 while it gulps

@@ -16,7 +16,10 @@ enum : int {
     pill,
     pillLabels,  ///< two: the current one and the previous one
     whisper = pillLabels + 2,
-    confetti,
+    albumArt,
+    musicTrack,
+    musicButtons,  ///< three
+    confetti = musicButtons + 3,
     chips  ///< from here on, two for each chip
 };
 }

@@ -17,5 +17,6 @@ struct ViewPorts {
     std::function<void(const HeldThing&)> use;              ///< called by a click on a held thing
     std::function<void(const HeldThing&)> remove;           ///< called by its remove button
     std::function<QList<MenuItem>(const HeldThing&)> menu;  ///< its context menu
+    std::function<void(const QString& word)> onMusicCommand;  ///< called by the music buttons
     bool showX = false;                                     ///< always show the remove buttons
 };

@@ -6,6 +6,7 @@
 #include "platform/linux/OutlineRegion.h"
 #include "support/FakeDesktop.h"
 #include "support/ManualLoop.h"
+#include "support/MemoryMusic.h"
 #include "support/MemoryPorts.h"
 
 namespace {
@@ -27,6 +28,9 @@ struct ProgramFixture {
     MemoryPasteboard pasteboard;
     MemorySharing sharing;
     MemoryIcons icons;
+    MemoryPlayers players;
+    MemoryKeys keys;
+    MemoryHttp http;
     MemoryWorker worker;
     InlineQueue disk, jobs;
     QList<MenuItem> menu;
@@ -44,10 +48,13 @@ struct ProgramFixture {
                                workspace,      sounds,
                                dragPasteboard, pasteboard,
                                sharing,        icons,
-                               worker,         disk,
+                               players,        keys,
+                               http,           worker,
+                               disk,           jobs,
                                jobs,           random,
                                showMenu,       [] {},
-                               [] {},          QStringLiteral("/nonexistent")},
+                               [](const Alert&) {}, [] {},
+                               QStringLiteral("/nonexistent")},
                          list);
         const auto result = delegate->launch();
         loop.drain();

@@ -110,6 +110,7 @@ class MemoryWorkspace : public Workspace {
     void activateOrOpenTerminal(const QString& displayName) override { activated.append(displayName); }
     void open(const QUrl& url) override { opened.append(url); }
     void reveal(const QUrl& file) override { revealed.append(file); }
+    void openAccessibilitySettings() override {}
 
     bool started = false;
     QStringList activated;

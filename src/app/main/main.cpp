@@ -11,6 +11,7 @@
 #include <memory>
 #include <vector>
 
+#include "app/AlertBox.h"
 #include "app/AppDelegate.h"
 #include "app/EndSignals.h"
 #include "app/MainMenu.h"
@@ -18,6 +19,7 @@
 #include "platform/linux/Desktop.h"
 #include "platform/linux/FilePreferences.h"
 #include "platform/linux/PathReferences.h"
+#include "platform/linux/QtHttp.h"
 #include "platform/linux/QtMainLoop.h"
 #include "platform/linux/QtPasteboard.h"
 #include "platform/linux/QtScreens.h"
@@ -86,7 +88,7 @@ struct Habitat {
     QtMainLoop& loop;
     FilePreferences& preferences;
     SystemClock clock;
-    ThreadQueue background, pictures, drops, jobs;  // several, since a hung disk may block all threads of one
+    ThreadQueue background, pictures, drops, jobs, covers;  // several, since a hung disk may block all threads of one
     ThreadQueue references{DiskLanes::kMaxThreads};
     ThreadSerialQueue playing;
     PathReferences files{references, loop};
@@ -95,6 +97,7 @@ struct Habitat {
     QtPasteboard pasteboard;
     DesktopIcons icons{pictures, loop};
     DesktopSharing sharing{background, loop, pasteboard};
+    QtHttp http{"Glimmet/" GLIMMET_VERSION};
     WorkerProcess worker{QCoreApplication::applicationDirPath() + QStringLiteral("/glimmet-worker")};
     const Desktop desktop = makeDesktop(loop, background);
 };
@@ -117,12 +120,17 @@ Ports Habitat::ports(const std::function<void()>& quit) {
             .pasteboard = pasteboard,
             .sharing = sharing,
             .icons = icons,
+            .players = *desktop.players,
+            .mediaKeys = *desktop.mediaKeys,
+            .http = http,
             .worker = worker,
             .disk = drops,
             .jobs = jobs,
+            .covers = covers,
             .random = [] { return QRandomGenerator::global()->generateDouble(); },
             .popUp = popUpMenu,
             .closePopUp = closePopUp,
+            .alert = showAlert,
             .quit = quit,
             .dataFolder = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)};
 }

@@ -10,12 +10,15 @@
 #include "platform/linux/ScreenCoordinates.h"
 #include "platform/linux/SessionLock.h"
 #include "platform/linux/freedesktop/Openers.h"
+#include "platform/linux/mpris/BrowserKeys.h"
+#include "platform/linux/mpris/MprisPlayers.h"
 #include "platform/linux/x11/X11Clipboard.h"
 #include "platform/linux/x11/X11DragPasteboard.h"
 #include "platform/linux/x11/X11EventMonitors.h"
 #include "platform/linux/x11/X11PanelWindow.h"
 #include "platform/linux/x11/X11ScreenLock.h"
 #include "platform/linux/x11/X11Workspace.h"
+#include "platform/linux/x11/XTestKeys.h"
 
 namespace {
 class PlainMonitors : public EventMonitors {
@@ -33,6 +36,7 @@ class PlainWorkspace : public Workspace {
     void activateOrOpenTerminal(const QString&) override {}
     void open(const QUrl& url) override { openUrl(queue_, url); }
     void reveal(const QUrl& file) override { revealFile(queue_, file); }
+    void openAccessibilitySettings() override { ::openAccessibilitySettings(queue_); }
 
  private:
     BackgroundQueue& queue_;
@@ -59,20 +63,28 @@ Desktop makeDesktop(MainLoop& loop, BackgroundQueue& queue) {
             auto panel = std::make_unique<X11PanelWindow>(connection, sampler, loop);
             const auto blends = [panel = panel.get()] { return panel->isBlended(); };
             auto lock = std::make_unique<X11ScreenLock>(panel->stacking(), std::make_unique<SessionLock>(loop, queue));
+            auto players = std::make_unique<MprisPlayers>(loop, std::make_unique<WindowTitles>(connection, loop));
+            auto keys = std::make_unique<BrowserKeys>(*players, std::make_unique<XTestKeys>(connection));
             return {std::move(panel),
                     std::make_unique<X11EventMonitors>(connection, sampler, &X11PanelWindow::isOwnWindow),
                     std::make_unique<X11Workspace>(connection, loop, queue),
                     std::make_unique<X11DragPasteboard>(connection, loop, &X11PanelWindow::isOwnWindow),
                     std::move(lock),
+                    std::move(players),
+                    std::move(keys),
                     [connection, &loop](auto done) { leaveX11Clipboard(connection, loop, std::move(done)); },
                     blends};
         }
     }
+    auto players = std::make_unique<MprisPlayers>(loop, nullptr);
+    auto keys = std::make_unique<BrowserKeys>(*players, nullptr);
     return {std::make_unique<QtPanelWindow>(),
             std::make_unique<PlainMonitors>(),
             std::make_unique<PlainWorkspace>(queue),
             std::make_unique<PlainDragPasteboard>(),
             std::make_unique<SessionLock>(loop, queue),
+            std::move(players),
+            std::move(keys),
             [&loop](auto done) { loop.post(std::move(done)); },
             [] { return true; }};
 }

@@ -38,3 +38,16 @@ void revealFile(BackgroundQueue& queue, const QUrl& file) {
         if (!showInFileManager(file)) open(file.adjusted(QUrl::StripTrailingSlash).adjusted(QUrl::RemoveFilename));
     });
 }
+
+void openAccessibilitySettings(BackgroundQueue& queue) {
+    queue.run([] {
+        const QList<QByteArray> programs[] = {{"gnome-control-center", "universal-access"},
+                                              {"systemsettings", "kcm_access"},
+                                              {"cinnamon-settings", "accessibility"},
+                                              {"xfce4-accessibility-settings"},
+                                              {"mate-at-properties"}};
+        for (const auto& program : programs) {
+            if (startProgram(program)) return;
+        }
+    });
+}

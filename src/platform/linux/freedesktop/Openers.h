@@ -11,3 +11,6 @@ void openUrl(BackgroundQueue& queue, const QUrl& url);
 /// Shows a file selected in the user's file manager; opens its folder if none supports that or a running one does not
 /// answer within three seconds. Returns at once; the work is done on `queue`.
 void revealFile(BackgroundQueue& queue, const QUrl& file);
+
+/// Opens the accessibility page of the settings program that is installed, if any. Returns at once.
+void openAccessibilitySettings(BackgroundQueue& queue);

@@ -10,22 +10,8 @@
 
 namespace {
 constexpr int kLeftButton = 1, kRightButton = 3;
-
-/// The step of a wheel's button; null for other buttons.
-QPointF wheelStep(int button) {
-    switch (button) {
-        case 4:
-            return {0, 1};
-        case 5:
-            return {0, -1};
-        case 6:
-            return {-1, 0};
-        case 7:
-            return {1, 0};
-        default:
-            return {};
-    }
-}
+constexpr int kWheelUp = 4, kWheelDown = 5, kLastWheel = 7;
+constexpr double kWheelPoints = 10;  // for a step
 }  // namespace
 
 X11EventMonitors::X11EventMonitors(std::shared_ptr<X11Connection> connection, std::shared_ptr<PointerSampler> sampler,
@@ -41,7 +27,6 @@ X11EventMonitors::X11EventMonitors(std::shared_ptr<X11Connection> connection, st
 void X11EventMonitors::start() {
     readButtonMap();
     events_ = connection_->handle([this](const xcb_generic_event_t& event) { handle(event); });
-    // High-resolution wheels also send button events for whole steps, so buttons are enough.
     connection_->selectInputOnRoot(
         XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_RELEASE, true);
     lastMoved_ = lastTold_ = pointerLocation();
@@ -78,7 +63,11 @@ void X11EventMonitors::handle(const xcb_generic_event_t& event) {
         if (as<xcb_mapping_notify_event_t>(event).request == XCB_MAPPING_POINTER) readButtonMap();
     } else if (code(event) == XCB_GE_GENERIC && as<xcb_ge_generic_event_t>(event).extension == inputOpcode_) {
         const auto& raw = as<xcb_input_raw_button_press_event_t>(event);
-        if (raw.event_type == XCB_INPUT_RAW_BUTTON_PRESS) pressed(buttonMap_[raw.detail & 0xff]);
+        if (raw.event_type == XCB_INPUT_RAW_BUTTON_PRESS) {
+            const int button = buttonMap_[raw.detail & 0xff];
+            const bool isWheel = button >= kWheelUp && button <= kLastWheel;
+            isWheel ? wheelTurned(button, raw.flags & XCB_INPUT_POINTER_EVENT_FLAGS_POINTER_EMULATED) : pressed(button);
+        }
         if (raw.event_type == XCB_INPUT_RAW_BUTTON_RELEASE) released(buttonMap_[raw.detail & 0xff]);
     } else if (code(event) == keyboardEvent_) {
         const auto& state = as<xcb_xkb_state_notify_event_t>(event);
@@ -89,11 +78,23 @@ void X11EventMonitors::handle(const xcb_generic_event_t& event) {
     }
 }
 
+void X11EventMonitors::wantScroll(bool wanted) {
+    if (wanted == smoothScroll_.has_value()) return;
+    smoothScroll_.reset();
+    if (!wanted || inputOpcode_ < 0) return;
+    smoothScroll_.emplace(connection_, [this](double points) {
+        if (onScroll) onScroll(pointerLocation(), points);
+    });
+}
+
+// An emulated press repeats what the wheel has told as smooth scrolling.
+void X11EventMonitors::wheelTurned(int button, bool isEmulated) {
+    if (!smoothScroll_ || isEmulated || !onScroll) return;
+    if (button == kWheelUp) onScroll(pointerLocation(), kWheelPoints);
+    if (button == kWheelDown) onScroll(pointerLocation(), -kWheelPoints);
+}
+
 void X11EventMonitors::pressed(int button) {
-    if (const QPointF step = wheelStep(button); !step.isNull()) {
-        if (onScroll) onScroll(pointerLocation(), step);
-        return;
-    }
     const auto sample = sampler_->sample();
     const bool elsewhere = !isOwnWindow_(sample.window);
     if (elsewhere && onPressElsewhere) onPressElsewhere();

@@ -6,6 +6,7 @@
 
 #include "platform/EventMonitors.h"
 #include "platform/linux/x11/PointerSampler.h"
+#include "platform/linux/x11/SmoothScroll.h"
 
 /// Listens to raw input events on the root window, which report all input without intercepting it.
 class X11EventMonitors : public EventMonitors {
@@ -17,12 +18,14 @@ class X11EventMonitors : public EventMonitors {
     void start() override;
     QPointF pointerLocation() const override { return sampler_->sample().pointer; }
     void lookForPointer() override { sampler_->look(); }
+    void wantScroll(bool wanted) override;
     bool capsLock() const override;
 
  private:
     void watchKeyboard();
     void handle(const xcb_generic_event_t& event);
     void pressed(int button);
+    void wheelTurned(int button, bool isEmulated);
     void released(int button);
     void moved(const PointerSampler::Sample& sample);
     void pointerAt(QPointF pointer);
@@ -33,6 +36,7 @@ class X11EventMonitors : public EventMonitors {
     std::function<bool(xcb_window_t)> isOwnWindow_;
     Subscription events_;
     Subscription samples_;
+    std::optional<SmoothScroll> smoothScroll_;  // while scrolling is wanted
     int inputOpcode_ = -1;
     int keyboardEvent_ = -1;
     QPointF lastMoved_;

@@ -110,3 +110,7 @@ void X11Workspace::open(const QUrl& url) {
 void X11Workspace::reveal(const QUrl& file) {
     revealFile(queue_, file);
 }
+
+void X11Workspace::openAccessibilitySettings() {
+    ::openAccessibilitySettings(queue_);
+}

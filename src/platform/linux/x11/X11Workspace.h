@@ -18,6 +18,7 @@ class X11Workspace : public Workspace {
     void activateOrOpenTerminal(const QString& displayName) override;
     void open(const QUrl& url) override;
     void reveal(const QUrl& file) override;
+    void openAccessibilitySettings() override;
 
  private:
     void windowsChanged();

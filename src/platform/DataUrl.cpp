@@ -1,4 +1,4 @@
-#include "shelf/DataUrl.h"
+#include "platform/DataUrl.h"
 
 #include <QHash>
 

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QNetworkReply>
+#include <memory>
+
+#include "platform/Http.h"
+
+class QNetworkAccessManager;
+
+/// Qt's HTTP client, made at the first request.
+class QtHttp : public Http {
+ public:
+    /// `userAgent` names the program and its version.
+    explicit QtHttp(QByteArray userAgent);
+    ~QtHttp() override;
+
+    void get(const QUrl& url, std::function<void(std::optional<QByteArray>)> then) override;
+
+ private:
+    QByteArray userAgent_;
+    std::unique_ptr<QNetworkAccessManager> network_;
+};
