@@ -8,7 +8,7 @@ class X11Monitors : public X11Test {
         monitors.onLeftMouseDragged = [this](QPointF pointer) { drags.append(pointer); };
         monitors.onLeftMouseUp = [this](QPointF pointer) { ups.append(pointer); };
         monitors.onRightMouseDown = [this](QPointF pointer) { rights.append(pointer); };
-        monitors.onScroll = [this](QPointF, QPointF steps) { scrolls.append(steps); };
+        monitors.onScroll = [this](QPointF, double points) { scrolls.append(points); };
         monitors.onCapsLockChanged = [this](bool on) { locks.append(on); };
         monitors.start();
     }
@@ -24,7 +24,8 @@ class X11Monitors : public X11Test {
     /// Takes what would otherwise open the window manager's menus and change desktops.
     OtherWindow floor{session(), {.geometry = {0, 0, 1280, 800}, .fullScreen = true}};
     X11EventMonitors monitors;
-    QList<QPointF> moves, drags, ups, rights, scrolls;
+    QList<QPointF> moves, drags, ups, rights;
+    QList<double> scrolls;
     QList<bool> locks;
 };
 
@@ -79,9 +80,12 @@ TEST_F(X11Monitors, TellDragsFromMovesAndRightPressesWhenAMenuCanOpen) {
 }
 
 TEST_F(X11Monitors, HearTheWheelALeftHandersButtonsAndCapsLock) {
-    for (int button : {4, 5, 5, 6, 7}) click(button);
-    const QList<QPointF> steps{{0, 1}, {0, -1}, {0, -1}, {-1, 0}, {1, 0}};
-    EXPECT_TRUE(waitFor([&] { return scrolls == steps; }));
+    for (const bool wanted : {false, true}) {
+        monitors.wantScroll(wanted);
+        for (int button : {4, 5, 5, 6, 7}) click(button);
+    }
+    const QList<double> points{10, -10, -10};
+    EXPECT_TRUE(waitFor([&] { return scrolls == points; })) << "up and down, while it is wanted";
     const auto map = [](const char* buttons) {
         const auto cookie = xcb_set_pointer_mapping(session().xcb(), 10, reinterpret_cast<const uint8_t*>(buttons));
         owned(xcb_set_pointer_mapping_reply(session().xcb(), cookie, nullptr));
@@ -93,7 +97,7 @@ TEST_F(X11Monitors, HearTheWheelALeftHandersButtonsAndCapsLock) {
     click(1);
     EXPECT_TRUE(waitFor([&] { return rights.size() == 1; }));
     EXPECT_EQ(ups.size(), 1);
-    EXPECT_EQ(scrolls, steps);
+    EXPECT_EQ(scrolls, points);
     map("\1\2\3\4\5\6\7\10\11\12");
 
     ASSERT_FALSE(monitors.capsLock());

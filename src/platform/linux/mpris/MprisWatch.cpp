@@ -7,7 +7,9 @@
 
 namespace {
 
-constexpr int kReportPause = 200;  // milliseconds
+// Milliseconds. Some players tell the parts of a track one by one.
+constexpr int kSettle = 15;
+constexpr int kReportPause = 200;
 constexpr size_t kMaxPlayers = 128;
 
 constexpr const char* kNamespace = "org.mpris.MediaPlayer2";
@@ -154,7 +156,7 @@ void MprisWatch::setEntry(Player& player, MprisEntry entry) {
 
 void MprisWatch::changed() {
     hasChanged_ = true;
-    if (!reportTimer_) reportNow();
+    if (!reportTimer_) reportTimer_ = later(kSettle, [this] { reportNow(); });
 }
 
 void MprisWatch::reportNow() {

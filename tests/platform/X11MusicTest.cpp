@@ -1,0 +1,63 @@
+#include <xcb/xinput.h>
+
+#include "X11Test.h"
+#include "platform/linux/x11/WindowTitles.h"
+#include "platform/linux/x11/XTestKeys.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using X11Music = X11Test;
+
+TEST_F(X11Music, BrowsersAreKnownByTheirWindows) {
+    WindowTitles titles(connection, loop);
+    const QStringList browser{u"google-chrome"_s, u"chromium"_s};
+    const auto title = [](xcb_window_t window, const QByteArray& text) {
+        xcb_change_property(session().xcb(), XCB_PROP_MODE_REPLACE, window, session().atom("_NET_WM_NAME"),
+                            session().atom("UTF8_STRING"), 8, uint32_t(text.size()), text.constData());
+        session().sync();
+    };
+    const auto told = [&] {
+        std::optional<QStringList> answer;
+        titles.titles(browser, [&](const QStringList& list) { answer = list; });
+        EXPECT_TRUE(waitFor([&] { return answer.has_value(); }));
+        answer->sort();
+        return *answer;
+    };
+    OtherWindow first(session(), {.instance = "chromium (/home)", .className = "Chromium"});
+    const OtherWindow editor(session(), {.instance = "editor", .className = "Editor"});
+    title(first.id(), "One — é");
+    title(editor.id(), "Notes");
+    EXPECT_FALSE(titles.isOpen(browser)) << "not watched yet";
+    titles.watch(true);
+    EXPECT_TRUE(waitFor([&] { return titles.isOpen(browser); }));
+    title(first.openSecond(), QByteArray(5000, 'x'));
+    EXPECT_TRUE(waitFor([&] { return told() == (QStringList{u"One — é"_s, QString(1024, u'x')}); }));
+    titles.watch(false);
+    EXPECT_EQ(told(), QStringList());
+    titles.watch(true);
+    {
+        const OtherWindow other(session(), {.instance = "x", .className = "Google-chrome"});
+        EXPECT_TRUE(waitFor([&] { return told().size() == 2; }));
+    }
+}
+
+TEST_F(X11Music, MediaKeysArePressedForTheUser) {
+    const auto extension = connection->extension(xcb_input_id);
+    ASSERT_TRUE(extension);
+    QByteArrayList pressed;
+    const auto events = connection->handle([&](const xcb_generic_event_t& event) {
+        const auto& raw = as<xcb_input_raw_key_press_event_t>(event);
+        if (code(event) == XCB_GE_GENERIC && raw.event_type == XCB_INPUT_RAW_KEY_PRESS)
+            pressed.append(QByteArray::number(raw.detail));
+    });
+    connection->selectInputOnRoot(XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS, true);
+    XTestKeys keys(connection);
+    ASSERT_TRUE(keys.isTrusted());
+    for (const auto key : {MediaKeys::Key::playPause, MediaKeys::Key::next, MediaKeys::Key::previous}) keys.press(key);
+    // As xmodmap -pk lists XF86AudioPlay, XF86AudioNext and XF86AudioPrev.
+    EXPECT_TRUE(waitFor([&] { return pressed == (QByteArrayList{"172", "171", "173"}); })) << pressed.join(' ').toStdString();
+}
+
+}  // namespace
