@@ -59,8 +59,8 @@ struct Ports {
     MediaKeys& mediaKeys;
     Http& http;
     Worker& worker;
-    BackgroundQueue& disk;  ///< writes files
-    BackgroundQueue& jobs;  ///< waits for the worker, which may take a minute
+    BackgroundQueue& disk;    ///< writes files
+    BackgroundQueue& jobs;    ///< waits for the worker, which may take a minute
     BackgroundQueue& covers;  ///< reads and decodes the covers of tracks
     /// Uniformly distributed in [0, 1).
     std::function<double()> random;

@@ -29,12 +29,7 @@ struct Artwork::Search {
 
 Artwork::Artwork(MainLoop& loop, Players& players, Http& http, Preferences& preferences, Worker& worker,
                  BackgroundQueue& queue)
-    : loop_(loop),
-      players_(players),
-      http_(http),
-      preferences_(preferences),
-      worker_(worker),
-      jobs_(queue, loop) {}
+    : loop_(loop), players_(players), http_(http), preferences_(preferences), worker_(worker), jobs_(queue, loop) {}
 
 void Artwork::lookUpArtwork(const QString& track, const QString& source, bool isBrowser, Completion completion) {
     const QString key = source + u'|' + track;

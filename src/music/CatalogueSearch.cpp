@@ -26,7 +26,8 @@ QString normalizeForMatch(const QString& text) {
 
 QString searchTerm(const QString& track) {
     QString term = track.left(kMaxTerm);
-    for (const QString& extra : {u" (Official Video)"_s, u" (Official Audio)"_s, u" (Lyrics)"_s, u" [Official Video]"_s})
+    for (const QString& extra :
+         {u" (Official Video)"_s, u" (Official Audio)"_s, u" (Lyrics)"_s, u" [Official Video]"_s})
         term.remove(extra);
     return term;
 }

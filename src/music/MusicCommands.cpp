@@ -82,16 +82,17 @@ void MusicCommands::refreshAfter(double seconds) {
 
 void MusicCommands::askForAccessibility() {
     if (std::exchange(askedForAccessibility_, true)) return;
-    Alert question{u"Controlling a browser needs one permission"_s,
-                   u"Glimmet reads what your browser is playing with no permission at all, which is why the track name "
-                   "is showing.\n\nSkipping and pausing it is different: macOS only lets an app press the media keys if "
-                   "it is allowed under Accessibility. Spotify and Apple Music do not need this, and nothing else in "
-                   "Glimmet does either.\n\nAdd Glimmet under Privacy & Security, then Accessibility, and the buttons "
-                   "will work."_s,
-                   {u"Open Accessibility settings"_s, u"Not now"_s},
-                   [this](int button) {
-                       if (button == 0) openSettings();
-                   }};
+    Alert question{
+        u"Controlling a browser needs one permission"_s,
+        u"Glimmet reads what your browser is playing with no permission at all, which is why the track name "
+        "is showing.\n\nSkipping and pausing it is different: macOS only lets an app press the media keys if "
+        "it is allowed under Accessibility. Spotify and Apple Music do not need this, and nothing else in "
+        "Glimmet does either.\n\nAdd Glimmet under Privacy & Security, then Accessibility, and the buttons "
+        "will work."_s,
+        {u"Open Accessibility settings"_s, u"Not now"_s},
+        [this](int button) {
+            if (button == 0) openSettings();
+        }};
     alert(std::move(question));
 }
 

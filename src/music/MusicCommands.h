@@ -43,7 +43,7 @@ class MusicCommands {
     Players& players_;
     MediaKeys& keys_;
     bool askedForAccessibility_ = false;
-    double scrollAccum_ = 0;                                    // points
+    double scrollAccum_ = 0;                                      // points
     double lastSeek_ = -std::numeric_limits<double>::infinity();  // Clock::uptime()
     int refreshes_ = 0;
     std::map<int, TimerHandle> pendingRefreshes_;

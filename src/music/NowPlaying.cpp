@@ -140,7 +140,8 @@ void NowPlaying::applyNowPlaying(const std::optional<Result>& result) {
     const auto track = result ? std::optional(result->track) : std::nullopt;
     if (track == model_.musicTrack.get()) {
         // Many players tell the cover a little after the track.
-        if (result && !model_.artwork->has_value() && players_.cover(result->source) != seenCover_) findArtwork(*result);
+        if (result && !model_.artwork->has_value() && players_.cover(result->source) != seenCover_)
+            findArtwork(*result);
         return;
     }
     model_.musicTrack = track;

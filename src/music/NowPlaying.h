@@ -52,9 +52,9 @@ class NowPlaying {
     Artwork& artwork_;
     TimerHandle musicTimer_;
     std::optional<QString> musicSource_;
-    QUrl seenCover_;       // of the current track, when its artwork was looked up
-    int musicFails_ = 0;   // players in a row that did not answer
-    int musicTick_ = 0;    // since the program started
+    QUrl seenCover_;      // of the current track, when its artwork was looked up
+    int musicFails_ = 0;  // players in a row that did not answer
+    int musicTick_ = 0;   // since the program started
     QSet<QString> deniedBrowsers_;
     bool polling_ = false;
     QList<Cause> waiting_;  // polls behind the one under way

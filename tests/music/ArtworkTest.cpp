@@ -68,9 +68,8 @@ TEST(Artwork, OfABrowsersTrackIsSearched) {
         {"trackName": "Song", "artworkUrl100": "https://c.example/3/100x100bb.jpg"}]})";
     f.http.pages["https://c.example/3/300x300bb.jpg"] = "jpeg";
     EXPECT_TRUE(f.lookUp("Artist - Song (Official Video)", "Arc", true));
-    EXPECT_EQ(f.http.requests,
-              (QStringList{kSearch.arg("Artist%20-%20Song"), "https://c.example/2/300x300bb.jpg",
-                           "https://c.example/3/300x300bb.jpg"}))
+    EXPECT_EQ(f.http.requests, (QStringList{kSearch.arg("Artist%20-%20Song"), "https://c.example/2/300x300bb.jpg",
+                                            "https://c.example/3/300x300bb.jpg"}))
         << "a cover that cannot be fetched is skipped";
     f.players.covers["Arc"] = QUrl("https://a.example/gone");
     f.http.pages[kSearch.arg("A%2BB%26C")] = f.http.pages[kSearch.arg("Artist%20-%20Song")];
@@ -138,7 +137,8 @@ TEST(CatalogueSearch, FindsPlausibleCoversOnly) {
         {"[", false},
     };
     for (const auto& [results, found] : cases)
-        EXPECT_EQ(!coversIn(R"({"results": )" + results + "}", "Artist Song").isEmpty(), found) << results.toStdString();
+        EXPECT_EQ(!coversIn(R"({"results": )" + results + "}", "Artist Song").isEmpty(), found)
+            << results.toStdString();
     EXPECT_TRUE(coversIn("<html>", "x").isEmpty());
     EXPECT_FALSE(searchRequest("itunes", "x").isValid());
 }

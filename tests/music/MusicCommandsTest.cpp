@@ -25,9 +25,9 @@ TEST(MusicCommands, ReachThePlayerAndShowSoon) {
     const struct {
         const char *word, *told;
         double refresh;
-    } cases[] = {{"playpause", "Music playpause", 0.4}, {"next", "Music next track", 0.4},
+    } cases[] = {{"playpause", "Music playpause", 0.4},     {"next", "Music next track", 0.4},
                  {"previous", "Music previous track", 0.4}, {"seek:+5", "Music seek 5", 0},
-                 {"seek:-5", "Music seek -5", 0}, {"stop", "", 0}};
+                 {"seek:-5", "Music seek -5", 0},           {"stop", "", 0}};
     for (const auto& [word, told, refresh] : cases) {
         CommandFixture f;
         f.m.asleep = true;

@@ -36,7 +36,8 @@ struct PlayersFixture {
         std::optional<QStringList> titles;
         players.tabs(browser, [&](const auto& tabs) {
             titles.emplace(tabs ? QStringList() : QStringList{u"no answer"_s});
-            for (const auto& tab : tabs.value_or(QList<Players::Tab>())) titles->append(tab.title + (tab.isMusic ? u"*"_s : u""_s));
+            for (const auto& tab : tabs.value_or(QList<Players::Tab>()))
+                titles->append(tab.title + (tab.isMusic ? u"*"_s : u""_s));
         });
         EXPECT_TRUE(waitFor([&] { return titles.has_value(); }));
         return *titles;
@@ -66,8 +67,10 @@ TEST(Players, AreKeptCurrentByTheirSignalsAlone) {
     EXPECT_TRUE(f->players.isPaused(u"Music"_s) && !f->players.isPaused(u"Spotify"_s));
     f->players.run(u"Music"_s, Players::Verb::playPause);
     f->players.seek(u"Music"_s, -5);
-    EXPECT_TRUE(waitFor([&] { return mpd.commands() == (QStringList{u"PlayPause"_s, u"Seek-5000000"_s}); }))
-        << "the one that was last active: " << mpd.commands().join(u' ').toStdString();
+    EXPECT_TRUE(waitFor([&] {
+        return mpd.commands() == (QStringList{u"PlayPause"_s, u"Seek-5000000"_s});
+    })) << "the one that was last active: "
+        << mpd.commands().join(u' ').toStdString();
     f->players.run(u"Spotify"_s, Players::Verb::nextTrack);
     f->players.run(u"Spotify"_s, Players::Verb::previousTrack);
     EXPECT_TRUE(waitFor([&] { return spotify.commands() == (QStringList{u"Next"_s, u"Previous"_s}); }));

@@ -83,6 +83,7 @@ TEST_F(X11Monitors, HearTheWheelALeftHandersButtonsAndCapsLock) {
     for (const bool wanted : {false, true}) {
         monitors.wantScroll(wanted);
         for (int button : {4, 5, 5, 6, 7}) click(button);
+        ASSERT_TRUE(movesTo({300, wanted ? 300 : 400}));  // so all has been heard
     }
     const QList<double> points{10, -10, -10};
     EXPECT_TRUE(waitFor([&] { return scrolls == points; })) << "up and down, while it is wanted";

@@ -57,7 +57,9 @@ TEST_F(X11Music, MediaKeysArePressedForTheUser) {
     ASSERT_TRUE(keys.isTrusted());
     for (const auto key : {MediaKeys::Key::playPause, MediaKeys::Key::next, MediaKeys::Key::previous}) keys.press(key);
     // As xmodmap -pk lists XF86AudioPlay, XF86AudioNext and XF86AudioPrev.
-    EXPECT_TRUE(waitFor([&] { return pressed == (QByteArrayList{"172", "171", "173"}); })) << pressed.join(' ').toStdString();
+    EXPECT_TRUE(waitFor([&] {
+        return pressed == (QByteArrayList{"172", "171", "173"});
+    })) << pressed.join(' ').toStdString();
 }
 
 }  // namespace

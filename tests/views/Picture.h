@@ -40,13 +40,15 @@ struct PictureFixture : CreatureFixture {
     QStringList traces;
     int taps = 0;  // on the creature
     QList<HeldThing> used, removed, menus;
+    QStringList musicCommands;
     RootView root{m,
                   {.icons = icons,
                    .trace = [this](const QString& line) { traces.append(line); },
                    .notchTapped = [this] { ++taps; },
                    .use = [this](const HeldThing& thing) { used.append(thing); },
                    .remove = [this](const HeldThing& thing) { removed.append(thing); },
-                   .menu = [this](const HeldThing& thing) { return menus.append(thing), QList<MenuItem>(); }},
+                   .menu = [this](const HeldThing& thing) { return menus.append(thing), QList<MenuItem>(); },
+                   .onMusicCommand = [this](const QString& word) { musicCommands.append(word); }},
                   clock,
                   loop,
                   [] { return 0.5; }};
@@ -87,5 +89,6 @@ struct PictureFixture : CreatureFixture {
 
     static bool isLight(QColor c) { return c.lightness() > 140; }
     static bool isDark(QColor c) { return c.lightness() < 60; }
+    static bool isOrange(QColor c) { return c.red() > 150 && c.blue() < 100; }
     static bool isReddish(QColor c) { return c.red() > c.green() * 2 && c.red() > 60; }
 };

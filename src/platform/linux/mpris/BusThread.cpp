@@ -46,9 +46,12 @@ void BusThread::stop() {
 void BusThread::inBackground(Job job) {
     GSource* source = g_idle_source_new();
     g_source_set_priority(source, G_PRIORITY_DEFAULT);
-    attach(source, [weak = weak_from_this(), job = std::move(job)] {
-        if (const auto self = weak.lock()) job();
-    }, context_.get());
+    attach(
+        source,
+        [weak = weak_from_this(), job = std::move(job)] {
+            if (const auto self = weak.lock()) job();
+        },
+        context_.get());
     g_source_unref(source);
 }
 
@@ -69,8 +72,8 @@ void BusThread::connect() {
                                                 G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
     const QByteArray address = sessionBusAddress();
     if (!address.isEmpty())
-        connection_.reset(g_dbus_connection_new_for_address_sync(address.constData(), flags, nullptr,
-                                                                 cancellable_.get(), nullptr));
+        connection_.reset(
+            g_dbus_connection_new_for_address_sync(address.constData(), flags, nullptr, cancellable_.get(), nullptr));
     if (!connection_) return connectLater();
     retry_ = 0;
     g_dbus_connection_set_exit_on_close(connection_.get(), false);

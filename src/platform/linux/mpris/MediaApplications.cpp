@@ -57,8 +57,8 @@ const MediaApplication& applicationOfPlayer(const QString& service, const QStrin
                                             const QString& identity) {
     const auto& rows = mediaApplications();
     const QString own = service.mid(kPrefix.size()).section(u'.', 0, 0);
-    for (const QStringList& names : {QStringList(desktopEntry.toLower()), identity.toLower().split(u' '),
-                                     QStringList(own.toLower())}) {
+    for (const QStringList& names :
+         {QStringList(desktopEntry.toLower()), identity.toLower().split(u' '), QStringList(own.toLower())}) {
         for (const MediaApplication& row : rows) {
             if (shares(names, row.media)) return row;
         }

@@ -7,9 +7,9 @@
 
 namespace {
 
-constexpr qsizetype kMaxText = 300;             // UTF-16 units
-constexpr gsize kMaxAddress = 8 << 10;          // bytes
-constexpr gsize kMaxDataAddress = (11 << 20);   // a cover of 8 MiB in base64
+constexpr qsizetype kMaxText = 300;            // UTF-16 units
+constexpr gsize kMaxAddress = 8 << 10;         // bytes
+constexpr gsize kMaxDataAddress = (11 << 20);  // a cover of 8 MiB in base64
 
 /// Characters that change how the rest of a line is set.
 bool isFormatting(QChar c) {

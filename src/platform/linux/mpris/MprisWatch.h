@@ -13,8 +13,8 @@ class MprisWatch : public BusThread {
  public:
     using Report = std::function<void(const QList<MprisEntry>&)>;
 
-    /// `report` is called on the bus's thread with all players when any of them has changed: a moment later, and at most
-    /// five times a second.
+    /// `report` is called on the bus's thread with all players when any of them has changed: a moment later, and at
+    /// most five times a second.
     explicit MprisWatch(Report report) : report_(std::move(report)) {}
 
     // Any thread:

@@ -62,8 +62,8 @@ SmoothScroll::~SmoothScroll() {
 }
 
 void SmoothScroll::findDevices() {
-    const auto devices = connection_->ask(xcb_input_xi_query_device, xcb_input_xi_query_device_reply,
-                                          uint16_t(XCB_INPUT_DEVICE_ALL));
+    const auto devices =
+        connection_->ask(xcb_input_xi_query_device, xcb_input_xi_query_device_reply, uint16_t(XCB_INPUT_DEVICE_ALL));
     if (!devices) return;
     const auto pads = touchpads(*connection_);
     auto device = xcb_input_xi_query_device_infos_iterator(devices.get());

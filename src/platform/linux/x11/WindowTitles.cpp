@@ -58,8 +58,8 @@ void WindowTitles::listed(const std::vector<xcb_window_t>& windows) {
     for (const xcb_window_t window : windows) {
         if (classes_.contains(window)) continue;
         classes_.insert(window, {});
-        const auto cookie = xcb_get_property(connection_->xcb(), false, window, XCB_ATOM_WM_CLASS, XCB_ATOM_ANY, 0,
-                                             kMaxTitle);
+        const auto cookie =
+            xcb_get_property(connection_->xcb(), false, window, XCB_ATOM_WM_CLASS, XCB_ATOM_ANY, 0, kMaxTitle);
         connection_->answerLater<xcb_get_property_reply_t>(cookie, lifetime_.guard([this, window](const Reply& reply) {
             if (classes_.contains(window)) classes_[window] = classIn(reply);
         }));

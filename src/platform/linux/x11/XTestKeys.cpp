@@ -28,7 +28,8 @@ bool XTestKeys::isTrusted() const {
 uint8_t XTestKeys::codeOf(Key key) const {
     const auto* setup = xcb_get_setup(connection_->xcb());
     const auto count = uint8_t(setup->max_keycode - setup->min_keycode + 1);
-    const auto map = connection_->ask(xcb_get_keyboard_mapping, xcb_get_keyboard_mapping_reply, setup->min_keycode, count);
+    const auto map =
+        connection_->ask(xcb_get_keyboard_mapping, xcb_get_keyboard_mapping_reply, setup->min_keycode, count);
     if (!map || map->keysyms_per_keycode == 0) return 0;
     const auto* symbols = xcb_get_keyboard_mapping_keysyms(map.get());
     const auto* end = symbols + xcb_get_keyboard_mapping_keysyms_length(map.get());
