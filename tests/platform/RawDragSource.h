@@ -69,6 +69,7 @@ class RawDragSource : public XClient {
     std::map<QByteArray, Answer> answers;  ///< by target; what is not here is refused
     int pause = 0;                         ///< milliseconds before each piece
     QList<QByteArray> requested;
+    xcb_timestamp_t lastTime = 0;  ///< with which something was requested
     QList<QList<uint32_t>> statuses, finishes;  ///< the five values of each message
 
  private:
@@ -97,6 +98,7 @@ class RawDragSource : public XClient {
     void answer(const xcb_selection_request_event_t& request) {
         const auto name = awaitReply(xcb(), xcb_get_atom_name, xcb_get_atom_name_reply, request.target);
         requested.emplace_back(xcb_get_atom_name_name(name.get()), xcb_get_atom_name_name_length(name.get()));
+        lastTime = request.time;
         const Answer answer = answers[requested.last()];
         const xcb_atom_t type = answer.type ? atom(answer.type) : request.target;
         if (answer.kind == Kind::nothing) return;
