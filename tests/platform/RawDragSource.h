@@ -10,7 +10,7 @@
 class RawDragSource : public XClient {
  public:
     struct Answer {
-        enum class Kind { data, refusal, nothing, pieces, endless, noProperty, strangers } kind = Kind::refusal;
+        enum class Kind { data, refusal, nothing, pieces, endless, noProperty } kind = Kind::refusal;
         QByteArray bytes;            ///< for pieces: split at each ','
         const char* type = nullptr;  ///< none: that of the target
         uint8_t format = 8;
@@ -79,11 +79,6 @@ class RawDragSource : public XClient {
         xcb_change_property(xcb(), XCB_PROP_MODE_REPLACE, to, property, type, format,
                             uint32_t(bytes.size() / (format / 8)), bytes.constData());
     }
-    void notify(const xcb_selection_request_event_t& request, xcb_atom_t target, xcb_atom_t property) {
-        const xcb_selection_notify_event_t event{XCB_SELECTION_NOTIFY, 0,      0,       0, request.requestor,
-                                                 request.selection,    target, property};
-        xcb_send_event(xcb(), false, request.requestor, 0, reinterpret_cast<const char*>(&event));
-    }
     void work() {
         while (const auto event = owned(xcb_poll_for_event(xcb()))) {
             if (code(*event) == XCB_SELECTION_REQUEST) answer(as<xcb_selection_request_event_t>(*event));
@@ -102,15 +97,7 @@ class RawDragSource : public XClient {
         const Answer answer = answers[requested.last()];
         const xcb_atom_t type = answer.type ? atom(answer.type) : request.target;
         if (answer.kind == Kind::nothing) return;
-        if (answer.kind == Kind::strangers) {
-            // Answers to what was never asked, before the true one.
-            const xcb_atom_t strange = atom("STRANGE");
-            write(request.requestor, strange, type, 8, "strange");
-            notify(request, request.target, strange);
-            notify(request, strange, request.property);
-            notify(request, strange, XCB_NONE);
-        }
-        if (answer.kind == Kind::data || answer.kind == Kind::strangers)
+        if (answer.kind == Kind::data)
             write(request.requestor, request.property, type, answer.format, answer.bytes);
         endless_ = answer.kind == Kind::endless;
         if (answer.kind == Kind::pieces || endless_) {
@@ -120,7 +107,10 @@ class RawDragSource : public XClient {
             xcb_change_window_attributes(xcb(), request.requestor, XCB_CW_EVENT_MASK, &events);
             write(request.requestor, request.property, atom("INCR"), 32, QByteArray(4, '\0'));
         }
-        notify(request, request.target, answer.kind == Kind::refusal ? xcb_atom_t(XCB_NONE) : request.property);
+        const xcb_atom_t property = answer.kind == Kind::refusal ? xcb_atom_t(XCB_NONE) : request.property;
+        const xcb_selection_notify_event_t event{XCB_SELECTION_NOTIFY, 0, 0, 0, request.requestor, request.selection,
+                                                 request.target, property};
+        xcb_send_event(xcb(), false, request.requestor, 0, reinterpret_cast<const char*>(&event));
     }
     void nextPiece(const xcb_property_notify_event_t& event) {
         if (event.state != XCB_PROPERTY_DELETE || (pieces_.empty() && !endless_)) return;

@@ -2,8 +2,8 @@
 
 #include "support/XSession.h"
 
-/// The program gtk-drag on the session's screen: a window of 100 x 100 device pixels that is dragged from or dropped on.
-/// Needs a QCoreApplication.
+/// The program gtk-drag on the session's screen: a window of 100 x 100 device pixels, to drag from or to drop on. Needs
+/// a QCoreApplication.
 class DragTool : public Child {
  public:
     enum class Kind { gtkSource, gtkTarget };
