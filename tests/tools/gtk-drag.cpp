@@ -8,9 +8,8 @@
 // it is first asked for data. HOW it keeps its promise:
 //
 //   fails    says so, as Chromium does            late     says that it has, and writes only then, as Firefox does
-//   silent   never answers                        several  says that it has, and writes the file, another and a folder
-//   empty    leaves an empty file                          when the drag is over, as File Roller does
-//   slow     writes for eleven seconds, then answers
+//   silent   never answers                        after    says so, and writes after the drag, as File Roller does
+//   empty    leaves an empty file                 slow     writes for eleven seconds, then answers
 //   swaps    puts a link to the folder CONTENTS in the place of the one that it should write in
 //
 // Lines on standard output: "ready"; of a source for each drag "drag-begin", "data TARGET" for what was asked for,
@@ -95,12 +94,6 @@ void append(const std::filesystem::path& path, const std::string& contents) {
 gboolean writeLate(gpointer data) {
     const Offer& offer = *static_cast<Offer*>(data);
     append(offer.promisedPath, offer.promisedContents);
-    if (offer.promise == "several") {
-        const auto folder = offer.promisedPath.parent_path();
-        append(folder / "another.txt", "more");
-        std::filesystem::create_directories(folder / "folder/inner");
-        append(folder / "folder/inner/third.txt", "most");
-    }
     return false;
 }
 
@@ -139,7 +132,7 @@ void asked(GtkWidget*, GdkDragContext* context, GtkSelectionData* answer, guint 
 }
 
 void ended(GtkWidget*, GdkDragContext* context, Offer* offer) {
-    if (offer->promise == "several") g_timeout_add(300, writeLate, offer);
+    if (offer->promise == "after") g_timeout_add(300, writeLate, offer);
     const bool copied = gdk_drag_context_get_selected_action(context) == GDK_ACTION_COPY;
     const bool declined = !offer->promise.empty() && promisedUri(context).empty();
     std::cout << "drag-end" << (copied ? " copy" : "") << (declined ? " void" : "") << std::endl;
