@@ -69,7 +69,7 @@ class RawDragSource : public XClient {
     std::map<QByteArray, Answer> answers;  ///< by target; what is not here is refused
     int pause = 0;                         ///< milliseconds before each piece
     QList<QByteArray> requested;
-    xcb_timestamp_t lastTime = 0;  ///< with which something was requested
+    xcb_timestamp_t lastTime = 0;               ///< with which something was requested
     QList<QList<uint32_t>> statuses, finishes;  ///< the five values of each message
 
  private:
@@ -97,8 +97,7 @@ class RawDragSource : public XClient {
         const Answer answer = answers[requested.last()];
         const xcb_atom_t type = answer.type ? atom(answer.type) : request.target;
         if (answer.kind == Kind::nothing) return;
-        if (answer.kind == Kind::data)
-            write(request.requestor, request.property, type, answer.format, answer.bytes);
+        if (answer.kind == Kind::data) write(request.requestor, request.property, type, answer.format, answer.bytes);
         endless_ = answer.kind == Kind::endless;
         if (answer.kind == Kind::pieces || endless_) {
             pieces_ = endless_ ? QList<QByteArray>() : answer.bytes.split(',');
@@ -108,8 +107,8 @@ class RawDragSource : public XClient {
             write(request.requestor, request.property, atom("INCR"), 32, QByteArray(4, '\0'));
         }
         const xcb_atom_t property = answer.kind == Kind::refusal ? xcb_atom_t(XCB_NONE) : request.property;
-        const xcb_selection_notify_event_t event{XCB_SELECTION_NOTIFY, 0, 0, 0, request.requestor, request.selection,
-                                                 request.target, property};
+        const xcb_selection_notify_event_t event{
+            XCB_SELECTION_NOTIFY, 0, 0, 0, request.requestor, request.selection, request.target, property};
         xcb_send_event(xcb(), false, request.requestor, 0, reinterpret_cast<const char*>(&event));
     }
     void nextPiece(const xcb_property_notify_event_t& event) {
