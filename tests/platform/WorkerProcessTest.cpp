@@ -18,8 +18,8 @@ constexpr std::chrono::milliseconds kShort(300);
 /// A worker that is a shell script.
 struct Script : TestFolder {
     explicit Script(const QByteArray& commands) {
-        const QByteArray program = write("worker", "#!/bin/sh\n" + commands + '\n');
-        std::filesystem::permissions(program.toStdString(), std::filesystem::perms::owner_all);
+        const QByteArray file = write("worker", "#!/bin/sh\n" + commands + '\n');
+        std::filesystem::permissions(file.toStdString(), std::filesystem::perms::owner_all);
     }
     const QString program = QString::fromUtf8(path("worker"));
 };

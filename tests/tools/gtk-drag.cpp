@@ -126,7 +126,7 @@ void asked(GtkWidget*, GdkDragContext* context, GtkSelectionData* answer, guint 
         bytes = offer->forms[number].second;
     } else {
         offer->promisedPath = pathOf(promisedUri(context));
-        bytes = !offer->promisedPath.empty() && keepPromise(*offer) ? "S" : "F";
+        bytes = std::string(1, !offer->promisedPath.empty() && keepPromise(*offer) ? 'S' : 'F');
     }
     gtk_selection_data_set(answer, target, 8, reinterpret_cast<const guchar*>(bytes.data()), gint(bytes.size()));
 }

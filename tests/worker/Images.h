@@ -55,7 +55,9 @@ inline void setBlob(const VImage& image, const char* field, const QByteArray& by
     vips_image_set_blob_copy(image.get_image(), field, bytes.constData(), size_t(bytes.size()));
 }
 
+/// Empty where it has none.
 inline QByteArray profileOf(const VImage& image) {
+    if (!image.get_typeof(VIPS_META_ICC_NAME)) return {};
     size_t size = 0;
     const auto* bytes = static_cast<const char*>(image.get_blob(VIPS_META_ICC_NAME, &size));
     return {bytes, qsizetype(size)};
