@@ -192,8 +192,7 @@ TEST(Shelf, AnyNumberOfThingsFitsIntoTheBody) {
     }
 }
 
-// That it folds when the pointer leaves is seen on the desktop.
-TEST(Shelf, UnfoldsIntoRowsOfFive) {
+TEST(Shelf, UnfoldsIntoRowsOfFiveAndFoldsWhenThePointerLeaves) {
     ShelfFixture f;
     const double second = f.kRow + NotchModel::kChipRow;
     f.m.shelfExpanded = true;
@@ -201,6 +200,9 @@ TEST(Shelf, UnfoldsIntoRowsOfFive) {
     EXPECT_EQ(f.thingAt({180, second}), HeldThing(f.m.bites->last())) << "the sixth";
     f.root.hit({180, second + 28 + 9}).tap();
     EXPECT_FALSE(f.m.shelfExpanded) << "the pill below the rows";
+    f.m.shelfExpanded = true;
+    f.m.hovering = false;
+    EXPECT_FALSE(f.m.shelfExpanded);
 }
 
 TEST(Shelf, EmojiInNamesKeepTheirColours) {
