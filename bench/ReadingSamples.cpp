@@ -5,6 +5,8 @@
 #include <QGuiApplication>
 #include <QJsonDocument>
 #include <QTextStream>
+#include <algorithm>
+#include <numeric>
 
 #include "reading/Screenshots.h"
 
@@ -44,6 +46,22 @@ std::vector<Screenshot> allScreenshots() {
         all.push_back({dark ? u"jpeg 14 dark"_s : u"jpeg 14 light"_s, jpegged(shot.picture), shot.text});
     }
     return all;
+}
+
+/// How many characters have to be added, dropped or replaced to make one text of the other, as a share of the truth's.
+double characterErrorRate(const QString& truth, const QString& read) {
+    std::vector<int> row(read.size() + 1);
+    std::iota(row.begin(), row.end(), 0);
+    for (int i = 0; i < truth.size(); ++i) {
+        int diagonal = row[0];
+        row[0] = i + 1;
+        for (int j = 0; j < read.size(); ++j) {
+            const int replaced = diagonal + (truth[i] == read[j] ? 0 : 1);
+            diagonal = row[j + 1];
+            row[j + 1] = std::min({replaced, diagonal + 1, row[j] + 1});
+        }
+    }
+    return double(row.back()) / double(std::max(truth.size(), qsizetype(1)));
 }
 
 void put(const QString& path, const QString& text) {

@@ -10,7 +10,7 @@
 class RawDragSource : public XClient {
  public:
     struct Answer {
-        enum class Kind { data, refusal, nothing, pieces, endless, noProperty, strangers } kind = Kind::refusal;
+        enum class Kind { data, refusal, nothing, pieces, endless, noProperty } kind = Kind::refusal;
         QByteArray bytes;            ///< for pieces: split at each ','
         const char* type = nullptr;  ///< none: that of the target
         uint8_t format = 8;
@@ -69,6 +69,7 @@ class RawDragSource : public XClient {
     std::map<QByteArray, Answer> answers;  ///< by target; what is not here is refused
     int pause = 0;                         ///< milliseconds before each piece
     QList<QByteArray> requested;
+    xcb_timestamp_t lastTime = 0;               ///< with which something was requested
     QList<QList<uint32_t>> statuses, finishes;  ///< the five values of each message
 
  private:
@@ -77,11 +78,6 @@ class RawDragSource : public XClient {
     void write(xcb_window_t to, xcb_atom_t property, xcb_atom_t type, uint8_t format, const QByteArray& bytes) {
         xcb_change_property(xcb(), XCB_PROP_MODE_REPLACE, to, property, type, format,
                             uint32_t(bytes.size() / (format / 8)), bytes.constData());
-    }
-    void notify(const xcb_selection_request_event_t& request, xcb_atom_t target, xcb_atom_t property) {
-        const xcb_selection_notify_event_t event{XCB_SELECTION_NOTIFY, 0,      0,       0, request.requestor,
-                                                 request.selection,    target, property};
-        xcb_send_event(xcb(), false, request.requestor, 0, reinterpret_cast<const char*>(&event));
     }
     void work() {
         while (const auto event = owned(xcb_poll_for_event(xcb()))) {
@@ -97,19 +93,11 @@ class RawDragSource : public XClient {
     void answer(const xcb_selection_request_event_t& request) {
         const auto name = awaitReply(xcb(), xcb_get_atom_name, xcb_get_atom_name_reply, request.target);
         requested.emplace_back(xcb_get_atom_name_name(name.get()), xcb_get_atom_name_name_length(name.get()));
+        lastTime = request.time;
         const Answer answer = answers[requested.last()];
         const xcb_atom_t type = answer.type ? atom(answer.type) : request.target;
         if (answer.kind == Kind::nothing) return;
-        if (answer.kind == Kind::strangers) {
-            // Answers to what was never asked, before the true one.
-            const xcb_atom_t strange = atom("STRANGE");
-            write(request.requestor, strange, type, 8, "strange");
-            notify(request, request.target, strange);
-            notify(request, strange, request.property);
-            notify(request, strange, XCB_NONE);
-        }
-        if (answer.kind == Kind::data || answer.kind == Kind::strangers)
-            write(request.requestor, request.property, type, answer.format, answer.bytes);
+        if (answer.kind == Kind::data) write(request.requestor, request.property, type, answer.format, answer.bytes);
         endless_ = answer.kind == Kind::endless;
         if (answer.kind == Kind::pieces || endless_) {
             pieces_ = endless_ ? QList<QByteArray>() : answer.bytes.split(',');
@@ -118,7 +106,10 @@ class RawDragSource : public XClient {
             xcb_change_window_attributes(xcb(), request.requestor, XCB_CW_EVENT_MASK, &events);
             write(request.requestor, request.property, atom("INCR"), 32, QByteArray(4, '\0'));
         }
-        notify(request, request.target, answer.kind == Kind::refusal ? xcb_atom_t(XCB_NONE) : request.property);
+        const xcb_atom_t property = answer.kind == Kind::refusal ? xcb_atom_t(XCB_NONE) : request.property;
+        const xcb_selection_notify_event_t event{
+            XCB_SELECTION_NOTIFY, 0, 0, 0, request.requestor, request.selection, request.target, property};
+        xcb_send_event(xcb(), false, request.requestor, 0, reinterpret_cast<const char*>(&event));
     }
     void nextPiece(const xcb_property_notify_event_t& event) {
         if (event.state != XCB_PROPERTY_DELETE || (pieces_.empty() && !endless_)) return;

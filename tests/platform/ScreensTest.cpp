@@ -33,7 +33,6 @@ TEST_F(TwoScreens, HaveTheModelsOriginAtTheMainOnesBottomLeftAndTheirOwnRatio) {
     }
     const std::pair<QPointF, QPointF> points[] = {{{1000, 200}, {0, 600}},
                                                   {{2599, 1399}, {799.5, 0.5}},
-                                                  {{999, 0}, {-1, 800}},
                                                   {{0, 500}, {-1000, 300}},
                                                   // On no screen: as if the main one went on.
                                                   {{5000, 5000}, {2000, -1800}}};

@@ -1,13 +1,12 @@
 #include <gtest/gtest.h>
 
-#include <QFile>
-#include <QTemporaryDir>
 #include <csignal>
 #include <thread>
 
 #include "platform/linux/UnnamedFile.h"
 #include "platform/linux/WorkerProcess.h"
 #include "support/Environment.h"
+#include "support/TestFolder.h"
 
 using namespace Qt::StringLiterals;
 
@@ -17,16 +16,12 @@ constexpr std::chrono::seconds kLong(20);
 constexpr std::chrono::milliseconds kShort(300);
 
 /// A worker that is a shell script.
-struct Script {
-    QTemporaryDir folder;
-    QString path = folder.filePath(u"worker"_s);
-
-    explicit Script(const char* commands) {
-        QFile file(path);
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write("#!/bin/sh\n" + QByteArray(commands) + "\n");
-        EXPECT_TRUE(file.setPermissions(QFile::ReadOwner | QFile::ExeOwner));
+struct Script : TestFolder {
+    explicit Script(const QByteArray& commands) {
+        const QByteArray file = write("worker", "#!/bin/sh\n" + commands + '\n');
+        std::filesystem::permissions(file.toStdString(), std::filesystem::perms::owner_all);
     }
+    const QString program = QString::fromUtf8(path("worker"));
 };
 
 TEST(WorkerProcess, AnswersOrNot) {
@@ -55,9 +50,9 @@ TEST(WorkerProcess, AnswersOrNot) {
         {R"(trap '' TERM INT HUP; while :; do sleep 1; done)", {}, "", kShort},
     };
     for (const auto& [commands, answer, source, patience] : cases)
-        EXPECT_EQ(WorkerProcess(Script(commands).path, patience).run({}, source), answer) << commands;
+        EXPECT_EQ(WorkerProcess(Script(commands).program, patience).run({}, source), answer) << commands;
     EXPECT_FALSE(WorkerProcess(u"/no/such/worker"_s).run({}, QByteArray()));
-    EXPECT_FALSE(WorkerProcess(Script("echo '{}'").path).run({}, -1, nullptr));
+    EXPECT_FALSE(WorkerProcess(Script("echo '{}'").program).run({}, -1, nullptr));
 }
 
 TEST(WorkerProcess, PassesWordsAndTheResultAndNothingElse) {
@@ -69,7 +64,7 @@ TEST(WorkerProcess, PassesWordsAndTheResultAndNothingElse) {
         echo $$ $n "$last" $# $blocked "[$SECRET]" >&3
         exec sleep 1000)raw");
     const EnvironmentVariable secret("SECRET", "secret");
-    const auto result = UnnamedFile::in(QFile::encodeName(script.folder.path()));
+    const auto result = UnnamedFile::in(script.path());
     std::thread([&] {
         sigset_t all;
         ::sigfillset(&all);
@@ -77,7 +72,7 @@ TEST(WorkerProcess, PassesWordsAndTheResultAndNothingElse) {
         std::signal(SIGUSR1, SIG_IGN);
         const Descriptor source = fileInMemory({});
         const QStringList words{u"a b"_s, QString(), u"$HOME;ü"_s};
-        EXPECT_FALSE(WorkerProcess(script.path, kShort).run(words, source.get(), result.get()));
+        EXPECT_FALSE(WorkerProcess(script.program, kShort).run(words, source.get(), result.get()));
         std::signal(SIGUSR1, SIG_DFL);
     }).join();
     QByteArray told(200, '\0');

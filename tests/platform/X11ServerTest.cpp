@@ -53,9 +53,7 @@ TEST_F(X11Server, ChoosesX11WhereTheUserDidNotChooseAndTellsWhetherThereIsADispl
         bool reachable;
         QByteArray chosen;
     } cases[] = {
-        {"xcb", here, unset, true, "xcb"},
         {unset, here, unset, true, "xcb"},
-        {unset, unset, unset, false, unset},
         {"minimal:x=1", nowhere, unset, true, "minimal:x=1"},
         {"wayland", here, "wl-no", false, "wayland"},
         {"wayland;xcb", here, unset, true, "wayland;xcb"},

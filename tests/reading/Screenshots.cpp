@@ -6,7 +6,6 @@
 #include <QRadialGradient>
 #include <QRandomGenerator>
 #include <algorithm>
-#include <numeric>
 
 using namespace Qt::StringLiterals;
 
@@ -184,19 +183,4 @@ std::vector<Screenshot> oddScreenshots() {
             all.push_back({u"%1 at %2"_s.arg(shot.name).arg(angle),
                            shot.picture.transformed(QTransform().rotate(angle)), shot.text});
     return all;
-}
-
-double characterErrorRate(const QString& truth, const QString& read) {
-    std::vector<int> row(read.size() + 1);
-    std::iota(row.begin(), row.end(), 0);
-    for (int i = 0; i < truth.size(); ++i) {
-        int diagonal = row[0];
-        row[0] = i + 1;
-        for (int j = 0; j < read.size(); ++j) {
-            const int replaced = diagonal + (truth[i] == read[j] ? 0 : 1);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({replaced, diagonal + 1, row[j] + 1});
-        }
-    }
-    return double(row.back()) / double(std::max(truth.size(), qsizetype(1)));
 }

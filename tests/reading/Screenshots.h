@@ -42,6 +42,3 @@ Screenshot window(const QString& family, int pixels);
 Screenshot headline(const QString& family, int pixels, TextColours colours);
 /// What is framed, or large, or one character, or lies on a side or on its head: all of it is read without a fault.
 std::vector<Screenshot> oddScreenshots();
-
-/// How many characters have to be added, dropped or replaced to make one text of the other, as a share of the truth's.
-double characterErrorRate(const QString& truth, const QString& read);

@@ -5,10 +5,9 @@
 
 namespace {
 QStringList command(DragTool::Kind kind, QPoint place, const QList<QByteArray>& arguments) {
-    QStringList command{besideTheTest(kind == DragTool::Kind::qtSource ? "qt-drag-source" : "gtk-drag")};
-    if (kind != DragTool::Kind::qtSource)
-        command.append(kind == DragTool::Kind::gtkSource ? QStringLiteral("source") : QStringLiteral("target"));
-    command += {QString::number(place.x()), QString::number(place.y())};
+    QStringList command{besideTheTest("gtk-drag"),
+                        kind == DragTool::Kind::gtkSource ? QStringLiteral("source") : QStringLiteral("target"),
+                        QString::number(place.x()), QString::number(place.y())};
     for (const QByteArray& argument : arguments) command.append(QFile::decodeName(argument));
     return command;
 }

@@ -2,19 +2,18 @@
 
 #include "support/XSession.h"
 
-/// A program from tests/tools on the session's screen: a window of 100 x 100 device pixels that is dragged from or
-/// dropped on. Needs a QCoreApplication.
+/// The program gtk-drag on the session's screen: a window of 100 x 100 device pixels, to drag from or to drop on. Needs
+/// a QCoreApplication.
 class DragTool : public Child {
  public:
-    enum class Kind { gtkSource, qtSource, gtkTarget };
+    enum class Kind { gtkSource, gtkTarget };
 
-    /// Starts it with its window's corner at `place`, and returns once the window is there. What a source offers is
-    /// told by `arguments`, see gtk-drag.cpp and qt-drag-source.cpp.
+    /// Starts it with its window's corner at `place`, and returns once the window is there. `arguments` tell what a
+    /// source offers, see gtk-drag.cpp.
     DragTool(const XSession& session, Kind kind, QPoint place, const QList<QByteArray>& arguments = {});
     ~DragTool() override { kill(); }  // it may hang
 
     QPoint middle() const { return place_ + QPoint(50, 50); }
-    qint64 pid() const { return processId(); }
     /// The lines on standard output so far.
     const QStringList& lines();
     bool said(const QString& line) { return lines().contains(line); }

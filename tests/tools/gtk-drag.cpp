@@ -1,31 +1,28 @@
 // A GTK window that is dragged from, like a file manager's or a browser's, or dropped on.
 //
-//   gtk-drag source X Y [--hang] [--promise HOW NAME CONTENTS] [TARGET=TEXT | TARGET@FILE]...
+//   gtk-drag source X Y [--hang] [--promise HOW NAME CONTENTS] [TARGET=TEXT]...
 //   gtk-drag target X Y
 //
 // It lies at (X, Y), 100 x 100 device pixels. A source offers each TARGET (an X11 name such as text/uri-list, image/png
-// or UTF8_STRING) as the given text or the bytes of a file, and a promised file by the Direct Save Protocol. With
-// --hang it stops itself when it is first asked for data. HOW it keeps its promise:
+// or UTF8_STRING) as the given text, and a promised file by the Direct Save Protocol. With --hang it stops itself when
+// it is first asked for data. HOW it keeps its promise:
 //
 //   fails    says so, as Chromium does            late     says that it has, and writes only then, as Firefox does
-//   silent   never answers                        several  says that it has, and writes the file, another and a folder
-//   empty    leaves an empty file                          when the drag is over, as File Roller does
-//   slow     writes for eleven seconds, then answers
+//   silent   never answers                        after    says so, and writes after the drag, as File Roller does
+//   empty    leaves an empty file                 slow     writes for eleven seconds, then answers
 //   swaps    puts a link to the folder CONTENTS in the place of the one that it should write in
 //
 // Lines on standard output: "ready"; of a source for each drag "drag-begin", "data TARGET" for what was asked for,
-// "delete" if it is told to delete what was moved, "drag-failed RESULT" (GTK's number), and "drag-end ACTION", with
-// what became of the promise ("kept" or "void") if there was one; of a target for each dropped file "uri URI" and
-// "bytes CONTENTS".
+// "delete" if it is told to delete what was moved, and "drag-end", with "copy" if it was copied and "void" if its
+// promise was declined; of a target for each dropped file "uri URI" and "bytes CONTENTS".
 
 #include <gtk/gtk.h>
 #include <signal.h>
-#include <unistd.h>
 
-#include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
-#include <iterator>
+#include <iostream>
 #include <string>
 #include <vector>
 
@@ -35,34 +32,26 @@ constexpr char promiseTarget[] = "XdndDirectSave0";
 struct Offer {
     bool hang = false;
     std::string promise;  // how it goes; empty for none
-    std::string promisedName, promisedContents, promisedPath;
+    std::string promisedName, promisedContents;
+    std::filesystem::path promisedPath;
     std::vector<std::pair<std::string, std::string>> forms;
 };
-
-std::string contentsOf(const char* file) {
-    std::ifstream bytes(file, std::ios::binary);
-    if (!bytes) std::exit(2);
-    return {std::istreambuf_iterator<char>(bytes), {}};
-}
 
 Offer offerOf(char** argument) {
     Offer offer;
     for (; *argument; ++argument) {
         const std::string text = *argument;
+        const auto sign = text.find('=');
         if (text == "--hang") {
             offer.hang = true;
         } else if (text == "--promise" && argument[1] && argument[2] && argument[3]) {
             offer.promise = *++argument;
             offer.promisedName = *++argument;
             offer.promisedContents = *++argument;
+        } else if (sign != std::string::npos) {
+            offer.forms.emplace_back(text.substr(0, sign), text.substr(sign + 1));
         } else {
-            // The target's own parameter is no separator, as in "text/plain;charset=utf-8=hello".
-            const std::string parameter = ";charset=";
-            const auto place = text.find(parameter);
-            const auto sign = text.find_first_of("=@", place == std::string::npos ? 0 : place + parameter.size());
-            if (sign == std::string::npos) std::exit(2);
-            const std::string value = text.substr(sign + 1);
-            offer.forms.emplace_back(text.substr(0, sign), text[sign] == '@' ? contentsOf(value.c_str()) : value);
+            std::exit(2);
         }
     }
     return offer;
@@ -82,33 +71,29 @@ std::string promisedUri(GdkDragContext* context) {
     return result;
 }
 
-void setPromise(GdkDragContext* context, const std::string& name) {
-    gdk_property_change(gdk_drag_context_get_source_window(context), atom(promiseTarget), atom("text/plain"), 8,
-                        GDK_PROP_MODE_REPLACE, reinterpret_cast<const guchar*>(name.data()), gint(name.size()));
+/// Empty for what is not a file's.
+std::string pathOf(const std::string& uri) {
+    char* path = g_filename_from_uri(uri.c_str(), nullptr, nullptr);
+    std::string result = path ? path : "";
+    g_free(path);
+    return result;
 }
 
 void began(GtkWidget*, GdkDragContext* context, Offer* offer) {
-    if (!offer->promise.empty()) setPromise(context, offer->promisedName);
-    std::printf("drag-begin\n");
+    const std::string& name = offer->promisedName;
+    if (!offer->promise.empty())
+        gdk_property_change(gdk_drag_context_get_source_window(context), atom(promiseTarget), atom("text/plain"), 8,
+                            GDK_PROP_MODE_REPLACE, reinterpret_cast<const guchar*>(name.data()), gint(name.size()));
+    std::cout << "drag-begin" << std::endl;
 }
 
-void append(const std::string& path, const std::string& contents) {
+void append(const std::filesystem::path& path, const std::string& contents) {
     std::ofstream(path, std::ios::binary | std::ios::app) << contents;
-}
-
-std::string folderOf(const std::string& path) {
-    return path.substr(0, path.rfind('/'));
 }
 
 gboolean writeLate(gpointer data) {
     const Offer& offer = *static_cast<Offer*>(data);
     append(offer.promisedPath, offer.promisedContents);
-    if (offer.promise == "several") {
-        const std::string folder = folderOf(offer.promisedPath);
-        append(folder + "/another.txt", "more");
-        g_mkdir_with_parents((folder + "/folder/inner").c_str(), 0700);
-        append(folder + "/folder/inner/third.txt", "most");
-    }
     return false;
 }
 
@@ -118,8 +103,8 @@ bool keepPromise(Offer& offer) {
     // A loop within the loop: the program lives on, but this answer never goes out.
     if (how == "silent") g_main_loop_run(g_main_loop_new(nullptr, false));
     if (how == "swaps") {
-        const std::string folder = folderOf(offer.promisedPath);
-        return rmdir(folder.c_str()) == 0 && symlink(offer.promisedContents.c_str(), folder.c_str()) == 0;
+        std::filesystem::remove(offer.promisedPath.parent_path());
+        std::filesystem::create_directory_symlink(offer.promisedContents, offer.promisedPath.parent_path());
     }
     if (how == "late" || how == "empty") append(offer.promisedPath, "");
     if (how == "late") g_timeout_add(300, writeLate, &offer);
@@ -130,39 +115,27 @@ bool keepPromise(Offer& offer) {
     return true;
 }
 
-void answerPromise(GdkDragContext* context, GtkSelectionData* answer, Offer& offer) {
-    char* path = g_filename_from_uri(promisedUri(context).c_str(), nullptr, nullptr);
-    offer.promisedPath = path ? path : "";
-    g_free(path);
-    const bool kept = !offer.promisedPath.empty() && keepPromise(offer);
-    gtk_selection_data_set(answer, gtk_selection_data_get_target(answer), 8,
-                           reinterpret_cast<const guchar*>(kept ? "S" : "F"), 1);
-}
-
 void asked(GtkWidget*, GdkDragContext* context, GtkSelectionData* answer, guint number, guint, Offer* offer) {
-    char* target = gdk_atom_name(gtk_selection_data_get_target(answer));
-    std::printf("data %s\n", target);
-    g_free(target);
+    const GdkAtom target = gtk_selection_data_get_target(answer);
+    char* name = gdk_atom_name(target);
+    std::cout << "data " << name << std::endl;
+    g_free(name);
     if (offer->hang) raise(SIGSTOP);
-    if (number == offer->forms.size()) return answerPromise(context, answer, *offer);
-    const std::string& bytes = offer->forms[number].second;
-    gtk_selection_data_set(answer, gtk_selection_data_get_target(answer), 8,
-                           reinterpret_cast<const guchar*>(bytes.data()), gint(bytes.size()));
+    std::string bytes;
+    if (number < offer->forms.size()) {
+        bytes = offer->forms[number].second;
+    } else {
+        offer->promisedPath = pathOf(promisedUri(context));
+        bytes = std::string(1, !offer->promisedPath.empty() && keepPromise(*offer) ? 'S' : 'F');
+    }
+    gtk_selection_data_set(answer, target, 8, reinterpret_cast<const guchar*>(bytes.data()), gint(bytes.size()));
 }
 
 void ended(GtkWidget*, GdkDragContext* context, Offer* offer) {
-    if (offer->promise == "several") g_timeout_add(300, writeLate, offer);
-    const GdkDragAction action = gdk_drag_context_get_selected_action(context);
-    const char* name = action == GDK_ACTION_COPY ? "copy" : action == GDK_ACTION_MOVE ? "move" : "none";
-    if (offer->promise.empty())
-        std::printf("drag-end %s\n", name);
-    else
-        std::printf("drag-end %s %s\n", name, promisedUri(context).empty() ? "void" : "kept");
-}
-
-gboolean failed(GtkWidget*, GdkDragContext*, GtkDragResult result) {
-    std::printf("drag-failed %d\n", int(result));
-    return true;  // no picture that flies back
+    if (offer->promise == "after") g_timeout_add(300, writeLate, offer);
+    const bool copied = gdk_drag_context_get_selected_action(context) == GDK_ACTION_COPY;
+    const bool declined = !offer->promise.empty() && promisedUri(context).empty();
+    std::cout << "drag-end" << (copied ? " copy" : "") << (declined ? " void" : "") << std::endl;
 }
 
 void makeSource(GtkWidget* window, Offer& offer) {
@@ -174,18 +147,16 @@ void makeSource(GtkWidget* window, Offer& offer) {
                         GdkDragAction(GDK_ACTION_COPY | GDK_ACTION_MOVE));
     g_signal_connect(window, "drag-begin", G_CALLBACK(began), &offer);
     g_signal_connect(window, "drag-data-get", G_CALLBACK(asked), &offer);
-    g_signal_connect(window, "drag-data-delete", G_CALLBACK(+[] { std::printf("delete\n"); }), nullptr);
-    g_signal_connect(window, "drag-failed", G_CALLBACK(failed), nullptr);
+    g_signal_connect(window, "drag-data-delete", G_CALLBACK(+[] { std::cout << "delete" << std::endl; }), nullptr);
+    // No picture that flies back.
+    g_signal_connect(window, "drag-failed", G_CALLBACK(+[]() -> gboolean { return true; }), nullptr);
     g_signal_connect(window, "drag-end", G_CALLBACK(ended), &offer);
 }
 
 void received(GtkWidget*, GdkDragContext*, gint, gint, GtkSelectionData* data) {
     char** uris = gtk_selection_data_get_uris(data);
-    for (char** uri = uris; uri && *uri; ++uri) {
-        char* path = g_filename_from_uri(*uri, nullptr, nullptr);
-        std::printf("uri %s\nbytes %s\n", *uri, path ? contentsOf(path).c_str() : "");
-        g_free(path);
-    }
+    for (char** uri = uris; uri && *uri; ++uri)
+        std::cout << "uri " << *uri << "\nbytes " << std::ifstream(pathOf(*uri)).rdbuf() << std::endl;
     g_strfreev(uris);
 }
 
@@ -198,7 +169,6 @@ void makeTarget(GtkWidget* window) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    std::setvbuf(stdout, nullptr, _IOLBF, 0);
     gdk_set_allowed_backends("x11");
     gtk_init(&argc, &argv);
     if (argc < 4) return 2;
@@ -210,8 +180,8 @@ int main(int argc, char** argv) {
         makeSource(window, offer);
     else
         makeTarget(window);
-    g_signal_connect(window, "map-event", G_CALLBACK(+[](GtkWidget*) -> gboolean {
-                         std::printf("ready\n");
+    g_signal_connect(window, "map-event", G_CALLBACK(+[]() -> gboolean {
+                         std::cout << "ready" << std::endl;
                          return false;
                      }),
                      nullptr);

@@ -47,8 +47,6 @@ TEST(Eyes, TellTheMoodAndFollowThePointerUnlessSomethingTurnsThem) {
         {"yawning", [](auto& f) { f.m.yawning = true; }, 0.8},
         {"quiet", [](auto& f) { f.quieten(); }, 0.4},
         {"quiet is over", [](auto& f) { f.m.hovering = false, f.quieten(0.3); }, 0.12, {2.6, 0}},
-        {"quiet glance", [](auto& f) { f.quieten(), ++f.m.spawnCount, f.m.capsOn = true; }, 0.04, {}, 0.45},
-        {"quiet look", [](auto& f) { f.quieten(), ++f.m.lookAroundCount, f.m.capsOn = true; }, 0.04, {}, 0.45},
         {"quiet worry", [](auto& f) { f.quieten(), ++f.m.worryCount; }, 0.02, {}},
         {"worry", [](auto& f) { ++f.m.worryCount; }, 0.02, {4.5, -2.5}},
         {"worry wins", [](auto& f) { ++f.m.lookAroundCount, ++f.m.worryCount; }, 0.02, {4.5, -2.5}},
@@ -99,15 +97,12 @@ TEST(Eyes, BlinkOnTheirClockAndForAGlanceButNotAsleep) {
 
 TEST(Face, JumpsWhenStartled) {
     FaceFixture f;
-    f.lookAt(0, 800);
     const auto width = [&] { return f.seen({0, 30, 40, 28}, PictureFixture::isLight).width(); };
     f.rest(1);
     const double rest = width();
     ++f.m.startleCount;
     f.loop.advance(0.15);
     EXPECT_GT(width(), rest * 1.1);
-    f.rest(2);
-    EXPECT_NEAR(width(), rest, 0.6);
 }
 
 TEST(Face, HasEachPartInItsPlace) {
@@ -115,6 +110,7 @@ TEST(Face, HasEachPartInItsPlace) {
     constexpr auto bright = [](QColor c) { return c.lightness() > 60; };
     constexpr auto warm = [](QColor c) { return c.red() > 40 && c.red() > c.blue() * 2; };
     constexpr auto orange = [](QColor c) { return c.green() > 80 && c.blue() < 60; };
+    static constexpr auto hold = [](NotchModel& m) { m.timers = QList<HeldTimer>(2); };
     const QRectF eyes(-60, 30, 120, 26), cheek(-60, 60, 34, 24), below(-12, 54, 24, 19), corner(40, 2, 60, 26),
         mouth(-40, 54, 80, 66), inside(-40, 4, 80, 33);
     const struct {
@@ -128,14 +124,10 @@ TEST(Face, HasEachPartInItsPlace) {
         {"arcs asleep", [](auto& m) { m.asleep = true; }, eyes, P::isLight, {-24, 34.5, 48, 6}},
         {"no cheeks", [](auto& m) { m.hovering = true; }, cheek, warm},
         {"cheeks", [](auto& m) { m.hovering = m.charging = true; }, cheek, warm, {-49, 68, 11, 11}},
-        {"badge", [](auto& m) { m.timers = QList<HeldTimer>(2); }, below, orange, {-9, 59, 18, 14.4}},
-        {"badge instead of a mouth",
-         [](auto& m) { m.timers = QList<HeldTimer>(2), m.downloading = true; },
-         below,
-         bright,
-         {-9, 59, 18, 14.4}},
-        {"no badge on a wide mouth", [](auto& m) { m.timers = QList<HeldTimer>(2), m.yawning = true; }, below, orange},
-        {"no badge on the shelf", [](auto& m) { m.timers = QList<HeldTimer>(2), m.hovering = true; }, below, orange},
+        {"badge", hold, below, orange, {-9, 59, 18, 14.4}},
+        {"badge, no mouth", [](auto& m) { hold(m), m.downloading = true; }, below, bright, {-9, 59, 18, 14.4}},
+        {"no badge on a wide mouth", [](auto& m) { hold(m), m.yawning = true; }, below, orange},
+        {"no badge on the shelf", [](auto& m) { hold(m), m.hovering = true; }, below, orange},
         {"yawn", [](auto& m) { m.yawning = true; }, mouth, P::isReddish, {-10, 60, 20, 24}},
         {"wide glyph", [](auto& m) { m.offline = m.hovering = true; }, corner, bright, {65.5, 7.5, 11.5, 11}},
         {"narrow glyph", [](auto& m) { m.needsYou = m.hovering = true; }, corner, bright, {74.5, 7.5, 2.5, 11}},
@@ -202,7 +194,6 @@ TEST(Glyph, SymbolAndColourAreDecidedSeparately) {
         const char* symbol;
         QColor color;
     } cases[] = {
-        {"", 12, "", {}},
         {"c", 12, "", {}},
         {"ch", 12, "bolt.fill", green},
         {"nrc", 12, "exclamationmark", orange},

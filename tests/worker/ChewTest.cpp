@@ -1,16 +1,10 @@
 #include <gmock/gmock.h>
 #include <malloc.h>
 
-#include <set>
-
 #include "Images.h"
 
 namespace {
 
-using testing::Contains;
-using testing::ContainsRegex;
-using testing::Each;
-using testing::Not;
 using testing::Pointwise;
 
 /// The path of the new file.
@@ -62,15 +56,6 @@ void expectQuarters(const VImage& image, const Quarters& colours, double distanc
         at.resize(3);
         EXPECT_THAT(at, Pointwise(Near(distance), colours[size_t(i)])) << "quarter " << i;
     }
-}
-
-/// The names of all that the file says besides its pixels.
-std::set<std::string> fields(const VImage& image) {
-    char** const names = vips_image_get_fields(image.get_image());
-    std::set<std::string> all;
-    for (char** name = names; *name; ++name) all.insert(*name);
-    g_strfreev(names);
-    return all;
 }
 
 TEST(Chew, MakesEveryKindIntoEveryOther) {
@@ -179,27 +164,25 @@ TEST(Chew, TurnsPicturesUpright) {
 }
 
 TEST(Chew, KeepsTheProfileAndForgetsWhereItWas) {
+    constexpr char kPlace[] = "exif-ifd3-GPSLatitude", kCamera[] = "exif-ifd0-Model", kNote[] = "png-comment-0-Note";
     const QByteArray icc = iccProfile();
     for (const bool hasProfile : {true, false}) {
         VImage image = quarters(400, 300).copy();
-        image.set("exif-ifd3-GPSLatitude", "52/1 31/1 1/1 (52, 31, 1, Rational, 3 components, 24 bytes)");
-        image.set("exif-ifd0-Model", "SecretCamera (SecretCamera, ASCII, 13 components, 13 bytes)");
-        image.set("png-comment-0-Comment", "SecretComment");
+        image.set(kPlace, "52/1 31/1 1/1 (52, 31, 1, Rational, 3 components, 24 bytes)");
+        image.set(kCamera, "SecretCamera (SecretCamera, ASCII, 13 components, 13 bytes)");
+        image.set(kNote, "SecretComment");
         setBlob(image, VIPS_META_XMP_NAME, "<x:xmpmeta>SecretXmp</x:xmpmeta>");
         if (hasProfile) setBlob(image, VIPS_META_ICC_NAME, icc);
         for (const char* name : {"a.jpg", "a.png", "a.webp"}) {
             const Folder folder;
             save(folder / name, image);
-            ASSERT_TRUE(fields(VImage::new_from_file((folder / name).constData())).contains("xmp-data"));
+            ASSERT_TRUE(VImage::new_from_file((folder / name).constData()).get_typeof(VIPS_META_XMP_NAME));
             inAllModes(folder, name, [&](const VImage& made, ChewMode) {
                 EXPECT_FALSE(load(folder.result).contains("Secret"));
-                EXPECT_THAT(fields(made), Not(Contains(ContainsRegex("GPS|Model|xmp|comment"))));
-                ASSERT_EQ(fields(made).contains(VIPS_META_ICC_NAME), hasProfile);
+                for (const char* field : {kPlace, kCamera, kNote, VIPS_META_XMP_NAME})
+                    EXPECT_FALSE(made.get_typeof(field)) << field;
+                EXPECT_EQ(profileOf(made), hasProfile ? icc : QByteArray());
                 expectQuarters(made, kPlain);
-                if (!hasProfile) return;
-                size_t size = 0;
-                const auto* bytes = static_cast<const char*>(made.get_blob(VIPS_META_ICC_NAME, &size));
-                EXPECT_EQ(QByteArray(bytes, qsizetype(size)), icc);
             });
             // A wide screen's red is more than most show.
             expectQuarters(thumbnail(folder, name, 96), {hasProfile ? Colour{242, 0, 0} : kRed, kGreen, kBlue, kGrey},
