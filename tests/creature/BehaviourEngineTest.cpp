@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "creature/BehaviourEngine.h"
+#include "creature/Numbers.h"
 #include "support/Creature.h"
 
 namespace {
@@ -216,6 +217,11 @@ TEST(Slide, StaysFiveSecondsAndComesHomeUnlessItIsGrabbed) {
     EXPECT_LT(held, -1);
     f.loop.advance(20);
     EXPECT_EQ(f.m.slideX, held);
+}
+
+TEST(Numbers, PrintShortestWithAPoint) {
+    EXPECT_EQ(formatNumbers({0, -0.1, 100000, 2.5e-7, 1e300}),
+              QStringLiteral("(0.0, -0.1, 100000.0, 2.5e-07, 1.0e+300)"));
 }
 
 }  // namespace
