@@ -3,15 +3,59 @@
 #include <optional>
 
 #include "app/AppDelegate.h"
+#include "platform/EventMonitors.h"
+#include "platform/ScreenLock.h"
+#include "platform/Screens.h"
 #include "platform/linux/OutlineRegion.h"
-#include "support/FakeDesktop.h"
 #include "support/ManualLoop.h"
 #include "support/MemoryMusic.h"
 #include "support/MemoryPorts.h"
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 using Button = PanelWindow::Button;
+
+struct FakeScreens : Screens {
+    QList<Screen> screens() const override { return list; }
+    QList<Screen> list{{QRectF(0, 0, 1512, 982), {}, {}, true}};
+};
+
+/// A window that draws into memory and remembers what it was told.
+struct FakePanelWindow : PanelWindow {
+    void setFrame(const QRectF& rect) override { place = rect; }
+    QRectF frame() const override { return place; }
+    void setOverdraw(const QMargins&) override {}
+    void orderFrontRegardless() override {}
+    void setInputRegion(const QRegion& region) override { input = region; }
+    void setOutline(const QPainterPath& path) override { outline = path; }
+    double devicePixelRatio() const override { return 1; }
+    double refreshRate() const override { return 60; }
+    void paint(const QRegion&, const std::function<void(QPainter&)>& draw) override {
+        ++paints;
+        QPainter painter(&picture);
+        draw(painter);
+    }
+    void dragOut(const QUrl&, const QImage&, QPointF) override {}
+
+    QRectF place;
+    QRegion input;
+    QPainterPath outline;
+    int paints = 0;
+    QImage picture{360, 230, QImage::Format_ARGB32_Premultiplied};
+};
+
+struct FakeScreenLock : ScreenLock {
+    bool locked() const override { return false; }
+};
+
+struct FakeMonitors : EventMonitors {
+    void start() override { started = true; }
+    QPointF pointerLocation() const override { return {}; }
+    bool capsLock() const override { return true; }
+    bool started = false;
+};
 
 struct ProgramFixture {
     ManualClock clock;
@@ -37,10 +81,9 @@ struct ProgramFixture {
     std::optional<AppDelegate> delegate;
 
     AppDelegate::Launch launch(std::initializer_list<const char*> arguments = {}) {
-        QStringList list{QStringLiteral("glimmet")};
+        QStringList list{u"glimmet"_s};
         for (const char* argument : arguments) list.append(QLatin1String(argument));
         const auto showMenu = [this](const QList<MenuItem>& items, QPointF) { menu = items; };
-        const auto random = [] { return 0.5; };
         delegate.emplace(Ports{clock,
                                loop,
                                preferences,
@@ -62,12 +105,12 @@ struct ProgramFixture {
                                disk,
                                jobs,
                                jobs,
-                               random,
+                               [] { return 0.5; },
                                showMenu,
                                [] {},
-                               [](const Alert&) {},
+                               [](Alert) {},
                                [] {},
-                               QStringLiteral("/nonexistent")},
+                               u"/nonexistent"_s},
                          list);
         const auto result = delegate->launch();
         loop.drain();
@@ -86,8 +129,7 @@ struct ProgramFixture {
 
 TEST(Launch, StartsTheSensorsAndDoesNotWaitForWhatIsStored) {
     ProgramFixture f;
-    f.monitors.caps = true;
-    f.preferences.setBoolean(QStringLiteral("glimmet.hidden"), true);
+    f.preferences.setBoolean(u"glimmet.hidden"_s, true);
     f.preferences.read = false;
     f.launch();
     EXPECT_TRUE(f.monitors.started && f.workspace.started && f.m().capsOn);
@@ -114,14 +156,13 @@ TEST(Launch, DemoModeLeavesTheSensorsOffButItsChipsCanBeTouched) {
     f.monitors.onRightMouseDown({756, 980});
     EXPECT_TRUE(f.menu.isEmpty()) << "the creature has none";
     f.monitors.onRightMouseDown({756 - 28, 982 - 112});
-    EXPECT_EQ(f.menu.value(0).title, QStringLiteral("Open"));
+    EXPECT_EQ(f.menu.value(0).title, u"Open"_s);
 }
 
 TEST(Launch, NeedsAScreen) {
     ProgramFixture f;
     f.screens.list.clear();
     EXPECT_EQ(f.launch(), AppDelegate::Launch::noScreen);
-    EXPECT_EQ(f.window.raised, 0);
 }
 
 TEST(Timers, RingTogetherWithOneBoopAndOneChimeAndAreSilentInQuiet) {
@@ -132,7 +173,7 @@ TEST(Timers, RingTogetherWithOneBoopAndOneChimeAndAreSilentInQuiet) {
     EXPECT_EQ(f.m().boopCount, 0);
     f.loop.advance(4);
     EXPECT_EQ(f.m().boopCount, 1);
-    EXPECT_EQ(f.sounds.played, QStringList{QStringLiteral("Glass")});
+    EXPECT_EQ(f.sounds.played, QStringList{u"Glass"_s});
     f.m().quietUntil = f.clock.now() + 3600;
     f.m().timers = QList{HeldTimer{QUuid::createUuid(), f.clock.now(), 1}};
     f.loop.advance(4);

@@ -61,7 +61,7 @@ TEST_F(Menu, HidesTheCreatureForGoodUntilATap) {
     EXPECT_TRUE(home.holds("glimmet.hidden", "bool true"));
     ASSERT_NO_FATAL_FAILURE(start());
     EXPECT_TRUE(waitForBody(185, 37));
-    EXPECT_FALSE(faceIn(picture()));
+    EXPECT_FALSE(hasOpenEyes(picture()));
 
     pull(100);
     session.release(1);

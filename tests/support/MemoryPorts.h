@@ -196,7 +196,6 @@ class MemoryDrop : public Drop {
  public:
     QStringList types() const override { return offered; }
     void load(const QString& type, std::function<void(std::optional<QByteArray>)> done) override {
-        loaded.append(type);
         const auto found = forms.find(type);
         done(found == forms.end() ? std::nullopt : std::optional(*found));
     }
@@ -213,7 +212,7 @@ class MemoryDrop : public Drop {
         forms.insert(QString::fromLatin1(type), data);
     }
 
-    QStringList offered, loaded;
+    QStringList offered;
     QHash<QString, QByteArray> forms;
     std::optional<QByteArray> promise, saved;
 };

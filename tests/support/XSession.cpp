@@ -11,6 +11,8 @@
 #include <cstring>
 #include <stdexcept>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 void breathe() {
     if (QCoreApplication::instance()) QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
@@ -39,15 +41,14 @@ void letPass(double seconds) {
 }
 
 QString besideTheTest(const char* program) {
-    return QFileInfo(QFileInfo(QStringLiteral("/proc/self/exe")).canonicalFilePath()).path() + u'/' +
-           QLatin1String(program);
+    return QFileInfo(QFileInfo(u"/proc/self/exe"_s).canonicalFilePath()).path() + u'/' + QLatin1String(program);
 }
 
 Child::Child(const QStringList& command, const QByteArray& display) {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    if (!display.isEmpty()) environment.insert(QStringLiteral("DISPLAY"), QString::fromLatin1(display));
-    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
-    environment.insert(QStringLiteral("NO_AT_BRIDGE"), QStringLiteral("1"));
+    if (!display.isEmpty()) environment.insert(u"DISPLAY"_s, QString::fromLatin1(display));
+    environment.insert(u"QT_QPA_PLATFORM"_s, u"xcb"_s);
+    environment.insert(u"NO_AT_BRIDGE"_s, u"1"_s);
     for (const char* scale : {"QT_SCALE_FACTOR", "GDK_SCALE"}) environment.remove(QLatin1String(scale));
     setProcessEnvironment(environment);
     setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGKILL); });
@@ -100,10 +101,9 @@ bool XClient::visible(xcb_window_t window) const {
 }
 
 XSession::XSession(QSize size) {
-    const QString screen = QStringLiteral("%1x%2x24").arg(size.width()).arg(size.height());
     server_ = std::make_unique<Child>(
-        QStringLiteral("Xvfb -displayfd 1 -dpi 96 -nolisten tcp -noreset +extension COMPOSITE -screen 0 %1")
-            .arg(screen)
+        u"Xvfb -displayfd 1 -dpi 96 -nolisten tcp -noreset +extension COMPOSITE -screen 0 %1x%2x24"_s.arg(size.width())
+            .arg(size.height())
             .split(u' '));
     // The server writes its number and a line feed once it listens, and ends when it cannot start.
     while (!server_->canReadLine()) require(server_->waitForReadyRead(), "no X server");
@@ -112,8 +112,7 @@ XSession::XSession(QSize size) {
 }
 
 void XSession::startWindowManager() {
-    windowManager_ = std::make_unique<Child>(
-        QStringList{QStringLiteral("openbox"), QStringLiteral("--config-file"), QProcess::nullDevice()}, display_);
+    windowManager_ = std::make_unique<Child>(u"openbox --config-file /dev/null"_s.split(u' '), display_);
     require(bool(waitFor([&] { return client_->value(root(), "_NET_SUPPORTING_WM_CHECK"); })), "no window manager");
 }
 
@@ -123,10 +122,9 @@ bool XSession::composited() const {
 }
 
 void XSession::startCompositor() {
-    QStringList command = QStringLiteral("picom --backend xrender --config /dev/null").split(u' ');
+    QStringList command = u"picom --backend xrender --config /dev/null"_s.split(u' ');
     // From version 10 on it loses what changed in every other frame, on a server without a screen.
-    if (run(QStringLiteral("picom --version")).mid(1).split('.').first().toInt() >= 10)
-        command.append(QStringLiteral("--no-use-damage"));
+    if (run(u"picom --version"_s).mid(1).split('.').first().toInt() >= 10) command.append(u"--no-use-damage"_s);
     compositor_ = std::make_unique<Child>(command, display_);
     require(bool(waitFor([this] { return composited(); })), "no compositor");
 }
