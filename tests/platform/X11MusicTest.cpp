@@ -1,6 +1,7 @@
 #include <xcb/xinput.h>
 
 #include "X11Test.h"
+#include "platform/linux/x11/SmoothScroll.h"
 #include "platform/linux/x11/WindowTitles.h"
 #include "platform/linux/x11/XTestKeys.h"
 
@@ -41,6 +42,19 @@ TEST_F(X11Music, BrowsersAreKnownByTheirWindows) {
         const OtherWindow other(session(), {.instance = "x", .className = "Google-chrome"});
         EXPECT_TRUE(waitFor([&] { return told().size() == 2; }));
     }
+}
+
+// No device of a virtual server scrolls smoothly, so the event is made here.
+TEST_F(X11Music, SmoothScrollingIsReadFromRawEvents) {
+    struct {
+        xcb_input_raw_button_press_event_t event{};
+        uint32_t mask[2] = {1U << 1 | 1U << 3, 1U << 2};
+        xcb_input_fp3232_t values[3] = {{7, 0}, {-3, 0x80000000}, {120, 0}},
+                           raw[3] = {{8, 0}, {-2, 0x40000000}, {1, 0}};
+    } sent;
+    sent.event.valuators_len = 2;
+    const std::pair<int, std::optional<double>> cases[] = {{1, 8}, {3, -1.75}, {34, 1}, {0, {}}, {2, {}}, {64, {}}};
+    for (const auto& [number, value] : cases) EXPECT_EQ(rawValuator(sent.event, number), value) << number;
 }
 
 TEST_F(X11Music, MediaKeysArePressedForTheUser) {
