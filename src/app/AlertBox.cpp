@@ -8,11 +8,13 @@ void showAlert(Alert alert) {
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->setText(alert.message);
     box->setInformativeText(alert.informative);
-    for (qsizetype i = 0; i < alert.buttons.size(); ++i) {
-        auto* button = box->addButton(alert.buttons[i], i == 0 ? QMessageBox::AcceptRole : QMessageBox::RejectRole);
-        QObject::connect(button, &QPushButton::clicked, box, [i, answered = alert.answered] { answered(int(i)); });
-        if (i == 0) box->setDefaultButton(button);
-    }
+    QList<QAbstractButton*> buttons;
+    for (const QString& title : alert.buttons)
+        buttons.append(box->addButton(title, buttons.isEmpty() ? QMessageBox::AcceptRole : QMessageBox::RejectRole));
+    box->setDefaultButton(qobject_cast<QPushButton*>(buttons.first()));
+    box->setEscapeButton(buttons.last());
+    QObject::connect(box, &QMessageBox::finished, box,
+                     [=, answered = alert.answered] { answered(int(buttons.indexOf(box->clickedButton()))); });
     box->show();
     box->raise();
     box->activateWindow();

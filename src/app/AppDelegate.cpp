@@ -36,7 +36,7 @@ AppDelegate::AppDelegate(const Ports& ports, const QStringList& arguments)
       commands_(model_, shelf_, ports.clock, ports.preferences, ports.workspace, switches()),
       capsLock_(model_),
       agents_(model_, ports.loop, ports.disk, ports.workspace),
-      artwork_(ports.loop, ports.players, ports.http, ports.preferences, ports.worker, ports.covers),
+      artwork_(ports.loop, ports.http, ports.preferences, ports.worker, ports.covers),
       nowPlaying_(model_, ports.loop, ports.players, artwork_),
       musicCommands_(model_, ports.clock, ports.loop, nowPlaying_, ports.players, ports.mediaKeys),
       flags_(model_, shelf_, behaviour_, ports.loop, arguments),
@@ -125,7 +125,7 @@ void AppDelegate::startSensors() {
     startTicks();
     drops_.takeLeftovers();
     agents_.start();
-    commands_.startSwitches();
+    ports_.preferences.whenRead([this] { commands_.startSwitches(); });
 }
 
 // Only while there is something to seek in.
@@ -133,8 +133,11 @@ void AppDelegate::watchScrolling() {
     ports_.monitors.onScroll = [this](QPointF pointer, double points) {
         musicCommands_.scrollSeek(points, behaviour_.inHoverZone(pointer, 0));
     };
-    scrolling_ = model_.objectDidChange.subscribe(
-        [this](const auto&) { ports_.monitors.wantScroll(model_.hovering && model_.musicPlaying); });
+    scrolling_ = model_.objectDidChange.subscribe([this](const auto&) {
+        const bool wanted = model_.hovering && model_.musicPlaying;
+        ports_.monitors.wantScroll(wanted);
+        if (!wanted) musicCommands_.scrollSeek(0, false);
+    });
 }
 
 void AppDelegate::startTicks() {

@@ -1,35 +1,13 @@
 #pragma once
 
-#include <QString>
-#include <algorithm>
-#include <iterator>
+#include <QStringList>
 
-/// A program that may play music: the name that it is asked by, and its identifier.
-struct Application {
-    QString name, identifier;
-};
+// The programs that may be playing music, in the order in which they are asked.
 
-// In the order in which they are asked.
-
-inline const Application playerApps[] = {
-    {QStringLiteral("Spotify"), QStringLiteral("com.spotify.client")},
-    {QStringLiteral("Music"), QStringLiteral("com.apple.Music")},
-};
-
-inline const Application browserApps[] = {
-    {QStringLiteral("Google Chrome"), QStringLiteral("com.google.Chrome")},
-    {QStringLiteral("Brave Browser"), QStringLiteral("com.brave.Browser")},
-    {QStringLiteral("Arc"), QStringLiteral("company.thebrowser.Browser")},
-    {QStringLiteral("Microsoft Edge"), QStringLiteral("com.microsoft.edgemac")},
-    {QStringLiteral("Safari"), QStringLiteral("com.apple.Safari")},
-};
+inline const QStringList playerApps{QStringLiteral("Spotify"), QStringLiteral("Music")};
+inline const QStringList browserApps{QStringLiteral("Google Chrome"), QStringLiteral("Brave Browser"),
+                                     QStringLiteral("Arc"), QStringLiteral("Microsoft Edge"), QStringLiteral("Safari")};
 
 inline bool isBrowser(const QString& name) {
-    return std::ranges::any_of(browserApps, [&](const Application& browser) { return browser.name == name; });
-}
-
-/// Empty for an unknown name.
-inline QString identifierOf(const QString& browser) {
-    const auto* found = std::ranges::find(browserApps, browser, &Application::name);
-    return found == std::end(browserApps) ? QString() : found->identifier;
+    return browserApps.contains(name);
 }

@@ -9,8 +9,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int kSide = 96;              // pixels: enough for 22 points at any ratio
-constexpr qsizetype kMaxEntries = 60;  // when one more comes
+constexpr int kSide = 96;                    // pixels: enough for 22 points at any ratio
+constexpr qsizetype kMaxEntries = 60;        // when one more comes
+constexpr qsizetype kMaxAnswer = 256 << 10;  // bytes
 const QString kSearchHost = u"https://itunes.apple.com"_s;
 
 std::optional<QByteArray> contentsOf(const QByteArray& path) {
@@ -20,42 +21,50 @@ std::optional<QByteArray> contentsOf(const QByteArray& path) {
     return readUpTo(file.get(), status.st_size);
 }
 
+QString keyOf(const Artwork::Request& request) {
+    return request.source + u'|' + request.track;
+}
+
 }  // namespace
 
 struct Artwork::Search {
     QList<QUrl> covers;  // those that are left
-    Found found;
+    Completion found;
 };
 
-Artwork::Artwork(MainLoop& loop, Players& players, Http& http, Preferences& preferences, Worker& worker,
-                 BackgroundQueue& queue)
-    : loop_(loop), players_(players), http_(http), preferences_(preferences), worker_(worker), jobs_(queue, loop) {}
+Artwork::Artwork(MainLoop& loop, Http& http, Preferences& preferences, Worker& worker, BackgroundQueue& queue)
+    : loop_(loop), http_(http), preferences_(preferences), worker_(worker), jobs_(queue, loop) {}
 
-void Artwork::lookUpArtwork(const QString& track, const QString& source, bool isBrowser, Completion completion) {
-    const QString key = source + u'|' + track;
-    const QUrl cover = players_.cover(source);
-    const auto known = artworkCache_.constFind(key);
-    // That there was none counts until the player tells of one.
-    if (known != artworkCache_.constEnd() && (known->image || known->cover == cover))
+const Artwork::Entry* Artwork::cached(const Request& request) const {
+    const auto known = artworkCache_.constFind(keyOf(request));
+    if (known == artworkCache_.constEnd()) return nullptr;
+    // Another cover than the source told before is worth a look, whatever came of that one.
+    return request.cover.isEmpty() || known->cover == qHash(request.cover) ? &*known : nullptr;
+}
+
+void Artwork::lookUpArtwork(const Request& request, Completion completion) {
+    if (const Entry* known = cached(request))
         return loop_.post([completion = std::move(completion), image = known->image] { completion(image); });
-    fetchArtwork(cover, track, isBrowser, lifetime_.guard([=, this](const std::optional<QImage>& image) {
-        store(key, {cover, image});
+    fetchArtwork(request, lifetime_.guard([=, this](const std::optional<QImage>& image) {
+        store(keyOf(request), {qHash(request.cover), image});
         completion(image);
     }));
 }
 
 void Artwork::store(const QString& key, const Entry& entry) {
+    const auto known = artworkCache_.constFind(key);
+    if (!entry.image && known != artworkCache_.constEnd() && known->image) return;
     if (artworkCache_.size() > kMaxEntries) artworkCache_.clear();
     artworkCache_.insert(key, entry);
 }
 
-void Artwork::fetchArtwork(const QUrl& cover, const QString& track, bool isBrowser, const Found& found) {
+void Artwork::fetchArtwork(const Request& request, const Completion& found) {
     const auto instead = [=, this] {
-        if (isBrowser) return searchArtwork(track, found);
+        if (request.isBrowser) return searchArtwork(request.track, found);
         loop_.post([found] { found({}); });
     };
-    if (cover.isEmpty()) return instead();
-    load(cover, [=, this](const std::optional<QByteArray>& bytes) {
+    if (request.cover.isEmpty()) return instead();
+    load(request.cover, [=, this](const std::optional<QByteArray>& bytes) {
         if (!bytes) return instead();
         decode(*bytes, [=](const std::optional<QImage>& image) { image ? found(image) : instead(); });
     });
@@ -73,7 +82,7 @@ void Artwork::load(const QUrl& cover, const Loaded& loaded) {
         loaded);
 }
 
-void Artwork::decode(const QByteArray& bytes, const Found& found) {
+void Artwork::decode(const QByteArray& bytes, const Completion& found) {
     jobs_.run(
         [&worker = worker_, bytes] {
             return thumbnailIn(worker.run({u"thumbnail"_s, QString::number(kSide)}, bytes), kSide);
@@ -81,11 +90,12 @@ void Artwork::decode(const QByteArray& bytes, const Found& found) {
         found);
 }
 
-void Artwork::searchArtwork(const QString& track, const Found& found) {
+void Artwork::searchArtwork(const QString& track, const Completion& found) {
     const QString host = preferences_.text(u"glimmet.endpoints.musicSearch"_s).value_or(kSearchHost);
     const QString term = searchTerm(track);
     const auto read = [=, this](const std::optional<QByteArray>& answer) {
-        tryResult(std::make_shared<Search>(Search{answer ? coversIn(*answer, term) : QList<QUrl>(), found}));
+        const bool isUsable = answer && answer->size() <= kMaxAnswer;
+        tryResult(std::make_shared<Search>(Search{isUsable ? coversIn(*answer, term) : QList<QUrl>(), found}));
     };
     http_.get(searchRequest(host, term), lifetime_.guard(read));
 }

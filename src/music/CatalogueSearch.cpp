@@ -9,9 +9,10 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr qsizetype kMaxTerm = 300;  // characters
+constexpr int kMaxResults = 3;
 
 bool isPlausible(const QString& term, const QString& name, const QString& artist) {
-    if (name.isEmpty()) return false;
+    if (name.isEmpty() || term.isEmpty()) return false;
     return term.contains(name) || name.contains(term) || (!artist.isEmpty() && term.contains(artist));
 }
 
@@ -37,7 +38,8 @@ QUrl searchRequest(const QString& host, const QString& term) {
     if (request.host().isEmpty()) return {};
     request.setPath(u"/search"_s);
     // A plus sign would be read as a blank.
-    request.setQuery(QString::fromLatin1("term=" + QUrl::toPercentEncoding(term) + "&entity=song&limit=3"));
+    request.setQuery(QString::fromLatin1("term=" + QUrl::toPercentEncoding(term) +
+                                         "&entity=song&limit=" + QByteArray::number(kMaxResults)));
     return request;
 }
 
@@ -50,7 +52,7 @@ QList<QUrl> coversIn(const QByteArray& answer, const QString& term) {
         if (!isPlausible(wanted, name, normalizeForMatch(result[u"artistName"_s].toString()))) continue;
         QString address = result[u"artworkUrl100"_s].toString();
         const QUrl cover(address.replace(u"100x100bb"_s, u"300x300bb"_s));
-        if (!cover.host().isEmpty()) covers.append(cover);
+        if (!cover.host().isEmpty() && covers.size() < kMaxResults) covers.append(cover);
     }
     return covers;
 }

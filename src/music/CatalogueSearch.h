@@ -14,5 +14,5 @@ QString normalizeForMatch(const QString& text);
 QString searchTerm(const QString& track);
 /// The request at `host`, an address such as "https://a.example"; invalid if that is not one.
 QUrl searchRequest(const QString& host, const QString& term);
-/// The addresses of the covers of the plausible results, best first; empty for an answer of another form.
+/// The addresses of the covers of the plausible results, in the catalogue's order; empty for an answer of another form.
 QList<QUrl> coversIn(const QByteArray& answer, const QString& term);

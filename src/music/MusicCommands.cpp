@@ -1,7 +1,6 @@
 #include "music/MusicCommands.h"
 
 #include <cmath>
-#include <optional>
 #include <utility>
 
 #include "music/Applications.h"
@@ -64,10 +63,11 @@ void MusicCommands::tellPlayer(const QString& word) {
 
 // Media keys cannot seek.
 void MusicCommands::tellBrowser(const QString& word) {
-    if (!keys_.isTrusted()) return askForAccessibility();
+    const QString browser = *nowPlaying_.musicSource();
+    if (!keys_.isTrusted(browser)) return askForAccessibility();
     const Command* command = commandFor(word);
     if (!command) return;
-    keys_.press(command->key);
+    keys_.press(browser, command->key);
     model_.markActivity(clock_.uptime());
     refreshAfter(kBrowserRefresh);
 }
@@ -90,9 +90,9 @@ void MusicCommands::askForAccessibility() {
         "Glimmet does either.\n\nAdd Glimmet under Privacy & Security, then Accessibility, and the buttons "
         "will work."_s,
         {u"Open Accessibility settings"_s, u"Not now"_s},
-        [this](int button) {
+        lifetime_.guard([this](int button) {
             if (button == 0) openSettings();
-        }};
+        })};
     alert(std::move(question));
 }
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QPointF>
 #include <QString>
 #include <functional>
 #include <limits>
@@ -9,6 +8,7 @@
 #include "creature/NotchModel.h"
 #include "music/NowPlaying.h"
 #include "platform/Alert.h"
+#include "platform/Lifetime.h"
 #include "platform/MainLoop.h"
 #include "platform/MediaKeys.h"
 #include "platform/Players.h"
@@ -47,4 +47,5 @@ class MusicCommands {
     double lastSeek_ = -std::numeric_limits<double>::infinity();  // Clock::uptime()
     int refreshes_ = 0;
     std::map<int, TimerHandle> pendingRefreshes_;
+    Lifetime lifetime_;
 };

@@ -9,12 +9,13 @@ namespace {
 
 constexpr double kInterval = 4;  // seconds
 constexpr int kMaxFails = 3;
+constexpr double kSearchDelay = 1.5;  // seconds
 
-/// The track of the first tab that plays one.
-std::optional<QString> trackIn(const QList<Players::Tab>& tabs) {
-    for (const Players::Tab& tab : tabs) {
+/// The track of the first tab that plays one; the title is what of it is shown.
+std::optional<Players::Track> trackIn(const QList<Players::Track>& tabs) {
+    for (const Players::Track& tab : tabs) {
         const auto track = trackInTabTitle(tab.title);
-        if (track || tab.isMusic) return track.value_or(tab.title);
+        if (track || tab.isMusic) return Players::Track{track.value_or(tab.title), tab.cover};
     }
     return {};
 }
@@ -24,29 +25,45 @@ std::optional<QString> trackIn(const QList<Players::Tab>& tabs) {
 NowPlaying::NowPlaying(NotchModel& model, MainLoop& loop, Players& players, Artwork& artwork)
     : model_(model), loop_(loop), players_(players), artwork_(artwork) {
     players_.onChange = [this] { changed(); };
+    // Later, since leaving has an animation of its own.
     pointerLeaves_ = model_.hovering.didSet.subscribe([this] {
-        if (!model_.hovering && model_.musicPaused) applyNowPlaying({});
+        if (model_.hovering || !model_.musicPaused) return;
+        loop_.post(lifetime_.guard([this] {
+            if (!model_.hovering && model_.musicPaused) applyNowPlaying({});
+        }));
     });
 }
 
+NowPlaying::~NowPlaying() {
+    players_.onChange = nullptr;
+}
+
 void NowPlaying::startMusicWatch() {
+    endPolls();
     players_.watch(true);
-    pollLifetime_.emplace();
     musicTimer_ = loop_.every(kInterval, [this] { musicTickFired(); });
     musicTickFired();
 }
 
-void NowPlaying::stopMusicWatch() {
+void NowPlaying::endPolls() {
     musicTimer_.cancel();
     players_.watch(false);
-    pollLifetime_.reset();
+    polls_.emplace();
     polling_ = false;
     waiting_.clear();
+}
+
+void NowPlaying::stopMusicWatch() {
+    stopMusicPoll();
+    model_.artwork = std::nullopt;
+    musicSource_.reset();
+}
+
+void NowPlaying::stopMusicPoll() {
+    endPolls();
     model_.musicPlaying = false;
     model_.musicPaused = false;
     model_.musicTrack = std::nullopt;
-    model_.artwork = std::nullopt;
-    musicSource_.reset();
 }
 
 void NowPlaying::musicTickFired() {
@@ -58,17 +75,8 @@ void NowPlaying::musicTickFired() {
         stopMusicPoll();
 }
 
-// Does not count as a tick: a player that changes often must not bring the browsers' turn forward.
 void NowPlaying::changed() {
-    if (musicTimer_ && musicFails_ < kMaxFails && !waiting_.contains(Cause::change)) poll(Cause::change);
-}
-
-void NowPlaying::stopMusicPoll() {
-    musicTimer_.cancel();
-    players_.watch(false);
-    model_.musicPlaying = false;
-    model_.musicPaused = false;
-    model_.musicTrack = std::nullopt;
+    if (musicTimer_ && !waiting_.contains(Cause::change)) poll(Cause::change);
 }
 
 void NowPlaying::poll(Cause cause) {
@@ -78,38 +86,50 @@ void NowPlaying::poll(Cause cause) {
 }
 
 void NowPlaying::pollNowPlaying(Cause cause) {
-    if (const auto result = askPlayers()) return finish(result);
+    if (const auto result = askPlayers(cause)) return finish(result);
+    if (const auto held = heldTrack()) return finish(held);
     if (browsersAreDue(cause)) return askBrowsers(0);
     // Not their turn: what a browser was playing stays, unless it has been closed.
-    const bool stays = musicSource_ && isBrowser(*musicSource_) && players_.isRunning(identifierOf(*musicSource_));
+    const bool stays = musicSource_ && isBrowser(*musicSource_) && players_.isRunning(*musicSource_);
     stays ? goOn() : finish({});
 }
 
-std::optional<NowPlaying::Result> NowPlaying::askPlayers() {
-    for (const Application& player : playerApps) {
-        if (!players_.isRunning(player.identifier)) continue;
-        const auto track = players_.track(player.name);
-        musicFails_ = track ? 0 : musicFails_ + 1;
-        if (track && !track->isEmpty()) return Result{player.name, *track};
+// Only ticks count failures: a change elsewhere asks nobody anew.
+std::optional<NowPlaying::Result> NowPlaying::askPlayers(Cause cause) {
+    for (const QString& player : playerApps) {
+        if (!players_.isRunning(player)) continue;
+        const auto track = players_.track(player);
+        if (cause == Cause::tick) musicFails_ = track ? 0 : musicFails_ + 1;
+        if (track && !track->title.isEmpty()) return Result{player, track->title, track->cover};
     }
     return {};
 }
 
-// Every fourth tick; every other one while a browser's track is shown.
+// What pauses under the pointer stays until the pointer leaves, so that the same button can resume it.
+std::optional<NowPlaying::Result> NowPlaying::heldTrack() const {
+    if (!model_.hovering || !model_.musicPlaying || !musicSource_) return {};
+    const auto paused = players_.paused(*musicSource_);
+    const auto track = paused ? trackIn({*paused}) : std::nullopt;
+    if (!track || track->title.isEmpty()) return {};
+    return Result{*musicSource_, track->title, track->cover, true};
+}
+
+// Every fourth tick, or every other one while a browser's track is shown. A change is theirs, too, and counts for no
+// tick: what they play is known already.
 bool NowPlaying::browsersAreDue(Cause cause) const {
     const bool shown = model_.musicTrack->has_value() && musicSource_ && isBrowser(*musicSource_);
     return cause == Cause::change || (musicTick_ & (shown ? 1 : 3)) == 0;
 }
 
-void NowPlaying::askBrowsers(size_t index) {
-    for (; index < std::size(browserApps); ++index) {
-        const Application& browser = browserApps[index];
-        if (!players_.isRunning(browser.identifier) || deniedBrowsers_.contains(browser.name)) continue;
-        return players_.tabs(browser.name, pollLifetime_->guard([this, index](const auto& tabs) {
-            const QString& name = browserApps[index].name;
+void NowPlaying::askBrowsers(qsizetype index) {
+    for (; index < browserApps.size(); ++index) {
+        const QString& browser = browserApps[index];
+        if (!players_.isRunning(browser) || deniedBrowsers_.contains(browser)) continue;
+        return players_.tabs(browser, polls_->guard([this, index](const auto& tabs) {
+            const QString& name = browserApps[index];
             if (!tabs) deniedBrowsers_.insert(name);
             const auto track = tabs ? trackIn(*tabs) : std::nullopt;
-            track ? finish(Result{name, *track}) : askBrowsers(index + 1);
+            track ? finish(Result{name, track->title, track->cover}) : askBrowsers(index + 1);
         }));
     }
     finish({});
@@ -125,23 +145,16 @@ void NowPlaying::goOn() {
     if (!waiting_.isEmpty()) poll(waiting_.takeFirst());
 }
 
-// A track that pauses under the pointer stays until the pointer leaves, so that the same button can resume it.
-bool NowPlaying::holdsPaused() const {
-    return model_.hovering && model_.musicPlaying && musicSource_ && players_.isPaused(*musicSource_);
-}
-
 void NowPlaying::applyNowPlaying(const std::optional<Result>& result) {
-    const bool paused = !result && holdsPaused();
-    if (paused != model_.musicPaused) model_.musicPaused = paused;
-    if (paused) return;
     musicSource_ = result ? std::optional(result->source) : std::nullopt;
     if (result.has_value() != model_.musicPlaying)
         model_.withAnimation(Animation::easeInOut(0.4), [&] { model_.musicPlaying = result.has_value(); });
+    const bool paused = result && result->isPaused;
+    if (paused != model_.musicPaused) model_.musicPaused = paused;
     const auto track = result ? std::optional(result->track) : std::nullopt;
     if (track == model_.musicTrack.get()) {
         // Many players tell the cover a little after the track.
-        if (result && !model_.artwork->has_value() && players_.cover(result->source) != seenCover_)
-            findArtwork(*result);
+        if (result && !result->cover.isEmpty() && result->cover != seenCover_) findArtwork(*result);
         return;
     }
     model_.musicTrack = track;
@@ -149,11 +162,18 @@ void NowPlaying::applyNowPlaying(const std::optional<Result>& result) {
     if (result) findArtwork(*result);
 }
 
+// A browser may tell the cover a little later; until then its track's name is sent nowhere.
 void NowPlaying::findArtwork(const Result& result) {
-    seenCover_ = players_.cover(result.source);
-    const auto show = [this, track = result.track](const std::optional<QImage>& image) {
-        if (model_.musicTrack.get() != track) return;
+    seenCover_ = result.cover;
+    const Artwork::Request request{result.track, result.source, isBrowser(result.source), result.cover};
+    const auto show = [this, number = ++lookups_, track = result.track](const std::optional<QImage>& image) {
+        if (number != lookups_ || model_.musicTrack.get() != track) return;
         model_.withAnimation(Animation::easeOut(0.25), [&] { model_.artwork = image; });
     };
-    artwork_.lookUpArtwork(result.track, result.source, isBrowser(result.source), lifetime_.guard(show));
+    const auto lookUp = [this, request, show] { artwork_.lookUpArtwork(request, lifetime_.guard(show)); };
+    artworkDelay_.cancel();
+    if (request.isBrowser && request.cover.isEmpty() && !artwork_.isKnown(request))
+        artworkDelay_ = loop_.after(kSearchDelay, lookUp);
+    else
+        lookUp();
 }

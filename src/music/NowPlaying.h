@@ -15,6 +15,7 @@
 class NowPlaying {
  public:
     NowPlaying(NotchModel& model, MainLoop& loop, Players& players, Artwork& artwork);
+    ~NowPlaying();
 
     void startMusicWatch();
     /// Forgets what is playing.
@@ -22,29 +23,34 @@ class NowPlaying {
     /// Asks for what is playing; does nothing while the watch is off.
     void musicTickFired();
 
-    /// The name of the player or browser that is playing; absent while nothing is.
+    /// The name of the player or browser whose track is shown; absent if none is.
     const std::optional<QString>& musicSource() const { return musicSource_; }
 
  private:
     struct Result {
         QString source, track;
+        QUrl cover;
+        bool isPaused = false;
     };
     enum class Cause { tick, change };
 
     void changed();
     void poll(Cause cause);
     void pollNowPlaying(Cause cause);
-    std::optional<Result> askPlayers();
+    std::optional<Result> askPlayers(Cause cause);
+    /// What has paused under the pointer.
+    std::optional<Result> heldTrack() const;
     bool browsersAreDue(Cause cause) const;
-    /// Goes on with the browser at this place of the table.
-    void askBrowsers(size_t index);
+    /// Goes on with the browser at this place of the list.
+    void askBrowsers(qsizetype index);
     void finish(const std::optional<Result>& result);
     /// Starts the next poll that waits.
     void goOn();
     void applyNowPlaying(const std::optional<Result>& result);
-    bool holdsPaused() const;
     void findArtwork(const Result& result);
     void stopMusicPoll();
+    /// Stops asking, and drops the answers that are on their way.
+    void endPolls();
 
     NotchModel& model_;
     MainLoop& loop_;
@@ -52,13 +58,15 @@ class NowPlaying {
     Artwork& artwork_;
     TimerHandle musicTimer_;
     std::optional<QString> musicSource_;
-    QUrl seenCover_;      // of the current track, when its artwork was looked up
+    QUrl seenCover_;   // where the artwork was looked for
+    int lookups_ = 0;  // of artwork
+    TimerHandle artworkDelay_;
     int musicFails_ = 0;  // players in a row that did not answer
     int musicTick_ = 0;   // since the program started
     QSet<QString> deniedBrowsers_;
     bool polling_ = false;
     QList<Cause> waiting_;  // polls behind the one under way
-    std::optional<Lifetime> pollLifetime_;
+    std::optional<Lifetime> polls_{std::in_place};
     Subscription pointerLeaves_;
     Lifetime lifetime_;
 };

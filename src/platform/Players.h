@@ -6,17 +6,17 @@
 #include <functional>
 #include <optional>
 
-/// The media players and browsers of the desktop, by the display names of `playerApps` and `browserApps` (see
-/// music/Applications.h). Everything is known beforehand, so no question waits for another program, starts one, or
-/// costs more than a look. Main thread only.
+/// The media players and browsers of the desktop, by the names in music/Applications.h. What they do is known
+/// beforehand, so no question starts a program or waits for one. Main thread only.
 class Players {
  public:
     enum class Verb { playPause, nextTrack, previousTrack };
 
-    /// A tab of a browser, or what its media entry plays.
-    struct Tab {
-        QString title;
-        bool isMusic = false;  ///< surely music, whatever its title looks like
+    /// What a player is playing, or the tab of a browser.
+    struct Track {
+        QString title;        ///< "name — artist"; for a tab, what its title says
+        QUrl cover = {};      ///< file, http, https or data; empty if there is none
+        bool isMusic = true;  ///< surely a track, whatever a tab's title looks like
     };
 
     virtual ~Players() = default;
@@ -27,14 +27,12 @@ class Players {
     std::function<void()> onChange;
 
     virtual bool isRunning(const QString& application) const = 0;
-    /// "name — artist" of what the player is playing; empty if it plays nothing, absent if it does not answer.
-    virtual std::optional<QString> track(const QString& player) = 0;
+    /// What the player is playing; with an empty title if nothing, absent if it does not answer.
+    virtual std::optional<Track> track(const QString& player) = 0;
     /// Calls `then` later with the tabs of a browser; absent if they cannot be told.
-    virtual void tabs(const QString& browser, std::function<void(std::optional<QList<Tab>>)> then) = 0;
-    /// Whether the player or browser has paused and could go on.
-    virtual bool isPaused(const QString& application) const = 0;
-    /// The address of the cover of its current track (file, http, https or data); empty if there is none.
-    virtual QUrl cover(const QString& application) const = 0;
+    virtual void tabs(const QString& browser, std::function<void(std::optional<QList<Track>>)> then) = 0;
+    /// What a player or browser has paused and could resume; absent if there is no such thing.
+    virtual std::optional<Track> paused(const QString& application) const = 0;
 
     /// Tells the player to do something; it may ignore that.
     virtual void run(const QString& player, Verb verb) = 0;

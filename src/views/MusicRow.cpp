@@ -23,7 +23,8 @@ MusicRow::MusicRow(const ViewContext& context)
                 {context.animations, {}, u"next"_s}}} {}
 
 bool MusicRow::wanted() const {
-    return model_.hovering && model_.musicPlaying && !model_.hasHeld() && !model_.dropTargeted && !model_.dragNear;
+    return model_.hovering && model_.musicPlaying && !model_.screenLocked && !model_.hasHeld() &&
+           !model_.dropTargeted && !model_.dragNear;
 }
 
 double MusicRow::width() const {
@@ -32,12 +33,14 @@ double MusicRow::width() const {
 
 void MusicRow::update(const std::optional<Animation>& how) {
     const double now = context_.now();
+    // A cover that comes with the row does not fade in by itself.
+    const auto coverCurve = presence_.at(now) > 0 ? how : std::nullopt;
     presence_.aim(wanted() ? 1 : 0, how, now);
     // While it fades out it keeps what it showed.
     if (wanted()) {
         track_ = Canvas::elided(model_.musicTrack->value_or(QString()), kTextWidth, kTextStyle, Qt::ElideRight);
         paused_ = model_.musicPaused;
-        art_.show(model_.artwork, how, now);
+        art_.show(model_.artwork, coverCurve, now);
         double x = width() / 2 - 2.5 * MusicBtn::kWidth;
         for (MusicBtn& button : buttons_) {
             button.setMiddle({x, kMiddle});

@@ -10,10 +10,7 @@
 
 /// The whole feature in virtual time. The worker makes every cover a grey pixel.
 struct MusicFixture {
-    MusicFixture() {
-        m.hovering = false;
-        worker.answer = {{"width", 1}, {"height", 1}, {"pixels", "gICA/w=="}};
-    }
+    MusicFixture() { worker.answer = {{"width", 1}, {"height", 1}, {"pixels", "gICA/w=="}}; }
 
     ManualClock clock;
     ManualLoop loop{clock};
@@ -24,31 +21,43 @@ struct MusicFixture {
     MemoryWorker worker;
     InlineQueue queue;
     NotchModel m;
-    Artwork artwork{loop, players, http, preferences, worker, queue};
+    Artwork artwork{loop, http, preferences, worker, queue};
     NowPlaying music{m, loop, players, artwork};
     MusicCommands commands{m, clock, loop, music, players, keys};
 
-    QString track() const { return m.musicTrack->value_or("none"); }
-    /// A running player with this track; without one it does not play.
-    void play(const QString& player, std::optional<QString> track) {
-        players.running.insert(player == "Spotify" ? "com.spotify.client" : "com.apple.Music");
-        players.tracks[player] = track;
+    /// A running player with this track, empty for none; without one it does not answer.
+    void play(const QString& player, std::optional<QString> title, const QUrl& cover = {}) {
+        players.running.insert(player);
+        players.tracks[player].reset();
+        if (title) players.tracks[player] = Players::Track{*title, cover};
     }
     void open(const QString& browser, const QStringList& titles) {
-        players.running.insert(identifierOf(browser));
+        players.running.insert(browser);
         players.open[browser].emplace();
-        for (const QString& title : titles) players.open[browser]->append({title, false});
+        for (const QString& title : titles) players.open[browser]->append({title, {}, false});
     }
-    QString source() const { return music.musicSource().value_or("none"); }
+    /// Lets time pass; browsers answer at once.
+    void pass(double seconds) {
+        for (double end = clock.uptime() + seconds; clock.uptime() < end - 1e-6;) {
+            loop.advance(std::min(end - clock.uptime(), 0.1));
+            players.answer();
+        }
+    }
+    void change() {
+        players.onChange();
+        players.answer();
+    }
+    /// What is shown: the source and its track.
+    QString shown() const {
+        EXPECT_EQ(m.musicTrack->has_value(), m.musicPlaying);
+        return music.musicSource().value_or("none") + ": " + m.musicTrack->value_or("none");
+    }
     /// The browsers that were asked since the last call.
     QStringList scanned() {
-        QStringList names;
-        for (const QString& name : std::exchange(players.asked, {})) {
-            if (isBrowser(name)) names.append(name);
-        }
+        QStringList names = std::exchange(players.asked, {});
+        names.removeIf([](const QString& name) { return !isBrowser(name); });
         return names;
     }
-
- private:
-    static bool isBrowser(const QString& name) { return !identifierOf(name).isEmpty(); }
 };
+
+inline const QString kNothing = "none: none";

@@ -7,40 +7,39 @@ TEST(NowPlaying, AsksThePlayersInOrderAtEachTick) {
     MusicFixture f;
     f.play("Music", "B — b");
     f.music.startMusicWatch();
-    EXPECT_EQ(f.track(), "B — b");
+    EXPECT_EQ(f.shown(), "Music: B — b");
     EXPECT_EQ(f.players.asked, QStringList{"Music"}) << "what does not run is not asked";
     f.play("Spotify", "A — a");
     f.players.asked.clear();
-    f.loop.advance(3.9);
-    EXPECT_EQ(f.track(), "B — b");
-    f.loop.advance(0.2);
-    EXPECT_EQ(f.track(), "A — a");
-    EXPECT_EQ(f.source(), "Spotify");
+    f.pass(3.9);
+    EXPECT_EQ(f.shown(), "Music: B — b");
+    f.pass(0.2);
+    EXPECT_EQ(f.shown(), "Spotify: A — a");
     EXPECT_EQ(f.players.asked, QStringList{"Spotify"}) << "one that plays hides the other";
     f.play("Spotify", "");
     f.play("Music", "");
-    f.loop.advance(4);
-    EXPECT_EQ(f.track() + f.source(), "nonenone");
-    EXPECT_FALSE(f.m.musicPlaying);
+    f.pass(4);
+    EXPECT_EQ(f.shown(), kNothing);
 }
 
-TEST(NowPlaying, AChangeShowsAtOnce) {
+TEST(NowPlaying, AChangeShowsAtOnceUntilItIsSwitchedOff) {
     MusicFixture f;
     f.open("Arc", {"Song - Deezer"});
     f.music.startMusicWatch();
-    EXPECT_EQ(f.track(), "none");
-    f.players.onChange();
-    EXPECT_EQ(f.track(), "Song");
-    f.loop.advance(4.1 * 3);  // the ticks 2 to 4
+    EXPECT_EQ(f.shown(), kNothing);
+    f.change();
+    EXPECT_EQ(f.shown(), "Arc: Song");
     f.open("Arc", {"Next - Deezer"});
     f.players.onChange();
-    EXPECT_EQ(f.track(), "Next");
     f.music.stopMusicWatch();
-    EXPECT_FALSE(f.players.watching || f.m.musicPlaying || f.m.musicTrack->has_value());
-    EXPECT_EQ(f.source(), "none");
-    f.players.onChange();
-    f.loop.advance(60);
-    EXPECT_EQ(f.track(), "none");
+    f.players.answer();
+    f.change();
+    f.pass(60);
+    EXPECT_EQ(f.shown(), kNothing) << "not even an answer that was on its way";
+    EXPECT_FALSE(f.players.watching);
+    f.music.startMusicWatch();
+    f.change();
+    EXPECT_EQ(f.shown(), "Arc: Next");
 }
 
 TEST(NowPlaying, BrowsersHaveTheirTurnEveryFourthTickOrEveryOther) {
@@ -50,8 +49,7 @@ TEST(NowPlaying, BrowsersHaveTheirTurnEveryFourthTickOrEveryOther) {
     QList<int> ticks;
     for (int tick = 2; tick <= 20; ++tick) {
         if (tick == 9) f.open("Safari", {"Song — Qobuz"});
-        f.players.onChange = nullptr;
-        f.loop.advance(4);
+        f.pass(4);
         if (!f.scanned().isEmpty()) ticks.append(tick);
         EXPECT_EQ(f.m.musicPlaying, tick >= 12 && tick < 17) << tick << ": it stays between two turns";
         if (tick == 16) f.players.running.clear();
@@ -59,27 +57,29 @@ TEST(NowPlaying, BrowsersHaveTheirTurnEveryFourthTickOrEveryOther) {
     EXPECT_EQ(ticks, (QList<int>{4, 8, 12, 14, 16})) << "one that has been closed is not asked";
 }
 
-TEST(NowPlaying, FailuresEndIt) {
+TEST(NowPlaying, ThreeFailuresInARowEndIt) {
     MusicFixture f;
+    f.open("Arc", {"Song - Deezer"});
     f.play("Spotify", std::nullopt);
-    f.play("Music", std::nullopt);
-    f.music.startMusicWatch();
     f.play("Music", "");
-    f.loop.advance(4);
+    f.music.startMusicWatch();
+    for (int i = 0; i < 5; ++i) f.change();
+    f.pass(8);
     EXPECT_TRUE(f.players.watching) << "an answer in between counts from zero";
+    EXPECT_EQ(f.shown(), "Arc: Song");
     f.play("Music", std::nullopt);
-    f.loop.advance(4);
-    f.m.musicTrack = "stale";
-    f.loop.advance(4);
+    f.pass(4);
+    EXPECT_EQ(f.shown(), "Arc: Song") << "two";
+    f.pass(8);
+    EXPECT_EQ(f.shown().section(' ', 1), "none");
     f.players.asked.clear();
     f.play("Spotify", "A — a");
-    f.loop.advance(60);
+    f.pass(60);
     f.music.stopMusicWatch();
     f.music.startMusicWatch();
-    f.players.onChange();
-    f.loop.advance(60);
+    f.change();
+    f.pass(60);
     EXPECT_TRUE(f.players.asked.isEmpty()) << "not even after off and on";
-    EXPECT_EQ(f.track(), "none");
     EXPECT_FALSE(f.players.watching);
 }
 
@@ -89,51 +89,57 @@ TEST(NowPlaying, ABrowserThatFailsIsNotAskedAgain) {
     f.players.open["Google Chrome"].reset();
     f.open("Safari", {" - Deezer", "A - YouTube", "A - TIDAL", "B - TIDAL"});
     f.music.startMusicWatch();
-    f.loop.advance(12);
+    f.pass(12);
     EXPECT_EQ(f.scanned(), (QStringList{"Google Chrome", "Safari"}));
-    EXPECT_EQ(f.track(), "A");
-    f.loop.advance(16);
-    EXPECT_FALSE(f.scanned().contains("Google Chrome"));
+    EXPECT_EQ(f.shown(), "Safari: A");
+    f.pass(16);
+    EXPECT_EQ(f.scanned(), (QStringList{"Safari", "Safari"}));
     EXPECT_TRUE(f.players.watching) << "that is not a player's failure";
 }
 
 TEST(NowPlaying, PollsWaitForOneAnother) {
     MusicFixture f;
-    f.players.isSlow = true;
     f.open("Arc", {"A - Deezer"});
     f.music.startMusicWatch();
     f.loop.advance(16);
     EXPECT_EQ(f.scanned().size(), 1) << "the browser has not answered yet";
     f.play("Music", "B — b");
     f.players.answer();
-    EXPECT_EQ(f.track(), "B — b") << "asked by the poll that waited";
-    f.players.tracks["Music"] = "";
-    f.loop.advance(4.0 * 7);
-    f.music.stopMusicWatch();
-    f.players.answer();
-    EXPECT_EQ(f.track(), "none") << "an answer from before it was switched off";
+    EXPECT_EQ(f.shown(), "Music: B — b") << "asked by the poll that waited";
 }
 
 TEST(NowPlaying, WhatPausesUnderThePointerStaysUntilItLeaves) {
-    MusicFixture f;
-    f.play("Music", "A — a");
-    f.music.startMusicWatch();
-    f.m.hovering = true;
-    f.play("Music", "");
-    f.players.paused.insert("Music");
-    f.players.onChange();
-    EXPECT_EQ(f.track(), "A — a");
-    EXPECT_TRUE(f.m.musicPlaying && f.m.musicPaused);
-    f.commands.runMusicCommand("playpause");
-    EXPECT_EQ(f.players.told, QStringList{"Music playpause"});
-    f.play("Music", "A — a");
-    f.players.onChange();
-    EXPECT_FALSE(f.m.musicPaused);
-    f.play("Music", "");
-    f.loop.advance(4);
-    f.m.hovering = false;
-    EXPECT_FALSE(f.m.musicPlaying || f.m.musicPaused);
-    EXPECT_EQ(f.track() + f.source(), "nonenone");
+    for (const QString source : {"Music", "Safari"}) {
+        MusicFixture f;
+        const auto play = [&](const QString& title) {
+            isBrowser(source) ? f.open(source, {title + " - Deezer"}) : f.play(source, title);
+            f.players.resumable.clear();
+            f.change();
+        };
+        const auto pause = [&](const QString& title) {
+            isBrowser(source) ? f.open(source, {}) : f.play(source, "");
+            f.players.resumable[source] = Players::Track{isBrowser(source) ? title + " - Deezer" : title, {}};
+            f.change();
+        };
+        f.music.startMusicWatch();
+        play("A");
+        f.m.hovering = true;
+        f.open("Arc", {"Other - Deezer"});
+        pause("A");
+        f.pass(20);
+        EXPECT_EQ(f.shown(), source + ": A") << "nothing else takes its place";
+        EXPECT_TRUE(f.m.musicPaused);
+        pause("B");
+        EXPECT_EQ(f.shown(), source + ": B") << "a player goes on to the next track and stays paused";
+        play("B");
+        EXPECT_FALSE(f.m.musicPaused);
+        pause("B");
+        f.m.hovering = false;
+        EXPECT_TRUE(f.m.musicPaused) << "not within the animation of leaving";
+        f.loop.drain();
+        EXPECT_EQ(f.shown(), kNothing);
+        EXPECT_FALSE(f.m.musicPaused);
+    }
 }
 
 TEST(TabTitle, GivesWhatAMusicSiteIsPlaying) {

@@ -3,6 +3,7 @@
 #include <QElapsedTimer>
 
 #include "FakePlayer.h"
+#include "music/Applications.h"
 #include "platform/linux/QtMainLoop.h"
 #include "platform/linux/mpris/MediaApplications.h"
 #include "platform/linux/mpris/MprisPlayers.h"
@@ -27,16 +28,20 @@ struct PlayersFixture {
         players.watch(true);
     }
     testing::AssertionResult plays(const QString& player, const QString& track) {
-        auto result = waitFor([&] { return players.track(player) == track; });
-        if (!result) result << ": " << players.track(player).value_or(u"no answer"_s).toStdString();
+        auto result = waitFor([&] { return title(player) == track; });
+        if (!result) result << ": " << title(player).toStdString();
         return result;
+    }
+    QString title(const QString& player) {
+        const auto track = players.track(player);
+        return track ? track->title : u"no answer"_s;
     }
     /// The tabs' titles, those that are surely music with a star.
     QStringList tabs(const QString& browser) {
         std::optional<QStringList> titles;
         players.tabs(browser, [&](const auto& tabs) {
             titles.emplace(tabs ? QStringList() : QStringList{u"no answer"_s});
-            for (const auto& tab : tabs.value_or(QList<Players::Tab>()))
+            for (const auto& tab : tabs.value_or(QList<Players::Track>()))
                 titles->append(tab.title + (tab.isMusic ? u"*"_s : u""_s));
         });
         EXPECT_TRUE(waitFor([&] { return titles.has_value(); }));
@@ -56,7 +61,7 @@ TEST(Players, AreKeptCurrentByTheirSignalsAlone) {
     EXPECT_TRUE(f->plays(u"Music"_s, u"B — b"_s));
     spotify.play(song(u"A"_s, u"a"_s));
     EXPECT_TRUE(f->plays(u"Spotify"_s, u"A — a"_s));
-    EXPECT_EQ(f->players.track(u"Music"_s), u"B — b"_s);
+    EXPECT_EQ(f->title(u"Music"_s), u"B — b"_s);
     FakePlayer mpd(u"mpd"_s);
     mpd.play(song(u"C"_s, u"c"_s));
     EXPECT_TRUE(f->plays(u"Music"_s, u"C — c"_s)) << "the one that began last";
@@ -64,7 +69,8 @@ TEST(Players, AreKeptCurrentByTheirSignalsAlone) {
     EXPECT_TRUE(f->plays(u"Music"_s, u"B — b"_s));
     vlc.tell(status(u"Paused"_s));
     EXPECT_TRUE(f->plays(u"Music"_s, {}));
-    EXPECT_TRUE(f->players.isPaused(u"Music"_s) && !f->players.isPaused(u"Spotify"_s));
+    EXPECT_EQ(f->players.paused(u"Music"_s)->title, u"C — c"_s) << "the one that was last active";
+    EXPECT_FALSE(f->players.paused(u"Spotify"_s));
     f->players.run(u"Music"_s, Players::Verb::playPause);
     f->players.seek(u"Music"_s, -5);
     EXPECT_TRUE(waitFor([&] {
@@ -79,9 +85,9 @@ TEST(Players, AreKeptCurrentByTheirSignalsAlone) {
 
     vlc.tell({}, {u"Metadata"_s});
     EXPECT_TRUE(waitFor([&] { return vlc.calls.size() == 3; })) << "what is no longer true is asked for";
-    EXPECT_TRUE(f->players.isRunning(u"com.spotify.client"_s));
+    EXPECT_TRUE(f->players.isRunning(u"Spotify"_s));
     f->players.watch(false);
-    EXPECT_FALSE(f->players.isRunning(u"com.spotify.client"_s));
+    EXPECT_FALSE(f->players.isRunning(u"Spotify"_s));
     f->players.watch(true);
     EXPECT_TRUE(f->plays(u"Spotify"_s, u"A — a"_s)) << "that was there before";
 }
@@ -116,7 +122,7 @@ TEST(Players, TellWhatTheyPlayInAPlainLine) {
     for (const auto& [told, cover] : covers) {
         player.play({{u"mpris:artUrl"_s, told}});
         const QString wanted = told.startsWith(u"data:") ? told : cover;
-        EXPECT_TRUE(waitFor([&] { return f.players.cover(u"Music"_s).toString(QUrl::FullyEncoded) == wanted; }))
+        EXPECT_TRUE(waitFor([&] { return f.players.track(u"Music"_s)->cover.toString(QUrl::FullyEncoded) == wanted; }))
             << told.left(40).toStdString();
     }
 }
@@ -130,18 +136,21 @@ TEST(Players, OfABrowserCountAsTabsOfMusicSites) {
     for (const char* album : {"", "Sea"}) chromium.play(song(u"Tidal"_s, u"Waves"_s, QLatin1String(album)));
     const auto gives = [&](const QStringList& titles) { return waitFor([&] { return f.tabs(chrome) == titles; }); };
     EXPECT_TRUE(gives({u"Tidal — Waves*"_s}));
-    EXPECT_EQ(f.players.track(u"Music"_s), QString()) << "a browser is not a player";
+    EXPECT_EQ(f.title(u"Music"_s), QString()) << "a browser is not a player";
     chromium.play(song(u"Moon - YouTube Music"_s, {}));
     EXPECT_TRUE(gives({u"Moon - YouTube Music"_s}));
     QVariantMap bandcamp = song(u"Moon"_s, {});
     bandcamp.insert(u"xesam:url"_s, u"https://band.bandcamp.com/track/moon"_s);
     chromium.play(bandcamp);
     EXPECT_TRUE(gives({u"Moon*"_s}));
-    f.players.runBrowser(Players::Verb::playPause);
+    EXPECT_TRUE(f.players.canRun(chrome) && !f.players.canRun(u"Safari"_s));
+    f.players.run(chrome, Players::Verb::playPause);
     EXPECT_TRUE(waitFor([&] { return chromium.commands() == QStringList{u"PlayPause"_s}; }));
     chromium.tell(status(u"Paused"_s));
     EXPECT_TRUE(gives({}));
-    EXPECT_TRUE(f.players.isPaused(chrome) && f.players.hasBrowser());
+    EXPECT_EQ(f.players.paused(chrome)->title, u"Moon"_s);
+    EXPECT_TRUE(f.players.canRun(chrome));
+    for (const QString& name : playerApps + browserApps) EXPECT_EQ(mediaApplication(name).name, name);
 
     const struct {
         QString service, desktopEntry, identity, application;
@@ -165,7 +174,7 @@ TEST(Players, ThatHangHoldUpNobodyElse) {
     hung.answer = [](const QDBusMessage&) { return QDBusMessage(); };
     vlc.play(song(u"B"_s, u"b"_s));
     EXPECT_TRUE(f.plays(u"Music"_s, u"B — b"_s));
-    EXPECT_EQ(f.players.track(u"Spotify"_s), QString()) << "not known yet";
+    EXPECT_EQ(f.title(u"Spotify"_s), QString()) << "not known yet";
     EXPECT_TRUE(waitFor([&] { return !f.players.track(u"Spotify"_s); }, 3)) << "after a second it has failed";
     const auto asked = hung.calls.size();
     EXPECT_TRUE(waitFor([&] { return hung.calls.size() > asked; })) << "and is asked again";
@@ -199,13 +208,13 @@ TEST(Players, ComeAndGoWithTheirBus) {
         crowd.back().play(song(u"last"_s, {}));
         EXPECT_TRUE(f.plays(u"Music"_s, u"last"_s));
     }
-    EXPECT_TRUE(waitFor([&] { return !f.players.isRunning(u"com.apple.Music"_s); }));
+    EXPECT_TRUE(waitFor([&] { return !f.players.isRunning(u"Music"_s); }));
     {
         FakePlayer gone(u"gone"_s);
         gone.answer = [&](const QDBusMessage&) { return f.bus.reset(), QDBusMessage(); };
         EXPECT_TRUE(waitFor([&] { return !f.bus; })) << "in the middle of a call";
     }
-    EXPECT_TRUE(waitFor([&] { return !f.players.isRunning(u"com.apple.Music"_s); }));
+    EXPECT_TRUE(waitFor([&] { return !f.players.isRunning(u"Music"_s); }));
     f.bus.emplace();
     FakePlayer back(u"back"_s);
     back.play(song(u"B"_s, {}));

@@ -68,8 +68,9 @@ TEST_F(X11Music, MediaKeysArePressedForTheUser) {
     });
     connection->selectInputOnRoot(XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS, true);
     XTestKeys keys(connection);
-    ASSERT_TRUE(keys.isTrusted());
-    for (const auto key : {MediaKeys::Key::playPause, MediaKeys::Key::next, MediaKeys::Key::previous}) keys.press(key);
+    ASSERT_TRUE(keys.isTrusted({}));
+    for (const auto key : {MediaKeys::Key::playPause, MediaKeys::Key::next, MediaKeys::Key::previous})
+        keys.press({}, key);
     // As xmodmap -pk lists XF86AudioPlay, XF86AudioNext and XF86AudioPrev.
     EXPECT_TRUE(waitFor([&] {
         return pressed == (QByteArrayList{"172", "171", "173"});

@@ -8,22 +8,21 @@
 #include "platform/MediaKeys.h"
 #include "platform/Players.h"
 
-/// Players and browsers as the test sets them. A track or tabs that are absent are an error.
+/// Players and browsers as the test sets them. A track or tabs that are absent are an error; tabs are told when the
+/// test lets them.
 class MemoryPlayers : public Players {
  public:
     void watch(bool on) override { watching = on; }
     bool isRunning(const QString& application) const override { return running.contains(application); }
-    std::optional<QString> track(const QString& player) override {
+    std::optional<Track> track(const QString& player) override {
         asked.append(player);
         return tracks.value(player);
     }
-    void tabs(const QString& browser, std::function<void(std::optional<QList<Tab>>)> then) override {
+    void tabs(const QString& browser, std::function<void(std::optional<QList<Track>>)> then) override {
         asked.append(browser);
         waiting.append([=, this] { then(open.value(browser)); });
-        if (!isSlow) answer();
     }
-    bool isPaused(const QString& application) const override { return paused.contains(application); }
-    QUrl cover(const QString& application) const override { return covers.value(application); }
+    std::optional<Track> paused(const QString& application) const override { return resumable.value(application); }
     void run(const QString& player, Verb verb) override {
         static constexpr const char* kVerbs[] = {" playpause", " next track", " previous track"};
         told.append(player + QLatin1String(kVerbs[int(verb)]));
@@ -35,21 +34,20 @@ class MemoryPlayers : public Players {
         while (!waiting.isEmpty()) waiting.takeFirst()();
     }
 
-    bool watching = false, isSlow = false;
-    QSet<QString> running, paused;
-    QHash<QString, std::optional<QString>> tracks;
-    QHash<QString, std::optional<QList<Tab>>> open;
-    QHash<QString, QUrl> covers;
+    bool watching = false;
+    QSet<QString> running;
+    QHash<QString, std::optional<Track>> tracks, resumable;
+    QHash<QString, std::optional<QList<Track>>> open;
     QStringList asked, told;
     QList<std::function<void()>> waiting;
 };
 
 class MemoryKeys : public MediaKeys {
  public:
-    bool isTrusted() const override { return trusted; }
-    void press(Key key) override { pressed.append(key); }
+    bool isTrusted(const QString&) const override { return trusted; }
+    void press(const QString& browser, Key key) override { pressed.append({browser, key}); }
     bool trusted = true;
-    QList<Key> pressed;
+    QList<std::pair<QString, Key>> pressed;
 };
 
 /// Answers with what is in `pages`, when the test lets it.

@@ -13,10 +13,12 @@ class BrowserKeys : public MediaKeys {
     BrowserKeys(MprisPlayers& players, std::unique_ptr<MediaKeys> keyboard)
         : players_(players), keyboard_(std::move(keyboard)) {}
 
-    bool isTrusted() const override { return players_.hasBrowser() || (keyboard_ && keyboard_->isTrusted()); }
-    void press(Key key) override {
-        if (players_.hasBrowser()) return players_.runBrowser(verbFor(key));
-        if (keyboard_) keyboard_->press(key);
+    bool isTrusted(const QString& browser) const override {
+        return players_.canRun(browser) || (keyboard_ && keyboard_->isTrusted(browser));
+    }
+    void press(const QString& browser, Key key) override {
+        if (players_.canRun(browser)) return players_.run(browser, verbFor(key));
+        if (keyboard_) keyboard_->press(browser, key);
     }
 
  private:

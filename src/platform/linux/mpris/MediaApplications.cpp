@@ -18,38 +18,32 @@ bool shares(const QStringList& a, const QStringList& b) {
 
 }  // namespace
 
-// Browsers without a name of their own in the port share that of the one that is closest to them. Edge writes a
-// zero-width blank into its title.
+// Browsers without a name of their own in the port share that of another one.
 const QList<MediaApplication>& mediaApplications() {
     static const QList<MediaApplication> rows{
-        {u"Google Chrome"_s, u"com.google.Chrome"_s,
+        {u"Google Chrome"_s,
          words(u"chrome;google-chrome;google-chrome-beta;google-chrome-unstable;chromium;chromium-browser;ungoogled-"
                "chromium"),
          words(u"google-chrome;google-chrome-beta;google-chrome-unstable;chromium;chromium-browser;chromium-freeworld"),
          words(u" - Google Chrome; - Chromium")},
-        {u"Brave Browser"_s, u"com.brave.Browser"_s, words(u"brave;brave-browser"),
+        {u"Brave Browser"_s, words(u"brave;brave-browser"),
          words(u"brave-browser;brave-browser-beta;brave-browser-nightly"), words(u" - Brave")},
-        {u"Arc"_s, u"company.thebrowser.Browser"_s, words(u"vivaldi;vivaldi-stable;opera"),
+        {u"Arc"_s, words(u"vivaldi;vivaldi-stable;opera"),
          words(u"vivaldi-stable;vivaldi-snapshot;vivaldi;opera;opera-beta;opera-developer"),
          words(u" - Vivaldi; - Opera")},
-        {u"Microsoft Edge"_s, u"com.microsoft.edgemac"_s, words(u"edge;microsoft-edge;msedge"),
-         words(u"microsoft-edge;microsoft-edge-beta;microsoft-edge-dev"),
-         words(u" - Microsoft\u200b Edge; - Microsoft Edge")},
-        {u"Safari"_s, u"com.apple.Safari"_s,
-         words(u"firefox;firefox-esr;librewolf;waterfox;floorp;zen;epiphany;org.gnome.epiphany"),
+        {u"Microsoft Edge"_s, words(u"edge;microsoft-edge;msedge"),
+         words(u"microsoft-edge;microsoft-edge-beta;microsoft-edge-dev"), words(u" - Microsoft Edge")},
+        {u"Safari"_s, words(u"firefox;firefox-esr;librewolf;waterfox;floorp;zen;epiphany;org.gnome.epiphany"),
          words(u"firefox;firefox-esr;navigator;librewolf;waterfox;floorp;zen;zen-alpha;epiphany;org.gnome.epiphany"),
          words(u" — Mozilla Firefox; — LibreWolf; — Waterfox; — Floorp; — Zen Browser")},
-        {u"Spotify"_s, u"com.spotify.client"_s, words(u"spotify;com.spotify.client"), {}, {}},
-        {u"Music"_s, u"com.apple.Music"_s, {}, {}, {}},
+        {u"Spotify"_s, words(u"spotify;com.spotify.client"), {}, {}},
+        {u"Music"_s, {}, {}, {}},
     };
     return rows;
 }
 
-const MediaApplication* mediaApplication(const QString& nameOrIdentifier) {
-    const auto& rows = mediaApplications();
-    const auto found = std::ranges::find_if(
-        rows, [&](const auto& row) { return row.name == nameOrIdentifier || row.identifier == nameOrIdentifier; });
-    return found == rows.end() ? nullptr : &*found;
+const MediaApplication& mediaApplication(const QString& name) {
+    return *std::ranges::find(mediaApplications(), name, &MediaApplication::name);
 }
 
 // Browsers made of Chromium often keep its bus name, so that counts last.

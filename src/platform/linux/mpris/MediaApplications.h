@@ -6,7 +6,6 @@
 /// By which names a program that may play music goes on this desktop.
 struct MediaApplication {
     QString name;         ///< as the Players port knows it
-    QString identifier;   ///< likewise
     QStringList media;    ///< in lower case: words in its MPRIS name, identity or desktop entry
     QStringList classes;  ///< in lower case: the classes of its windows
     QStringList endings;  ///< of its windows' titles
@@ -15,8 +14,8 @@ struct MediaApplication {
 /// The browsers, Spotify, and last the row for every other player.
 const QList<MediaApplication>& mediaApplications();
 
-/// The row with this name or identifier; null if there is none.
-const MediaApplication* mediaApplication(const QString& nameOrIdentifier);
+/// The row with this name, which must be in the table.
+const MediaApplication& mediaApplication(const QString& name);
 
 /// The row of an MPRIS player: `service` is its bus name, `desktopEntry` and `identity` are what it says of itself.
 const MediaApplication& applicationOfPlayer(const QString& service, const QString& desktopEntry,

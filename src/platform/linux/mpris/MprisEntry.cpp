@@ -3,32 +3,21 @@
 #include <algorithm>
 #include <memory>
 
+#include "platform/linux/PlainLine.h"
 #include "platform/linux/mpris/GLib.h"
 
 namespace {
 
-constexpr qsizetype kMaxText = 300;            // UTF-16 units
-constexpr gsize kMaxAddress = 8 << 10;         // bytes
-constexpr gsize kMaxDataAddress = (11 << 20);  // a cover of 8 MiB in base64
-
-/// Characters that change how the rest of a line is set.
-bool isFormatting(QChar c) {
-    return c.category() == QChar::Other_Format && c != QChar(0x200d);  // which joins emoji
-}
-
-QString plainLine(const QString& text) {
-    QString line = text.left(4 * kMaxText);
-    line.removeIf(isFormatting);
-    line = line.simplified().left(kMaxText);
-    line.removeIf([](QChar c) { return c.category() == QChar::Other_Control; });
-    return line.endsWith(QChar(0xfffd)) || (!line.isEmpty() && line.back().isHighSurrogate()) ? line.chopped(1) : line;
-}
+constexpr gsize kMaxText = 4800;            // bytes that are looked at
+constexpr gsize kMaxAddress = 8 << 10;      // bytes
+constexpr gsize kMaxDataAddress = 2 << 20;  // a cover of 1.5 MiB in base64
+constexpr gsize kMaxNames = 8;
 
 QString textOf(GVariant* value) {
     if (!value || !g_variant_is_of_type(value, G_VARIANT_TYPE_STRING)) return {};
     gsize size = 0;
     const char* text = g_variant_get_string(value, &size);
-    return plainLine(QString::fromUtf8(text, qsizetype(std::min<gsize>(size, 16 * kMaxText))));
+    return plainLine(QString::fromUtf8(text, qsizetype(std::min(size, kMaxText))));
 }
 
 GVariantPtr valueOf(GVariant* properties, const char* key) {
@@ -40,11 +29,11 @@ QString namesIn(GVariant* metadata, const char* key) {
     const GVariantPtr value = valueOf(metadata, key);
     if (!value || !g_variant_is_of_type(value.get(), G_VARIANT_TYPE_STRING_ARRAY)) return textOf(value.get());
     QStringList names;
-    for (gsize i = 0; i < std::min<gsize>(g_variant_n_children(value.get()), 8); ++i) {
+    for (gsize i = 0; i < std::min(g_variant_n_children(value.get()), kMaxNames); ++i) {
         const GVariantPtr name(g_variant_get_child_value(value.get(), i));
         if (const QString text = textOf(name.get()); !text.isEmpty()) names.append(text);
     }
-    return names.join(QStringLiteral(", ")).left(kMaxText);
+    return plainLine(names.join(QStringLiteral(", ")));
 }
 
 QUrl addressIn(GVariant* metadata, const char* key) {

@@ -33,6 +33,13 @@ bool isMusic(const MprisEntry& entry) {
     return isSong || isMusicSite(entry.address);
 }
 
+/// A player's track; a browser's only if that is sure, or else what its tab says.
+Players::Track trackOf(const MprisEntry& entry) {
+    const bool isTab = !mediaApplication(entry.application).classes.isEmpty();
+    if (isTab && !isMusic(entry)) return {entry.title, entry.cover, false};
+    return {lineFor(entry), entry.cover};
+}
+
 QString withoutEnding(const QString& title, const QStringList& endings) {
     for (const QString& ending : endings) {
         if (title.endsWith(ending)) return title.chopped(ending.size());
@@ -68,98 +75,69 @@ void MprisPlayers::watch(bool on) {
     }
 }
 
-// The one that plays counts, else the one that has played last.
-const MprisEntry* MprisPlayers::current(const std::function<bool(const MprisEntry&)>& isCandidate) const {
+const MprisEntry* MprisPlayers::currentOf(const QString& application) const {
     const auto rank = [](const MprisEntry& entry) {
         return std::tuple(entry.answers, entry.status == Status::playing, entry.lastPlayed);
     };
     const MprisEntry* best = nullptr;
     for (const MprisEntry& entry : entries_) {
-        if (isCandidate(entry) && (!best || rank(entry) > rank(*best))) best = &entry;
+        if (entry.application == application && (!best || rank(entry) > rank(*best))) best = &entry;
     }
     return best;
 }
 
-const MprisEntry* MprisPlayers::currentOf(const QString& application) const {
-    return current([&](const MprisEntry& entry) { return entry.application == application; });
-}
-
-const MprisEntry* MprisPlayers::currentBrowser() const {
-    return current([](const MprisEntry& entry) {
-        return !mediaApplication(entry.application)->classes.isEmpty() && entry.lastPlayed > 0;
-    });
-}
-
 bool MprisPlayers::isRunning(const QString& application) const {
-    const MediaApplication* known = mediaApplication(application);
-    if (!known) return false;
-    return currentOf(known->name) || (titles_ && titles_->isOpen(known->classes));
+    return currentOf(application) || (titles_ && titles_->isOpen(mediaApplication(application).classes));
 }
 
-std::optional<QString> MprisPlayers::track(const QString& player) {
+std::optional<Players::Track> MprisPlayers::track(const QString& player) {
     const MprisEntry* entry = currentOf(player);
-    if (!entry) return QString();
-    if (!entry->answers) {
-        if (watch_) watch_->askAgain(entry->service);
-        return {};
-    }
-    return entry->status == Status::playing ? lineFor(*entry) : QString();
+    if (!entry) return Track{};
+    if (entry->answers) return entry->status == Status::playing ? Track{lineFor(*entry), entry->cover} : Track{};
+    if (watch_) watch_->askAgain(entry->service);
+    return {};
 }
 
-bool MprisPlayers::isPaused(const QString& application) const {
+std::optional<Players::Track> MprisPlayers::paused(const QString& application) const {
     const MprisEntry* entry = currentOf(application);
-    return entry && entry->status == Status::paused && entry->lastPlayed > 0;
+    if (!entry || entry->status != Status::paused || entry->lastPlayed == 0) return {};
+    return trackOf(*entry);
 }
 
-QUrl MprisPlayers::cover(const QString& application) const {
-    const MprisEntry* entry = currentOf(application);
-    return entry && entry->status == Status::playing ? entry->cover : QUrl();
-}
-
-void MprisPlayers::tabs(const QString& browser, std::function<void(std::optional<QList<Tab>>)> then) {
-    const MediaApplication* known = mediaApplication(browser);
+void MprisPlayers::tabs(const QString& browser, std::function<void(std::optional<QList<Track>>)> then) {
     const MprisEntry* entry = currentOf(browser);
-    if (!known || (!titles_ && entry && !entry->answers)) return loop_.post([then = std::move(then)] { then({}); });
-    QList<Tab> playing;
+    if (!titles_ && entry && !entry->answers) return loop_.post([then = std::move(then)] { then({}); });
+    QList<Track> playing;
     QStringList paused;
     for (const MprisEntry& one : std::as_const(entries_)) {
         if (one.application != browser || !one.answers) continue;
         if (one.status == Status::playing)
-            playing.append(isMusic(one) ? Tab{lineFor(one), true} : Tab{one.title, false});
+            playing.append(trackOf(one));
         else if (!one.title.isEmpty())
             paused.append(one.title);
     }
-    // A tab's title says what it could play; its media entry knows that it has paused.
-    const auto add = [known, playing, paused, then = std::move(then)](const QStringList& titles) {
-        QList<Tab> all = playing;
+    const MediaApplication& known = mediaApplication(browser);
+    // A window's title says what it could play; the entry on the bus knows that it has paused.
+    const auto add = [&known, playing, paused, then = std::move(then)](const QStringList& titles) {
+        QList<Track> all = playing;
         for (const QString& title : titles) {
             const auto names = [&title](const QString& track) { return title.contains(track); };
-            if (std::ranges::none_of(paused, names)) all.append({withoutEnding(title, known->endings), false});
+            if (std::ranges::none_of(paused, names)) all.append({withoutEnding(title, known.endings), {}, false});
         }
         then(all);
     };
-    if (titles_) return titles_->titles(known->classes, lifetime_.guard(add));
+    if (titles_) return titles_->titles(known.classes, lifetime_.guard(add));
     loop_.post([add] { add({}); });
 }
 
-void MprisPlayers::tell(const MprisEntry* entry, Verb verb) {
-    if (!entry || !watch_) return;
-    switch (verb) {
-        case Verb::playPause:
-            return watch_->tell(entry->service, "PlayPause");
-        case Verb::nextTrack:
-            return watch_->tell(entry->service, "Next");
-        case Verb::previousTrack:
-            return watch_->tell(entry->service, "Previous");
-    }
+bool MprisPlayers::canRun(const QString& application) const {
+    const MprisEntry* entry = currentOf(application);
+    return entry && (entry->status == Status::playing || entry->lastPlayed > 0);
 }
 
 void MprisPlayers::run(const QString& player, Verb verb) {
-    tell(currentOf(player), verb);
-}
-
-void MprisPlayers::runBrowser(Verb verb) {
-    tell(currentBrowser(), verb);
+    static constexpr const char* kMethods[] = {"PlayPause", "Next", "Previous"};
+    if (const MprisEntry* entry = currentOf(player); entry && watch_) watch_->tell(entry->service, kMethods[int(verb)]);
 }
 
 void MprisPlayers::seek(const QString& player, double seconds) {

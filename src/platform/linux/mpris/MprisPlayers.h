@@ -17,23 +17,18 @@ class MprisPlayers : public Players {
 
     void watch(bool on) override;
     bool isRunning(const QString& application) const override;
-    std::optional<QString> track(const QString& player) override;
-    void tabs(const QString& browser, std::function<void(std::optional<QList<Tab>>)> then) override;
-    bool isPaused(const QString& application) const override;
-    QUrl cover(const QString& application) const override;
+    std::optional<Track> track(const QString& player) override;
+    void tabs(const QString& browser, std::function<void(std::optional<QList<Track>>)> then) override;
+    std::optional<Track> paused(const QString& application) const override;
     void run(const QString& player, Verb verb) override;
     void seek(const QString& player, double seconds) override;
 
-    /// Whether any browser plays or has paused, so that it can be told what to do.
-    bool hasBrowser() const { return currentBrowser() != nullptr; }
-    /// Tells the browser that is playing, else the one that played last.
-    void runBrowser(Verb verb);
+    /// Whether the application has something on the bus that plays or has paused, and so can be told what to do.
+    bool canRun(const QString& application) const;
 
  private:
-    const MprisEntry* current(const std::function<bool(const MprisEntry&)>& isCandidate) const;
+    /// What of the application is playing, else what has played last; null if nothing of it is on the bus.
     const MprisEntry* currentOf(const QString& application) const;
-    const MprisEntry* currentBrowser() const;
-    void tell(const MprisEntry* entry, Verb verb);
 
     MainLoop& loop_;
     std::unique_ptr<WindowTitles> titles_;

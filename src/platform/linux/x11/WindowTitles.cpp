@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "platform/linux/PlainLine.h"
+
 namespace {
 
 constexpr uint32_t kMaxWindows = 1000;
@@ -87,7 +89,7 @@ void WindowTitles::titles(const QStringList& classes, std::function<void(QString
                                              XCB_ATOM_ANY, 0, kMaxTitle);
         connection_->answerLater<xcb_get_property_reply_t>(cookie, [collected, then](const Reply& reply) {
             if (const QByteArray title = bytesIn(reply); !title.isEmpty())
-                collected->titles.append(QString::fromUtf8(title));
+                collected->titles.append(plainLine(QString::fromUtf8(title)));
             if (--collected->missing == 0) then(collected->titles);
         });
     }

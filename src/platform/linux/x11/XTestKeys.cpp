@@ -21,7 +21,7 @@ uint32_t symbolOf(MediaKeys::Key key) {
 
 }  // namespace
 
-bool XTestKeys::isTrusted() const {
+bool XTestKeys::isTrusted(const QString&) const {
     return connection_->extension(xcb_test_id) && codeOf(Key::playPause) != 0;
 }
 
@@ -37,7 +37,7 @@ uint8_t XTestKeys::codeOf(Key key) const {
     return found == end ? 0 : uint8_t(setup->min_keycode + (found - symbols) / map->keysyms_per_keycode);
 }
 
-void XTestKeys::press(Key key) {
+void XTestKeys::press(const QString&, Key key) {
     const uint8_t code = codeOf(key);
     if (code == 0 || !connection_->extension(xcb_test_id)) return;
     for (const uint8_t type : {XCB_KEY_PRESS, XCB_KEY_RELEASE})
