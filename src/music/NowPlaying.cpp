@@ -108,8 +108,8 @@ std::optional<NowPlaying::Result> NowPlaying::askPlayers(Cause cause) {
 // What pauses under the pointer stays until the pointer leaves, so that the same button can resume it.
 std::optional<NowPlaying::Result> NowPlaying::heldTrack() const {
     if (!model_.hovering || !model_.musicPlaying || !musicSource_) return {};
-    const auto paused = players_.paused(*musicSource_);
-    const auto track = paused ? trackIn({*paused}) : std::nullopt;
+    auto track = players_.paused(*musicSource_);
+    if (track && isBrowser(*musicSource_)) track = trackIn({*track});
     if (!track || track->title.isEmpty()) return {};
     return Result{*musicSource_, track->title, track->cover, true};
 }

@@ -19,7 +19,7 @@ class EventMonitors {
     /// Detects, a moment later, a pointer that a program has warped, which no input event reports. Costs one sample:
     /// call it when the program is awake anyway.
     virtual void lookForPointer() {}
-    /// Whether onScroll is to be called: off at first, when scrolling costs next to nothing.
+    /// Whether onScroll is to be called. Off at first.
     virtual void wantScroll(bool /*wanted*/) {}
     /// Whether Caps Lock is on now.
     virtual bool capsLock() const = 0;

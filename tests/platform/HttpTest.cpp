@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// Answers every request on this machine with the bytes of its path; `slow` ends it without closing the connection.
+/// Answers every request on this machine with the bytes of its path, and what has none not at all.
 class Server : public QTcpServer {
  public:
     Server() {
@@ -54,6 +54,7 @@ TEST(Http, GivesWholeBodiesOfSuccessfulAnswersOnly) {
         {"/cut", "200 OK\r\nContent-Length: 99\r\n\r\nhello", {}},
         {"/none", "404 Not Found\r\nContent-Length: 1\r\n\r\nx", {}},
         {"/here", redirect(server.address("/ok")), "hello"},
+        {"/long", "302 Found\r\nLocation: " + server.address("/ok").toLatin1() + "\r\n\r\n" + full + full, "hello"},
         {"/round", redirect(server.address("/round")), {}},
         {"/away", redirect(u"http://192.0.2.1/ok"_s), {}},
         {"/file", redirect(u"file:///etc/passwd"_s), {}},
@@ -68,7 +69,8 @@ TEST(Http, GivesWholeBodiesOfSuccessfulAnswersOnly) {
         EXPECT_TRUE(waitFor([&] { return got.has_value(); }, 9)) << path;
         EXPECT_EQ(got.value_or(std::nullopt), gets) << path;
     }
-    EXPECT_TRUE(server.requests.first().contains("User-Agent: Glimmet/1.2.3\r\n"));
+    for (const char* header : {"User-Agent: Glimmet/1.2.3\r\n", "Accept-Language: *\r\n"})
+        EXPECT_TRUE(server.requests.first().contains(header)) << header;
     for (const char* address : {"", "file:///etc/passwd", "ftp://127.0.0.1/", "http:///", "http://127.0.0.1:1/"}) {
         bool failed = false;
         http.get(QUrl(QLatin1String(address)), [&](const auto& bytes) { failed = !bytes; });

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <QElapsedTimer>
+#include <filesystem>
 
 #include "FakePlayer.h"
 #include "music/Applications.h"
@@ -103,7 +104,7 @@ TEST(Players, TellWhatTheyPlayInAPlainLine) {
         {song(u"A"_s, {}), u"A"_s},
         {song(u"\tA\n\u202eB\u0007"_s, u"\u2066b"_s), u"A B — b"_s},
         {song(endless, endless), cut + u" — "_s + cut},
-        {{{u"xesam:title"_s, 5}, {u"xesam:url"_s, u"file:///m/My%20song.ogg"_s}}, u"My song.ogg"_s},
+        {{{u"xesam:title"_s, 5}, {u"xesam:url"_s, u"file:///m/My%0A%E2%80%AE%20song.ogg"_s}}, u"My song.ogg"_s},
         {{{u"xesam:title"_s, u"A"_s}, {u"xesam:artist"_s, u"one text"_s}}, u"A — one text"_s},
         {{{u"xesam:title"_s, u"A"_s}, {u"xesam:artist"_s, QStringList{u"b"_s, {}, u"c"_s}}}, u"A — b, c"_s},
         {{{u"xesam:title"_s, QVariantMap()}, {u"xesam:artist"_s, QVariantList{1, 2}}}, u"mine"_s},
@@ -160,12 +161,24 @@ TEST(Players, OfABrowserCountAsTabsOfMusicSites) {
                  {u"plasma-browser-integration"_s, u"vivaldi-stable"_s, u"Vivaldi"_s, u"Arc"_s},
                  {u"firefox.instance_1_7"_s, u"firefox"_s, u"Mozilla Firefox"_s, u"Safari"_s},
                  {u"epiphany.instance2"_s, u"org.gnome.Epiphany"_s, u"Web"_s, u"Safari"_s},
+                 {u"kdeconnect.mpris_1"_s, {}, u"Firefox"_s, u"Music"_s},
+                 {u"player"_s, {}, u"Zen Music"_s, u"Music"_s},
                  {u"spotify"_s, u"spotify"_s, u"Spotify"_s, u"Spotify"_s},
                  {u"spotifyd"_s, {}, u"spotifyd"_s, u"Music"_s}};
     for (const auto& [service, desktopEntry, identity, application] : names) {
         const QString name = u"org.mpris.MediaPlayer2."_s + service;
         EXPECT_EQ(applicationOfPlayer(name, desktopEntry, identity).name, application) << service.toStdString();
     }
+    const struct {
+        QString browser, window, tab;
+    } titles[] = {{chrome, u"A - Deezer - Chromium"_s, u"A - Deezer"_s},
+                  {chrome, u"A - Deezer – Google Chrome Beta"_s, u"A - Deezer"_s},
+                  {chrome, u"A - Deezer - Chromium (Incognito)"_s, u"A - Deezer - Chromium (Incognito)"_s},
+                  {u"Microsoft Edge"_s, u"A - Deezer and 3 more pages - Microsoft Edge"_s, u"A - Deezer"_s},
+                  {u"Safari"_s, u"A - Deezer — Mozilla Firefox"_s, u"A - Deezer"_s},
+                  {u"Safari"_s, u"A - Deezer"_s, u"A - Deezer"_s}};
+    for (const auto& [browser, window, tab] : titles)
+        EXPECT_EQ(tabTitle(window, mediaApplication(browser)), tab) << window.toStdString();
 }
 
 TEST(Players, ThatHangHoldUpNobodyElse) {
@@ -180,6 +193,22 @@ TEST(Players, ThatHangHoldUpNobodyElse) {
     EXPECT_TRUE(waitFor([&] { return hung.calls.size() > asked; })) << "and is asked again";
     hung.play(song(u"A"_s, u"a"_s));
     EXPECT_TRUE(f.plays(u"Spotify"_s, u"A — a"_s)) << "until it says something";
+}
+
+TEST(Players, LeaveNothingOpenWhenTheyAreNotWatched) {
+    const auto descriptors = [] { return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}); };
+    PlayersFixture f;
+    FakePlayer hung(u"hung"_s);
+    hung.answer = [](const QDBusMessage&) { return QDBusMessage(); };
+    ASSERT_TRUE(waitFor([&] { return f.players.isRunning(u"Music"_s); }));
+    const auto before = descriptors();
+    for (int i = 0; i < 20; ++i) {
+        f.players.watch(false);
+        f.players.watch(true);
+        EXPECT_TRUE(waitFor([&] { return f.players.isRunning(u"Music"_s); }));
+    }
+    EXPECT_TRUE(waitFor([&] { return descriptors() <= before; }))
+        << before << " descriptors before, now " << descriptors();
 }
 
 TEST(Players, ThatFloodWithSignalsAreHeardFiveTimesASecond) {

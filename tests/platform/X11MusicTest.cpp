@@ -55,6 +55,9 @@ TEST_F(X11Music, SmoothScrollingIsReadFromRawEvents) {
     sent.event.valuators_len = 2;
     const std::pair<int, std::optional<double>> cases[] = {{1, 8}, {3, -1.75}, {34, 1}, {0, {}}, {2, {}}, {64, {}}};
     for (const auto& [number, value] : cases) EXPECT_EQ(rawValuator(sent.event, number), value) << number;
+    // A pixel of the fingers' way is 8 units or 1; turned round for whom that is natural.
+    for (const double increment : {120, 15, -15}) EXPECT_EQ(touchpadPointsPerUnit(increment) * increment, 15);
+    EXPECT_EQ(touchpadPointsPerUnit(120) * 8, 1);
 }
 
 TEST_F(X11Music, MediaKeysArePressedForTheUser) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDeadlineTimer>
 #include <QNetworkReply>
 #include <memory>
 
@@ -17,6 +18,11 @@ class QtHttp : public Http {
     void get(const QUrl& url, std::function<void(std::optional<QByteArray>)> then) override;
 
  private:
+    using Then = std::function<void(std::optional<QByteArray>)>;
+
+    /// `time` is what is left of it, `redirects` how many more may be followed.
+    void fetch(const QUrl& url, QDeadlineTimer time, int redirects, Then then);
+
     QByteArray userAgent_;
     std::unique_ptr<QNetworkAccessManager> network_;
 };

@@ -1,6 +1,7 @@
 #include "platform/linux/mpris/BusThread.h"
 
 #include <algorithm>
+#include <atomic>
 #include <thread>
 #include <utility>
 
@@ -59,14 +60,25 @@ void BusThread::run() {
     g_main_context_push_thread_default(context_.get());
     connect();
     while (!isEnding()) g_main_context_iteration(context_.get(), true);
-    disconnect();
     retryTimer_.reset();
-    // Calls that were cancelled still report that, and hold references until then.
+    // Calls that were cancelled still report that, and subscriptions free what they hold; all of it on this thread, and
+    // before the connection is gone.
+    struct End {
+        GMainContext* context;
+        std::atomic<bool> reached;
+    } end{context_.get(), !connection_};
+    const auto reach = [](gpointer data, GObject*) {
+        static_cast<End*>(data)->reached = true;
+        g_main_context_wakeup(static_cast<End*>(data)->context);
+    };
+    if (connection_) g_object_weak_ref(G_OBJECT(connection_.get()), reach, &end);
+    disconnect();
+    while (!end.reached) g_main_context_iteration(context_.get(), true);
     while (g_main_context_iteration(context_.get(), false)) continue;
     g_main_context_pop_thread_default(context_.get());
 }
 
-// Blocks on a bus that does not answer until stop().
+// Blocks for up to half a minute on a bus that does not answer.
 void BusThread::connect() {
     constexpr auto flags = GDBusConnectionFlags(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
                                                 G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
@@ -92,7 +104,7 @@ void BusThread::connectLater() {
 void BusThread::disconnect() {
     if (!connection_) return;
     g_signal_handlers_disconnect_by_data(connection_.get(), this);
-    g_dbus_connection_close(connection_.get(), nullptr, nullptr, nullptr);
+    g_dbus_connection_close_sync(connection_.get(), nullptr, nullptr);
     connection_.reset();
     disconnected();
 }

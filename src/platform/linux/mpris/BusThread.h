@@ -18,7 +18,7 @@ class BusThread : public std::enable_shared_from_this<BusThread> {
 
     /// Starts the thread, which keeps the object alive. Any thread; once.
     void start();
-    /// Ends the thread soon. Any thread.
+    /// Ends the thread soon, or when a bus that does not answer has been given up. Any thread; does not wait.
     void stop();
     /// Runs `job` on the thread, unless that ends before. Any thread.
     void inBackground(std::function<void()> job);

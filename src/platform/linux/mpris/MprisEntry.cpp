@@ -3,14 +3,15 @@
 #include <algorithm>
 #include <memory>
 
+#include "platform/FileUrls.h"
 #include "platform/linux/PlainLine.h"
 #include "platform/linux/mpris/GLib.h"
 
 namespace {
 
-constexpr gsize kMaxText = 4800;            // bytes that are looked at
-constexpr gsize kMaxAddress = 8 << 10;      // bytes
-constexpr gsize kMaxDataAddress = 2 << 20;  // a cover of 1.5 MiB in base64
+constexpr gsize kMaxText = 4800;              // bytes that are looked at
+constexpr gsize kMaxAddress = 8 << 10;        // bytes
+constexpr gsize kMaxDataAddress = 512 << 10;  // a cover of 384 KiB in base64
 constexpr gsize kMaxNames = 8;
 
 QString textOf(GVariant* value) {
@@ -44,7 +45,7 @@ QUrl addressIn(GVariant* metadata, const char* key) {
     const QByteArray bytes = QByteArray::fromRawData(text, qsizetype(size));
     if (size > (bytes.startsWith("data:") ? kMaxDataAddress : kMaxAddress)) return {};
     // Some players give a bare path.
-    return bytes.startsWith('/') ? QUrl::fromLocalFile(QString::fromUtf8(bytes)) : QUrl::fromEncoded(bytes);
+    return bytes.startsWith('/') ? fileUrl(bytes) : QUrl::fromEncoded(bytes);
 }
 
 MprisEntry::Status statusNamed(const QString& name) {

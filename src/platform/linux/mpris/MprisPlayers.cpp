@@ -4,6 +4,7 @@
 #include <tuple>
 #include <utility>
 
+#include "platform/linux/PlainLine.h"
 #include "platform/linux/mpris/MediaApplications.h"
 
 using namespace Qt::StringLiterals;
@@ -15,7 +16,7 @@ using Status = MprisEntry::Status;
 /// What it plays, in one line: "name — artist". Nameless tracks go by their file, or by their player.
 QString lineFor(const MprisEntry& entry) {
     QString name = entry.title;
-    if (name.isEmpty()) name = entry.address.fileName();
+    if (name.isEmpty()) name = plainLine(entry.address.fileName());
     if (name.isEmpty()) name = entry.service.section(u'.', 3, 3);
     return entry.artist.isEmpty() ? name : name + u" — "_s + entry.artist;
 }
@@ -40,11 +41,9 @@ Players::Track trackOf(const MprisEntry& entry) {
     return {lineFor(entry), entry.cover};
 }
 
-QString withoutEnding(const QString& title, const QStringList& endings) {
-    for (const QString& ending : endings) {
-        if (title.endsWith(ending)) return title.chopped(ending.size());
-    }
-    return title;
+/// Whether the window's title says what this paused track is called. Short names stand in many titles.
+bool isAbout(const QString& title, const QString& track) {
+    return track.size() > 3 ? title.contains(track) : title.startsWith(track);
 }
 
 }  // namespace
@@ -121,8 +120,8 @@ void MprisPlayers::tabs(const QString& browser, std::function<void(std::optional
     const auto add = [&known, playing, paused, then = std::move(then)](const QStringList& titles) {
         QList<Track> all = playing;
         for (const QString& title : titles) {
-            const auto names = [&title](const QString& track) { return title.contains(track); };
-            if (std::ranges::none_of(paused, names)) all.append({withoutEnding(title, known.endings), {}, false});
+            const auto names = [&title](const QString& track) { return isAbout(title, track); };
+            if (std::ranges::none_of(paused, names)) all.append({tabTitle(title, known), {}, false});
         }
         then(all);
     };

@@ -10,6 +10,7 @@ namespace {
 // Milliseconds. Some players tell the parts of a track one by one.
 constexpr int kSettle = 15;
 constexpr int kReportPause = 200;
+constexpr int kListAgain = 2000;
 constexpr size_t kMaxPlayers = 128;
 
 constexpr const char* kNamespace = "org.mpris.MediaPlayer2";
@@ -18,7 +19,7 @@ constexpr const char* kPath = "/org/mpris/MediaPlayer2";
 constexpr const char* kProperties = "org.freedesktop.DBus.Properties";
 constexpr const char* kBus = "org.freedesktop.DBus";
 
-/// One that only repeats what another player says is none.
+/// One that only repeats what another player says is not a player.
 bool isPlayer(const QByteArray& service) {
     return service.startsWith("org.mpris.MediaPlayer2.") && service != "org.mpris.MediaPlayer2.playerctld";
 }
@@ -63,14 +64,20 @@ void MprisWatch::list() {
     const Peer bus{kBus, "/org/freedesktop/DBus", kBus};
     call(bus, "ListNames", nullptr, [this, bus](GVariant* answer) {
         const GVariantPtr names = firstOf(answer, "(as)");
-        if (!names) return;
-        for (const QByteArray& service : textsIn(names.get())) {
-            if (!isPlayer(service)) continue;
+        if (!names) return listLater();
+        auto services = textsIn(names.get());
+        std::erase_if(services, [](const QByteArray& service) { return !isPlayer(service); });
+        services.resize(std::min(services.size(), kMaxPlayers));
+        for (const QByteArray& service : services) {
             call(bus, "GetNameOwner", g_variant_new("(s)", service.constData()), [this, service](GVariant* reply) {
                 if (const auto owner = firstOf(reply, "(s)")) add(service, g_variant_get_string(owner.get(), nullptr));
             });
         }
     });
+}
+
+void MprisWatch::listLater() {
+    listTimer_ = later(kListAgain, [this] { list(); });
 }
 
 void MprisWatch::ownerChanged(GVariant* parameters) {
@@ -79,6 +86,8 @@ void MprisWatch::ownerChanged(GVariant* parameters) {
     const QByteArray &service = texts[0], &owner = texts[2];
     if (!isPlayer(service)) return;
     const QString name = QString::fromUtf8(service);
+    // One that found no room may have it now.
+    if (players_.size() >= kMaxPlayers) listLater();
     if (std::erase_if(players_, [&](const Player& player) { return player.entry.service == name; })) changed();
     if (!owner.isEmpty()) add(service, owner);
 }
@@ -91,8 +100,12 @@ void MprisWatch::add(const QByteArray& service, const QByteArray& owner) {
     entry.application = applicationOfPlayer(name, {}, {}).name;
     players_.push_back({owner, entry});
     changed();
-    askIdentity(players_.back());
-    askState(players_.back());
+    ask(players_.back());
+}
+
+void MprisWatch::ask(Player& player) {
+    if (!player.isIdentified) askIdentity(player);
+    askState(player);
 }
 
 MprisWatch::Player* MprisWatch::find(const QString& service, const QByteArray& owner) {
@@ -108,6 +121,7 @@ void MprisWatch::askIdentity(const Player& player) {
              Player* known = find(service, owner);
              const auto told = firstOf(answer, "(a{sv})");
              if (!known || !told) return;
+             known->isIdentified = true;
              MprisEntry entry = known->entry;
              const QString desktopEntry = plainText(told.get(), "DesktopEntry");
              entry.application = applicationOfPlayer(service, desktopEntry, plainText(told.get(), "Identity")).name;
@@ -125,6 +139,8 @@ void MprisWatch::askState(const Player& player) {
              entry.answers = told != nullptr;
              if (told) readPlayer(told.get(), entry);
              setEntry(*known, entry);
+             // It was too slow to say what it is.
+             if (told && !known->isIdentified) askIdentity(*known);
          });
 }
 
@@ -185,6 +201,6 @@ void MprisWatch::seek(const QString& service, qint64 microseconds) {
 
 void MprisWatch::askAgain(const QString& service) {
     inBackground([this, service] {
-        if (const Player* player = find(service)) askState(*player);
+        if (Player* player = find(service)) ask(*player);
     });
 }

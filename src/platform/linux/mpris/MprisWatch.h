@@ -30,16 +30,19 @@ class MprisWatch : public BusThread {
     struct Player {
         QByteArray owner;  // its unique name on the bus
         MprisEntry entry;
+        bool isIdentified = false;  // has said what it is
     };
 
     void connected() override;
     void disconnected() override;
     void list();
+    void listLater();
     void ownerChanged(GVariant* parameters);
     void propertiesChanged(const char* sender, GVariant* parameters);
     void add(const QByteArray& service, const QByteArray& owner);
     /// The player with this bus name; if it is given, only with this owner.
     Player* find(const QString& service, const QByteArray& owner = {});
+    void ask(Player& player);
     void askIdentity(const Player& player);
     void askState(const Player& player);
     void tellLater(const QString& service, const char* method, std::function<GVariant*()> arguments);
@@ -50,6 +53,6 @@ class MprisWatch : public BusThread {
     Report report_;
     std::vector<Player> players_;
     quint64 tracksStarted_ = 0;
-    Timer reportTimer_;
+    Timer reportTimer_, listTimer_;
     bool hasChanged_ = false;  // since the last report
 };

@@ -9,7 +9,9 @@
 
 namespace {
 
-constexpr double kWheelPoints = 10;  // for a step
+// An increment of the axis stands for so many points of the fingers' way, whatever its unit is: the scroll distance of
+// the libinput driver, in all versions.
+constexpr double kPointsPerIncrement = 15;
 
 double number(const xcb_input_fp3232_t& value) {
     return value.integral + std::ldexp(double(value.frac), -32);
@@ -28,6 +30,10 @@ QSet<uint16_t> touchpads(X11Connection& connection) {
 }
 
 }  // namespace
+
+double touchpadPointsPerUnit(double increment) {
+    return kPointsPerIncrement / increment;
+}
 
 std::optional<double> rawValuator(const xcb_input_raw_button_press_event_t& event, int valuator) {
     const auto* mask = xcb_input_raw_button_press_valuator_mask(&event);
@@ -49,7 +55,8 @@ SmoothScroll::SmoothScroll(std::shared_ptr<X11Connection> connection, std::funct
         if (code(event) != XCB_GE_GENERIC || as<xcb_ge_generic_event_t>(event).extension != opcode) return;
         const auto& raw = as<xcb_input_raw_button_press_event_t>(event);  // of the same form as raw motion
         const auto axis = axes_.constFind(raw.deviceid);
-        if (raw.event_type != XCB_INPUT_RAW_MOTION || axis == axes_.constEnd()) return;
+        const bool isEmulated = raw.flags & XCB_INPUT_POINTER_EVENT_FLAGS_POINTER_EMULATED;
+        if (raw.event_type != XCB_INPUT_RAW_MOTION || isEmulated || axis == axes_.constEnd()) return;
         // Positive is down.
         if (const auto units = rawValuator(raw, axis->number)) scrolled(-*units * axis->pointsPerUnit);
     };
@@ -68,16 +75,14 @@ void SmoothScroll::findDevices() {
     const auto pads = touchpads(*connection_);
     auto device = xcb_input_xi_query_device_infos_iterator(devices.get());
     for (; device.rem > 0; xcb_input_xi_device_info_next(&device)) {
-        if (device.data->type != XCB_INPUT_DEVICE_TYPE_SLAVE_POINTER) continue;
+        if (!pads.contains(device.data->deviceid)) continue;
         auto one = xcb_input_xi_device_info_classes_iterator(device.data);
         for (; one.rem > 0; xcb_input_device_class_next(&one)) {
             if (one.data->type != XCB_INPUT_DEVICE_CLASS_TYPE_SCROLL) continue;
             const auto& scroll = reinterpret_cast<const xcb_input_scroll_class_t&>(*one.data);
-            // Also 0 on devices that have no such axis after all.
-            const double step = std::abs(number(scroll.increment));
-            if (scroll.scroll_type != XCB_INPUT_SCROLL_TYPE_VERTICAL || step == 0) continue;
-            const uint16_t id = device.data->deviceid;
-            axes_.insert(id, {scroll.number, pads.contains(id) ? 1 : kWheelPoints / number(scroll.increment)});
+            const double increment = number(scroll.increment);
+            if (scroll.scroll_type == XCB_INPUT_SCROLL_TYPE_VERTICAL && increment != 0)
+                axes_.insert(device.data->deviceid, {scroll.number, touchpadPointsPerUnit(increment)});
         }
     }
 }

@@ -62,13 +62,7 @@ void X11EventMonitors::handle(const xcb_generic_event_t& event) {
     if (code(event) == XCB_MAPPING_NOTIFY) {
         if (as<xcb_mapping_notify_event_t>(event).request == XCB_MAPPING_POINTER) readButtonMap();
     } else if (code(event) == XCB_GE_GENERIC && as<xcb_ge_generic_event_t>(event).extension == inputOpcode_) {
-        const auto& raw = as<xcb_input_raw_button_press_event_t>(event);
-        if (raw.event_type == XCB_INPUT_RAW_BUTTON_PRESS) {
-            const int button = buttonMap_[raw.detail & 0xff];
-            const bool isWheel = button >= kWheelUp && button <= kLastWheel;
-            isWheel ? wheelTurned(button, raw.flags & XCB_INPUT_POINTER_EVENT_FLAGS_POINTER_EMULATED) : pressed(button);
-        }
-        if (raw.event_type == XCB_INPUT_RAW_BUTTON_RELEASE) released(buttonMap_[raw.detail & 0xff]);
+        buttonChanged(as<xcb_input_raw_button_press_event_t>(event));
     } else if (code(event) == keyboardEvent_) {
         const auto& state = as<xcb_xkb_state_notify_event_t>(event);
         const bool locked = state.lockedMods & XCB_MOD_MASK_LOCK;
@@ -87,9 +81,18 @@ void X11EventMonitors::wantScroll(bool wanted) {
     });
 }
 
-// An emulated press repeats what the wheel has told as smooth scrolling.
-void X11EventMonitors::wheelTurned(int button, bool isEmulated) {
-    if (!smoothScroll_ || isEmulated || !onScroll) return;
+void X11EventMonitors::buttonChanged(const xcb_input_raw_button_press_event_t& raw) {
+    const int button = buttonMap_[raw.detail & 0xff];
+    const bool isPress = raw.event_type == XCB_INPUT_RAW_BUTTON_PRESS;
+    if (!isPress && raw.event_type != XCB_INPUT_RAW_BUTTON_RELEASE) return;
+    if (button < kWheelUp || button > kLastWheel)
+        isPress ? pressed(button) : released(button);
+    else if (isPress)
+        wheelTurned(button, raw.sourceid, raw.flags & XCB_INPUT_POINTER_EVENT_FLAGS_POINTER_EMULATED);
+}
+
+void X11EventMonitors::wheelTurned(int button, uint16_t device, bool isEmulated) {
+    if (!smoothScroll_ || !onScroll || (isEmulated && smoothScroll_->watches(device))) return;
     if (button == kWheelUp) onScroll(pointerLocation(), kWheelPoints);
     if (button == kWheelDown) onScroll(pointerLocation(), -kWheelPoints);
 }

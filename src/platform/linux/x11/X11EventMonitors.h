@@ -24,8 +24,9 @@ class X11EventMonitors : public EventMonitors {
  private:
     void watchKeyboard();
     void handle(const xcb_generic_event_t& event);
+    void buttonChanged(const xcb_input_raw_button_press_event_t& raw);
     void pressed(int button);
-    void wheelTurned(int button, bool isEmulated);
+    void wheelTurned(int button, uint16_t device, bool isEmulated);
     void released(int button);
     void moved(const PointerSampler::Sample& sample);
     void pointerAt(QPointF pointer);

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "platform/linux/x11/CompositorWatch.h"
+
 namespace {
 
 // As in XF86keysym.h.
@@ -22,6 +24,8 @@ uint32_t symbolOf(MediaKeys::Key key) {
 }  // namespace
 
 bool XTestKeys::isTrusted(const QString&) const {
+    // There the keys would reach X clients only.
+    if (isXWayland(*connection_)) return false;
     return connection_->extension(xcb_test_id) && codeOf(Key::playPause) != 0;
 }
 
