@@ -19,7 +19,7 @@
 
 namespace {
 
-#ifdef __SANITIZE_ADDRESS__
+#ifdef GLIMMET_SANITIZED
 constexpr bool kIsSanitized = true;
 #else
 constexpr bool kIsSanitized = false;
