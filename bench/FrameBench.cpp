@@ -38,7 +38,7 @@ class Panel {
 
     CreatureFixture f;
     MemoryIcons icons;
-    ViewPorts ports{icons, {}, {}, {}, {}, {}, false};
+    ViewPorts ports{icons, {}, {}, {}, {}, {}, {}, false};
     RootView root{f.m, ports, f.clock, f.loop, [] { return 0.5; }};
 
  private:

@@ -28,7 +28,7 @@ class Players {
 
     virtual bool isRunning(const QString& application) const = 0;
     /// What the player is playing; with an empty title if nothing, absent if it does not answer.
-    virtual std::optional<Track> track(const QString& player) = 0;
+    virtual std::optional<Track> track(const QString& player) const = 0;
     /// Calls `then` later with the tabs of a browser; absent if they cannot be told.
     virtual void tabs(const QString& browser, std::function<void(std::optional<QList<Track>>)> then) = 0;
     /// What a player or browser has paused and could resume; absent if there is no such thing.

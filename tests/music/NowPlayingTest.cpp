@@ -109,7 +109,7 @@ TEST(NowPlaying, PollsWaitForOneAnother) {
 }
 
 TEST(NowPlaying, WhatPausesUnderThePointerStaysUntilItLeaves) {
-    for (const QString source : {"Music", "Safari"}) {
+    for (const QString source : {"Music", "Arc"}) {
         MusicFixture f;
         const auto play = [&](const QString& title) {
             isBrowser(source) ? f.open(source, {title + " - Deezer"}) : f.play(source, title);
@@ -124,7 +124,7 @@ TEST(NowPlaying, WhatPausesUnderThePointerStaysUntilItLeaves) {
         f.music.startMusicWatch();
         play("A");
         f.m.hovering = true;
-        f.open("Arc", {"Other - Deezer"});
+        f.open("Safari", {"Other - Deezer"});
         pause("A");
         f.pass(20);
         EXPECT_EQ(f.shown(), source + ": A") << "nothing else takes its place";

@@ -14,7 +14,7 @@ class MemoryPlayers : public Players {
  public:
     void watch(bool on) override { watching = on; }
     bool isRunning(const QString& application) const override { return running.contains(application); }
-    std::optional<Track> track(const QString& player) override {
+    std::optional<Track> track(const QString& player) const override {
         asked.append(player);
         return tracks.value(player);
     }
@@ -38,7 +38,8 @@ class MemoryPlayers : public Players {
     QSet<QString> running;
     QHash<QString, std::optional<Track>> tracks, resumable;
     QHash<QString, std::optional<QList<Track>>> open;
-    QStringList asked, told;
+    mutable QStringList asked;
+    QStringList told;
     QList<std::function<void()>> waiting;
 };
 

@@ -12,10 +12,9 @@ bool isUnseen(QChar c) {
 }  // namespace
 
 QString plainLine(const QString& text) {
-    // Blanks first, some of which are control characters.
+    // Blanks first, some of which are control characters; and those again between which something was.
     QString line = text.left(4 * kMaxLength).simplified();
-    line.removeIf(isUnseen);
-    line.truncate(kMaxLength);
+    line = line.removeIf(isUnseen).simplified().left(kMaxLength);
     if (line.size() == kMaxLength && line.back().isHighSurrogate()) line.chop(1);
     return line;
 }

@@ -66,7 +66,6 @@ void QtHttp::get(const QUrl& url, Then then) {
 
 void QtHttp::fetch(const QUrl& url, QDeadlineTimer time, int redirects, Then then) {
     QNetworkReply* reply = network_->get(requestFor(url, userAgent_));
-    reply->setReadBufferSize(kMaxBytes + 1);
     // For the request as a whole, however many bytes it drips.
     QTimer::singleShot(int(time.remainingTime()), reply, &QNetworkReply::abort);
     // Nobody needs the body of a redirect, which may be endless.

@@ -89,12 +89,11 @@ bool MprisPlayers::isRunning(const QString& application) const {
     return currentOf(application) || (titles_ && titles_->isOpen(mediaApplication(application).classes));
 }
 
-std::optional<Players::Track> MprisPlayers::track(const QString& player) {
+std::optional<Players::Track> MprisPlayers::track(const QString& player) const {
     const MprisEntry* entry = currentOf(player);
     if (!entry) return Track{};
-    if (entry->answers) return entry->status == Status::playing ? Track{lineFor(*entry), entry->cover} : Track{};
-    if (watch_) watch_->askAgain(entry->service);
-    return {};
+    if (!entry->answers) return {};
+    return entry->status == Status::playing ? Track{lineFor(*entry), entry->cover} : Track{};
 }
 
 std::optional<Players::Track> MprisPlayers::paused(const QString& application) const {

@@ -17,7 +17,7 @@ class MprisPlayers : public Players {
 
     void watch(bool on) override;
     bool isRunning(const QString& application) const override;
-    std::optional<Track> track(const QString& player) override;
+    std::optional<Track> track(const QString& player) const override;
     void tabs(const QString& browser, std::function<void(std::optional<QList<Track>>)> then) override;
     std::optional<Track> paused(const QString& application) const override;
     void run(const QString& player, Verb verb) override;

@@ -10,7 +10,7 @@ namespace {
 // Milliseconds. Some players tell the parts of a track one by one.
 constexpr int kSettle = 15;
 constexpr int kReportPause = 200;
-constexpr int kListAgain = 2000;
+constexpr int kFirstPause = 2000, kMaxPause = 60'000;  // before somebody is asked again
 constexpr size_t kMaxPlayers = 128;
 
 constexpr const char* kNamespace = "org.mpris.MediaPlayer2";
@@ -77,7 +77,7 @@ void MprisWatch::list() {
 }
 
 void MprisWatch::listLater() {
-    listTimer_ = later(kListAgain, [this] { list(); });
+    listTimer_ = later(kFirstPause, [this] { list(); });
 }
 
 void MprisWatch::ownerChanged(GVariant* parameters) {
@@ -100,12 +100,22 @@ void MprisWatch::add(const QByteArray& service, const QByteArray& owner) {
     entry.application = applicationOfPlayer(name, {}, {}).name;
     players_.push_back({owner, entry});
     changed();
-    ask(players_.back());
+    askPause_ = kFirstPause;
+    askIdentity(players_.back());
+    askState(players_.back());
 }
 
-void MprisWatch::ask(Player& player) {
-    if (!player.isIdentified) askIdentity(player);
-    askState(player);
+// Those that have not answered: they may have been too slow, or the bus too busy.
+void MprisWatch::askAgainLater() {
+    if (askTimer_) return;
+    askTimer_ = later(askPause_, [this] {
+        askTimer_.reset();
+        askPause_ = std::min(2 * askPause_, kMaxPause);
+        for (const Player& player : players_) {
+            if (!player.isIdentified) askIdentity(player);
+            if (!player.entry.answers) askState(player);
+        }
+    });
 }
 
 MprisWatch::Player* MprisWatch::find(const QString& service, const QByteArray& owner) {
@@ -120,7 +130,8 @@ void MprisWatch::askIdentity(const Player& player) {
          [this, service = player.entry.service, owner = player.owner](GVariant* answer) {
              Player* known = find(service, owner);
              const auto told = firstOf(answer, "(a{sv})");
-             if (!known || !told) return;
+             if (!known) return;
+             if (!told) return askAgainLater();
              known->isIdentified = true;
              MprisEntry entry = known->entry;
              const QString desktopEntry = plainText(told.get(), "DesktopEntry");
@@ -139,8 +150,7 @@ void MprisWatch::askState(const Player& player) {
              entry.answers = told != nullptr;
              if (told) readPlayer(told.get(), entry);
              setEntry(*known, entry);
-             // It was too slow to say what it is.
-             if (told && !known->isIdentified) askIdentity(*known);
+             if (!told) askAgainLater();
          });
 }
 
@@ -197,10 +207,4 @@ void MprisWatch::tell(const QString& service, const char* method) {
 
 void MprisWatch::seek(const QString& service, qint64 microseconds) {
     tellLater(service, "Seek", [=] { return g_variant_new("(x)", gint64(microseconds)); });
-}
-
-void MprisWatch::askAgain(const QString& service) {
-    inBackground([this, service] {
-        if (Player* player = find(service)) ask(*player);
-    });
 }

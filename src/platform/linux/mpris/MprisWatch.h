@@ -23,8 +23,6 @@ class MprisWatch : public BusThread {
     void tell(const QString& service, const char* method);
     /// Calls its Seek method.
     void seek(const QString& service, qint64 microseconds);
-    /// Asks again a player that did not answer.
-    void askAgain(const QString& service);
 
  private:
     struct Player {
@@ -42,8 +40,8 @@ class MprisWatch : public BusThread {
     void add(const QByteArray& service, const QByteArray& owner);
     /// The player with this bus name; if it is given, only with this owner.
     Player* find(const QString& service, const QByteArray& owner = {});
-    void ask(Player& player);
     void askIdentity(const Player& player);
+    void askAgainLater();
     void askState(const Player& player);
     void tellLater(const QString& service, const char* method, std::function<GVariant*()> arguments);
     void setEntry(Player& player, MprisEntry entry);
@@ -53,6 +51,7 @@ class MprisWatch : public BusThread {
     Report report_;
     std::vector<Player> players_;
     quint64 tracksStarted_ = 0;
-    Timer reportTimer_, listTimer_;
+    int askPause_ = 0;  // milliseconds
+    Timer reportTimer_, listTimer_, askTimer_;
     bool hasChanged_ = false;  // since the last report
 };
