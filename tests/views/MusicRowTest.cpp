@@ -50,7 +50,6 @@ TEST(MusicRow, ShowsATrackAndThreeButtons) {
     MusicRowFixture held;
     held.m.bites = QList{Bite::note(u"soup"_s)};
     held.rest();
-    EXPECT_FALSE(held.root.hit({180 + 59, held.kMiddle}).tap == nullptr);
     held.root.hit({180 + 59, held.kMiddle}).tap();
     EXPECT_TRUE(held.musicCommands.isEmpty()) << "the shelf has its place";
 }
@@ -58,7 +57,6 @@ TEST(MusicRow, ShowsATrackAndThreeButtons) {
 TEST(MusicRow, ItsButtonsAnswerAndGlow) {
     MusicRowFixture f;
     for (const double x : f.kButtons) {
-        EXPECT_FALSE(f.root.hit({180 + x, f.kMiddle}).tap == nullptr);
         f.root.hit({180 + x, f.kMiddle}).tap();
         f.root.hit({180 + x, f.kMiddle - 11}).tap();
     }
