@@ -61,7 +61,7 @@ void BusThread::run() {
     connect();
     while (!isEnding()) g_main_context_iteration(context_.get(), true);
     retryTimer_.reset();
-    // Calls that were cancelled still report that, and subscriptions free what they hold; all of it on this thread, and
+    // Calls that were cancelled still report that, and hold references until then; all of it on this thread, and
     // before the connection is gone.
     struct End {
         GMainContext* context;
@@ -111,15 +111,14 @@ void BusThread::disconnect() {
 
 void BusThread::subscribe(const char* interface, const char* signal, const char* path, const char* first,
                           GDBusSignalFlags flags, Received received) {
-    using Receiver = std::pair<BusThread*, Received>;
-    const auto forward = [](GDBusConnection*, const gchar* sender, const gchar*, const gchar*, const gchar*,
+    const auto forward = [](GDBusConnection* connection, const gchar* sender, const gchar*, const gchar*, const gchar*,
                             GVariant* parameters, gpointer data) {
         const auto& [bus, told] = *static_cast<Receiver*>(data);
-        if (bus->connection_ && sender) told(*bus, sender, parameters);
+        if (connection == bus->connection_.get() && sender) told(*bus, sender, parameters);
     };
+    receivers_.push_back({this, received});
     g_dbus_connection_signal_subscribe(connection_.get(), nullptr, interface, signal, path, first, flags, forward,
-                                       new Receiver(this, received),
-                                       [](gpointer data) { delete static_cast<Receiver*>(data); });
+                                       &receivers_.back(), nullptr);
 }
 
 void BusThread::call(const Peer& peer, const char* method, GVariant* arguments,

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <functional>
+#include <list>
 #include <memory>
 
 #include "platform/linux/mpris/GLib.h"
@@ -52,6 +53,10 @@ class BusThread : public std::enable_shared_from_this<BusThread> {
     bool isEnding() const { return g_cancellable_is_cancelled(cancellable_.get()); }
 
  private:
+    struct Receiver {
+        BusThread* bus;
+        Received received;
+    };
     struct ContextUnref {
         void operator()(GMainContext* context) const { g_main_context_unref(context); }
     };
@@ -64,6 +69,7 @@ class BusThread : public std::enable_shared_from_this<BusThread> {
     const std::unique_ptr<GMainContext, ContextUnref> context_{g_main_context_new()};
     const GObjectPtr<GCancellable> cancellable_{g_cancellable_new()};
     GObjectPtr<GDBusConnection> connection_;
-    int retry_ = 0;  // how often the bus was not reached in a row
+    std::list<Receiver> receivers_;  // of all connections so far; they are few
+    int retry_ = 0;                  // how often the bus was not reached in a row
     Timer retryTimer_;
 };
