@@ -1,7 +1,5 @@
 #include "music/NowPlaying.h"
 
-#include <iterator>
-
 #include "music/Applications.h"
 #include "music/TabTitle.h"
 
@@ -47,6 +45,7 @@ void NowPlaying::startMusicWatch() {
 
 void NowPlaying::endPolls() {
     musicTimer_.cancel();
+    artworkDelay_.cancel();
     players_.watch(false);
     polls_.emplace();
     polling_ = false;
@@ -159,7 +158,7 @@ void NowPlaying::applyNowPlaying(const std::optional<Result>& result) {
     }
     model_.musicTrack = track;
     model_.artwork = std::nullopt;
-    if (result) findArtwork(*result);
+    result ? findArtwork(*result) : artworkDelay_.cancel();
 }
 
 // A browser may tell the cover a little later; until then its track's name is sent nowhere.

@@ -36,6 +36,7 @@ TEST(NowPlaying, AChangeShowsAtOnceUntilItIsSwitchedOff) {
     f.change();
     f.pass(60);
     EXPECT_EQ(f.shown(), kNothing) << "not even an answer that was on its way";
+    EXPECT_TRUE(f.http.requests.isEmpty()) << "nor is the catalogue asked for a cover any more";
     EXPECT_FALSE(f.players.watching);
     f.music.startMusicWatch();
     f.change();

@@ -10,8 +10,8 @@
 #include "platform/MainLoop.h"
 #include "platform/linux/x11/X11Connection.h"
 
-/// Which programs have windows, by window class, and what their titles say. Nothing here waits for the X server. Main
-/// thread only.
+/// Which programs have windows, by window class, and what their titles say. The X server's answers are not waited for.
+/// Main thread only.
 class WindowTitles {
  public:
     WindowTitles(std::shared_ptr<X11Connection> connection, MainLoop& loop);
